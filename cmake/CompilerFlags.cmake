@@ -1,0 +1,23 @@
+# Flags that hold for every source. Results are bit-exact by promise, so no multiply-add is
+# contracted and no fast-math flag may appear anywhere.
+add_compile_options(-ffp-contract=off)
+
+set(PTK_WARNING_FLAGS -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wcast-align
+                      -Wdouble-promotion)
+if(PTK_WARNINGS_AS_ERRORS)
+  list(APPEND PTK_WARNING_FLAGS -Werror)
+endif()
+
+if(PTK_SANITIZE STREQUAL "address")
+  add_compile_options(-fsanitize=address,undefined,float-cast-overflow -fno-sanitize-recover=all
+                      -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined,float-cast-overflow)
+elseif(PTK_SANITIZE STREQUAL "memory")
+  add_compile_options(-fsanitize=memory -fsanitize-memory-track-origins=2 -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=memory)
+elseif(PTK_SANITIZE STREQUAL "coverage")
+  add_compile_options(--coverage)
+  add_link_options(--coverage)
+elseif(NOT PTK_SANITIZE STREQUAL "")
+  message(FATAL_ERROR "PTK_SANITIZE is '${PTK_SANITIZE}': use address, memory or coverage")
+endif()

@@ -1,0 +1,93 @@
+# A room is a folder of sources with the tests beside them. Its objects go into the shared library
+# and into the static one that tests and fuzzers link.
+
+# Processor levels that each *_rows.cpp is compiled for, with their flags.
+set(PTK_LEVELS baseline)
+set(PTK_LEVEL_FLAGS_baseline "")
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$")
+  list(APPEND PTK_LEVELS v3 v4)
+  set(PTK_LEVEL_FLAGS_v3 -march=x86-64-v3)
+  set(PTK_LEVEL_FLAGS_v4 -march=x86-64-v4 -mavx512vbmi -mavx512vbmi2 -mprefer-vector-width=512)
+  add_compile_definitions(ZEL_X86_LEVELS=1)
+endif()
+
+# The library itself has no exceptions and no run-time type information.
+function(ptk_library_flags target)
+  target_compile_options(${target} PRIVATE ${PTK_WARNING_FLAGS} -fno-exceptions -fno-rtti
+                                           -fno-semantic-interposition)
+  target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+endfunction()
+
+# ptk_room(name SOURCES ... [ROWS ...] [TESTS ...])
+function(ptk_room name)
+  cmake_parse_arguments(ROOM "" "" "SOURCES;ROWS;TESTS" ${ARGN})
+
+  add_library(room_${name} OBJECT ${ROOM_SOURCES})
+  ptk_library_flags(room_${name})
+  set_property(GLOBAL APPEND PROPERTY PTK_OBJECT_LIBRARIES room_${name})
+
+  if(ROOM_ROWS)
+    foreach(level IN LISTS PTK_LEVELS)
+      set(rows rows_${name}_${level})
+      add_library(${rows} OBJECT ${ROOM_ROWS})
+      ptk_library_flags(${rows})
+      target_compile_definitions(${rows} PRIVATE ZEL_LEVEL=${level} ZEL_LEVEL_${level}=1)
+      target_compile_options(${rows} PRIVATE ${PTK_LEVEL_FLAGS_${level}} $<$<CONFIG:Release>:-O3>)
+      set_property(GLOBAL APPEND PROPERTY PTK_OBJECT_LIBRARIES ${rows})
+      set_property(GLOBAL APPEND PROPERTY PTK_ROW_LIBRARIES ${rows})
+    endforeach()
+  endif()
+
+  if(PTK_BUILD_TESTS AND ROOM_TESTS)
+    ptk_test(${name}_tests ${ROOM_TESTS})
+    if(ROOM_ROWS)
+      # Results are the same at every level, so the same tests pass at each.
+      foreach(level IN LISTS PTK_LEVELS)
+        add_test(NAME ${name}_tests_at_${level} COMMAND ${name}_tests --gtest_brief=1)
+        set_tests_properties(${name}_tests_at_${level} PROPERTIES ENVIRONMENT "ORLUNE_PTK_LEVEL=${level}")
+      endforeach()
+    endif()
+  endif()
+endfunction()
+
+# ptk_test(name sources...): a GoogleTest program over the library's internals, run by ctest.
+function(ptk_test name)
+  add_executable(${name} ${ARGN})
+  target_compile_options(${name} PRIVATE ${PTK_WARNING_FLAGS} $<$<CONFIG:Release>:-O1>)
+  target_link_libraries(${name} PRIVATE ptk_test_support orlune_internal GTest::gtest)
+  add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
+endfunction()
+
+# The shared library that programs link, and the static one with its insides open to tests.
+function(ptk_add_libraries)
+  get_property(objects GLOBAL PROPERTY PTK_OBJECT_LIBRARIES)
+  set(contents)
+  foreach(library IN LISTS objects)
+    list(APPEND contents $<TARGET_OBJECTS:${library}>)
+  endforeach()
+
+  # Everything but the listed exports is local to the library.
+  set(list_file ${PROJECT_SOURCE_DIR}/include/exports.txt)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${list_file})
+  file(STRINGS ${list_file} exports REGEX "^ZEL_")
+  list(JOIN exports ";\n    " export_lines)
+  set(script ${PROJECT_BINARY_DIR}/exports.map)
+  file(CONFIGURE OUTPUT ${script} CONTENT "ORLUNE_PTK_1 {\n  global:\n    @export_lines@;\n  local: *;\n};\n"
+       @ONLY)
+
+  add_library(orlune_ptk SHARED ${contents})
+  add_library(orlune_ptk::orlune_ptk ALIAS orlune_ptk)
+  set_target_properties(orlune_ptk PROPERTIES VERSION ${PROJECT_VERSION}
+                                              SOVERSION ${PROJECT_VERSION_MAJOR}
+                                              LINK_DEPENDS ${script})
+  target_link_options(orlune_ptk PRIVATE -Wl,--version-script=${script} -Wl,-Bsymbolic-functions)
+  if(PTK_SANITIZE STREQUAL "")
+    target_link_options(orlune_ptk PRIVATE -Wl,--no-undefined)
+  endif()
+  target_include_directories(
+    orlune_ptk INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
+                         $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+
+  add_library(orlune_internal STATIC ${contents})
+  target_include_directories(orlune_internal PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+endfunction()

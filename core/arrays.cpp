@@ -1,0 +1,131 @@
+// Conversions between the numeric types of callers' arrays, and of rectangles and lines.
+#include "core/arrays.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "core/numbers.h"
+
+namespace zel {
+namespace {
+
+template <class Source, class Destination>
+void ConvertElements(const void* source, void* destination, int64_t count) {
+  const auto* from = static_cast<const Source*>(source);
+  auto* to = static_cast<Destination*>(destination);
+  for (int64_t i = 0; i < count; i++) {
+    const auto value = static_cast<double>(from[i]);
+    if constexpr (static_cast<Destination>(0.5) == Destination{0}) {
+      to[i] = CutLow<Destination>(value);
+    } else {
+      to[i] = static_cast<Destination>(value);
+    }
+  }
+}
+
+using Converter = void (*)(const void*, void*, int64_t);
+
+// By the code of the destination, in the order of ArrayType; code 5 is unused.
+constexpr int32_t ARRAY_TYPES = 9;
+
+template <class Source>
+constexpr Converter CONVERTERS_FROM[ARRAY_TYPES] = {
+    &ConvertElements<Source, int8_t>,   &ConvertElements<Source, int32_t>,
+    &ConvertElements<Source, int16_t>,  &ConvertElements<Source, float>,
+    &ConvertElements<Source, double>,   nullptr,
+    &ConvertElements<Source, uint16_t>, &ConvertElements<Source, uint32_t>,
+    &ConvertElements<Source, uint8_t>,
+};
+
+constexpr const Converter* CONVERTERS[ARRAY_TYPES] = {
+    CONVERTERS_FROM<int8_t>,   CONVERTERS_FROM<int32_t>,  CONVERTERS_FROM<int16_t>,
+    CONVERTERS_FROM<float>,    CONVERTERS_FROM<double>,   nullptr,
+    CONVERTERS_FROM<uint16_t>, CONVERTERS_FROM<uint32_t>, CONVERTERS_FROM<uint8_t>,
+};
+
+}  // namespace
+
+void RectFromApi(const ApiRect* rect, KernelRect* kernelRect) {
+  if (!rect) {
+    *kernelRect = {0, 0, WHOLE_IMAGE_EXTENT, WHOLE_IMAGE_EXTENT};
+    return;
+  }
+  *kernelRect = {rect->left, rect->top, SumSaturated(rect->left, rect->width),
+                 SumSaturated(rect->top, rect->height)};
+}
+
+void RectToApi(const KernelRect* corners, ApiRect* rect) {
+  if (!corners) {
+    *rect = {0, 0, WHOLE_IMAGE_EXTENT, WHOLE_IMAGE_EXTENT};
+    return;
+  }
+  const auto [left, right] = std::minmax(corners->left, corners->right);
+  const auto [top, bottom] = std::minmax(corners->top, corners->bottom);
+  *rect = {top, left, Clamped(int64_t{bottom} - top, 0, INT32_MAX),
+           Clamped(int64_t{right} - left, 0, INT32_MAX)};
+}
+
+void LineFromPoints(const ApiPoint* start, const ApiPoint* end, KernelLine* line) {
+  line->startX = start ? start->x : 0;
+  line->startY = start ? start->y : 0;
+  line->endX = end ? end->x : WHOLE_IMAGE_EXTENT;
+  line->endY = end ? end->y : WHOLE_IMAGE_EXTENT;
+}
+
+void PointsFromLine(const KernelLine* line, ApiPoint* start, ApiPoint* end) {
+  if (start) *start = line ? ApiPoint{line->startX, line->startY} : ApiPoint{0, 0};
+  if (end) {
+    *end =
+        line ? ApiPoint{line->endX, line->endY} : ApiPoint{WHOLE_IMAGE_EXTENT, WHOLE_IMAGE_EXTENT};
+  }
+}
+
+void RectClip(const PlacedRect& first, const PlacedRect& second, PlacedRect* clipped) {
+  struct Span {
+    int64_t low, high;
+  };
+  const auto clip = [](int64_t low, int64_t size, int64_t low2, int64_t size2) {
+    const int64_t high = low + size;
+    const int64_t high2 = low2 + size2;
+    return Span{low2 >= low && low2 <= high ? low2 : low,
+                high2 >= low && high2 <= high ? high2 : high};
+  };
+  const Span columns = clip(first.x, first.width, second.x, second.width);
+  const Span rows = clip(first.y, first.height, second.y, second.height);
+  *clipped = {Clamped(columns.low, INT32_MIN, INT32_MAX), Clamped(rows.low, INT32_MIN, INT32_MAX),
+              Clamped(columns.high - columns.low, INT32_MIN, INT32_MAX),
+              Clamped(rows.high - rows.low, INT32_MIN, INT32_MAX)};
+}
+
+int32_t ArrayTypeBits(int32_t arrayType, int32_t* bits) {
+  constexpr int32_t bytesByType[ARRAY_TYPES] = {1, 4, 2, 4, 8, 0, 2, 4, 1};
+  const int32_t bytes = arrayType >= 0 && arrayType < ARRAY_TYPES ? bytesByType[arrayType] : 0;
+  if (bits) *bits = bytes * 8;
+  return bytes;
+}
+
+void ArrayConvert(const void* source, int32_t sourceType, void* destination,
+                  int32_t destinationType, int64_t count) {
+  const int32_t sourceBytes = ArrayTypeBits(sourceType, nullptr);
+  if (sourceBytes == 0 || ArrayTypeBits(destinationType, nullptr) == 0 || count < 1) return;
+  if (sourceType == destinationType) {
+    std::memcpy(destination, source, static_cast<size_t>(count) * static_cast<size_t>(sourceBytes));
+    return;
+  }
+  CONVERTERS[sourceType][destinationType](source, destination, count);
+}
+
+int32_t NativeArrayType(int32_t imageType) {
+  switch (imageType) {
+    case IMAGE_U8:
+      return ARRAY_U8;
+    case IMAGE_I16:
+      return ARRAY_I16;
+    case IMAGE_SGL:
+      return ARRAY_SGL;
+    default:
+      return -1;
+  }
+}
+
+}  // namespace zel

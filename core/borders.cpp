@@ -1,0 +1,139 @@
+// The three ways to fill an image's border from its pixels.
+#include <algorithm>
+#include <cstring>
+
+#include "core/images.h"
+
+namespace zel {
+namespace {
+
+// The block of an image as a border routine walks it.
+struct BorderFrame {
+  uint8_t* block;
+  int64_t lineBytes;
+  int64_t border;  // pixels filled on each side
+  int64_t width, height;
+  int64_t leftPad;  // pixels before the first column
+  int32_t pixelBytes;
+
+  uint8_t* Line(int64_t y) const { return block + (y + border) * lineBytes; }
+};
+
+// False when there is nothing to fill: `status` is then the answer.
+bool FrameOf(ImageRef reference, BorderFrame* frame, Status* status) {
+  const Image* image = ImageLookup(reference, status);
+  if (!image) return false;
+  if (image->border == 0) {
+    *status = STATUS_NO_BORDER;
+    return false;
+  }
+  if (image->width == 0 || image->height == 0) return false;
+  if (image->type < IMAGE_U8 || image->type > IMAGE_RGB || image->type == IMAGE_COMPLEX) {
+    *status = STATUS_BAD_LAYOUT_TYPE;
+    return false;
+  }
+  PixelSize(image->type, &frame->pixelBytes);
+  frame->block = VectorData<uint8_t>(image->pixels);
+  frame->lineBytes = int64_t{image->lineWidth} * frame->pixelBytes;
+  frame->border = image->border;
+  frame->width = image->width;
+  frame->height = image->height;
+  return true;
+}
+
+void FrameSetLeftPad(BorderFrame* frame) {
+  const int64_t step = 8 / frame->pixelBytes;
+  frame->leftPad = (frame->border + step - 1) / step * step;
+}
+
+template <class T>
+void ColumnsMirror(const BorderFrame& frame) {
+  for (int64_t y = 0; y < frame.height; y++) {
+    T* row = reinterpret_cast<T*>(frame.Line(y)) + frame.leftPad;
+    for (int64_t k = 0; k < frame.border; k++) {
+      row[-1 - k] = row[k];
+      row[frame.width + k] = row[frame.width - 1 - k];
+    }
+  }
+}
+
+template <class T>
+void ColumnsReplicate(const BorderFrame& frame) {
+  for (int64_t y = 0; y < frame.height; y++) {
+    T* row = reinterpret_cast<T*>(frame.Line(y)) + frame.leftPad;
+    std::fill_n(row - frame.border, frame.border, row[0]);
+    std::fill_n(row + frame.width, frame.border, row[frame.width - 1]);
+  }
+}
+
+void ColumnsZero(const BorderFrame& frame) {
+  const size_t sideBytes = static_cast<size_t>(frame.border * frame.pixelBytes);
+  for (int64_t y = 0; y < frame.height; y++) {
+    uint8_t* row = frame.Line(y) + frame.leftPad * frame.pixelBytes;
+    std::memset(row - sideBytes, 0, sideBytes);
+    std::memset(row + frame.width * frame.pixelBytes, 0, sideBytes);
+  }
+}
+
+void LineCopy(const BorderFrame& frame, int64_t from, int64_t to) {
+  std::memcpy(frame.Line(to), frame.Line(from), static_cast<size_t>(frame.lineBytes));
+}
+
+}  // namespace
+
+Status BorderMirror(ImageRef reference) {
+  Status status = STATUS_OK;
+  BorderFrame frame{};
+  if (!FrameOf(reference, &frame, &status)) return status;
+  if (frame.width < frame.border || frame.height < frame.border) {
+    // An image smaller than its border is mirrored as far as it reaches, and addressed as if that
+    // were its border: the pixels so filled are not those next to the image.
+    frame.border = std::min(frame.width, frame.height);
+  }
+  FrameSetLeftPad(&frame);
+  if (frame.pixelBytes == 1) {
+    ColumnsMirror<uint8_t>(frame);
+  } else if (frame.pixelBytes == 2) {
+    ColumnsMirror<uint16_t>(frame);
+  } else {
+    ColumnsMirror<uint32_t>(frame);
+  }
+  for (int64_t k = 0; k < frame.border; k++) {
+    LineCopy(frame, k, -1 - k);
+    LineCopy(frame, frame.height - 1 - k, frame.height + k);
+  }
+  return STATUS_OK;
+}
+
+Status BorderReplicate(ImageRef reference) {
+  Status status = STATUS_OK;
+  BorderFrame frame{};
+  if (!FrameOf(reference, &frame, &status)) return status;
+  FrameSetLeftPad(&frame);
+  if (frame.pixelBytes == 1) {
+    ColumnsReplicate<uint8_t>(frame);
+  } else if (frame.pixelBytes == 2) {
+    ColumnsReplicate<uint16_t>(frame);
+  } else {
+    ColumnsReplicate<uint32_t>(frame);
+  }
+  for (int64_t k = 0; k < frame.border; k++) {
+    LineCopy(frame, 0, -1 - k);
+    LineCopy(frame, frame.height - 1, frame.height + k);
+  }
+  return STATUS_OK;
+}
+
+Status BorderZero(ImageRef reference) {
+  Status status = STATUS_OK;
+  BorderFrame frame{};
+  if (!FrameOf(reference, &frame, &status)) return status;
+  FrameSetLeftPad(&frame);
+  ColumnsZero(frame);
+  const size_t bandBytes = static_cast<size_t>(frame.border * frame.lineBytes);
+  std::memset(frame.Line(-frame.border), 0, bandBytes);
+  std::memset(frame.Line(frame.height), 0, bandBytes);
+  return STATUS_OK;
+}
+
+}  // namespace zel

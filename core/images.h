@@ -1,0 +1,130 @@
+// Image objects: records behind references, the layout of pixels in their blocks, copying,
+// masks placed on images, and borders.
+#pragma once
+
+#include <cstdint>
+
+#include "core/handles.h"
+#include "core/status.h"
+#include "orlune_ptk.h"
+
+namespace zel {
+
+struct Image {
+  int16_t unit;     // calibration unit code, kept and handed back only
+  float xStep;      // real-world width of one pixel
+  float yStep;      // real-world height of one pixel
+  int16_t type;     // ImageType
+  int32_t width;    // pixels a row, without border
+  int32_t height;   // rows, without border
+  int32_t offsetX;  // where this image lies on another one when it serves as a mask
+  int32_t offsetY;
+  int32_t border;      // pixels of border on each of the four sides
+  int32_t lineWidth;   // pixels from one row to the next
+  Handle pixels;       // of kind HANDLE_IMAGE_PIXELS
+  Handle attachments;  // vector of Attachment, or 0
+  uint32_t reserved;
+  int32_t opaqueSize;   // IMAGE_OPAQUE: bytes of the block
+  int32_t opaqueType;   // IMAGE_OPAQUE: the type that gives the bytes a pixel
+  uint32_t keepMemory;  // non-zero: a block that is big enough stays when the image is resized
+};
+
+struct Attachment {
+  uint32_t flags;  // ATTACHMENT_STAYS or 0
+  Handle handle;
+};
+constexpr uint32_t ATTACHMENT_STAYS = 4;  // the entry is not copied to another image
+
+// Deep copies of a list's entries, put behind those of another list. Entries that stay with their
+// image are appended empty.
+Status AttachmentsAppendCopies(Handle from, Handle to);
+// Frees a list with its blocks. With flaggedOnly, blocks of entries without flags are left for
+// the shutdown.
+void AttachmentsFree(Handle list, bool flaggedOnly);
+
+// The part of an image that a mask placed at its offsets covers. An empty one has a width or
+// height below 1.
+struct OverlapRect {
+  int32_t imageX, imageY;  // first pixel in the image
+  int32_t maskX, maskY;    // the matching pixel in the mask
+  int32_t width, height;
+};
+
+// 1 when the reference names an image, and then its record's handle and its row.
+int32_t ImageEntryFind(ImageRef reference, Handle* record, int32_t* row);
+Status ImageEntryNew(ImageRef* reference, bool temporary);
+
+Status ImageLookup(ImageRef reference, Image** image);  // STATUS_BAD_IMAGE
+// The same for kernels that go on only while their status is good: null after a failure.
+Image* ImageLookup(ImageRef reference, Status* status);
+
+// Makes an image like the template's record, or makes the named image over. A reference of 0 asks
+// for a temporary image; one that names nothing for a caller's.
+Status ImageCreateLike(ImageRef* reference, const Image& like);
+Status ImageDestroy(ImageRef reference);
+
+// Sizes below 1 give a 0 x 0 image. Bytes keep their place in the block, so a new width leaves the
+// pixels scrambled: a caller writes them. On failure the image stays as it was.
+Status ImageSetSize(ImageRef reference, int32_t width, int32_t height);
+Status ImageLayoutSize(Image* image, int32_t width, int32_t height, bool keep);
+
+Status PixelSize(int32_t type, int32_t* bytes);
+Status ImagePixelAddress(ImageRef reference, int32_t x, int32_t y, void** address);
+
+// Exchanges what two references name; rows and flags stay.
+Status ImageSwap(ImageRef a, ImageRef b);
+// True also when either reference is unknown: look references up before asking.
+bool ImageSame(ImageRef a, ImageRef b);
+inline bool ImageIsNull(ImageRef a) {
+  return a == 0;
+}
+inline Status ImageRefAssign(ImageRef a, ImageRef* reference) {
+  *reference = a;
+  return STATUS_OK;
+}
+
+// Everything: type, border, calibration and pixels with border and padding.
+Status ImageClone(ImageRef source, ImageRef destination);
+// Size and pixels; the destination keeps its border and record. Types must be the same.
+Status ImageCopyPixels(ImageRef source, ImageRef destination);
+// Calibration, mask offset and attachments: what every derived image takes from its source.
+Status ImageCopyInfo(ImageRef source, ImageRef destination);
+
+Status ImageClearAll(ImageRef reference);  // the whole block
+// The first (height + 2 border) x (width + 2 border) bytes of a U8 block, whatever the row pitch;
+// for other types that many pixels from the start of each line. Null clears the whole block.
+Status ImageFillAll(ImageRef reference, const void* pixel);
+
+Status MaskOverlap(ImageRef image, ImageRef mask, OverlapRect* overlap);
+
+// Fill the border. STATUS_NO_BORDER for an image without one; an empty image is left alone.
+Status BorderMirror(ImageRef reference);
+Status BorderReplicate(ImageRef reference);
+Status BorderZero(ImageRef reference);
+
+inline Status ImageLock(ImageRef) {
+  return STATUS_OK;
+}
+inline Status ImageUnlock(ImageRef) {
+  return STATUS_OK;
+}
+
+// The pixels of an image as rows of bytes: what row loops walk. Of a U8, I16, SGL, complex or RGB
+// image only; valid until the image is resized.
+struct PixelGrid {
+  uint8_t* origin;  // pixel (0, 0)
+  int64_t pitch;    // bytes from one row to the next
+  int32_t width, height;
+
+  template <class T>
+  T* Row(int64_t y) const {
+    return reinterpret_cast<T*>(origin + y * pitch);
+  }
+  template <class T>
+  T* At(int64_t x, int64_t y) const {
+    return Row<T>(y) + x;
+  }
+};
+PixelGrid PixelGridOf(const Image& image);
+
+}  // namespace zel

@@ -1,0 +1,216 @@
+/* orlune_ptk: machine vision and image processing with a plain C interface.
+ *
+ * How to read this header
+ *
+ * Results. Unless a function says otherwise it returns 0 on success and a negative failure number.
+ * The number is also kept for ZEL_GetLastError and, unless ZEL_SetErrorMode chose silence, shown in
+ * a message box ("Orlune Error"; on a machine without a desktop, standard error). Failure numbers
+ * that any function can return: -200 for an image reference that names no image, -101 when there is
+ * no memory or a size would pass 2^31 - 1 bytes, -3009 for NULL where a pointer is required. The
+ * others are listed with each function. A failing call leaves the caller's outputs as they were.
+ *
+ * Images. A caller holds an ImageRef from ZEL_Create until ZEL_Dispose; 0 is no image. Every image
+ * has a type, a size that functions set as they need, and a border of extra pixels around it that
+ * neighbourhood functions read. Rows start on 8-byte boundaries.
+ *
+ * Destinations. A destination of 0, or equal to the source, means that the result replaces the
+ * source. Any other destination is resized to the source's size and takes its calibration and mask
+ * offset; its own border keeps its size and its pixels, unless the function says otherwise.
+ *
+ * Masks. A mask is an IMAGE_U8 image whose non-zero pixels select. It lies on the image at its own
+ * offset (ZEL_SetImageOffset); pixels that it does not cover are not selected. A mask of 0, or
+ * equal to the image, is no mask.
+ *
+ * Coordinates are pixels; x counts columns from the left and y rows from the top, both from 0.
+ *
+ * Result tables. Where a function takes the address of a pointer, that pointer holds NULL or a
+ * block from ZEL_malloc on entry. The function resizes the block, stores its address back (NULL for
+ * no records) and the caller releases it with ZEL_free.
+ *
+ * Threads. The library keeps process-wide state without locks: one thread at a time may be inside.
+ */
+#ifndef ORLUNE_PTK_H
+#define ORLUNE_PTK_H
+
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+#if defined(__GNUC__)
+#pragma GCC visibility push(default)
+#endif
+
+/* ======================================================================================== types */
+
+typedef uint32_t ImageRef; /* 0 is no image */
+typedef uint32_t RGBValue; /* 0x00RRGGBB; bytes in memory: blue, green, red, fourth */
+
+typedef struct ApiRect {
+  int32_t top, left, height, width;
+} ApiRect;
+
+typedef struct ApiPoint {
+  int32_t x, y;
+} ApiPoint;
+
+/* Sides of a rectangle that means "the whole image": rectangles are clipped to the image. */
+#define WHOLE_IMAGE_EXTENT 32767
+
+typedef enum ImageType {
+  IMAGE_U8 = 0,      /* unsigned 8-bit */
+  IMAGE_I16 = 1,     /* signed 16-bit */
+  IMAGE_SGL = 2,     /* 32-bit float */
+  IMAGE_COMPLEX = 3, /* two 32-bit floats, real then imaginary */
+  IMAGE_RGB = 4,     /* blue, green, red and an unused byte, in address order */
+  IMAGE_OPAQUE = 5   /* a block of bytes that no function computes on */
+} ImageType;
+
+/* Numeric types of callers' arrays. Code 5 is unused. Between types, values go through a 64-bit
+ * float; an integer takes the low bits of the value cut toward zero, without saturation. */
+typedef enum ArrayType {
+  ARRAY_I8 = 0,
+  ARRAY_I32 = 1,
+  ARRAY_I16 = 2,
+  ARRAY_SGL = 3,
+  ARRAY_DBL = 4,
+  ARRAY_U16 = 6,
+  ARRAY_U32 = 7,
+  ARRAY_U8 = 8
+} ArrayType;
+
+/* ======================================================================================= memory */
+
+/* The heap that every block handed to callers comes from. NULL when there is no memory. Nothing
+ * is reported. ZEL_free takes NULL. */
+void* ZEL_malloc(uint32_t size);                 /* size in bytes; contents undefined */
+void* ZEL_calloc(uint32_t count, uint32_t size); /* count x size bytes of 0 */
+void* ZEL_realloc(void* block, uint32_t size);   /* keeps contents up to the smaller size */
+void ZEL_free(void* block);
+
+/* ======================================================================================= images */
+
+/* What ZEL_GetImageInfo tells of an image. */
+typedef struct ImageInfo {
+  int32_t width;      /* pixels */
+  int32_t height;     /* rows */
+  int32_t type;       /* ImageType */
+  int32_t pixelBytes; /* bytes a pixel */
+  int32_t lineWidth;  /* pixels from one row to the next */
+  int32_t lineBytes;  /* bytes from one row to the next */
+  int32_t border;     /* pixels of border on each side */
+  int32_t totalBytes; /* bytes of the pixel block, border included */
+  int32_t offsetX;    /* where the image lies when it is used as a mask */
+  int32_t offsetY;
+  int32_t unit;     /* the caller's calibration unit code */
+  float xStep;      /* width of a pixel in that unit */
+  float yStep;      /* height of a pixel in that unit */
+  void* firstPixel; /* pixel (0, 0); valid until the image is resized or replaced */
+} ImageInfo;
+
+/* Makes the library's tables ready. Not required: the first call of any function does it. */
+int32_t ZEL_InitSys(void);
+
+/* Disposes of all images and frees all memory of the library, except blocks that callers own.
+ * Later calls start over; references from before are never used again. Reported as "ZEL_InitSys".
+ */
+int32_t ZEL_CloseSys(void);
+
+/* Makes an image of 0 x 0 pixels with calibration steps of 1.0, unit 0 and offset 0.
+ * image:  variable for the reference. If it holds the reference of a live image, that image is made
+ *         over and keeps its reference; anything else makes a new image. After a failed creation it
+ *         may hold the reference of an unusable image, which ZEL_Dispose takes, or 0xFFFFFFFF.
+ * type:   an ImageType; -300 for any other number (the image then exists, with that type).
+ * border: pixels on each side, 0 or more; -308 below 0 (nothing is made). Neighbourhood functions
+ *         state the border that they need; most are served by 1 to 3.
+ * Failures: -300, -308, -101, -102. */
+int32_t ZEL_Create(ImageRef* image, int16_t type, int32_t border);
+
+/* Disposes of an image. Its reference is never used again. Failures: -200. */
+int32_t ZEL_Dispose(ImageRef image);
+
+/* Fills a record about an image. Unlike all other functions it returns the POSITIVE number after a
+ * failure: 200 (info untouched); 300 for an image without pixel addresses (firstPixel is NULL, all
+ * else is filled); 3009. */
+int32_t ZEL_GetImageInfo(ImageRef image, ImageInfo* info);
+
+/* Resizes an image of any type. A width or height below 1 gives 0 x 0. Unless the size stays the
+ * same, the pixels are undefined afterwards, border included. Failures: -200, -300, -101 (the image
+ * is unchanged). */
+int32_t ZEL_SetImageSize(ImageRef image, int32_t width, int32_t height);
+
+/* Stores the calibration of an image of any type: a unit code, of which the low 16 bits are kept
+ * and which has no meaning to the library, and the width and height of a pixel in that unit.
+ * Any float is taken. Failures: -200. */
+int32_t ZEL_SetImageCalibration(ImageRef image, int32_t unit, float xStep, float yStep);
+
+/* Stores where the image lies on another one when it serves as a mask: its pixel (0, 0) covers
+ * pixel (x, y) there. Negative offsets are allowed. Failures: -200; -301 for a type outside 0 to 5.
+ */
+int32_t ZEL_SetImageOffset(ImageRef image, int32_t x, int32_t y);
+
+/* Walks the images: writes how many there are to count, and the reference of number index, from 0,
+ * to image. Returns 0 for an image that a caller made, 2 for one that came out of a function
+ * working through a temporary image, 1 when there is no such number (image untouched). NULL outputs
+ * are skipped. Reports nothing. */
+int32_t ZEL_GetImageReference(int32_t index, ImageRef* image, int32_t* count);
+
+/* The address of a pixel of the image or its border: x from -border up to and without
+ * width + border, y likewise. Valid until the image is resized or replaced by a result.
+ * Failures: -200; -300 for IMAGE_OPAQUE; -1001 outside the image and its border. */
+int32_t ZEL_GetPixelAddress(ImageRef image, int32_t x, int32_t y, void** address);
+
+/* ======================================================================================= errors */
+
+/* Reports a failure the way the library's own functions do.
+ * procedure: name of the failing function, zero-terminated, of which 255 bytes are kept; NULL keeps
+ *            the name reported before.
+ * status:    0 does nothing and clears nothing; any other number is reported by its absolute value.
+ * Returns 0, or the status made negative. */
+int32_t ZEL_ProcessError(const char* procedure, int32_t status);
+
+/* mode: above 0 is silent (1); any other value shows a message box for every failure (0, the mode
+ * at the start). Always returns 0. */
+int32_t ZEL_SetErrorMode(int32_t mode);
+
+/* The error mode, 0 or 1. */
+int32_t ZEL_GetErrorMode(void);
+
+/* The last failure number (negative), then 0 until the next failure. procedure: NULL, or 256 bytes
+ * that receive the name reported with it, an empty text when there is none. */
+int32_t ZEL_GetLastError(char* procedure);
+
+/* ================================================================ pixels, lines and whole arrays
+ */
+
+/* ==================================================================== arithmetic and logic
+ * operators */
+
+/* =================================================================================== casts */
+
+/* =================================================================================== thresholds */
+
+/* =================================================================================== lookups */
+
+/* =================================================================== histogram and quantification
+ */
+
+/* ============================================================================= particle labelling
+ */
+
+/* =========================================================================== particle measurement
+ */
+
+/* =========================================================================================== files
+ */
+
+#if defined(__GNUC__)
+#pragma GCC visibility pop
+#endif
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,15 @@
+#!/bin/sh
+# Row routines are compiled once for each processor level. An object of theirs may define nothing
+# that the linker could merge with, or take for, the code of another level: no weak symbols, and
+# external ones only in the level's own namespace.
+# usage: row_object_symbols.sh OBJECT...
+set -eu
+status=0
+for object in "$@"; do
+  bad=$(nm --defined-only "$object" | awk '$2 ~ /[WwVvu]/ || ($2 ~ /[A-Z]/ && $3 !~ /^_ZN3zel(8baseline|2v3|2v4)/)')
+  if [ -n "$bad" ]; then
+    printf '%s defines:\n%s\n' "$object" "$bad"
+    status=1
+  fi
+done
+exit $status
