@@ -191,10 +191,42 @@ int32_t ZEL_GetLastError(char* procedure);
 
 /* =================================================================================== thresholds */
 
-/* =================================================================================== lookups */
-
-/* =================================================================== histogram and quantification
+/* ===================================================================== histogram and
+ * quantification
  */
+
+/* What ZEL_Histogram tells of the pixels that it counted. Without any, all fields are 0, except an
+ * interval of 1.0 for the 256 levels of IMAGE_U8. */
+typedef struct HistogramReport {
+  float min;         /* smallest counted value */
+  float max;         /* largest counted value */
+  float start;       /* lower bound of the first class, as used */
+  float interval;    /* width of a class; 1e38 for a single class */
+  float mean;        /* of the counted values */
+  float stdDev;      /* standard deviation; 0 where rounding would make its square negative */
+  uint32_t nbPixels; /* counted pixels */
+} HistogramReport;
+
+/* Counts the pixels of an image by classes of equal width over a range of values.
+ * image:     IMAGE_U8, IMAGE_I16 or IMAGE_SGL.
+ * mask:      only pixels that it selects are counted. 0 or the image: all pixels.
+ * nbClasses: limited to 1..4096, for IMAGE_U8 to 1..256.
+ * min, max:  the range, both ends included; pixels outside it are not counted. Cut toward zero for
+ *            the integer types. IMAGE_U8: a min below 1 is 0, and a max of 0 or above 255 is 255.
+ *            IMAGE_I16: both 0 mean the extremes of the selected pixels; else the range is limited
+ *            to the type's. IMAGE_SGL: both 0 mean the extremes. A max below min counts nothing.
+ *            NaN is 0 for the integer types and counts nothing for IMAGE_SGL.
+ * histogram: array of nbClasses counters (of the limited number, which may be less, all are
+ *            written), or NULL.
+ * report:    NULL, or receives the statistics. Written on success only.
+ * A value v falls into the class nearest to (v - min) x scale + (scale - 1) / 2, an exact half into
+ * the lower one, where scale is nbClasses / (max - min + 1.0), for floats too.
+ * Failures: -200; -301 for another image type or a mask that is not IMAGE_U8; -102 for a histogram
+ * with nbClasses below 1. */
+int32_t ZEL_Histogram(ImageRef image, ImageRef mask, int32_t nbClasses, float min, float max,
+                      uint32_t* histogram, HistogramReport* report);
+
+/* =================================================================================== lookups */
 
 /* ============================================================================= particle labelling
  */
