@@ -1,0 +1,192 @@
+// Which parts lie where, on what, under which light.
+#include "scenes/scenes.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include "scenes/random.h"
+
+namespace scenes {
+namespace {
+
+constexpr double GAP = 9.0;     // free room between parts that are apart, pixels
+constexpr double MARGIN = 8.0;  // and to the picture's edge
+
+// Throws parts on the tray until they lie apart.
+class Layout {
+ public:
+  Layout(const Setup& setup, uint64_t seed) : setup_(setup), random_(seed) {}
+
+  Random& random() { return random_; }
+
+  // Puts the part somewhere free, turned at random, as a group of its own.
+  void Drop(Part part) {
+    for (int attempt = 0; attempt < 2000; ++attempt) {
+      const double room = Reach(part) + MARGIN;
+      part.centre = {random_.Between(room, setup_.width - room),
+                     random_.Between(room, setup_.height - room)};
+      part.angle = random_.Between(0, 2 * std::numbers::pi);
+      part.group = groups_;
+      if (!Free(part)) continue;
+      parts_.push_back(part);
+      ++groups_;
+      return;
+    }
+  }
+
+  // Puts the part against the last one, so that the two touch over a neck of several pixels.
+  void Lean(Part part) {
+    const Part anchor = parts_.back();
+    for (int attempt = 0; attempt < 400; ++attempt) {
+      const double direction = random_.Between(0, 2 * std::numbers::pi);
+      part.angle = random_.Between(0, 2 * std::numbers::pi);
+      part.group = anchor.group;
+      const auto place = [&](double distance) {
+        part.centre = {anchor.centre.x + distance * std::cos(direction),
+                       anchor.centre.y + distance * std::sin(direction)};
+      };
+      double low = 0, high = Reach(anchor) + Reach(part) + 4;
+      for (int step = 0; step < 20; ++step) {
+        const double middle = (low + high) / 2;
+        place(middle);
+        (Gap(anchor, part) > -1.5 ? high : low) = middle;
+      }
+      place(low);
+      const double room = Reach(part) + MARGIN;
+      const bool inside = part.centre.x >= room && part.centre.x <= setup_.width - room &&
+                          part.centre.y >= room && part.centre.y <= setup_.height - room;
+      if (!inside || !Free(part)) continue;
+      parts_.push_back(part);
+      return;
+    }
+  }
+
+  std::vector<Part> Take() { return std::move(parts_); }
+
+ private:
+  bool Free(const Part& part) const {
+    return std::all_of(parts_.begin(), parts_.end(), [&](const Part& other) {
+      return other.group == part.group || Gap(part, other) >= GAP;
+    });
+  }
+
+  const Setup& setup_;
+  Random random_;
+  std::vector<Part> parts_;
+  int groups_ = 0;
+};
+
+Part WasherOf(double outer, double inner) {
+  return {.shape = Shape::Washer, .centre = {}, .length = outer, .width = inner};
+}
+Part NutOf(double flat, double hole) {
+  return {.shape = Shape::Nut, .centre = {}, .length = flat, .width = hole};
+}
+Part PinOf(double length, double radius, double head) {
+  return {.shape = Shape::Pin, .centre = {}, .length = length / 2, .width = radius, .detail = head};
+}
+Part ChipOf(double length, double width, double hole) {
+  return {
+      .shape = Shape::Chip, .centre = {}, .length = length / 2, .width = width / 2, .detail = hole};
+}
+
+}  // namespace
+
+Scene Washers() {
+  Scene scene;
+  scene.name = "washers";
+  scene.subject = "dark washers on a bright tray, two of them touching";
+  scene.file = "washers.bmp";
+  scene.darkParts = true;
+  scene.setup = {
+      .width = 640,
+      .height = 480,
+      .seed = 11,
+      .tray = {.level = 0.84, .shading = 0.17, .texture = 0.016, .mottle = 0.014, .shadow = 0.2},
+      .material = {.level = 0.24, .relief = 0.12, .gloss = 0.17, .grain = 0.016},
+      .camera = {.blur = 0.9, .noise = 0.011, .bits = 8}};
+  Layout layout(scene.setup, 5);
+  layout.Drop(WasherOf(54, 25));
+  layout.Drop(WasherOf(54, 25));
+  layout.Lean(WasherOf(40, 19));
+  for (int i = 0; i < 4; ++i) layout.Drop(WasherOf(40, 19));
+  for (int i = 0; i < 5; ++i) layout.Drop(WasherOf(27, 12));
+  scene.parts = layout.Take();
+  return scene;
+}
+
+Scene Pins() {
+  Scene scene;
+  scene.name = "pins";
+  scene.subject = "bright pins with and without heads on a dark tray";
+  scene.file = "pins.tif";
+  scene.setup = {
+      .width = 801,
+      .height = 601,
+      .seed = 23,
+      .tray = {.level = 0.17, .shading = 0.4, .texture = 0.012, .mottle = 0.012, .shadow = 0.45},
+      .material = {.level = 0.66, .relief = 0.2, .gloss = 0.3, .grain = 0.02},
+      .camera = {.blur = 0.8, .noise = 0.014, .bits = 8}};
+  Layout layout(scene.setup, 9);
+  for (int i = 0; i < 9; ++i) layout.Drop(PinOf(120, 5.5, 10.5));
+  for (int i = 0; i < 8; ++i) layout.Drop(PinOf(86, 7, 0));
+  layout.Drop(PinOf(120, 5.5, 10.5));
+  layout.Lean(PinOf(86, 7, 0));
+  scene.parts = layout.Take();
+  return scene;
+}
+
+Scene Chips() {
+  Scene scene;
+  scene.name = "chips";
+  scene.subject = "ceramic chips, some with a hole, on a dark tray; 12 bits in 16-bit pixels";
+  scene.file = "chips.tif";
+  scene.setup = {
+      .width = 800,
+      .height = 600,
+      .seed = 31,
+      .tray = {.level = 0.21, .shading = 0.35, .texture = 0.01, .mottle = 0.02, .shadow = 0.5},
+      .material = {.level = 0.58, .relief = 0.13, .gloss = 0.27, .grain = 0.03},
+      .camera = {.blur = 1.0, .noise = 0.009, .bits = 12}};
+  Layout layout(scene.setup, 17);
+  for (int i = 0; i < 7; ++i) layout.Drop(ChipOf(92, 46, 0));
+  for (int i = 0; i < 5; ++i) layout.Drop(ChipOf(70, 56, 12));
+  for (int i = 0; i < 8; ++i) layout.Drop(ChipOf(48, 25, 0));
+  scene.parts = layout.Take();
+  return scene;
+}
+
+Scene Mixed() {
+  Scene scene;
+  scene.name = "mixed";
+  scene.subject = "washers, nuts, pins and chips together, with touching ones";
+  scene.file = "mixed.orln";
+  scene.setup = {
+      .width = 1024,
+      .height = 768,
+      .seed = 47,
+      .tray = {.level = 0.19, .shading = 0.4, .texture = 0.014, .mottle = 0.018, .shadow = 0.45},
+      .material = {.level = 0.62, .relief = 0.16, .gloss = 0.26, .grain = 0.02},
+      .camera = {.blur = 0.9, .noise = 0.013, .bits = 8}};
+  Layout layout(scene.setup, 3);
+  layout.Drop(WasherOf(62, 30));
+  layout.Lean(NutOf(32, 19));
+  layout.Drop(NutOf(40, 23));
+  layout.Lean(PinOf(130, 7, 0));
+  for (int i = 0; i < 4; ++i) layout.Drop(WasherOf(46, 21));
+  for (int i = 0; i < 4; ++i) layout.Drop(NutOf(40, 23));
+  for (int i = 0; i < 5; ++i) layout.Drop(PinOf(140, 7, 13));
+  for (int i = 0; i < 4; ++i) layout.Drop(ChipOf(100, 52, 0));
+  for (int i = 0; i < 3; ++i) layout.Drop(ChipOf(70, 56, 12));
+  for (int i = 0; i < 4; ++i) layout.Drop(WasherOf(25, 11));
+  for (int i = 0; i < 4; ++i) layout.Drop(ChipOf(48, 25, 0));
+  scene.parts = layout.Take();
+  return scene;
+}
+
+std::vector<Scene> AllScenes() {
+  return {Washers(), Pins(), Chips(), Mixed()};
+}
+
+}  // namespace scenes

@@ -1,0 +1,46 @@
+#!/bin/sh
+# Installs what the build needs on Debian 12, and says what it installs. Does nothing when all is
+# there. With --benchmarks also what the benchmarks compare with.
+# usage: setup.sh [--benchmarks] [--check-tools]
+set -eu
+
+needed="g++ cmake ninja-build pkgconf libgtest-dev libcli11-dev"
+for argument in "$@"; do
+  case $argument in
+    --benchmarks) needed="$needed libbenchmark-dev libopencv-core-dev libopencv-imgproc-dev libopencv-imgcodecs-dev" ;;
+    --check-tools) needed="$needed clang-format clang-tidy" ;;
+    *)
+      echo "usage: setup.sh [--benchmarks] [--check-tools]" >&2
+      exit 2
+      ;;
+  esac
+done
+
+if ! command -v dpkg-query >/dev/null; then
+  echo "setup: this is no Debian system. Please see that these are there: $needed (or their likes)."
+  exit 0
+fi
+
+missing=""
+for package in $needed; do
+  state=$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null || true)
+  [ "$state" = installed ] || missing="$missing $package"
+done
+if [ -z "$missing" ]; then
+  echo "setup: all packages are there"
+  exit 0
+fi
+
+as_root=""
+if [ "$(id -u)" -ne 0 ]; then
+  if ! command -v sudo >/dev/null; then
+    echo "setup: these packages are missing, and there is no sudo. As root, run:" >&2
+    echo "  apt-get update && apt-get install --yes --no-install-recommends$missing" >&2
+    exit 1
+  fi
+  as_root=sudo
+fi
+echo "setup: installing$missing"
+$as_root apt-get update -q
+# shellcheck disable=SC2086 # the names are words of their own
+$as_root env DEBIAN_FRONTEND=noninteractive apt-get install -q --yes --no-install-recommends $missing
