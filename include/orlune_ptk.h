@@ -187,6 +187,57 @@ int32_t ZEL_GetLastError(char* procedure);
 /* ==================================================================== arithmetic and logic
  * operators */
 
+/* Operators combine two images, or an image and a constant, pixel by pixel.
+ *
+ * first:       IMAGE_U8, IMAGE_I16 or IMAGE_SGL for arithmetic and comparison; IMAGE_U8, IMAGE_I16
+ *              or IMAGE_RGB for bitwise operators.
+ * second:      an image of first's size, or 0 to use the constant. In arithmetic and comparison its
+ *              type may be narrower than first's (U8 < I16 < SGL) and is widened; ZEL_Add and
+ *              ZEL_Multiply also take the wider image second. Bitwise operators need equal types.
+ * destination: 0 replaces first. Its type must be that of the result, which is the wider operand's.
+ *              It is resized to the operands' size and takes first's calibration and mask offset.
+ *              It may be either operand. Borders are neither read nor written.
+ * constant:    ignored when there is a second image, except by ZEL_MulDiv. Integer images use it
+ *              cut toward zero and limited to 32 bits where a function says "cut constant".
+ *
+ * When exactly one of the two images is empty (0 x 0), the other is copied to the destination,
+ * which must have its type (-303), and nothing is computed.
+ *
+ * Integer results are cut toward zero and limited to the type's range (0 to 255, -32768 to 32767)
+ * unless stated otherwise; float results are rounded once. Dividing by 0 never fails.
+ *
+ * Failures of all of them: -200; -302 a type of first that the function does not take; -305 a
+ * second image or a destination of an unsuitable type; -306 different sizes; -300 IMAGE_OPAQUE;
+ * -303. */
+
+/* first + second, or first + the cut constant (floats: the constant). */
+int32_t ZEL_Add(ImageRef first, ImageRef second, ImageRef destination, float constant);
+
+/* first - second, or first - the cut constant (floats: the constant). second may not be of a wider
+ * type than first. Reported as "ZEL_Substract". */
+int32_t ZEL_Subtract(ImageRef first, ImageRef second, ImageRef destination, float constant);
+
+/* first x second, or first x constant. IMAGE_U8 takes the absolute value of the constant, but on
+ * processors with MMX this holds for the last width modulo 4 columns only (for all columns when
+ * there are fewer than 8): the others take the cut constant, 255 in place of a negative or larger
+ * one. */
+int32_t ZEL_Multiply(ImageRef first, ImageRef second, ImageRef destination, float constant);
+
+/* first / second, or first / constant. A divisor pixel or constant of 0 leaves first. IMAGE_U8
+ * takes the absolute value of the constant. */
+int32_t ZEL_Divide(ImageRef first, ImageRef second, ImageRef destination, float constant);
+
+/* The remainder of first / second, with the sign of first; first where second is 0. With a
+ * constant: IMAGE_U8 divides by the low 8 bits of the cut constant's absolute value, IMAGE_I16 by
+ * the cut constant, IMAGE_SGL by the constant; 1 stands in for 0. Floats: a - (a / b cut) x b. */
+int32_t ZEL_Modulo(ImageRef first, ImageRef second, ImageRef destination, float constant);
+
+/* first x constant / second; first where second is 0. second may not be of a wider type than first,
+ * and not 0 (-202). IMAGE_U8 takes the absolute value of the constant. IMAGE_I16 with a second of
+ * IMAGE_U8 multiplies by the cut constant in integers and keeps the low 16 bits of the quotient,
+ * not limited. */
+int32_t ZEL_MulDiv(ImageRef first, ImageRef second, ImageRef destination, float constant);
+
 /* =================================================================================== casts */
 
 /* =================================================================================== thresholds */

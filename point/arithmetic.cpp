@@ -1,0 +1,204 @@
+// Addition, subtraction, multiplication, division, modulo, and multiplication with division.
+#include <algorithm>
+#include <cmath>
+
+#include "core/processor.h"
+#include "point/arithmetic_rows.h"
+#include "point/operands.h"
+
+namespace zel {
+namespace {
+
+// Columns of the U8 product with a constant that come in groups; they see the constant otherwise
+// than the remaining columns do. A row shorter than two groups has none.
+constexpr int64_t GROUP = 4;
+
+int64_t GroupedColumns(const Plane& plane) {
+  return MmxAvailable() != 0 && plane.width > 2 * GROUP - 1 ? plane.width & ~(GROUP - 1) : 0;
+}
+
+// Sums with a constant: the pixel is limited so that the sum can't leave the type's range. A
+// constant beyond the span of the range gives the limit for every pixel.
+void AddConstantRun(int32_t type, int64_t constant, Plane* plane) {
+  const int32_t least = type == IMAGE_U8 ? 0 : INT16_MIN;
+  const int32_t most = type == IMAGE_U8 ? UINT8_MAX : INT16_MAX;
+  const int32_t value = Clamped(constant, least - most, most - least);
+  plane->constant.value = value;
+  plane->constant.low = std::max(least, least - value);
+  plane->constant.high = std::min(most, most - value);
+  PlaneRun(arithmeticRows().addConstant[type], *plane);
+}
+
+// Grouped columns of U8 take the cut constant, read as an unsigned number of at most 255; the
+// remaining ones its absolute value as it is.
+void MultiplyConstantRun(const RowOperation& operation, Plane* plane) {
+  const ArithmeticRows& rows = arithmeticRows();
+  const auto factor = static_cast<double>(operation.constantFloat);
+  if (operation.type1 == IMAGE_I16) {
+    plane->constant.factor = factor;
+    PlaneRun(rows.scale[IMAGE_I16], *plane);
+    return;
+  }
+  plane->constant.factor = std::fabs(factor);
+  plane->constant.value =
+      static_cast<int32_t>(std::min(static_cast<uint32_t>(operation.constantInt), 255u));
+  const int64_t grouped = GroupedColumns(*plane);
+  PlaneRun(rows.multiplyByte, PlaneColumns(*plane, 0, grouped));
+  const Plane rest = PlaneColumns(*plane, grouped, plane->width);
+  if (rest.width < GROUP) {
+    PlaneRun(rows.scale[IMAGE_U8], rest);
+  } else {
+    PlaneRunByTable(rows.scale[IMAGE_U8], rest);
+  }
+}
+
+// Division by a constant is a product with a reciprocal that is a little too large: whole quotients
+// come out no smaller than they are, and no other quotient of a 16-bit pixel and a 24-bit divisor
+// is so near to the next whole number that it would reach it.
+void DivideConstantRun(const RowOperation& operation, Plane* plane) {
+  const ArithmeticRows& rows = arithmeticRows();
+  const auto constant = static_cast<double>(operation.constantFloat);
+  const double divisor = constant == 0.0 ? 1.0 : constant;
+  const double reciprocal = (1.0 + 1.0 / 35184372088832.0) / divisor;
+  if (operation.type1 == IMAGE_I16) {
+    plane->constant.factor = reciprocal;
+    PlaneRun(rows.scale[IMAGE_I16], *plane);
+  } else {
+    plane->constant.factor = std::fabs(reciprocal);
+    PlaneRunByTable(rows.scale[IMAGE_U8], *plane);
+  }
+}
+
+void ModuloConstantRun(const RowOperation& operation, Plane* plane) {
+  const ArithmeticRows& rows = arithmeticRows();
+  const int64_t constant = operation.constantInt;
+  const int64_t divisor = constant < 0 ? -constant : constant;
+  if (operation.type1 == IMAGE_I16) {
+    // The sign of the divisor doesn't matter; one above every pixel leaves the pixels.
+    plane->constant.value = Clamped(divisor, 1, INT16_MAX + 2);
+    PlaneRun(rows.moduloConstant[IMAGE_I16], *plane);
+  } else {
+    plane->constant.value = std::max(static_cast<int32_t>(divisor & 0xFF), 1);
+    PlaneRunByTable(rows.moduloConstant[IMAGE_U8], *plane);
+  }
+}
+
+void FloatConstantRun(const RowOperation& operation, ArithmeticOperation arithmetic, Plane* plane) {
+  const float constant = operation.constantFloat;
+  const bool divides = arithmetic == ARITHMETIC_DIVIDE || arithmetic == ARITHMETIC_MODULO;
+  plane->constant.real = divides && constant == 0.0f ? 1.0f : constant;
+  PlaneRun(arithmeticRows().floatConstant[arithmetic], *plane);
+}
+
+void ConstantRun(const RowOperation& operation, ArithmeticOperation arithmetic, Plane* plane) {
+  if (operation.type1 == IMAGE_SGL) {
+    FloatConstantRun(operation, arithmetic, plane);
+    return;
+  }
+  switch (arithmetic) {
+    case ARITHMETIC_ADD:
+      AddConstantRun(operation.type1, operation.constantInt, plane);
+      break;
+    case ARITHMETIC_SUBTRACT:
+      AddConstantRun(operation.type1, -int64_t{operation.constantInt}, plane);
+      break;
+    case ARITHMETIC_MULTIPLY:
+      MultiplyConstantRun(operation, plane);
+      break;
+    case ARITHMETIC_DIVIDE:
+      DivideConstantRun(operation, plane);
+      break;
+    default:
+      ModuloConstantRun(operation, plane);
+      break;
+  }
+}
+
+// There is no form of it without a second image.
+void MulDivKernel(ImageRef first, ImageRef second, ImageRef destination, const float* constant,
+                  Status* status) {
+  if (second != 0) {
+    OperatorKernel(first, second, destination, OPERATION_MULDIV, false, constant,
+                   &ArithmeticDispatch, status);
+    return;
+  }
+  bool swapAllowed = false;
+  bool isImage = false;
+  bool skip = false;
+  OperandPrepare(first, second, destination, &swapAllowed, &isImage, &skip, status);
+  if (*status == STATUS_OK) *status = STATUS_SECOND_IMAGE_MISSING;
+}
+
+}  // namespace
+
+void ArithmeticDispatch(const RowOperation& operation, Status* status) {
+  if (operation.code < OPERATION_ADD || operation.code > OPERATION_MULDIV) {
+    *status = STATUS_INTERNAL;
+    return;
+  }
+  const auto arithmetic = static_cast<ArithmeticOperation>((operation.code - OPERATION_ADD) / 2);
+  const bool hasConstant = operation.code % 2 != 0;
+  RowOperation checked = operation;
+  if (hasConstant) checked.type2 = operation.type1;
+  *status = ScalarPairCheck(checked.type1, checked.type2);
+  if (*status != STATUS_OK || checked.width < 1 || checked.height < 1) return;
+
+  Plane plane = PlaneOf(checked);
+  if (hasConstant) {
+    plane.second = plane.first;
+    plane.secondPitch = plane.firstPitch;
+    ConstantRun(checked, arithmetic, &plane);
+    return;
+  }
+  if (arithmetic == ARITHMETIC_MULDIV) {
+    const auto factor = static_cast<double>(checked.constantFloat);
+    plane.constant.factor = checked.type1 == IMAGE_U8 ? std::fabs(factor) : factor;
+    plane.constant.value = checked.constantInt;
+  }
+  const int32_t pair = ScalarPair(checked.type1, checked.type2);
+  PlaneRun(arithmeticRows().images[arithmetic].byPair[pair], plane);
+}
+
+}  // namespace zel
+
+int32_t ZEL_Add(ImageRef first, ImageRef second, ImageRef destination, float constant) {
+  zel::Status status = zel::STATUS_OK;
+  zel::OperatorKernel(first, second, destination, zel::OPERATION_ADD, true, &constant,
+                      &zel::ArithmeticDispatch, &status);
+  return ZEL_ProcessError("ZEL_Add", status);
+}
+
+// The misspelt name is what programs in the field look for.
+int32_t ZEL_Subtract(ImageRef first, ImageRef second, ImageRef destination, float constant) {
+  zel::Status status = zel::STATUS_OK;
+  zel::OperatorKernel(first, second, destination, zel::OPERATION_SUBTRACT, false, &constant,
+                      &zel::ArithmeticDispatch, &status);
+  return ZEL_ProcessError("ZEL_Substract", status);
+}
+
+int32_t ZEL_Multiply(ImageRef first, ImageRef second, ImageRef destination, float constant) {
+  zel::Status status = zel::STATUS_OK;
+  zel::OperatorKernel(first, second, destination, zel::OPERATION_MULTIPLY, true, &constant,
+                      &zel::ArithmeticDispatch, &status);
+  return ZEL_ProcessError("ZEL_Multiply", status);
+}
+
+int32_t ZEL_Divide(ImageRef first, ImageRef second, ImageRef destination, float constant) {
+  zel::Status status = zel::STATUS_OK;
+  zel::OperatorKernel(first, second, destination, zel::OPERATION_DIVIDE, false, &constant,
+                      &zel::ArithmeticDispatch, &status);
+  return ZEL_ProcessError("ZEL_Divide", status);
+}
+
+int32_t ZEL_Modulo(ImageRef first, ImageRef second, ImageRef destination, float constant) {
+  zel::Status status = zel::STATUS_OK;
+  zel::OperatorKernel(first, second, destination, zel::OPERATION_MODULO, false, &constant,
+                      &zel::ArithmeticDispatch, &status);
+  return ZEL_ProcessError("ZEL_Modulo", status);
+}
+
+int32_t ZEL_MulDiv(ImageRef first, ImageRef second, ImageRef destination, float constant) {
+  zel::Status status = zel::STATUS_OK;
+  zel::MulDivKernel(first, second, destination, &constant, &status);
+  return ZEL_ProcessError("ZEL_MulDiv", status);
+}

@@ -1,0 +1,230 @@
+// Row routines of arithmetic: the rule for one pixel of each operation, and their table.
+#include "point/arithmetic_rows.h"
+
+#include <cmath>
+#include <cstdint>
+
+namespace zel::ZEL_LEVEL {
+namespace {
+
+// Saturating sums are written as "limit the first operand, then add", which needs no wider type:
+// vectors of 8 and 16 bits stay vectors of 8 and 16 bits.
+
+ZEL_INLINE int16_t Wrapped16(int32_t value) {
+  return static_cast<int16_t>(static_cast<uint16_t>(value));
+}
+
+template <class T>
+ZEL_INLINE T Smaller(T a, T b) {
+  return a < b ? a : b;
+}
+
+template <class T>
+ZEL_INLINE T Larger(T a, T b) {
+  return a > b ? a : b;
+}
+
+// Limited, then cut toward zero; NaN counts as 0.
+template <class T>
+ZEL_INLINE T CutTo(double value) {
+  constexpr double low = sizeof(T) == 1 ? 0.0 : -32768.0;
+  constexpr double high = sizeof(T) == 1 ? 255.0 : 32767.0;
+  value = value == value ? value : 0.0;
+  value = value > low ? value : low;
+  value = value < high ? value : high;
+  return static_cast<T>(static_cast<int32_t>(value));
+}
+
+struct Add {
+  ZEL_INLINE uint8_t operator()(uint8_t a, uint8_t b) const {
+    const auto most = static_cast<uint8_t>(255 - b);
+    return static_cast<uint8_t>(Smaller(a, most) + b);
+  }
+  ZEL_INLINE int16_t operator()(int16_t a, int16_t b) const {
+    const auto least = static_cast<int16_t>(INT16_MIN - Smaller<int16_t>(a, 0));
+    const auto most = static_cast<int16_t>(INT16_MAX - Larger<int16_t>(a, 0));
+    return static_cast<int16_t>(a + Smaller(Larger(b, least), most));
+  }
+  ZEL_INLINE float operator()(float a, float b) const { return a + b; }
+};
+
+struct Subtract {
+  ZEL_INLINE uint8_t operator()(uint8_t a, uint8_t b) const {
+    return static_cast<uint8_t>(Larger(a, b) - b);
+  }
+  ZEL_INLINE int16_t operator()(int16_t a, int16_t b) const {
+    const auto least = static_cast<int16_t>(Larger<int16_t>(a, -1) - INT16_MAX);
+    const auto most = static_cast<int16_t>(Smaller<int16_t>(a, -1) - INT16_MIN);
+    return static_cast<int16_t>(a - Smaller(Larger(b, least), most));
+  }
+  ZEL_INLINE float operator()(float a, float b) const { return a - b; }
+};
+
+struct Multiply {
+  ZEL_INLINE uint8_t operator()(uint8_t a, uint8_t b) const {
+    const auto product = static_cast<uint16_t>(static_cast<uint16_t>(a) * b);
+    return static_cast<uint8_t>(Smaller<uint16_t>(product, 255));
+  }
+  ZEL_INLINE int16_t operator()(int16_t a, int16_t b) const {
+    const int32_t product = int32_t{a} * b;
+    return static_cast<int16_t>(Smaller(Larger(product, INT16_MIN), INT16_MAX));
+  }
+  ZEL_INLINE float operator()(float a, float b) const { return a * b; }
+};
+
+// A divisor of 0 leaves the first operand: it divides as 1. Quotients of 8 and 16 bits cut in
+// single precision are those of integers.
+struct Divide {
+  template <class T>
+  ZEL_INLINE int32_t Quotient(T a, T b) const {
+    const auto divisor = static_cast<float>(b == 0 ? T{1} : b);
+    return static_cast<int32_t>(static_cast<float>(a) / divisor);
+  }
+  ZEL_INLINE uint8_t operator()(uint8_t a, uint8_t b) const {
+    return static_cast<uint8_t>(Quotient(a, b));
+  }
+  ZEL_INLINE int16_t operator()(int16_t a, int16_t b) const {
+    return static_cast<int16_t>(Smaller<int32_t>(Quotient(a, b), INT16_MAX));
+  }
+  ZEL_INLINE float operator()(float a, float b) const { return a / (b == 0.0f ? 1.0f : b); }
+};
+
+// With a divisor of 0 the quotient doesn't matter, as it is multiplied by 0.
+struct Modulo {
+  template <class T>
+  ZEL_INLINE T operator()(T a, T b) const {
+    return static_cast<T>(a - Divide().Quotient(a, b) * b);
+  }
+  ZEL_INLINE float operator()(float a, float b) const {
+    const double dividend = static_cast<double>(a);
+    const double divisor = static_cast<double>(b);
+    const double rest = dividend - std::trunc(dividend / divisor) * divisor;
+    return b == 0.0f ? a : static_cast<float>(rest);
+  }
+};
+
+template <class First, class Second, class Rule>
+void Images(const Plane& plane) {
+  ForPixelPairs<First, Second, First>(
+      plane, [](First a, Second b) { return Rule()(a, static_cast<First>(b)); });
+}
+
+// first x factor / second, limited and cut. The product is exact in 64-bit floats, and a quotient
+// below a whole number is never rounded up to it, so cutting the product first changes nothing.
+void MulDivBytes(const Plane& plane) {
+  const double factor = plane.constant.factor;
+  ForPixelPairs<uint8_t, uint8_t, uint8_t>(plane, [=](uint8_t a, uint8_t b) {
+    double product = static_cast<double>(a) * factor;
+    product = product > 0.0 ? product : 0.0;  // NaN too
+    product = product < 65535.0 ? product : 65535.0;
+    const auto dividend = static_cast<float>(static_cast<int32_t>(product));
+    const auto quotient = static_cast<int32_t>(dividend / static_cast<float>(b == 0 ? 1 : b));
+    const auto limited = static_cast<uint8_t>(Smaller(quotient, 255));
+    return b == 0 ? a : limited;
+  });
+}
+
+void MulDivWords(const Plane& plane) {
+  const double factor = plane.constant.factor;
+  ForPixelPairs<int16_t, int16_t, int16_t>(plane, [=](int16_t a, int16_t b) {
+    const double divisor = b == 0 ? 1.0 : static_cast<double>(b);
+    const int16_t quotient = CutTo<int16_t>(static_cast<double>(a) * factor / divisor);
+    return b == 0 ? a : quotient;
+  });
+}
+
+// The one integer case: the low 16 bits of the quotient, without saturation. Products stay below
+// 2^47, so 64-bit floats hold them and their cut quotients exactly.
+void MulDivWordsByBytes(const Plane& plane) {
+  const auto factor = static_cast<double>(plane.constant.value);
+  ForPixelPairs<int16_t, uint8_t, int16_t>(plane, [=](int16_t a, uint8_t b) {
+    const double divisor = b == 0 ? 1.0 : static_cast<double>(b);
+    const double quotient = std::trunc(static_cast<double>(a) * factor / divisor);
+    const double above = std::floor(quotient * (1.0 / 65536.0)) * 65536.0;
+    const int16_t low = Wrapped16(static_cast<int32_t>(quotient - above));
+    return b == 0 ? a : low;
+  });
+}
+
+template <class Second>
+void MulDivFloats(const Plane& plane) {
+  const double factor = plane.constant.factor;
+  ForPixelPairs<float, Second, float>(plane, [=](float a, Second b) {
+    const double quotient = static_cast<double>(a) * factor / static_cast<double>(b);
+    return b == Second{0} ? a : static_cast<float>(quotient);
+  });
+}
+
+template <class T>
+void AddConstant(const Plane& plane) {
+  const auto low = static_cast<T>(plane.constant.low);
+  const auto high = static_cast<T>(plane.constant.high);
+  const auto value = static_cast<T>(static_cast<uint32_t>(plane.constant.value));
+  ForPixels<T, T>(plane, [=](T a) {
+    return static_cast<T>(static_cast<uint32_t>(Smaller(Larger(a, low), high)) +
+                          static_cast<uint32_t>(value));
+  });
+}
+
+template <class T>
+void Scale(const Plane& plane) {
+  const double factor = plane.constant.factor;
+  ForPixels<T, T>(plane, [=](T a) { return CutTo<T>(static_cast<double>(a) * factor); });
+}
+
+// The reciprocal is a little too large: by enough that whole quotients are not cut below
+// themselves, and by too little for any other quotient of 16 bits to reach the next whole number.
+template <class T>
+void ModuloConstant(const Plane& plane) {
+  const int32_t divisor = plane.constant.value;
+  const float reciprocal = (1.0f + 1.0f / 524288.0f) / static_cast<float>(divisor);
+  ForPixels<T, T>(plane, [=](T a) {
+    const auto quotient = static_cast<int32_t>(static_cast<float>(a) * reciprocal);
+    return static_cast<T>(a - quotient * divisor);
+  });
+}
+
+void MultiplyByte(const Plane& plane) {
+  const auto factor = static_cast<uint8_t>(plane.constant.value);
+  ForPixels<uint8_t, uint8_t>(plane, [=](uint8_t a) { return Multiply()(a, factor); });
+}
+
+template <class Rule>
+void FloatConstant(const Plane& plane) {
+  const float constant = plane.constant.real;
+  ForPixels<float, float>(plane, [=](float a) { return Rule()(a, constant); });
+}
+
+template <class Rule>
+constexpr PairRoutines IMAGES = {{
+    &Images<uint8_t, uint8_t, Rule>,
+    &Images<int16_t, uint8_t, Rule>,
+    &Images<int16_t, int16_t, Rule>,
+    &Images<float, uint8_t, Rule>,
+    &Images<float, int16_t, Rule>,
+    &Images<float, float, Rule>,
+}};
+
+constexpr PairRoutines MULDIV_IMAGES = {{
+    &MulDivBytes,
+    &MulDivWordsByBytes,
+    &MulDivWords,
+    &MulDivFloats<uint8_t>,
+    &MulDivFloats<int16_t>,
+    &MulDivFloats<float>,
+}};
+
+}  // namespace
+
+extern const ArithmeticRows arithmeticRows = {
+    {IMAGES<Add>, IMAGES<Subtract>, IMAGES<Multiply>, IMAGES<Divide>, IMAGES<Modulo>,
+     MULDIV_IMAGES},
+    {&AddConstant<uint8_t>, &AddConstant<int16_t>},
+    {&Scale<uint8_t>, &Scale<int16_t>},
+    {&ModuloConstant<uint8_t>, &ModuloConstant<int16_t>},
+    &MultiplyByte,
+    {&FloatConstant<Add>, &FloatConstant<Subtract>, &FloatConstant<Multiply>,
+     &FloatConstant<Divide>, &FloatConstant<Modulo>},
+};
+
+}  // namespace zel::ZEL_LEVEL

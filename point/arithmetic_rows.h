@@ -1,0 +1,35 @@
+// The row routines of arithmetic, by operation and by the types of the operands.
+#pragma once
+
+#include "core/processor.h"
+#include "point/plane.h"
+
+namespace zel {
+
+enum ArithmeticOperation : int32_t {
+  ARITHMETIC_ADD = 0,
+  ARITHMETIC_SUBTRACT = 1,
+  ARITHMETIC_MULTIPLY = 2,
+  ARITHMETIC_DIVIDE = 3,
+  ARITHMETIC_MODULO = 4,
+  ARITHMETIC_MULDIV = 5,
+  ARITHMETIC_COUNT = 6,
+};
+
+struct ArithmeticRows {
+  PairRoutines images[ARITHMETIC_COUNT];
+  // Constants arrive prepared:
+  // integers: the pixel limited to low..high, plus value; the low bits of the sum are the result
+  PlaneRoutine addConstant[2];
+  // integers: the pixel x factor, cut and saturated
+  PlaneRoutine scale[2];
+  // integers: the remainder of a division by value, from 1 to 32769, with the sign of the pixel
+  PlaneRoutine moduloConstant[2];
+  // U8: the pixel x value, at most 255
+  PlaneRoutine multiplyByte;
+  // floats, by ArithmeticOperation
+  PlaneRoutine floatConstant[ARITHMETIC_MULDIV];
+};
+ZEL_ROW_TABLE(ArithmeticRows, arithmeticRows)
+
+}  // namespace zel
