@@ -242,6 +242,36 @@ int32_t ZEL_MulDiv(ImageRef first, ImageRef second, ImageRef destination, float 
 
 /* =================================================================================== thresholds */
 
+/* One range of values, 16 bytes in an array. The upper half of the fourth 32-bit word is ignored
+ * on input and written as 0. */
+typedef struct ThresholdClass {
+  float rangeMin;  /* lowest value of the class, inclusive */
+  float rangeMax;  /* highest value of the class, inclusive */
+  float newValue;  /* value given to its pixels */
+  uint16_t useNew; /* non-zero: pixels take newValue; 0: they keep their value */
+} ThresholdClass;
+
+/* Keeps one range of values: a pixel from rangeMin to rangeMax, both included, becomes newValue, or
+ * keeps its value when useNew is 0. Every other pixel becomes 0, also NaN and, with a rangeMin
+ * above rangeMax, all of them. source:      IMAGE_U8, IMAGE_I16 or IMAGE_SGL. destination: 0 or the
+ * source: in place. Any other image must have the source's type. rangeMin, rangeMax, newValue: for
+ * integer images cut toward zero and then limited to the type's range (-5 to -3 on IMAGE_U8 selects
+ * level 0; NaN counts as 0); for IMAGE_SGL as given. Failures: -200, -301 (source type), -304
+ * (destination type). */
+int32_t ZEL_Threshold(ImageRef source, ImageRef destination, float rangeMin, float rangeMax,
+                      float newValue, int16_t useNew);
+
+/* Keeps several ranges of values; pixels in none of them become 0.
+ * source:      IMAGE_U8, IMAGE_I16 or IMAGE_SGL.
+ * destination: 0 or the source: in place. Any other image must have the source's type.
+ * count:       number of classes. With 0 or less the source's pixels are copied as they are.
+ * classes:     tried in order. Where they overlap, the LAST class decides for integer images, whose
+ *              limits and new values are cut and limited as in ZEL_Threshold. For IMAGE_SGL the
+ * FIRST class decides that makes the pixel other than 0. NULL only with a count of 0 or less.
+ * Failures: -200, -301 (source type), -304 (destination type). */
+int32_t ZEL_MultiThreshold(ImageRef source, ImageRef destination, int32_t count,
+                           const ThresholdClass* classes);
+
 /* ===================================================================== histogram and
  * quantification
  */
@@ -278,6 +308,23 @@ int32_t ZEL_Histogram(ImageRef image, ImageRef mask, int32_t nbClasses, float mi
                       uint32_t* histogram, HistogramReport* report);
 
 /* =================================================================================== lookups */
+
+/* Maps every pixel through a table of the caller's.
+ * source:      IMAGE_U8 or IMAGE_I16.
+ * mask:        only pixels that it selects are mapped; the others take the source's value. 0 or the
+ *              source: all pixels are mapped. May also be the destination, which then becomes the
+ *              result.
+ * destination: 0 or the source: in place. Any other image must have the source's type. Where the
+ *              mask does not touch the source, it keeps its calibration and mask offset.
+ * arrayType:   an ArrayType; an array of an unknown type counts as zeros.
+ * array:       count entries; the first is the new value of level 0. The entry of a negative pixel
+ * p of IMAGE_I16 is number p + 65536. Entries are taken as signed 16-bit integers, and limited to
+ * 0..255 for IMAGE_U8. NULL only with a count of 0 or less. count:       256 entries are used for
+ * IMAGE_U8 and 65536 for IMAGE_I16. Levels beyond a shorter table keep their value; further entries
+ * are not read. Failures: -200; -301 for another source type or a mask that is not IMAGE_U8; -304
+ * (destination type). */
+int32_t ZEL_UserLookup(ImageRef source, ImageRef mask, ImageRef destination, int32_t arrayType,
+                       const void* array, int32_t count);
 
 /* ============================================================================= particle labelling
  */

@@ -1,0 +1,226 @@
+// Row loops of the lookups: byte tables, 16-bit tables, and values by class for floats.
+#include "point/lookup_rows.h"
+
+#include <bit>
+#include <cstring>
+
+#if defined(ZEL_LEVEL_v3) || defined(ZEL_LEVEL_v4)
+#include <immintrin.h>
+#endif
+
+namespace zel::ZEL_LEVEL {
+namespace {
+
+// A run of pixels of one row, plainly. The mask is null without one.
+template <class T>
+ZEL_INLINE void MapPixels(const T* from, T* to, const uint8_t* mask, int64_t begin, int64_t end,
+                          const T* table) {
+  if (mask) {
+    for (int64_t x = begin; x < end; x++) to[x] = mask[x] != 0 ? table[from[x]] : from[x];
+  } else {
+    for (int64_t x = begin; x < end; x++) to[x] = table[from[x]];
+  }
+}
+
+#if defined(ZEL_LEVEL_v4)
+
+// 256 bytes in four registers.
+struct ByteTable {
+  __m512i parts[4];
+};
+
+ByteTable ByteTableOf(const uint8_t* table) {
+  ByteTable loaded;
+  for (int32_t i = 0; i < 4; i++) loaded.parts[i] = _mm512_loadu_si512(table + 64 * i);
+  return loaded;
+}
+
+// Each permutation takes the low 7 bits of a level from 128 entries; the top bit chooses the half.
+ZEL_INLINE __m512i Mapped(const ByteTable& table, __m512i levels) {
+  const __m512i lower = _mm512_permutex2var_epi8(table.parts[0], levels, table.parts[1]);
+  const __m512i upper = _mm512_permutex2var_epi8(table.parts[2], levels, table.parts[3]);
+  return _mm512_mask_blend_epi8(_mm512_movepi8_mask(levels), lower, upper);
+}
+
+ZEL_INLINE void MapGroup(const uint8_t* from, uint8_t* to, const uint8_t* mask, __mmask64 columns,
+                         const ByteTable& table) {
+  const __m512i levels = _mm512_maskz_loadu_epi8(columns, from);
+  __mmask64 selected = columns;
+  if (mask) {
+    const __m512i bytes = _mm512_maskz_loadu_epi8(columns, mask);
+    selected = _mm512_test_epi8_mask(bytes, bytes);
+  }
+  const __m512i results = _mm512_mask_blend_epi8(selected, levels, Mapped(table, levels));
+  _mm512_mask_storeu_epi8(to, columns, results);
+}
+
+void MapU8(const LookupOperation& operation, const uint8_t* bytes) {
+  const ByteTable table = ByteTableOf(bytes);
+  const int64_t width = operation.width;
+  const int64_t grouped = width & ~int64_t{63};
+  const __mmask64 remaining = (uint64_t{1} << (width - grouped)) - 1;
+  for (int64_t y = 0; y < operation.height; y++) {
+    const auto* from = operation.SourceRow<uint8_t>(y);
+    auto* to = operation.DestinationRow<uint8_t>(y);
+    if (operation.mask) {
+      const uint8_t* mask = operation.MaskRow(y);
+      for (int64_t x = 0; x < grouped; x += 64) {
+        MapGroup(from + x, to + x, mask + x, ~uint64_t{0}, table);
+      }
+      if (remaining != 0) {
+        MapGroup(from + grouped, to + grouped, mask + grouped, remaining, table);
+      }
+    } else {
+      for (int64_t x = 0; x < grouped; x += 64) {
+        _mm512_storeu_si512(to + x, Mapped(table, _mm512_loadu_si512(from + x)));
+      }
+      if (remaining != 0) MapGroup(from + grouped, to + grouped, nullptr, remaining, table);
+    }
+  }
+}
+
+#elif defined(ZEL_LEVEL_v3)
+
+// A byte shuffle looks up 16 entries by the low 4 bits of an index, and gives 0 for one whose top
+// bit is set. Shuffle k of a half sees level - 16 k, so that all shuffles up to the level's row
+// answer; each holds the difference (exclusive or) to the row before it, so that together they
+// answer the entry. A saturating subtraction keeps the levels of the other half negative.
+struct ByteTable {
+  __m256i differences[16];
+};
+
+ByteTable ByteTableOf(const uint8_t* table) {
+  ByteTable loaded;
+  __m256i before = _mm256_setzero_si256();
+  for (int32_t k = 0; k < 16; k++) {
+    const __m256i row =
+        _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(table) + k));
+    loaded.differences[k] = k == 8 ? row : _mm256_xor_si256(row, before);
+    before = row;
+  }
+  return loaded;
+}
+
+ZEL_INLINE __m256i Mapped(const ByteTable& table, __m256i levels) {
+  const __m256i step = _mm256_set1_epi8(16);
+  __m256i lower = levels;
+  __m256i upper = _mm256_xor_si256(levels, _mm256_set1_epi8(-128));
+  __m256i result = _mm256_setzero_si256();
+  for (int32_t k = 0; k < 8; k++) {
+    result = _mm256_xor_si256(result, _mm256_shuffle_epi8(table.differences[k], lower));
+    result = _mm256_xor_si256(result, _mm256_shuffle_epi8(table.differences[8 + k], upper));
+    lower = _mm256_subs_epi8(lower, step);
+    upper = _mm256_subs_epi8(upper, step);
+  }
+  return result;
+}
+
+ZEL_INLINE __m256i Load(const uint8_t* at) {
+  return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(at));
+}
+
+ZEL_INLINE void Store(uint8_t* at, __m256i bytes) {
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(at), bytes);
+}
+
+void MapU8(const LookupOperation& operation, const uint8_t* bytes) {
+  const ByteTable table = ByteTableOf(bytes);
+  const int64_t width = operation.width;
+  const int64_t grouped = width & ~int64_t{31};
+  for (int64_t y = 0; y < operation.height; y++) {
+    const auto* from = operation.SourceRow<uint8_t>(y);
+    auto* to = operation.DestinationRow<uint8_t>(y);
+    const uint8_t* mask = operation.mask ? operation.MaskRow(y) : nullptr;
+    if (mask) {
+      for (int64_t x = 0; x < grouped; x += 32) {
+        const __m256i levels = Load(from + x);
+        const __m256i skipped = _mm256_cmpeq_epi8(Load(mask + x), _mm256_setzero_si256());
+        Store(to + x, _mm256_blendv_epi8(Mapped(table, levels), levels, skipped));
+      }
+    } else {
+      for (int64_t x = 0; x < grouped; x += 32) Store(to + x, Mapped(table, Load(from + x)));
+    }
+    MapPixels(from, to, mask, grouped, width, bytes);
+  }
+}
+
+#else
+
+void MapU8(const LookupOperation& operation, const uint8_t* table) {
+  for (int64_t y = 0; y < operation.height; y++) {
+    MapPixels(operation.SourceRow<uint8_t>(y), operation.DestinationRow<uint8_t>(y),
+              operation.mask ? operation.MaskRow(y) : nullptr, 0, operation.width, table);
+  }
+}
+
+#endif
+
+// Four pixels through one load and one store; the bound is then the table's own loads.
+ZEL_INLINE void MapFour(const uint16_t* from, uint16_t* to, const uint16_t* table) {
+  uint64_t levels = 0;
+  std::memcpy(&levels, from, sizeof levels);
+  uint64_t results = 0;
+  for (int32_t shift = 0; shift < 64; shift += 16) {
+    results |= uint64_t{table[(levels >> shift) & 0xFFFF]} << shift;
+  }
+  std::memcpy(to, &results, sizeof results);
+}
+
+void MapI16(const LookupOperation& operation, const uint16_t* table) {
+  const int64_t width = operation.width;
+  for (int64_t y = 0; y < operation.height; y++) {
+    const auto* from = operation.SourceRow<uint16_t>(y);
+    auto* to = operation.DestinationRow<uint16_t>(y);
+    const uint8_t* mask = operation.mask ? operation.MaskRow(y) : nullptr;
+    const int64_t grouped = mask ? 0 : width & ~int64_t{3};
+    for (int64_t x = 0; x < grouped; x += 4) MapFour(from + x, to + x, table);
+    MapPixels(from, to, mask, grouped, width, table);
+  }
+}
+
+// The class numbers of a group of pixels are worked out side by side before the values are fetched.
+constexpr int32_t GROUP = 128;
+
+void CurveSgl(const LookupOperation& operation, const ClassCurve& curve) {
+  const double first = curve.first;
+  const double classWidth = curve.width;
+  const double lastClass = curve.classes - 1;
+  const float rangeMin = curve.rangeMin;
+  const float rangeMax = curve.rangeMax;
+  for (int64_t y = 0; y < operation.height; y++) {
+    const auto* from = operation.SourceRow<float>(y);
+    auto* to = operation.DestinationRow<float>(y);
+    const uint8_t* mask = operation.mask ? operation.MaskRow(y) : nullptr;
+    for (int32_t x = 0; x < operation.width; x += GROUP) {
+      const int32_t size = operation.width - x < GROUP ? operation.width - x : GROUP;
+      float pixels[GROUP];
+      int32_t classes[GROUP];
+      uint32_t inside[GROUP];
+      for (int32_t i = 0; i < size; i++) {
+        const float pixel = from[x + i];
+        pixels[i] = pixel;
+        double position = (static_cast<double>(pixel) - first) / classWidth;
+        position = position > 0.0 ? position : 0.0;  // NaN too
+        position = position < lastClass ? position : lastClass;
+        classes[i] = static_cast<int32_t>(position);
+        const uint32_t above = pixel >= rangeMin ? ~0u : 0;
+        const uint32_t below = pixel <= rangeMax ? ~0u : 0;
+        inside[i] = above & below;
+      }
+      for (int32_t i = 0; i < size; i++) {
+        const auto value = std::bit_cast<uint32_t>(curve.values[classes[i]]) & inside[i];
+        to[x + i] = !mask || mask[x + i] != 0 ? std::bit_cast<float>(value) : pixels[i];
+      }
+    }
+  }
+}
+
+}  // namespace
+
+extern const LookupRows lookupRows = {
+    .mapU8 = &MapU8,
+    .mapI16 = &MapI16,
+    .curveSgl = &CurveSgl,
+};
+
+}  // namespace zel::ZEL_LEVEL

@@ -1,0 +1,300 @@
+// Lookups by the user's tables, against a reference that goes pixel by pixel.
+#include "point/lookup.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <numeric>
+#include <vector>
+
+#include "core/heap.h"
+#include "core/processor.h"
+#include "tests/support/test_image.h"
+
+namespace {
+
+using test::Random;
+using test::TestImage;
+
+int32_t PixelOf(const TestImage& image, int32_t x, int32_t y) {
+  return image.Info().type == IMAGE_U8 ? image.Get<uint8_t>(x, y) : image.Get<int16_t>(x, y);
+}
+
+bool Selects(const TestImage* mask, int32_t x, int32_t y) {
+  if (!mask) return true;
+  const ImageInfo info = mask->Info();
+  const int32_t maskX = x - info.offsetX;
+  const int32_t maskY = y - info.offsetY;
+  return maskX >= 0 && maskY >= 0 && maskX < info.width && maskY < info.height &&
+         mask->Get<uint8_t>(maskX, maskY) != 0;
+}
+
+// entries: as signed 16-bit numbers.
+TestImage Expected(const TestImage& source, const TestImage* mask,
+                   const std::vector<int16_t>& entries) {
+  const int32_t type = source.Info().type;
+  TestImage expected(type, source.width(), source.height());
+  for (int32_t y = 0; y < source.height(); y++) {
+    for (int32_t x = 0; x < source.width(); x++) {
+      int32_t value = PixelOf(source, x, y);
+      const auto index = static_cast<size_t>(value < 0 ? value + 65536 : value);
+      if (Selects(mask, x, y) && index < entries.size()) {
+        value = entries[index];
+        if (type == IMAGE_U8) value = value < 0 ? 0 : value > 255 ? 255 : value;
+      }
+      if (type == IMAGE_U8) {
+        expected.Set(x, y, static_cast<uint8_t>(value));
+      } else {
+        expected.Set(x, y, static_cast<int16_t>(value));
+      }
+    }
+  }
+  return expected;
+}
+
+std::vector<int16_t> RandomTable(size_t count, uint64_t seed) {
+  Random random(seed);
+  std::vector<int16_t> entries(count);
+  for (int16_t& entry : entries) entry = static_cast<int16_t>(random.Between(-40, 300));
+  return entries;
+}
+
+TestImage RandomMask(int32_t width, int32_t height, int32_t offsetX, int32_t offsetY) {
+  TestImage mask(IMAGE_U8, width, height, 1, 31);
+  for (int32_t y = 0; y < height; y++) {
+    for (int32_t x = 0; x < width; x++) {
+      if ((mask.Get<uint8_t>(x, y) & 1) != 0) mask.Set<uint8_t>(x, y, 0);
+    }
+  }
+  ZEL_SetImageOffset(mask, offsetX, offsetY);
+  return mask;
+}
+
+class LookupAtEachLevel : public testing::TestWithParam<zel::ProcessorLevel> {
+ protected:
+  void SetUp() override {
+    if (!zel::ProcessorLevelForce(GetParam())) GTEST_SKIP() << "not on this processor";
+  }
+};
+
+INSTANTIATE_TEST_SUITE_P(Levels, LookupAtEachLevel,
+                         testing::Values(zel::ProcessorLevel::Baseline, zel::ProcessorLevel::V3,
+                                         zel::ProcessorLevel::V4));
+
+TEST_P(LookupAtEachLevel, MapsEveryPixelThroughTheTable) {
+  for (const int32_t type : {IMAGE_U8, IMAGE_I16}) {
+    for (const size_t count : {size_t{0}, size_t{10}, size_t{255}, size_t{256}, size_t{300},
+                               size_t{40000}, size_t{65536}, size_t{70000}}) {
+      const std::vector<int16_t> entries = RandomTable(count, count + 1);
+      for (const auto& [width, height] : test::ODD_SIZES) {
+        const TestImage source(type, width, height, 2, 3);
+        const TestImage expected = Expected(source, nullptr, entries);
+        const TestImage destination(type, 3, 1, 1);
+        ASSERT_EQ(ZEL_UserLookup(source, 0, destination, ARRAY_I16, entries.data(),
+                                 static_cast<int32_t>(count)),
+                  0);
+        ASSERT_EQ(PixelDifference(destination, expected), "") << count << " entries";
+        const std::vector<uint8_t> around = source.Surroundings();
+        ASSERT_EQ(ZEL_UserLookup(source, source, 0, ARRAY_I16, entries.data(),
+                                 static_cast<int32_t>(count)),
+                  0);
+        ASSERT_EQ(PixelDifference(source, expected), "");
+        ASSERT_EQ(source.Surroundings(), around);
+      }
+    }
+  }
+}
+
+TEST_P(LookupAtEachLevel, EveryLevelFindsItsEntry) {
+  const TestImage all(IMAGE_U8, 256, 2, 0);
+  for (int32_t x = 0; x < 256; x++) {
+    all.Set(x, 0, static_cast<uint8_t>(x));
+    all.Set(x, 1, static_cast<uint8_t>(255 - x));
+  }
+  for (uint64_t seed = 1; seed < 30; seed++) {
+    const std::vector<int16_t> entries = RandomTable(256, seed);
+    const TestImage destination(IMAGE_U8, 1, 1);
+    ASSERT_EQ(ZEL_UserLookup(all, 0, destination, ARRAY_I16, entries.data(), 256), 0);
+    ASSERT_EQ(PixelDifference(destination, Expected(all, nullptr, entries)), "");
+  }
+}
+
+// Tables that keep one range take another way.
+TEST_P(LookupAtEachLevel, TablesOfOneRangeMapLikeOthers) {
+  const TestImage all(IMAGE_U8, 256, 1, 0);
+  for (int32_t x = 0; x < 256; x++) all.Set(x, 0, static_cast<uint8_t>(x));
+  std::vector<std::vector<int16_t>> tables;
+  for (const auto& [low, high] : std::vector<std::pair<int32_t, int32_t>>{
+           {0, 255}, {0, 0}, {255, 255}, {10, 20}, {0, 100}, {1, 255}, {128, 127}}) {
+    for (const int32_t kind : {0, 1, 2, 3}) {
+      std::vector<int16_t> entries(256, 0);
+      for (int32_t level = low; level <= high; level++) {
+        entries[static_cast<size_t>(level)] = static_cast<int16_t>(kind == 0   ? level
+                                                                   : kind == 1 ? 77
+                                                                   : kind == 2 ? level + 1
+                                                                               : (level & 1) * 9);
+      }
+      tables.push_back(entries);
+      entries[200] = 3;
+      tables.push_back(entries);
+    }
+  }
+  for (const std::vector<int16_t>& entries : tables) {
+    const TestImage destination(IMAGE_U8, 1, 1);
+    ASSERT_EQ(ZEL_UserLookup(all, 0, destination, ARRAY_I16, entries.data(), 256), 0);
+    ASSERT_EQ(PixelDifference(destination, Expected(all, nullptr, entries)), "");
+  }
+}
+
+TEST_P(LookupAtEachLevel, MaskedOutPixelsKeepTheSourcesValue) {
+  const std::vector<int16_t> entries = RandomTable(65536, 4);
+  for (const int32_t type : {IMAGE_U8, IMAGE_I16}) {
+    for (const auto& [width, height] : test::ODD_SIZES) {
+      for (const auto& [offsetX, offsetY] : std::vector<std::pair<int32_t, int32_t>>{
+               {0, 0}, {3, 1}, {-5, -1}, {1000, 0}, {INT32_MIN, 0}, {INT32_MAX, INT32_MAX}}) {
+        const TestImage mask = RandomMask(width + 2, 3, offsetX, offsetY);
+        const TestImage source(type, width, height, 2, 3);
+        const TestImage expected = Expected(source, &mask, entries);
+        const TestImage destination(type, 5, 5, 1);
+        ASSERT_EQ(ZEL_UserLookup(source, mask, destination, ARRAY_I16, entries.data(), 65536), 0);
+        ASSERT_EQ(PixelDifference(destination, expected), "")
+            << "type " << type << " offset " << offsetX << ' ' << offsetY;
+        const std::vector<uint8_t> around = source.Surroundings();
+        const std::vector<uint8_t> maskBefore = mask.Block();
+        ASSERT_EQ(ZEL_UserLookup(source, mask, source, ARRAY_I16, entries.data(), 65536), 0);
+        ASSERT_EQ(PixelDifference(source, expected), "");
+        ASSERT_EQ(source.Surroundings(), around);
+        ASSERT_EQ(mask.Block(), maskBefore);
+      }
+    }
+  }
+}
+
+TEST_P(LookupAtEachLevel, TheMaskMayBeTheDestination) {
+  const std::vector<int16_t> entries = RandomTable(256, 4);
+  for (const int32_t offset : {0, 2, -3, 5000}) {
+    const TestImage source(IMAGE_U8, 70, 5, 1, 6);
+    ZEL_SetImageCalibration(source, 1, 2.0f, 3.0f);
+    ZEL_SetImageOffset(source, 17, 18);
+    const TestImage mask = RandomMask(66, 4, offset, 1);
+    const TestImage expected = Expected(source, &mask, entries);
+    ASSERT_EQ(ZEL_UserLookup(source, mask, mask, ARRAY_I16, entries.data(), 256), 0);
+    EXPECT_EQ(PixelDifference(mask, expected), "");
+    // An empty overlap ends the call before the information is copied.
+    EXPECT_EQ(mask.Info().xStep, offset == 5000 ? 1.0f : 2.0f);
+    EXPECT_EQ(mask.Info().offsetX, offset == 5000 ? 5000 : 17);
+    EXPECT_EQ(mask.Info().border, 1);
+  }
+}
+
+TEST(Lookup, AnEmptyOverlapLeavesACopyWithoutTheSourcesInformation) {
+  const TestImage source(IMAGE_I16, 9, 4, 1);
+  ZEL_SetImageCalibration(source, 1, 2.0f, 3.0f);
+  const TestImage mask(IMAGE_U8, 3, 3);
+  ZEL_SetImageOffset(mask, 9, 0);
+  const TestImage destination(IMAGE_I16, 2, 2, 2);
+  ASSERT_EQ(ZEL_UserLookup(source, mask, destination, ARRAY_I16, nullptr, 0), 0);
+  EXPECT_EQ(PixelDifference(destination, source), "");
+  EXPECT_EQ(destination.Info().xStep, 1.0f);
+}
+
+TEST(Lookup, TablesOfAllArrayTypesBecomeSigned16BitEntries) {
+  const TestImage source(IMAGE_U8, 4, 1);
+  for (int32_t x = 0; x < 4; x++) source.Set(x, 0, static_cast<uint8_t>(x));
+  const auto mapped = [&](int32_t type, const void* array) {
+    const TestImage destination(IMAGE_U8, 1, 1);
+    EXPECT_EQ(ZEL_UserLookup(source, 0, destination, type, array, 3), 0);
+    return destination.Pixels();
+  };
+  const uint16_t words[] = {40000, 300, 7};
+  EXPECT_EQ(mapped(ARRAY_U16, words), (std::vector<uint8_t>{0, 255, 7, 3}));
+  const double doubles[] = {70000.0, -1.5, 7.9};
+  EXPECT_EQ(mapped(ARRAY_DBL, doubles), (std::vector<uint8_t>{255, 0, 7, 3}));
+  const int8_t bytes[] = {-1, 127, 0};
+  EXPECT_EQ(mapped(ARRAY_I8, bytes), (std::vector<uint8_t>{0, 127, 0, 3}));
+  const float floats[] = {std::numeric_limits<float>::quiet_NaN(), 1e20f, 255.5f};
+  EXPECT_EQ(mapped(ARRAY_SGL, floats), (std::vector<uint8_t>{0, 0, 255, 3}));
+  const uint32_t longs[] = {0x10005, 65535, 256};
+  EXPECT_EQ(mapped(ARRAY_U32, longs), (std::vector<uint8_t>{5, 0, 255, 3}));
+  for (const int32_t unknown : {5, -1, 9}) {
+    EXPECT_EQ(mapped(unknown, longs), (std::vector<uint8_t>{0, 0, 0, 3}));
+  }
+}
+
+TEST(Lookup, SixteenBitEntriesAreNotLimited) {
+  const TestImage image(IMAGE_I16, 3, 1);
+  image.Set<int16_t>(0, 0, 0);
+  image.Set<int16_t>(1, 0, 1);
+  image.Set<int16_t>(2, 0, -1);
+  std::vector<int32_t> entries(65536, 5);
+  entries[0] = -300;
+  entries[1] = 65535;
+  entries[65535] = 70000;
+  ASSERT_EQ(ZEL_UserLookup(image, 0, 0, ARRAY_I32, entries.data(), 65536), 0);
+  EXPECT_EQ(image.Get<int16_t>(0, 0), -300);
+  EXPECT_EQ(image.Get<int16_t>(1, 0), -1);
+  EXPECT_EQ(image.Get<int16_t>(2, 0), 4464);
+}
+
+TEST(Lookup, FailuresLeaveTheImagesAlone) {
+  const TestImage bytes(IMAGE_U8, 8, 4);
+  const TestImage words(IMAGE_I16, 3, 3);
+  const TestImage floats(IMAGE_SGL, 3, 3);
+  const std::vector<uint8_t> bytesBefore = bytes.Block();
+  const std::vector<uint8_t> wordsBefore = words.Block();
+  const uint8_t table[] = {1};
+  EXPECT_EQ(ZEL_UserLookup(0, 0, bytes, ARRAY_U8, table, 1), -200);
+  EXPECT_EQ(ZEL_UserLookup(99999, 0, bytes, ARRAY_U8, table, 1), -200);
+  EXPECT_EQ(ZEL_UserLookup(bytes, 0, 99999, ARRAY_U8, table, 1), -200);
+  EXPECT_EQ(ZEL_UserLookup(bytes, 99999, words, ARRAY_U8, table, 1), -304);
+  EXPECT_EQ(ZEL_UserLookup(bytes, 99999, 0, ARRAY_U8, table, 1), -200);
+  EXPECT_EQ(ZEL_UserLookup(floats, 99999, 99999, ARRAY_U8, table, 1), -301);
+  EXPECT_EQ(ZEL_UserLookup(bytes, words, 0, ARRAY_U8, table, 1), -301);
+  EXPECT_EQ(ZEL_UserLookup(words, floats, 0, ARRAY_U8, table, 1), -301);
+  const TestImage otherWords(IMAGE_I16, 2, 2);
+  const std::vector<uint8_t> otherBefore = otherWords.Block();
+  EXPECT_EQ(ZEL_UserLookup(words, otherWords, otherWords, ARRAY_U8, table, 1), -301);
+  EXPECT_EQ(otherWords.Block(), otherBefore);
+  char name[256];
+  EXPECT_EQ(ZEL_UserLookup(bytes, 0, 0, ARRAY_U8, nullptr, 1), -3009);
+  EXPECT_EQ(ZEL_GetLastError(name), -3009);
+  EXPECT_STREQ(name, "ZEL_UserLookup");
+  EXPECT_EQ(bytes.Block(), bytesBefore);
+  EXPECT_EQ(words.Block(), wordsBefore);
+}
+
+TEST(Lookup, EveryRefusedAllocationGives101AndKeepsTheImages) {
+  std::vector<int32_t> entries(300, 7);
+  zel::HeapHooks* hooks = zel::HeapHooksGet();
+  bool succeeded = false;
+  for (uint64_t k = 1; !succeeded; k++) {
+    ASSERT_LT(k, 50u);
+    const TestImage source(IMAGE_U8, 30, 4, 1);
+    const TestImage mask = RandomMask(40, 9, 1, 1);
+    const std::vector<uint8_t> before = source.Block();
+    const std::vector<uint8_t> maskBefore = mask.Block();
+    hooks->requests = 0;
+    hooks->failAt = k;
+    const int32_t result = ZEL_UserLookup(source, mask, mask, ARRAY_I32, entries.data(), 300);
+    hooks->failAt = 0;
+    succeeded = result == 0;
+    EXPECT_EQ(source.Block(), before);
+    if (!succeeded) {
+      EXPECT_TRUE(result == -101 || result == -102) << result;
+      EXPECT_EQ(mask.Block(), maskBefore);
+    }
+  }
+}
+
+TEST(Lookup, LookupApplyRefusesOtherTypes) {
+  zel::LookupOperation operation{};
+  operation.type = IMAGE_SGL;
+  const uint16_t table[1] = {0};
+  zel::Status status = 0;
+  zel::LookupApply(operation, table, &status);
+  EXPECT_EQ(status, 302);
+}
+
+}  // namespace
