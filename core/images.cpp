@@ -145,10 +145,10 @@ Status ImageCreateLike(ImageRef* reference, const Image& like) {
   bool made = false;
   Image* image = nullptr;
   if (temporary || ImageLookup(*reference, &image) != STATUS_OK) {
-    status = ImageEntryNew(reference, temporary);
-    if (status != STATUS_OK) return status;
     made = true;
-    ImageLookup(*reference, &image);
+    status = ImageEntryNew(reference, temporary);
+    if (status == STATUS_OK) status = ImageLookup(*reference, &image);
+    if (status != STATUS_OK) return status;
   }
 
   const Image former = *image;

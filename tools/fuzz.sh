@@ -1,0 +1,62 @@
+#!/usr/bin/env bash
+# Builds the fuzz targets with clang and runs each: first the stored inputs and the seeds, then new
+# ones. A finding ends it with the input's place.
+# usage: tools/fuzz.sh [--seconds N | --runs N] [--sanitizer address|memory] [--seed N] [TARGET...]
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+limit=-max_total_time=20
+sanitizer=address
+seed=1
+targets=()
+while [ $# -gt 0 ]; do
+  case $1 in
+    --seconds) limit=-max_total_time=$2; shift 2 ;;
+    --runs) limit=-runs=$2; shift 2 ;;
+    --sanitizer) sanitizer=$2; shift 2 ;;
+    --seed) seed=$2; shift 2 ;;
+    *) targets+=("$1"); shift ;;
+  esac
+done
+[ ${#targets[@]} -gt 0 ] || targets=(read_native read_tiff read_bmp read_raw chain api)
+
+clang=clang++-19
+if ! command -v $clang >/dev/null; then
+  echo "fuzz.sh: $clang is missing (Debian packages clang-19 and libclang-rt-19-dev)" >&2
+  exit 1
+fi
+build=build/fuzz-$sanitizer
+cmake -S . -B "$build" -G Ninja -DCMAKE_CXX_COMPILER=$clang -DCMAKE_C_COMPILER=clang-19 \
+  -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG="-g -O1" -DPTK_SANITIZE="$sanitizer" \
+  -DPTK_FUZZ=ON -DPTK_BUILD_TESTS=OFF -DPTK_BUILD_TOOLS=OFF -DPTK_BUILD_BENCHMARKS=OFF >/dev/null
+cmake --build "$build" --target make_seeds "${targets[@]/#/fuzz_}"
+"$build/fuzz/make_seeds" "$build/seeds"
+
+run() {
+  local target=$1 log=$build/$1.log found=$build/found/$1
+  mkdir -p "$found" "$build/corpus/$target" "$build/seeds/$target"
+  local inputs=("$build/corpus/$target" "$build/seeds/$target")
+  for kept in "fuzz/corpus/$target" "fuzz/regress/$target"; do
+    if [ -d "$kept" ]; then inputs+=("$kept"); fi
+  done
+  if "$build/fuzz/fuzz_$target" -seed="$seed" "$limit" -max_len=4096 -timeout=10 \
+    -rss_limit_mb=2048 -artifact_prefix="$found/" "${inputs[@]}" >"$log" 2>&1; then
+    printf '%-12s %s\n' "$target" "$(grep -a '^Done' "$log" || tail -n 1 "$log")"
+  else
+    echo "$target: a finding, kept in $found:"
+    tail -n 40 "$log"
+    return 1
+  fi
+}
+
+# Two at a time: there are two cores to count on.
+status=0
+for ((i = 0; i < ${#targets[@]}; i += 2)); do
+  pids=()
+  for target in "${targets[@]:i:2}"; do
+    run "$target" &
+    pids+=($!)
+  done
+  for pid in "${pids[@]}"; do wait "$pid" || status=1; done
+done
+exit $status

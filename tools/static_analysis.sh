@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# cppcheck and clang-tidy over the library's sources. Needs a configured build for the flags.
+# usage: tools/static_analysis.sh [BUILD_FOLDER]
+set -euo pipefail
+cd "$(dirname "$0")/.."
+build=${1:-build/release}
+
+mapfile -t sources < <(git ls-files 'platform/*.cpp' 'core/*.cpp' 'utilities/*.cpp' \
+  'analysis/*.cpp' 'point/*.cpp' 'files/*.cpp' | grep -v '_test\.cpp$')
+
+cppcheck --std=c++20 --language=c++ --enable=warning,performance,portability --inline-suppr \
+  --error-exitcode=9 -q -j 2 -I . -I include -DZEL_LEVEL=baseline "${sources[@]}"
+
+printf '%s\n' "${sources[@]}" |
+  xargs -P 2 -n 6 clang-tidy --quiet -p "$build" --warnings-as-errors='*' 2>/dev/null
