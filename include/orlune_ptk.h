@@ -327,7 +327,41 @@ int32_t ZEL_UserLookup(ImageRef source, ImageRef mask, ImageRef destination, int
                        const void* array, int32_t count);
 
 /* ============================================================================= particle labelling
+ *
+ * A particle is a set of connected non-zero pixels: side by side with connectivity8 0, also corner
+ * to corner with any other value. Particles are numbered from 1 in raster order of their first
+ * pixels. The image needs a border of 1 pixel, or of 2 with connectivity8 (else -309).
  */
+
+/* What ZEL_BasicParticle tells of a particle. */
+typedef struct BasicParticleReport {
+  int32_t area;         /* pixels */
+  float calibratedArea; /* area times the steps of the image's calibration */
+  ApiRect rect;         /* bounding rectangle; a left or top beyond 65535 reads 65535 */
+} BasicParticleReport;
+
+/* Writes the number of each pixel's particle, and 0 where there is none.
+ * source:      IMAGE_U8 or IMAGE_I16. Its border is 0 afterwards.
+ * dest:        IMAGE_U8 or IMAGE_I16, resized; 0 or the source: the source receives the numbers.
+ *              IMAGE_U8 holds 255 for all particles from number 255 on; IMAGE_I16 holds the low 16
+ *              bits, so numbers above 32767 read negative. The border of an IMAGE_I16 dest is 0
+ *              afterwards if it is as wide as the source's has to be.
+ * nbParticles: NULL, or receives the number of particles, also when -312 is returned; 0 after any
+ *              other failure.
+ * Failures: -200; -301 for another source type; -309; -101, also for more than 65535 pixels that
+ * are set while the neighbours before them (left and above, with connectivity8 also above-left and
+ * above-right) are not; -312 for another dest type, which has been resized by then. */
+int32_t ZEL_Label(ImageRef source, ImageRef dest, uint16_t connectivity8, int32_t* nbParticles);
+
+/* Area and bounding rectangle of each particle.
+ * image:     IMAGE_U8. Its border is 0 afterwards.
+ * reports:   address of a result table, see above. When there is no memory for the table itself,
+ *            the caller's former block is released and the variable is NULL.
+ * nbReports: NULL, or receives the number of particles, 0 after a failure.
+ * Failures: -200; -301; -309; -101, also for too many particles, as for ZEL_Label; -3009 for
+ * reports. */
+int32_t ZEL_BasicParticle(ImageRef image, uint16_t connectivity8, BasicParticleReport** reports,
+                          int32_t* nbReports);
 
 /* =========================================================================== particle measurement
  */

@@ -1,0 +1,28 @@
+// The frame of exports that measure the particles of an image into a table of the caller's.
+#pragma once
+
+#include "core/handles.h"
+#include "orlune_ptk.h"
+
+namespace zel {
+
+// Sizes the vector of reports and counts them; on failure the count is 0.
+using ParticleKernel = void (*)(ImageRef image, uint16_t* connectivity8, Handle reports,
+                                int32_t* nbReports, Status* status);
+
+template <class Report>
+int32_t ParticleExport(const char* name, ParticleKernel kernel, ImageRef image,
+                       uint16_t connectivity8, Report** reports, int32_t* nbReports) {
+  if (!reports) return ZEL_ProcessError(name, STATUS_NULL_POINTER);
+  int32_t count = 0;
+  ScopedWrap table;  // the caller's block, whatever its size: no report of it is read
+  Status status = table.Create(*reports, sizeof(Report), 0, 0, 1);
+  if (status == STATUS_OK) {
+    kernel(image, &connectivity8, table.handle(), &count, &status);
+    *reports = static_cast<Report*>(table.Release());
+  }
+  if (nbReports) *nbReports = count;
+  return ZEL_ProcessError(name, status);
+}
+
+}  // namespace zel
