@@ -56,13 +56,11 @@ void RowRelease(Handle handle) {
 
 // elementSize x count x count2, or beyond HEAP_BLOCK_LIMIT when it is too large for a block.
 uint64_t VectorBytes(uint32_t elementSize, uint64_t count, uint64_t count2) {
-  constexpr uint64_t beyond = HEAP_BLOCK_LIMIT + 1;
-  if (count > HEAP_BLOCK_LIMIT || count2 > HEAP_BLOCK_LIMIT) {
-    return elementSize == 0 || count == 0 || count2 == 0 ? 0 : beyond;
-  }
-  const uint64_t elements = count * count2;  // below 2^62
-  if (elementSize != 0 && elements > HEAP_BLOCK_LIMIT / elementSize) return beyond;
-  return elements * elementSize;
+  if (elementSize == 0 || count == 0 || count2 == 0) return 0;
+  uint64_t bytes = 0;
+  const bool wraps = __builtin_mul_overflow(count, count2, &bytes) ||
+                     __builtin_mul_overflow(bytes, elementSize, &bytes);
+  return wraps || bytes > HEAP_BLOCK_LIMIT ? HEAP_BLOCK_LIMIT + 1 : bytes;
 }
 
 // Two more rows at the end of a table. On failure the table and its capacity stay, so that no

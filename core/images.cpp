@@ -40,8 +40,9 @@ int64_t RowStep(int32_t pixelBytes) {
   return pixelBytes >= 8 ? 1 : 8 / pixelBytes;
 }
 
+// step is a power of two.
 int64_t RoundedUp(int64_t value, int64_t step) {
-  return (value + step - 1) / step * step;
+  return (value + step - 1) & -step;
 }
 
 int32_t LayoutType(const Image& image) {
@@ -59,9 +60,9 @@ bool LayoutOf(int32_t width, int32_t height, int32_t border, int32_t pixelBytes,
   if (layout->lineWidth > INT32_MAX) return false;
   const int64_t rows = height + 2 * int64_t{border};
   const int64_t lineBytes = layout->lineWidth * pixelBytes;
-  if (rows != 0 && lineBytes > static_cast<int64_t>(HEAP_BLOCK_LIMIT) / rows) return false;
-  layout->bytes = rows * lineBytes;
-  return true;
+  if (lineBytes > static_cast<int64_t>(HEAP_BLOCK_LIMIT)) return false;
+  layout->bytes = rows * lineBytes;  // below 2^63: twice the border is no more than a line
+  return layout->bytes <= static_cast<int64_t>(HEAP_BLOCK_LIMIT);
 }
 
 // A handle of an image for one of its two blocks.
@@ -193,6 +194,10 @@ Status ImageSetSize(ImageRef reference, int32_t width, int32_t height) {
 
 Status ImageLayoutSize(Image* image, int32_t width, int32_t height, bool keep) {
   if (width < 1 || height < 1) width = height = 0;
+  // Most calls ask a destination for the size that it has.
+  const bool laidOut = keep && image->type != IMAGE_OPAQUE && image->lineWidth > 0;
+  if (laidOut && width == image->width && height == image->height) return STATUS_OK;
+
   int32_t pixelBytes = 0;
   Status status = PixelSize(LayoutType(*image), &pixelBytes);
   if (status != STATUS_OK) return status;
