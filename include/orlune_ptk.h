@@ -181,8 +181,98 @@ int32_t ZEL_GetErrorMode(void);
  * that receive the name reported with it, an empty text when there is none. */
 int32_t ZEL_GetLastError(char* procedure);
 
-/* ================================================================ pixels, lines and whole arrays
- */
+/* =================================================== pixels, lines and whole arrays */
+
+/* These take IMAGE_U8, IMAGE_I16 and IMAGE_SGL images, where nothing else is said, and callers'
+ * arrays of any ArrayType. ARRAY_I8 with IMAGE_U8 and ARRAY_U16 with IMAGE_I16 pass bits unchanged;
+ * every other pair is converted as told at ArrayType. With an unknown array type nothing is read
+ * (pixels become 0) or written (the array stays, counts are given). */
+
+/* Reads a pixel into value. Coordinates outside the image are those of the nearest pixel.
+ * Failures: -200; -301 for another image type; -1001 for an empty image. */
+int32_t ZEL_GetPixelValue(ImageRef image, int32_t x, int32_t y, float* value);
+
+/* Writes a pixel; outside the image nothing is done (0 is returned). The integer types take the low
+ * bits of the value cut toward zero: 300.0 is 44 in IMAGE_U8. Failures: -200; -301 for another
+ * image type. */
+int32_t ZEL_SetPixelValue(ImageRef image, int32_t x, int32_t y, float value);
+
+/* Reads a row (column 0) or a column (any other number) into an array.
+ * index:     of the row or column; outside the image the nearest one.
+ * arrayType: of the elements.
+ * array:     room for the image's width, or height.
+ * count:     NULL, or receives the number of elements.
+ * Failures: -200; -301 for another image type. */
+int32_t ZEL_GetRowCol(ImageRef image, int16_t column, int32_t index, int32_t arrayType, void* array,
+                      int32_t* count);
+
+/* Writes a row (column 0) or a column (any other number) from an array of count elements; those
+ * beyond the row or column are left out. array may be NULL when count is below 1. Further arguments
+ * as for ZEL_GetRowCol. Failures: -200; -301 for another image type; -101 for more elements than an
+ * image can hold. */
+int32_t ZEL_SetRowCol(ImageRef image, int16_t column, int32_t index, int32_t arrayType,
+                      const void* array, int32_t count);
+
+/* Reads the pixels of a straight line, both ends included, into an array.
+ * start, end: may lie outside the image: the line is clipped to it, and the array starts with the
+ *             first point inside. A clipped line can pass through other pixels than the whole one.
+ * array:      room for as many elements as the line has points: the larger of its extents in x and
+ *             y, plus 1.
+ * count:      NULL, or receives the number of elements; 0 when the line misses the image.
+ * From (0, 0) to (4, 2) the line goes (0, 0) (1, 1) (2, 1) (3, 2) (4, 2).
+ * Failures: -200; -301 for another image type, unless the line misses the image. */
+int32_t ZEL_GetLine(ImageRef image, int32_t startX, int32_t startY, int32_t endX, int32_t endY,
+                    int32_t arrayType, void* array, int32_t* count);
+
+/* Writes the pixels of a straight line from an array of count elements, the first to the first
+ * point inside the image; elements beyond the line are left out. array may be NULL when count is
+ * below 1. Lines and failures as for ZEL_GetLine; -101 for more elements than an image can hold. */
+int32_t ZEL_SetLine(ImageRef image, int32_t startX, int32_t startY, int32_t endX, int32_t endY,
+                    int32_t arrayType, const void* array, int32_t count);
+
+/* Copies a rectangle into an array, row after row.
+ * top, left, height, width: the rectangle, limited to the image. A negative size reaches to the
+ *                           other side of top or left.
+ * array:               room for the elements of the limited rectangle.
+ * outWidth, outHeight: NULL, or receive its columns and rows; both 0 for an empty one.
+ * Failures: -200; -301 for another image type, unless the rectangle is empty. */
+int32_t ZEL_ImageToArray(ImageRef image, int32_t top, int32_t left, int32_t height, int32_t width,
+                         int32_t arrayType, void* array, int32_t* outWidth, int32_t* outHeight);
+
+/* Gives an image the size of an array and copies the array into it. The border is not filled.
+ * array:         height rows of width elements, without gaps; may be NULL when either is below 1.
+ * width, height: a size below 1 gives an image of 0 x 0.
+ * Failures: -200; -301 for another image type; -304 when both sizes are below 1; -101. */
+int32_t ZEL_ArrayToImage(ImageRef image, int32_t arrayType, const void* array, int32_t width,
+                         int32_t height);
+
+/* Fills an image of any type but IMAGE_OPAQUE with a value.
+ * mask:     only pixels that it selects are filled. Without a mask (0 or the image) the fill is one
+ *           of memory, not of the image: for IMAGE_U8 the first (height + 2 border) x
+ *           (width + 2 border) bytes of the pixel block, whatever the row pitch, so that the last
+ *           rows of an image can keep their pixels; for the other types width + 2 border pixels
+ * from the start of each line, so that the last columns can. To fill exactly the pixels, pass a
+ *           mask.
+ * value:    for the scalar types; the integer ones take the low bits of it cut toward zero.
+ * rgbValue: for IMAGE_RGB, all four bytes.
+ * complexReal, complexImaginary: for IMAGE_COMPLEX.
+ * Failures: -200; -301 for IMAGE_OPAQUE or a mask that is not IMAGE_U8. */
+int32_t ZEL_FillImage(ImageRef image, ImageRef mask, float value, uint32_t rgbValue,
+                      float complexReal, float complexImaginary);
+
+/* Sets all pixels of an image of any type but IMAGE_OPAQUE to 0, border and padding included.
+ * Failures: -200, -300. */
+int32_t ZEL_ClearPixels(ImageRef image);
+
+/* Joins two fields into a frame, or splits a frame, for images of any type but IMAGE_OPAQUE.
+ * frame, firstField, secondField: of one type; a field may be the frame itself. With a field of 0
+ *       the other one serves for both in a join, and is the only one written in a split. With both
+ * 0 nothing is done. mode: 0 joins: the first field's rows become the even rows of the frame, from
+ * row 0, the second one's the odd rows. The frame gets the smaller of the fields' widths and twice
+ * the smaller of their heights. Any other mode splits: each field gets the frame's width and half
+ * its height, and a last odd row is dropped. Borders keep their pixels; calibration is not copied.
+ * Failures: -200; -304 for a field of another type than the frame's; -301 for IMAGE_OPAQUE. */
+int32_t ZEL_Interlace(ImageRef frame, ImageRef firstField, ImageRef secondField, int32_t mode);
 
 /* ==================================================================== arithmetic and logic
  * operators */
@@ -272,9 +362,7 @@ int32_t ZEL_Threshold(ImageRef source, ImageRef destination, float rangeMin, flo
 int32_t ZEL_MultiThreshold(ImageRef source, ImageRef destination, int32_t count,
                            const ThresholdClass* classes);
 
-/* ===================================================================== histogram and
- * quantification
- */
+/* =================================================== histogram and quantification */
 
 /* What ZEL_Histogram tells of the pixels that it counted. Without any, all fields are 0, except an
  * interval of 1.0 for the 256 levels of IMAGE_U8. */

@@ -1,0 +1,46 @@
+// Straight lines over the pixels of an image: clipped to it and walked point by point.
+#pragma once
+
+#include <cstdint>
+
+#include "core/arrays.h"
+#include "core/handles.h"
+
+namespace zel {
+
+struct LinePoint {
+  int32_t x, y;
+};
+
+// Clips a line in place to the pixels of an image, by exact integers cut toward zero at each edge:
+// left, right, top, bottom in this order. `visible` is 1, or 0 with the line left as it is.
+// STATUS_BAD_IMAGE.
+Status LineClip(ImageRef reference, KernelLine* line, uint16_t* visible);
+// The same for an image of this size. True when something is visible.
+bool LineClipToSize(int32_t width, int32_t height, KernelLine* line);
+
+// The steps from point to point of a line, both ends included. Along the longer axis (x where both
+// are equal) each step goes on by one; a step along the other one is taken on a tie too, so that a
+// line and its reverse can differ.
+class LineSteps {
+ public:
+  explicit LineSteps(const KernelLine& line);
+  int64_t points() const { return points_; }
+  LinePoint Next() {
+    const bool both = error_ >= 0;
+    error_ += both ? onBoth_ : onMajor_;
+    return both ? diagonal_ : straight_;
+  }
+
+ private:
+  int64_t points_;
+  int64_t error_;
+  int64_t onMajor_, onBoth_;  // changes of the error
+  LinePoint straight_, diagonal_;
+};
+
+// Fills a vector with the points of a line, one LinePoint each; with `relative` with the steps from
+// the point before, the first one 0, 0. STATUS_MEMORY_FULL.
+Status LineWalk(const KernelLine& line, bool relative, Handle vector, int32_t* count);
+
+}  // namespace zel
