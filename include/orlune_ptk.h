@@ -328,6 +328,40 @@ int32_t ZEL_Modulo(ImageRef first, ImageRef second, ImageRef destination, float 
  * not limited. */
 int32_t ZEL_MulDiv(ImageRef first, ImageRef second, ImageRef destination, float constant);
 
+/* Mean, smaller, larger, or first kept where a comparison holds and 0 elsewhere.
+ * operation: 0 mean, rounded down on integers (floats: half the sum); 1 the smaller; 2 the larger;
+ *            first where it is 3 not below, 4 above, 5 different from, 6 below, 7 not above the
+ *            second operand, else 0. Numbers below 0 act as 0, above 7 as 7. A float pixel that is
+ *            no number is kept; it is never the smaller or larger second operand.
+ * constant:  integers use the cut constant, in its whole range. The mean of IMAGE_U8 is limited to
+ * 0 to 255, but on processors with MMX this holds for the last width modulo 4 columns only (for all
+ * when there are fewer than 8 columns): the others take the low 8 bits of the cut constant. second
+ * may not be of a wider type than first. */
+int32_t ZEL_Compare(ImageRef first, ImageRef second, ImageRef destination, int32_t operation,
+                    float constant);
+
+/* Bitwise operators on whole pixels, with second or with the low 8 (IMAGE_U8), 16 (IMAGE_I16) or 32
+ * (IMAGE_RGB) bits of the constant. invert: other than 0 inverts all bits of the result. */
+int32_t ZEL_And(ImageRef first, ImageRef second, ImageRef destination, int16_t invert,
+                uint32_t constant);
+int32_t ZEL_Or(ImageRef first, ImageRef second, ImageRef destination, int16_t invert,
+               uint32_t constant);
+int32_t ZEL_Xor(ImageRef first, ImageRef second, ImageRef destination, int16_t invert,
+                uint32_t constant);
+
+/* The bits of first that are not set in second. */
+int32_t ZEL_LogDiff(ImageRef first, ImageRef second, ImageRef destination, uint32_t constant);
+
+/* Keeps the pixels of source that the mask selects and makes all others 0, border included.
+ * source:      any type but IMAGE_OPAQUE (-301).
+ * mask:        an IMAGE_U8 image placed by its offset (-301 for another type). 0 or source: the
+ *              pixels are copied, and the destination keeps its calibration and offset. Where the
+ *              mask misses the source altogether, nothing is written.
+ * destination: of source's type (-304); 0 replaces source. It may be the mask, which then holds the
+ *              result.
+ * Failures: -200, -301, -304. */
+int32_t ZEL_Mask(ImageRef source, ImageRef mask, ImageRef destination);
+
 /* =================================================================================== casts */
 
 /* =================================================================================== thresholds */

@@ -2,30 +2,14 @@
 #include <algorithm>
 #include <cmath>
 
-#include "core/processor.h"
 #include "point/arithmetic_rows.h"
 #include "point/operands.h"
 
 namespace zel {
 namespace {
 
-// Columns of the U8 product with a constant that come in groups; they see the constant otherwise
-// than the remaining columns do. A row shorter than two groups has none.
-constexpr int64_t GROUP = 4;
-
-int64_t GroupedColumns(const Plane& plane) {
-  return MmxAvailable() != 0 && plane.width > 2 * GROUP - 1 ? plane.width & ~(GROUP - 1) : 0;
-}
-
-// Sums with a constant: the pixel is limited so that the sum can't leave the type's range. A
-// constant beyond the span of the range gives the limit for every pixel.
 void AddConstantRun(int32_t type, int64_t constant, Plane* plane) {
-  const int32_t least = type == IMAGE_U8 ? 0 : INT16_MIN;
-  const int32_t most = type == IMAGE_U8 ? UINT8_MAX : INT16_MAX;
-  const int32_t value = Clamped(constant, least - most, most - least);
-  plane->constant.value = value;
-  plane->constant.low = std::max(least, least - value);
-  plane->constant.high = std::min(most, most - value);
+  plane->constant = SumWithConstant(type, constant);
   PlaneRun(arithmeticRows().addConstant[type], *plane);
 }
 
@@ -45,7 +29,7 @@ void MultiplyConstantRun(const RowOperation& operation, Plane* plane) {
   const int64_t grouped = GroupedColumns(*plane);
   PlaneRun(rows.multiplyByte, PlaneColumns(*plane, 0, grouped));
   const Plane rest = PlaneColumns(*plane, grouped, plane->width);
-  if (rest.width < GROUP) {
+  if (rest.width < GROUP_COLUMNS) {
     PlaneRun(rows.scale[IMAGE_U8], rest);
   } else {
     PlaneRunByTable(rows.scale[IMAGE_U8], rest);
@@ -137,25 +121,19 @@ void ArithmeticDispatch(const RowOperation& operation, Status* status) {
     return;
   }
   const auto arithmetic = static_cast<ArithmeticOperation>((operation.code - OPERATION_ADD) / 2);
-  const bool hasConstant = operation.code % 2 != 0;
-  RowOperation checked = operation;
-  if (hasConstant) checked.type2 = operation.type1;
-  *status = ScalarPairCheck(checked.type1, checked.type2);
-  if (*status != STATUS_OK || checked.width < 1 || checked.height < 1) return;
+  Plane plane{};
+  if (!ScalarPlaneOf(operation, &plane, status)) return;
 
-  Plane plane = PlaneOf(checked);
-  if (hasConstant) {
-    plane.second = plane.first;
-    plane.secondPitch = plane.firstPitch;
-    ConstantRun(checked, arithmetic, &plane);
+  if (OperationHasConstant(operation.code)) {
+    ConstantRun(operation, arithmetic, &plane);
     return;
   }
   if (arithmetic == ARITHMETIC_MULDIV) {
-    const auto factor = static_cast<double>(checked.constantFloat);
-    plane.constant.factor = checked.type1 == IMAGE_U8 ? std::fabs(factor) : factor;
-    plane.constant.value = checked.constantInt;
+    const auto factor = static_cast<double>(operation.constantFloat);
+    plane.constant.factor = operation.type1 == IMAGE_U8 ? std::fabs(factor) : factor;
+    plane.constant.value = operation.constantInt;
   }
-  const int32_t pair = ScalarPair(checked.type1, checked.type2);
+  const int32_t pair = ScalarPair(operation.type1, operation.type2);
   PlaneRun(arithmeticRows().images[arithmetic].byPair[pair], plane);
 }
 

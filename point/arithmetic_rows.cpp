@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstdint>
 
+#include "point/pair_rows.h"
+
 namespace zel::ZEL_LEVEL {
 namespace {
 
@@ -103,12 +105,6 @@ struct Modulo {
   }
 };
 
-template <class First, class Second, class Rule>
-void Images(const Plane& plane) {
-  ForPixelPairs<First, Second, First>(
-      plane, [](First a, Second b) { return Rule()(a, static_cast<First>(b)); });
-}
-
 // first x factor / second, limited and cut. The product is exact in 64-bit floats, and a quotient
 // below a whole number is never rounded up to it, so cutting the product first changes nothing.
 void MulDivBytes(const Plane& plane) {
@@ -188,22 +184,6 @@ void MultiplyByte(const Plane& plane) {
   const auto factor = static_cast<uint8_t>(plane.constant.value);
   ForPixels<uint8_t, uint8_t>(plane, [=](uint8_t a) { return Multiply()(a, factor); });
 }
-
-template <class Rule>
-void FloatConstant(const Plane& plane) {
-  const float constant = plane.constant.real;
-  ForPixels<float, float>(plane, [=](float a) { return Rule()(a, constant); });
-}
-
-template <class Rule>
-constexpr PairRoutines IMAGES = {{
-    &Images<uint8_t, uint8_t, Rule>,
-    &Images<int16_t, uint8_t, Rule>,
-    &Images<int16_t, int16_t, Rule>,
-    &Images<float, uint8_t, Rule>,
-    &Images<float, int16_t, Rule>,
-    &Images<float, float, Rule>,
-}};
 
 constexpr PairRoutines MULDIV_IMAGES = {{
     &MulDivBytes,

@@ -1,10 +1,12 @@
 // The checks before an operator, and the way from its record to the row routines.
 #include "point/operands.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "core/images.h"
 #include "core/kernels.h"
+#include "core/processor.h"
 #include "point/byte_table_rows.h"
 
 namespace zel {
@@ -149,11 +151,6 @@ void OperatorKernel(ImageRef first, ImageRef second, ImageRef destination, int16
   engine(operation, status);
 }
 
-Status ScalarPairCheck(int32_t type1, int32_t type2) {
-  if (!TypeIsScalar(type1)) return STATUS_BAD_OPERAND_TYPE;
-  return type2 >= 0 && type2 <= type1 ? STATUS_OK : STATUS_OPERAND_TYPE_DIFFERS;
-}
-
 Plane PlaneOf(const RowOperation& operation) {
   int32_t firstBytes = 1;
   int32_t secondBytes = 1;
@@ -172,6 +169,40 @@ Plane PlaneOf(const RowOperation& operation) {
   plane.width = operation.width;
   plane.height = operation.height;
   return plane;
+}
+
+bool ScalarPlaneOf(const RowOperation& operation, Plane* plane, Status* status) {
+  RowOperation checked = operation;
+  if (OperationHasConstant(operation.code)) {
+    checked.type2 = operation.type1;
+    checked.source2 = operation.source1;
+    checked.stride2 = operation.stride1;
+  }
+  if (!TypeIsScalar(checked.type1)) {
+    *status = STATUS_BAD_OPERAND_TYPE;
+    return false;
+  }
+  if (checked.type2 < IMAGE_U8 || checked.type2 > checked.type1) {
+    *status = STATUS_OPERAND_TYPE_DIFFERS;
+    return false;
+  }
+  *plane = PlaneOf(checked);
+  return true;
+}
+
+int64_t GroupedColumns(const Plane& plane) {
+  if (MmxAvailable() == 0 || plane.width < 2 * GROUP_COLUMNS) return 0;
+  return plane.width / GROUP_COLUMNS * GROUP_COLUMNS;
+}
+
+PlaneConstant SumWithConstant(int32_t type, int64_t constant) {
+  const int32_t least = type == IMAGE_U8 ? 0 : INT16_MIN;
+  const int32_t most = type == IMAGE_U8 ? UINT8_MAX : INT16_MAX;
+  PlaneConstant sum{};
+  sum.value = Clamped(constant, least - most, most - least);
+  sum.low = std::max(least, least - sum.value);
+  sum.high = std::min(most, most - sum.value);
+  return sum;
 }
 
 Plane PlaneColumns(const Plane& plane, int64_t from, int64_t to) {

@@ -14,10 +14,27 @@ using OperatorEngine = void (*)(const RowOperation& operation, Status* status);
 void OperatorKernel(ImageRef first, ImageRef second, ImageRef destination, int16_t code,
                     bool swapAllowed, const float* constant, OperatorEngine engine, Status* status);
 
-// Whether arithmetic and comparison have an engine for the two types.
-Status ScalarPairCheck(int32_t type1, int32_t type2);
+// Whether a code below OPERATION_MULDIV takes a constant in place of a second image.
+constexpr bool OperationHasConstant(int16_t code) {
+  return code % 2 != 0;
+}
+
+// The plane of an arithmetic or comparing operation; with a constant the first operand stands in
+// for the second. False with a status for types that have no engine.
+bool ScalarPlaneOf(const RowOperation& operation, Plane* plane, Status* status);
 
 Plane PlaneOf(const RowOperation& operation);
+
+// The columns of a U8 plane that come in groups, from the left. Products and means with a constant
+// see the constant otherwise there than in the remaining columns. Rows shorter than two groups
+// have none.
+constexpr int64_t GROUP_COLUMNS = 4;
+int64_t GroupedColumns(const Plane& plane);
+
+// Sums of integer pixels and a constant, limited to the type's range: the pixel is limited so that
+// the sum can't leave the range. A constant beyond the span of the range gives the limit for every
+// pixel.
+PlaneConstant SumWithConstant(int32_t type, int64_t constant);
 
 // The columns of a plane from one up to and without another.
 Plane PlaneColumns(const Plane& plane, int64_t from, int64_t to);

@@ -9,13 +9,21 @@
 
 namespace zel {
 
+// Every bitwise operation with a constant: (pixel and keep) xor flip.
+struct PlaneBits {
+  uint32_t keep;
+  uint32_t flip;
+};
+
 // A constant in the forms that rules take.
 struct PlaneConstant {
   int32_t value;  // integers; also the value that stands in for a second operand
   int32_t low;    // a range of first operands
   int32_t high;
+  int32_t odd;    // 0 or 1: added before a pixel is halved
   float real;     // for float pixels
   double factor;  // for products that are cut
+  PlaneBits bits;
 };
 
 struct Plane {

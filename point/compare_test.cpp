@@ -1,0 +1,261 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "core/processor.h"
+#include "point/operator_test.h"
+#include "tests/support/test_image.h"
+
+namespace {
+
+using test::Border;
+using test::ODD_SIZES;
+using test::Operands;
+using test::PixelDifference;
+using test::RunOnAllLevels;
+using test::TestImage;
+
+// The rules, one pixel at a time. Comparisons are stated by what clears a pixel.
+double Ordered(int32_t operation, double a, double b) {
+  switch (operation) {
+    case 1:
+      return b < a ? b : a;
+    case 2:
+      return b > a ? b : a;
+    case 3:
+      return a < b ? 0 : a;
+    case 4:
+      return a <= b ? 0 : a;
+    case 5:
+      return a == b ? 0 : a;
+    case 6:
+      return a >= b ? 0 : a;
+    default:
+      return a > b ? 0 : a;
+  }
+}
+
+double OfImages(int32_t operation, int32_t type, double a, double b) {
+  if (operation != 0) return Ordered(operation, a, b);
+  return type == IMAGE_SGL ? (a + b) * 0.5 : std::floor((a + b) / 2);
+}
+
+double WithConstant(int32_t operation, int32_t type, double a, float constant, bool grouped) {
+  if (type == IMAGE_SGL) return OfImages(operation, type, a, static_cast<double>(constant));
+  const auto cut = static_cast<double>(test::CutInt(constant));
+  const double low = type == IMAGE_U8 ? 0 : -32768;
+  const double high = type == IMAGE_U8 ? 255 : 32767;
+  if (operation == 0) {
+    if (type == IMAGE_U8 && grouped) {
+      return std::floor((a + static_cast<double>(test::CutInt(constant) & 255)) / 2);
+    }
+    return std::fmin(std::fmax(std::floor((a + cut) / 2), low), high);
+  }
+  if (operation == 1) return std::fmin(a, std::fmax(cut, low));
+  if (operation == 2) return std::fmax(a, std::fmin(cut, high));
+  return Ordered(operation, a, cut);
+}
+
+TestImage ImagesResult(int32_t operation, const TestImage& first, const TestImage& second) {
+  const int32_t type = first.Info().type;
+  return test::Combined(first, second, type,
+                        [=](double a, double b) { return OfImages(operation, type, a, b); });
+}
+
+TestImage ConstantResult(int32_t operation, const TestImage& first, float constant, bool mmx) {
+  const int32_t type = first.Info().type;
+  const int32_t width = first.width();
+  const int32_t grouped = mmx && width > 7 ? width - width % 4 : 0;
+  return test::Mapped(first, type, [=](double a, int32_t x) {
+    return WithConstant(operation, type, a, constant, x < grouped);
+  });
+}
+
+// Pixels that often meet.
+void Coarsen(const TestImage& image) {
+  const ImageInfo info = image.Info();
+  for (int32_t y = 0; y < info.height; y++) {
+    const test::Row row(image, info.type, y);
+    for (int32_t x = 0; x < info.width; x++) {
+      if ((x + y) % 3 != 0) row.Set(x, std::trunc(row[x] / 100) * 100);
+    }
+  }
+}
+
+TEST(Compare, ImagesOfAllTypePairsAndSizesFollowTheRules) {
+  RunOnAllLevels([] {
+    for (int32_t operation = 0; operation < 8; operation++) {
+      for (int32_t type1 = IMAGE_U8; type1 <= IMAGE_SGL; type1++) {
+        for (int32_t type2 = IMAGE_U8; type2 <= type1; type2++) {
+          uint64_t seed = 1;
+          for (const auto& [width, height] : ODD_SIZES) {
+            const TestImage first(type1, width, height, Border(seed), seed);
+            const TestImage second(type2, width, height, Border(seed + 1), seed + 50);
+            Coarsen(first);
+            Coarsen(second);
+            TestImage destination(type1, width, height, Border(seed + 2), seed + 70);
+            const auto surroundings = destination.Surroundings();
+            seed++;
+            ASSERT_EQ(ZEL_Compare(first, second, destination, operation, 3.0f), 0);
+            ASSERT_EQ(PixelDifference(destination, ImagesResult(operation, first, second)), "")
+                << operation << " types " << type1 << ' ' << type2;
+            ASSERT_EQ(destination.Surroundings(), surroundings);
+          }
+        }
+      }
+    }
+  });
+}
+
+TEST(Compare, EveryPairOfBytesFollowsTheRules) {
+  const TestImage first(IMAGE_U8, 256, 256);
+  const TestImage second(IMAGE_U8, 256, 256);
+  for (int32_t y = 0; y < 256; y++) {
+    for (int32_t x = 0; x < 256; x++) {
+      first.Set<uint8_t>(x, y, static_cast<uint8_t>(y));
+      second.Set<uint8_t>(x, y, static_cast<uint8_t>(x));
+    }
+  }
+  TestImage destination(IMAGE_U8, 0, 0);
+  for (int32_t operation = 0; operation < 8; operation++) {
+    const TestImage expected = ImagesResult(operation, first, second);
+    RunOnAllLevels([&] {
+      ASSERT_EQ(ZEL_Compare(first, second, destination, operation, 0), 0);
+      ASSERT_EQ(PixelDifference(destination, expected), "") << operation;
+    });
+  }
+}
+
+TEST(Compare, ConstantsOfAllTypesFollowTheRulesColumnByColumn) {
+  constexpr float constants[] = {
+      0.0f,      -0.0f,     1.0f,      -1.0f,    2.5f,     10.7f,    -10.7f,   100.0f,    127.0f,
+      128.0f,    200.9f,    254.0f,    255.0f,   256.0f,   300.0f,   510.0f,   511.0f,    -255.0f,
+      -256.0f,   -257.0f,   32766.0f,  32767.0f, 32768.0f, 65534.0f, 65535.0f, 1e5f,      -32767.0f,
+      -32768.0f, -32769.0f, -65537.0f, -1e6f,    3e9f,     -3e9f,    INFINITY, -INFINITY, NAN,
+  };
+  RunOnAllLevels([&] {
+    for (const int32_t mmx : {0, 1}) {
+      zel::MmxForce(mmx);
+      for (int32_t operation = 0; operation < 8; operation++) {
+        for (int32_t type = IMAGE_U8; type <= IMAGE_SGL; type++) {
+          for (const float constant : constants) {
+            for (const int32_t width : {1, 7, 8, 9, 15, 16, 17, 31, 33, 70}) {
+              const TestImage first(type, width, 3, Border(width), static_cast<uint64_t>(width));
+              Coarsen(first);
+              const test::Row row(first, type, 0);
+              row.Set(0, 255.0);  // the extremes, whatever the random pixels are
+              if (type != IMAGE_U8) row.Set(width - 1, -32768.0);
+              TestImage destination(type, 2, 2, 1, 9);
+              ASSERT_EQ(ZEL_Compare(first, 0, destination, operation, constant), 0);
+              ASSERT_EQ(PixelDifference(destination,
+                                        ConstantResult(operation, first, constant, mmx != 0)),
+                        "")
+                  << operation << " type " << type << " constant " << constant;
+            }
+          }
+        }
+      }
+    }
+  });
+}
+
+TEST(Compare, ConstantOfTheMeanActsByItsLowByteInGroupedColumnsOnly) {
+  const TestImage image(IMAGE_U8, 9, 1);
+  for (int32_t x = 0; x < 9; x++) image.Set<uint8_t>(x, 0, 100);
+  TestImage destination(IMAGE_U8, 0, 0);
+  zel::MmxForce(1);
+  ASSERT_EQ(ZEL_Compare(image, 0, destination, 0, 300.0f), 0);
+  EXPECT_EQ(destination.Get<uint8_t>(7, 0), (100 + (300 & 255)) / 2);
+  EXPECT_EQ(destination.Get<uint8_t>(8, 0), 200);
+  ASSERT_EQ(ZEL_Compare(image, 0, destination, 0, -1.0f), 0);
+  EXPECT_EQ(destination.Get<uint8_t>(0, 0), (100 + 255) / 2);
+  EXPECT_EQ(destination.Get<uint8_t>(8, 0), 49);
+}
+
+TEST(Compare, FloatsKeepInfinitiesNanAndZeros) {
+  const float inf = std::numeric_limits<float>::infinity();
+  const std::vector<float> values = {0.0f, -0.0f, 1.0f,   -1.5f,         inf,
+                                     -inf, NAN,   1e-42f, 3.4028235e38f, -3e38f};
+  const auto count = static_cast<int32_t>(values.size());
+  RunOnAllLevels([&] {
+    const TestImage first(IMAGE_SGL, count * count, 1);
+    const TestImage second(IMAGE_SGL, count * count, 1);
+    for (int32_t i = 0; i < count * count; i++) {
+      first.Set<float>(i, 0, values[static_cast<size_t>(i / count)]);
+      second.Set<float>(i, 0, values[static_cast<size_t>(i % count)]);
+    }
+    TestImage destination(IMAGE_SGL, 0, 0);
+    for (int32_t operation = 0; operation < 8; operation++) {
+      ASSERT_EQ(ZEL_Compare(first, second, destination, operation, 0), 0);
+      ASSERT_EQ(PixelDifference(destination, ImagesResult(operation, first, second)), "")
+          << operation;
+      for (const float constant : values) {
+        ASSERT_EQ(ZEL_Compare(first, 0, destination, operation, constant), 0);
+        ASSERT_EQ(PixelDifference(destination, ConstantResult(operation, first, constant, true)),
+                  "")
+            << operation << " constant " << constant;
+      }
+    }
+  });
+}
+
+TEST(Compare, ResultsMayReplaceEitherOperandAndLeaveItsSurroundings) {
+  for (int32_t operation = 0; operation < 8; operation++) {
+    for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
+      for (const int32_t width : {1, 9, 33, 64, 131}) {
+        const Operands pair(type, width);
+        const TestImage expected = ImagesResult(operation, pair.first, pair.second);
+        const Operands firstUsed(type, width);
+        const auto aroundFirst = firstUsed.first.Surroundings();
+        ASSERT_EQ(ZEL_Compare(firstUsed.first, firstUsed.second, 0, operation, 0), 0);
+        ASSERT_EQ(PixelDifference(firstUsed.first, expected), "");
+        ASSERT_EQ(firstUsed.first.Surroundings(), aroundFirst);
+        const Operands secondUsed(type, width);
+        const auto aroundSecond = secondUsed.second.Surroundings();
+        ASSERT_EQ(ZEL_Compare(secondUsed.first, secondUsed.second, secondUsed.second, operation, 0),
+                  0);
+        ASSERT_EQ(PixelDifference(secondUsed.second, expected), "");
+        ASSERT_EQ(secondUsed.second.Surroundings(), aroundSecond);
+        const Operands both(type, width);
+        ASSERT_EQ(ZEL_Compare(both.first, both.first, 0, operation, 0), 0);
+        ASSERT_EQ(PixelDifference(both.first, ImagesResult(operation, pair.first, pair.first)), "");
+      }
+    }
+  }
+}
+
+TEST(Compare, OperatorsOutOfRangeAreLimited) {
+  const TestImage first(IMAGE_U8, 40, 2, 0, 5);
+  const TestImage second(IMAGE_U8, 40, 2, 0, 6);
+  TestImage destination(IMAGE_U8, 0, 0);
+  for (const int32_t operation : {99, 8, INT32_MAX}) {
+    ASSERT_EQ(ZEL_Compare(first, second, destination, operation, 0), 0);
+    EXPECT_EQ(PixelDifference(destination, ImagesResult(7, first, second)), "");
+  }
+  for (const int32_t operation : {-1, INT32_MIN}) {
+    ASSERT_EQ(ZEL_Compare(first, second, destination, operation, 0), 0);
+    EXPECT_EQ(PixelDifference(destination, ImagesResult(0, first, second)), "");
+  }
+}
+
+TEST(Compare, WrongImagesGiveTheirNumbers) {
+  const TestImage bytes(IMAGE_U8, 10, 10);
+  const TestImage words(IMAGE_I16, 10, 10);
+  const TestImage rgb(IMAGE_RGB, 10, 10);
+  const TestImage opaque(IMAGE_OPAQUE, 0, 0);
+  const TestImage small(IMAGE_U8, 9, 10);
+  EXPECT_EQ(ZEL_Compare(0, bytes, bytes, 1, 0), -200);
+  EXPECT_EQ(ZEL_Compare(bytes, 99, bytes, 1, 0), -200);
+  EXPECT_EQ(ZEL_Compare(bytes, bytes, 99, 1, 0), -200);
+  EXPECT_EQ(ZEL_Compare(bytes, words, words, 1, 0), -305);
+  EXPECT_EQ(ZEL_Compare(bytes, 0, words, 1, 0), -305);
+  EXPECT_EQ(ZEL_Compare(rgb, 0, 0, 1, 0), -302);
+  EXPECT_EQ(ZEL_Compare(opaque, 0, 0, 1, 0), -300);
+  EXPECT_EQ(ZEL_Compare(bytes, small, 0, 1, 0), -306);
+  char name[256];
+  ZEL_GetLastError(name);
+  EXPECT_STREQ(name, "ZEL_Compare");
+}
+
+}  // namespace
