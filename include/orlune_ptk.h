@@ -376,12 +376,14 @@ typedef struct ThresholdClass {
 } ThresholdClass;
 
 /* Keeps one range of values: a pixel from rangeMin to rangeMax, both included, becomes newValue, or
- * keeps its value when useNew is 0. Every other pixel becomes 0, also NaN and, with a rangeMin
- * above rangeMax, all of them. source:      IMAGE_U8, IMAGE_I16 or IMAGE_SGL. destination: 0 or the
- * source: in place. Any other image must have the source's type. rangeMin, rangeMax, newValue: for
- * integer images cut toward zero and then limited to the type's range (-5 to -3 on IMAGE_U8 selects
- * level 0; NaN counts as 0); for IMAGE_SGL as given. Failures: -200, -301 (source type), -304
- * (destination type). */
+ * keeps its value when useNew is 0. Every other pixel becomes 0, also NaN; with a rangeMin above
+ * rangeMax all of them.
+ * source:      IMAGE_U8, IMAGE_I16 or IMAGE_SGL.
+ * destination: 0 or the source: in place. Any other image must have the source's type.
+ * rangeMin, rangeMax, newValue: for integer images cut toward zero and then limited to the type's
+ *              range (-5 to -3 on IMAGE_U8 selects level 0; NaN counts as 0); for IMAGE_SGL as
+ *              given.
+ * Failures: -200, -301 (source type), -304 (destination type). */
 int32_t ZEL_Threshold(ImageRef source, ImageRef destination, float rangeMin, float rangeMax,
                       float newValue, int16_t useNew);
 
@@ -391,10 +393,49 @@ int32_t ZEL_Threshold(ImageRef source, ImageRef destination, float rangeMin, flo
  * count:       number of classes. With 0 or less the source's pixels are copied as they are.
  * classes:     tried in order. Where they overlap, the LAST class decides for integer images, whose
  *              limits and new values are cut and limited as in ZEL_Threshold. For IMAGE_SGL the
- * FIRST class decides that makes the pixel other than 0. NULL only with a count of 0 or less.
+ *              FIRST class decides that makes the pixel other than 0. NULL only with a count of 0
+ *              or less.
  * Failures: -200, -301 (source type), -304 (destination type). */
 int32_t ZEL_MultiThreshold(ImageRef source, ImageRef destination, int32_t count,
                            const ThresholdClass* classes);
+
+/* How ZEL_AutoBThreshold finds its threshold. */
+typedef enum AutoBMethod {
+  AUTOB_CLUSTERING = 0, /* iterated mean of the two class means, from the median on */
+  AUTOB_ENTROPY = 1,    /* greatest entropy of the two classes */
+  AUTOB_METRIC = 2,     /* least sum of absolute distances to the class means */
+  AUTOB_MOMENTS = 3,    /* two levels with the first three moments of the image */
+  AUTOB_INTERCLASS = 4  /* bisection of the span of levels on the class means */
+} AutoBMethod;
+
+/* Finds one threshold from the histogram of an image. The image is not changed.
+ * image:     IMAGE_U8. With one level only, the threshold is that level, and 255 without pixels.
+ *            AUTOB_CLUSTERING gives 0 there, also for two levels; AUTOB_ENTROPY always one of 1 to
+ *            254.
+ * method:    an AutoBMethod. With any other number the call succeeds and writes nothing.
+ * arrayType: an ArrayType; with an unknown one lookup is not written.
+ * lookup:    NULL, or an array of 256 elements: 0 for levels below the threshold, else 1. It serves
+ *            as a table for ZEL_UserLookup.
+ * threshold: NULL, or receives the threshold, 0 to 255.
+ * Failures: -200; -301 for an image that is not IMAGE_U8. */
+int32_t ZEL_AutoBThreshold(ImageRef image, int32_t method, int32_t arrayType, void* lookup,
+                           int32_t* threshold);
+
+/* Splits the levels of an image into several classes by iterated class means. The image is not
+ * changed.
+ * image:     IMAGE_U8.
+ * count:     number of classes, 2 to 256. With any other number the call succeeds and writes
+ *            nothing. With as many classes as levels that occur, or more, thresholds lie midway
+ *            between levels; surplus classes come first, are empty and have a rangeMax of -1.
+ * arrayType: an ArrayType; with an unknown one lookup is not written.
+ * lookup:    NULL, or an array of 256 elements: the class of each level, from 0. The level at the
+ *            whole part of a fractional threshold counts to the class above it, although that
+ *            class's rangeMin is one higher.
+ * classes:   NULL, or an array of count records for ZEL_MultiThreshold: ranges of whole numbers up
+ *            to 255, the class number as newValue, and 32768 as useNew.
+ * Failures: -200; -301 for an image that is not IMAGE_U8; -306 for one without pixels. */
+int32_t ZEL_AutoMThreshold(ImageRef image, int32_t count, int32_t arrayType, void* lookup,
+                           ThresholdClass* classes);
 
 /* =================================================== histogram and quantification */
 
@@ -439,14 +480,65 @@ int32_t ZEL_Histogram(ImageRef image, ImageRef mask, int32_t nbClasses, float mi
  * destination: 0 or the source: in place. Any other image must have the source's type. Where the
  *              mask does not touch the source, it keeps its calibration and mask offset.
  * arrayType:   an ArrayType; an array of an unknown type counts as zeros.
- * array:       count entries; the first is the new value of level 0. The entry of a negative pixel
- * p of IMAGE_I16 is number p + 65536. Entries are taken as signed 16-bit integers, and limited to
- * 0..255 for IMAGE_U8. NULL only with a count of 0 or less. count:       256 entries are used for
- * IMAGE_U8 and 65536 for IMAGE_I16. Levels beyond a shorter table keep their value; further entries
- * are not read. Failures: -200; -301 for another source type or a mask that is not IMAGE_U8; -304
- * (destination type). */
+ * array:       count entries; the first is the new value of level 0, and that of a negative
+ *              IMAGE_I16 pixel p is number p + 65536. Entries are taken as signed 16-bit integers,
+ *              and limited to 0..255 for IMAGE_U8. NULL only with a count of 0 or less.
+ * count:       256 entries are used for IMAGE_U8 and 65536 for IMAGE_I16. Levels beyond a shorter
+ *              table keep their value; further entries are not read.
+ * Failures: -200; -301 for another source type or a mask that is not IMAGE_U8; -304 (destination
+ * type). */
 int32_t ZEL_UserLookup(ImageRef source, ImageRef mask, ImageRef destination, int32_t arrayType,
                        const void* array, int32_t count);
+
+/* The laws of ZEL_MathLookup. d: a pixel's distance above rangeMin; R = rangeMax - rangeMin; O: the
+ * largest result less the smallest; k = ln(10) / 100. */
+typedef enum MathOperator {
+  MATH_LINEAR = 0, /* d O / R */
+  MATH_LOG = 1,    /* ln(d) O / ln(R) */
+  MATH_EXP = 2,    /* (e^(k d) - e^k) O / (e^(k R) - e^k) */
+  MATH_SQUARE = 3, /* (d O / R)^2 / O */
+  MATH_SQRT = 4,   /* d^(1/2) O / R^(1/2) */
+  MATH_POWERX = 5, /* (d^x - 1) O / (R^x - 1) */
+  MATH_POWER1X = 6 /* (d^(1/x) - 1) O / (R^(1/x) - 1) */
+} MathOperator;
+
+/* Maps every pixel by a mathematical law. Results lie between 0 and 255 for IMAGE_U8, for other
+ * types between the smallest and the largest selected pixel. Laws are computed in 80-bit floats and
+ * rounded to 32 bits.
+ * Integer images: pixels below rangeMin become 0 and pixels above rangeMax the largest result;
+ * others the law's value cut toward zero, of which the low 8 or 16 bits count (for IMAGE_I16 the
+ * smallest pixel is not added). At d = 0 the laws 1, 2, 5 and 6 give 0.
+ * IMAGE_SGL: pixels up to and including rangeMin become 0.0 and pixels above rangeMax the largest
+ * result; others the law's value plus the smallest result, limited to the results (NaN: the
+ * smallest).
+ * source:      IMAGE_U8, IMAGE_I16 or IMAGE_SGL.
+ * mask, destination: as for ZEL_UserLookup.
+ * operation:   a MathOperator, limited to 0..6.
+ * x:           exponent of the laws 5 and 6; any number, 0 is no failure.
+ * rangeMin, rangeMax: the range of pixels that the law takes; both 0 for all. rangeMin is raised to
+ *              the smallest result and rangeMax lowered to the largest, also when NaN. Cut toward
+ *              zero for integer images.
+ * Failures: -200; -301 for another source type or a mask that is not IMAGE_U8; -304 (destination
+ * type). */
+int32_t ZEL_MathLookup(ImageRef source, ImageRef mask, ImageRef destination, int32_t operation,
+                       float x, float rangeMin, float rangeMax);
+
+/* Maps pixels so that the results are used evenly, by a histogram: each becomes the sum of the
+ * classes up to its own, scaled to 0..255 for IMAGE_U8 and to the extremes of the selected pixels
+ * for other types. The class at rangeMin carries no weight. Pixels outside the range become 0.
+ * Integers are rounded at one half.
+ * source:      IMAGE_U8, IMAGE_I16 or IMAGE_SGL.
+ * mask, destination: as for ZEL_UserLookup.
+ * histogram, count, report: counters and report of an earlier ZEL_Histogram; they are only read.
+ *              Unless both are given, the histogram of the selected pixels with 256 classes over
+ *              their whole range is made.
+ * rangeMin, rangeMax: as for ZEL_MathLookup.
+ * An image of a single level becomes 255 (IMAGE_U8 of a level above 0) or stays as it is.
+ * Failures: -200; -301 for another source type or a mask that is not IMAGE_U8; -304 (destination
+ * type); -102 for a given histogram with a count below 1. */
+int32_t ZEL_Equalize(ImageRef source, ImageRef mask, ImageRef destination,
+                     const uint32_t* histogram, int32_t count, const HistogramReport* report,
+                     float rangeMin, float rangeMax);
 
 /* ============================================================================= particle labelling
  *

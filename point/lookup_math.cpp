@@ -1,0 +1,254 @@
+// Lookups by mathematical laws: tables for integer pixels, the law itself for float pixels.
+#include <cmath>
+#include <limits>
+
+#include "core/heap.h"
+#include "point/lookup.h"
+
+namespace zel {
+namespace {
+
+// A law over the distance d of a pixel above the range's minimum. Results are those of 80-bit
+// floats rounded to 32 bits. Most are settled by 64-bit floats, since all numbers that their error
+// leaves open round to the same 32-bit one.
+struct MathLaw {
+  int32_t operation;     // MathOperator
+  long double range;     // R: what the distances run up to
+  long double span;      // O: what the results run up to
+  long double exponent;  // of the power laws
+  long double first;     // e^k, where the exponential law begins
+  long double last;      // ln(R), e^(k R) - e^k, the root of R or R^exponent - 1
+  double factor;         // span / last where 64 bits can hold it, else NaN
+};
+
+const long double EXP_RATE = std::log(10.0L) * 0.01L;
+
+long double LawValue(const MathLaw& law, long double d) {
+  switch (law.operation) {
+    case MATH_LINEAR:
+      return d * law.span / law.range;
+    case MATH_LOG:
+      return std::log(d) * law.span / law.last;
+    case MATH_EXP:
+      return (std::exp(EXP_RATE * d) - law.first) * law.span / law.last;
+    case MATH_SQUARE: {
+      const long double scaled = d * law.span / law.range;
+      return scaled * scaled / law.span;
+    }
+    case MATH_SQRT:
+      return std::sqrt(d) * law.span / law.last;
+    default:
+      return (std::pow(d, law.exponent) - 1.0L) * law.span / law.last;
+  }
+}
+
+struct Estimate {
+  double value;
+  double error;  // the true value is nowhere farther from `value`; NaN where nothing is known
+};
+
+// The same in 64-bit floats. Each rounding, and each library function, is taken to be off by less
+// than UNIT of its result, and d by less than UNIT of itself; the errors below are generous sums.
+Estimate LawEstimate(const MathLaw& law, double d) {
+  constexpr double UNIT = std::numeric_limits<double>::epsilon();  // two halves of a last place
+  switch (law.operation) {
+    case MATH_LINEAR: {
+      const double value = d * static_cast<double>(law.span) / static_cast<double>(law.range);
+      return {value, 8.0 * UNIT * std::fabs(value)};
+    }
+    case MATH_LOG: {
+      const double log = std::log(d);
+      const double value = log * law.factor;
+      return {value, 8.0 * UNIT * (std::fabs(log) + 1.0) * std::fabs(law.factor)};
+    }
+    case MATH_EXP: {
+      const double rate = static_cast<double>(EXP_RATE);
+      const double power = std::exp(rate * d);
+      const double value = (power - static_cast<double>(law.first)) * law.factor;
+      const double relative = 8.0 * UNIT * (rate * d + 1.0);
+      return {value, relative * (power + 2.0) * std::fabs(law.factor)};
+    }
+    case MATH_SQUARE: {
+      const double scaled = d * static_cast<double>(law.span) / static_cast<double>(law.range);
+      const double value = scaled * scaled / static_cast<double>(law.span);
+      return {value, 16.0 * UNIT * std::fabs(value)};
+    }
+    case MATH_SQRT: {
+      const double value = std::sqrt(d) * law.factor;
+      return {value, 8.0 * UNIT * std::fabs(value)};
+    }
+    default: {
+      const double exponent = static_cast<double>(law.exponent);
+      const double power = std::pow(d, exponent);
+      const double value = (power - 1.0) * law.factor;
+      // The exponent is off by a rounding, which counts by the logarithm of d: below 104.
+      const double relative = 8.0 * UNIT * (104.0 * std::fabs(exponent) + 1.0);
+      return {value, relative * (power + 1.0) * std::fabs(law.factor)};
+    }
+  }
+}
+
+// The law's value plus a constant, as a 32-bit float.
+float LawStored(const MathLaw& law, long double d, float added) {
+  const Estimate estimate = LawEstimate(law, static_cast<double>(d));
+  const double sum = estimate.value + static_cast<double>(added);
+  const double error =
+      estimate.error + 2.0 * std::numeric_limits<double>::epsilon() * std::fabs(sum);
+  const auto lowest = static_cast<float>(sum - error);
+  const auto highest = static_cast<float>(sum + error);
+  // Not true for NaN; results near 0 are left to the full width for the sake of their sign, and
+  // those near the ends of the exponents because the errors above don't cover them.
+  constexpr float TINY = 1e-30f;
+  if (lowest == highest && std::fabs(lowest) > TINY) return lowest;
+  return static_cast<float>(LawValue(law, d) + static_cast<long double>(added));
+}
+
+MathLaw LawOf(int32_t operation, float x, const LookupLimits& limits) {
+  MathLaw law{};
+  law.operation = Clamped(operation, MATH_LINEAR, MATH_POWER1X);
+  const auto range = static_cast<double>(limits.rangeMax) - static_cast<double>(limits.rangeMin);
+  const auto span = static_cast<double>(limits.high) - static_cast<double>(limits.low);
+  law.range = static_cast<long double>(range);
+  law.span = static_cast<long double>(span);
+  const auto exponent = static_cast<long double>(x);
+  law.exponent = law.operation == MATH_POWER1X ? 1.0L / exponent : exponent;
+  law.first = std::exp(EXP_RATE);
+  switch (law.operation) {
+    case MATH_LOG:
+      law.last = std::log(law.range);
+      break;
+    case MATH_EXP:
+      law.last = std::exp(EXP_RATE * law.range) - law.first;
+      break;
+    case MATH_SQRT:
+      law.last = std::sqrt(law.range);
+      break;
+    case MATH_POWERX:
+    case MATH_POWER1X:
+      law.last = std::pow(law.range, law.exponent) - 1.0L;
+      break;
+    default:
+      break;
+  }
+  // Within these bounds no product above leaves the 64-bit exponents unnoticed.
+  constexpr long double LARGEST = 1e200L;
+  const long double factor = std::fabs(law.span / law.last);
+  const bool held = factor > 1.0L / LARGEST && factor < LARGEST;
+  law.factor =
+      held ? static_cast<double>(law.span / law.last) : std::numeric_limits<double>::quiet_NaN();
+  return law;
+}
+
+bool LawHasNoValueAtZero(const MathLaw& law) {
+  return law.operation == MATH_LOG || law.operation == MATH_EXP || law.operation == MATH_POWERX ||
+         law.operation == MATH_POWER1X;
+}
+
+// The entries of an integer table, level by level.
+struct LevelLaw {
+  MathLaw law;
+  int64_t first;       // the level at which the distance is 0
+  int64_t last;        // the last level that takes the law; below first when there is none
+  uint16_t above;      // the entry of all levels beyond
+  bool noValueAtZero;  // the first level's entry stays 0
+
+  uint16_t Entry(int64_t level) const {
+    if (level < first) return 0;
+    if (level > last) return above;
+    const int64_t d = level - first;
+    if (d == 0 && noValueAtZero) return 0;
+    return CutLow<uint16_t>(static_cast<double>(LawStored(law, static_cast<long double>(d), 0.0f)));
+  }
+};
+
+LevelLaw LevelLawOf(const MathLaw& law, const LookupLimits& limits) {
+  LevelLaw levels{};
+  levels.law = law;
+  levels.first = CutSaturated(static_cast<double>(limits.rangeMin));
+  levels.last = levels.first - 1;
+  if (law.range >= 0.0L) levels.last = levels.first + CutSaturated(static_cast<double>(law.range));
+  levels.above = CutLow<uint16_t>(static_cast<double>(limits.high));
+  levels.noValueAtZero = LawHasNoValueAtZero(law);
+  return levels;
+}
+
+void MathLookupU8(const LookupOperation& operation, const LevelLaw& levels, Status* status) {
+  uint16_t table[LEVELS_U8];
+  for (int32_t level = 0; level < LEVELS_U8; level++) table[level] = levels.Entry(level);
+  LookupApply(operation, table, status);
+}
+
+void MathLookupI16(const LookupOperation& operation, const LevelLaw& levels,
+                   const LookupLimits& limits, Status* status) {
+  WorkArray<uint16_t> table;
+  if (!table.AllocateZeroed(LEVELS_I16)) {
+    *status = STATUS_MEMORY_FULL;
+    return;
+  }
+  const auto lowest = static_cast<int64_t>(limits.low);
+  const auto highest = static_cast<int64_t>(limits.high);
+  // The law is worked out for levels that can occur: those between the extremes, or those of the
+  // pixels where these are fewer.
+  if (int64_t{operation.width} * operation.height < highest - lowest) {
+    for (int64_t y = 0; y < operation.height; y++) {
+      const auto* row = operation.SourceRow<int16_t>(y);
+      for (int64_t x = 0; x < operation.width; x++) {
+        table[static_cast<uint16_t>(row[x])] = levels.Entry(row[x]);
+      }
+    }
+  } else {
+    for (int64_t level = lowest; level <= highest; level++) {
+      table[static_cast<uint16_t>(level)] = levels.Entry(level);
+    }
+  }
+  LookupApply(operation, table.data(), status);
+}
+
+float MathSgl(const MathLaw& law, const LookupLimits& limits, float pixel) {
+  if (pixel <= limits.rangeMin) return 0.0f;
+  if (pixel > limits.rangeMax) return limits.high;
+  const long double d = static_cast<long double>(pixel) - static_cast<long double>(limits.rangeMin);
+  const float value = LawStored(law, d, limits.low);
+  return !(value >= limits.low) ? limits.low : !(value <= limits.high) ? limits.high : value;
+}
+
+void MathLookupSgl(const LookupOperation& operation, const MathLaw& law,
+                   const LookupLimits& limits) {
+  for (int64_t y = 0; y < operation.height; y++) {
+    const auto* from = operation.SourceRow<float>(y);
+    auto* to = operation.DestinationRow<float>(y);
+    const uint8_t* mask = operation.mask ? operation.MaskRow(y) : nullptr;
+    for (int64_t x = 0; x < operation.width; x++) {
+      to[x] = !mask || mask[x] != 0 ? MathSgl(law, limits, from[x]) : from[x];
+    }
+  }
+}
+
+void MathLookupKernel(ImageRef source, ImageRef mask, ImageRef destination,
+                      const int32_t* operation, const float* x, const float* rangeMin,
+                      const float* rangeMax, Status* status) {
+  ReplacementImage replacement(status);
+  const LookupOperation lookup =
+      LookupPrepare(source, mask, destination, &TypeIsScalar, &replacement, status);
+  if (lookup.IsEmpty()) return;
+  const LookupLimits limits = LookupLimitsOf(lookup, *rangeMin, *rangeMax, status);
+  const MathLaw law = LawOf(*operation, *x, limits);
+  if (lookup.type == IMAGE_SGL) return MathLookupSgl(lookup, law, limits);
+  if (limits.IsEmpty()) return;
+  const LevelLaw levels = LevelLawOf(law, limits);
+  if (lookup.type == IMAGE_U8) {
+    MathLookupU8(lookup, levels, status);
+  } else {
+    MathLookupI16(lookup, levels, limits, status);
+  }
+}
+
+}  // namespace
+}  // namespace zel
+
+int32_t ZEL_MathLookup(ImageRef source, ImageRef mask, ImageRef destination, int32_t operation,
+                       float x, float rangeMin, float rangeMax) {
+  zel::Status status = zel::STATUS_OK;
+  zel::MathLookupKernel(source, mask, destination, &operation, &x, &rangeMin, &rangeMax, &status);
+  return ZEL_ProcessError("ZEL_MathLookup", status);
+}
