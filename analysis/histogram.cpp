@@ -1,9 +1,11 @@
 // The histogram of a region with the statistics of the pixels that it counts.
 #include "analysis/histogram.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
+#include "analysis/histogram_rows.h"
 #include "core/kernels.h"
 #include "core/numbers.h"
 
@@ -11,114 +13,138 @@ namespace zel {
 namespace {
 
 constexpr int32_t CLASSES_MAX = 4096;
-constexpr float EXTREME_NONE = 1e38f;  // where running extremes start; one class is as wide
 
-// Both ends of the counted values and the classes between them.
-struct ClassMap {
-  double min, max;
-  double scale, offset;
-  int32_t classes;
-
-  bool Takes(double value) const { return value >= min && value <= max; }
-  // The + 1.0 stands for floats too, although only whole numbers need it.
-  double Extent() const { return max - min + 1.0; }
-};
-
-// What the counted pixels add up to.
-struct Statistics {
-  double min, max;
-  double sum, squares;
-  uint32_t count;
-};
+// The + 1.0 stands for floats too, although only whole numbers need it.
+double ExtentOf(const ClassMap& map) {
+  return map.max - map.min + 1.0;
+}
 
 ClassMap ClassMapOf(double min, double max, int32_t classes) {
   ClassMap map{min, max, 0.0, 0.0, classes};
-  if (classes > 1) map.scale = static_cast<double>(static_cast<float>(classes / map.Extent()));
+  if (classes > 1) map.scale = static_cast<double>(static_cast<float>(classes / ExtentOf(map)));
   map.offset = static_cast<double>(static_cast<float>((map.scale - 1.0) * 0.5));
   return map;
 }
 
-// Rounded to the nearest class, an exact half down.
-int32_t ClassOf(const ClassMap& map, double value) {
-  const double position = (value - map.min) * map.scale + map.offset;
-  if (!(position > 0.0)) return 0;
-  if (position >= map.classes - 1) return map.classes - 1;
-  const auto below = static_cast<int32_t>(position);
-  return below + (position - below > 0.5 ? 1 : 0);
-}
-
-void ReportWrite(const ClassMap& map, const Statistics& statistics, HistogramReport* report) {
+void ReportWrite(const ClassMap& map, const PixelSums& sums, HistogramReport* report) {
   *report = {};
-  if (statistics.count == 0) return;
-  const double count = statistics.count;
-  report->min = static_cast<float>(statistics.min);
-  report->max = static_cast<float>(statistics.max);
+  if (sums.count == 0) return;
+  const auto count = static_cast<double>(sums.count);
+  report->min = sums.min;
+  report->max = sums.max;
   report->start = static_cast<float>(map.min);
   report->interval =
-      map.classes == 1 ? EXTREME_NONE : static_cast<float>(map.Extent() / map.classes);
-  report->mean = static_cast<float>(statistics.sum / count);
-  // The stored mean is rounded, so that the difference can fall below 0.
-  const double mean = static_cast<double>(report->mean);
-  const double variance = statistics.squares / count - mean * mean;
-  report->stdDev = static_cast<float>(variance < 0.0 ? 0.0 : std::sqrt(variance));
-  report->nbPixels = statistics.count;
+      map.classes == 1 ? EXTREME_NONE : static_cast<float>(ExtentOf(map) / map.classes);
+  report->mean = static_cast<float>(sums.sum / count);
+  report->stdDev = static_cast<float>(DeviationOf(sums.squares, count, report->mean));
+  report->nbPixels = static_cast<uint32_t>(sums.count);
 }
 
-Status CountersMake(Handle histogram, int32_t classes, uint32_t** counters) {
-  const Status status = VectorResize(histogram, sizeof(uint32_t), static_cast<uint64_t>(classes));
-  if (status != STATUS_OK) return status;
-  *counters = VectorData<uint32_t>(histogram);
-  std::memset(*counters, 0, static_cast<size_t>(classes) * sizeof(uint32_t));
-  return STATUS_OK;
-}
-
-// All sums of whole numbers up to 2^53 are exact, in whatever order: those of U8 pixels always are.
-void CountBytes(const PixelRegion& region, const ClassMap& map, uint32_t* counters,
-                Statistics* statistics) {
-  uint32_t levels[LEVELS_U8];
-  CountLevels(region, levels);
-  for (int32_t level = 0; level < LEVELS_U8; level++) {
-    const uint32_t count = levels[level];
-    if (count == 0 || !map.Takes(level)) continue;
-    if (statistics->count == 0) statistics->min = level;
-    statistics->max = level;
-    statistics->count += count;
-    statistics->sum += static_cast<double>(level) * count;
-    statistics->squares += static_cast<double>(level * level) * count;
-    counters[ClassOf(map, level)] += count;
+// The counters of a region's classes, in tables that are folded into one at the end.
+class ClassCounter {
+ public:
+  explicit ClassCounter(int32_t length) : length_(length) {
+    std::memset(tables_, 0, static_cast<size_t>(COUNT_TABLES * length) * sizeof(uint32_t));
   }
-}
-
-template <class T>
-void CountPixels(const PixelRegion& region, const ClassMap& map, uint32_t* counters,
-                 Statistics* statistics) {
-  for (int32_t y = 0; y < region.height; y++) {
-    const auto* row = reinterpret_cast<const T*>(region.pixels + y * region.pitch);
-    const uint8_t* mask = region.mask ? region.mask + y * region.maskPitch : nullptr;
-    for (int32_t x = 0; x < region.width; x++) {
-      const auto value = static_cast<double>(row[x]);
-      if ((mask && mask[x] == 0) || !map.Takes(value)) continue;
-      if (value < statistics->min) statistics->min = value;
-      if (value > statistics->max) statistics->max = value;
-      statistics->count++;
-      statistics->sum += value;
-      statistics->squares += value * value;
-      counters[ClassOf(map, value)]++;
+  uint32_t* tables() { return tables_; }
+  void Fold(int32_t count, uint32_t* counters) const {
+    for (int32_t i = 0; i < count; i++) {
+      counters[i] = 0;
+      for (int32_t table = 0; table < COUNT_TABLES; table++) {
+        counters[i] += tables_[table * length_ + i];
+      }
     }
   }
+
+ private:
+  int32_t length_;
+  uint32_t tables_[COUNT_TABLES * (CLASSES_MAX + 1)];
+};
+
+// Sums of bytes stay below EXACT_SUM_LIMIT, so that the counts of the levels tell all.
+void CountBytes(const PixelRegion& region, const ClassMap& map, uint32_t* counters,
+                PixelSums* sums) {
+  uint32_t counts[LEVELS_U8];
+  CountLevels(region, counts);
+  int16_t levels[LEVELS_U8];
+  uint16_t classes[LEVELS_U8];
+  for (int16_t level = 0; level < LEVELS_U8; level++) levels[level] = level;
+  histogramRows().classesOfWords(levels, nullptr, LEVELS_U8, map, classes);
+  std::memset(counters, 0, static_cast<size_t>(map.classes) * sizeof(uint32_t));
+  for (int32_t level = 0; level < LEVELS_U8; level++) {
+    const uint32_t count = counts[level];
+    if (count == 0 || classes[level] == map.classes) continue;
+    if (sums->count == 0) sums->min = static_cast<float>(level);
+    sums->max = static_cast<float>(level);
+    sums->count += count;
+    sums->sum += static_cast<double>(level) * count;
+    sums->squares += static_cast<double>(level * level) * count;
+    counters[classes[level]] += count;
+  }
+}
+
+// The squares of many large words are rounded as they come, pixel after pixel.
+void SumWordsInOrder(const PixelRegion& region, const ClassMap& map, PixelSums* sums) {
+  *sums = {};
+  for (int32_t y = 0; y < region.height; y++) {
+    const auto* row = reinterpret_cast<const int16_t*>(region.pixels + y * region.pitch);
+    const uint8_t* mask = region.mask ? region.mask + y * region.maskPitch : nullptr;
+    for (int32_t x = 0; x < region.width; x++) {
+      const bool counted = (!mask || mask[x] != 0) && row[x] >= map.min && row[x] <= map.max;
+      if (counted) PixelSumsAdd(sums, row[x]);
+    }
+  }
+}
+
+void CountPixels(const PixelRegion& region, const ClassMap& map, uint32_t* counters,
+                 PixelSums* sums) {
+  const HistogramRows& rows = histogramRows();
+  const bool words = region.type == IMAGE_I16;
+  const ClassRow classesOf = words ? rows.classesOfWords : rows.classesOfFloats;
+  const SumRow sum = words ? rows.sumWords : rows.sumFloats;
+  const int64_t pixelBytes = words ? 2 : 4;
+  ClassCounter counter(map.classes + 1);
+  uint16_t classes[CLASS_RUN];
+  for (int32_t y = 0; y < region.height; y++) {
+    const uint8_t* row = region.pixels + y * region.pitch;
+    const uint8_t* mask = region.mask ? region.mask + y * region.maskPitch : nullptr;
+    for (int32_t x = 0; x < region.width; x += CLASS_RUN) {
+      const int32_t run = std::min(CLASS_RUN, region.width - x);
+      const uint8_t* pixels = row + x * pixelBytes;
+      classesOf(pixels, mask ? mask + x : nullptr, run, map, classes);
+      sum(pixels, classes, run, map, counter.tables(), sums);
+    }
+  }
+  counter.Fold(map.classes, counters);
+  if (!sums->SquaresAreExact() && words) SumWordsInOrder(region, map, sums);
 }
 
 }  // namespace
 
+double DeviationOf(double squares, double count, float mean) {
+  const auto wide = static_cast<double>(mean);
+  const double variance = squares / count - wide * wide;
+  return variance < 0.0 ? 0.0 : std::sqrt(variance);
+}
+
 void CountLevels(const PixelRegion& region, uint32_t (&counts)[LEVELS_U8]) {
-  std::memset(counts, 0, sizeof(counts));
+  const HistogramRows& rows = histogramRows();
+  ClassCounter counter(LEVELS_U8 + (region.mask ? 1 : 0));
+  uint16_t levels[CLASS_RUN];
   for (int32_t y = 0; y < region.height; y++) {
     const uint8_t* row = region.pixels + y * region.pitch;
-    const uint8_t* mask = region.mask ? region.mask + y * region.maskPitch : nullptr;
-    for (int32_t x = 0; x < region.width; x++) {
-      if (!mask || mask[x] != 0) counts[row[x]]++;
+    if (!region.mask) {
+      rows.countLevels(row, region.width, counter.tables());
+      continue;
+    }
+    const uint8_t* mask = region.mask + y * region.maskPitch;
+    for (int32_t x = 0; x < region.width; x += CLASS_RUN) {
+      const int32_t run = std::min(CLASS_RUN, region.width - x);
+      rows.levelsUnderMask(row + x, mask + x, run, levels);
+      rows.countNumbers(levels, run, LEVELS_U8 + 1, counter.tables());
     }
   }
+  counter.Fold(LEVELS_U8, counts);
 }
 
 void HistogramKernel(ImageRef image, ImageRef mask, const int32_t* nbClasses, const float* min,
@@ -154,19 +180,19 @@ void HistogramKernel(ImageRef image, ImageRef mask, const int32_t* nbClasses, co
     high = static_cast<double>(*max);
   }
 
-  uint32_t* counters = nullptr;
-  *status = CountersMake(histogram, classes, &counters);
+  *status = VectorResize(histogram, sizeof(uint32_t), static_cast<uint64_t>(classes));
   if (*status != STATUS_OK) return;
+  auto* counters = VectorData<uint32_t>(histogram);
   const ClassMap map = ClassMapOf(low, high, classes);
-  Statistics statistics{};
-  statistics.min = static_cast<double>(EXTREME_NONE);
-  statistics.max = static_cast<double>(-EXTREME_NONE);
-  if (!(high - low < 0)) {
-    if (region.type == IMAGE_U8) CountBytes(region, map, counters, &statistics);
-    if (region.type == IMAGE_I16) CountPixels<int16_t>(region, map, counters, &statistics);
-    if (region.type == IMAGE_SGL) CountPixels<float>(region, map, counters, &statistics);
+  PixelSums sums;
+  if (high - low < 0) {
+    std::memset(counters, 0, static_cast<size_t>(classes) * sizeof(uint32_t));
+  } else if (region.type == IMAGE_U8) {
+    CountBytes(region, map, counters, &sums);
+  } else {
+    CountPixels(region, map, counters, &sums);
   }
-  ReportWrite(map, statistics, report);
+  ReportWrite(map, sums, report);
   if (everyLevel) report->interval = 1.0f;  // also when nothing is counted
 }
 
