@@ -20,21 +20,21 @@ constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
 // The selected pixels' values in raster order, from the rule of masks.
 std::vector<double> SelectedValues(const TestImage& image, const TestImage* mask) {
   const ImageInfo info = image.Info();
+  const ImageInfo placed = mask ? mask->Info() : ImageInfo{};
   std::vector<double> values;
   for (int32_t y = 0; y < info.height; y++) {
+    const int64_t maskY = int64_t{y} - placed.offsetY;
+    if (mask && (maskY < 0 || maskY >= placed.height)) continue;
+    const void* row = image.At<uint8_t>(0, y);
+    const auto* maskRow = mask ? mask->At<uint8_t>(0, static_cast<int32_t>(maskY)) : nullptr;
     for (int32_t x = 0; x < info.width; x++) {
-      if (mask) {
-        const ImageInfo placed = mask->Info();
-        const int64_t maskX = int64_t{x} - placed.offsetX;
-        const int64_t maskY = int64_t{y} - placed.offsetY;
-        if (maskX < 0 || maskY < 0 || maskX >= placed.width || maskY >= placed.height) continue;
-        if (mask->Get<uint8_t>(static_cast<int32_t>(maskX), static_cast<int32_t>(maskY)) == 0) {
-          continue;
-        }
+      const int64_t maskX = int64_t{x} - placed.offsetX;
+      if (mask && (maskX < 0 || maskX >= placed.width || maskRow[maskX] == 0)) continue;
+      if (info.type == IMAGE_U8) values.push_back(static_cast<const uint8_t*>(row)[x]);
+      if (info.type == IMAGE_I16) values.push_back(static_cast<const int16_t*>(row)[x]);
+      if (info.type == IMAGE_SGL) {
+        values.push_back(static_cast<double>(static_cast<const float*>(row)[x]));
       }
-      if (info.type == IMAGE_U8) values.push_back(image.Get<uint8_t>(x, y));
-      if (info.type == IMAGE_I16) values.push_back(image.Get<int16_t>(x, y));
-      if (info.type == IMAGE_SGL) values.push_back(static_cast<double>(image.Get<float>(x, y)));
     }
   }
   return values;
@@ -218,6 +218,15 @@ TEST_P(HistogramAtLevel, CountsLevelsOfLongRowsOfOneValue) {
     for (int32_t y = 0; y < 5; y++) std::memset(image.At<uint8_t>(0, y), value, 3001);
     Check(image, nullptr, 256, 0, 0);
   }
+}
+
+TEST_P(HistogramAtLevel, SquaresBeyondExactIntegersAreRoundedInOrder) {
+  const TestImage image(IMAGE_I16, 40000, 240);
+  for (int32_t y = 0; y < 240; y++) {
+    auto* row = image.At<int16_t>(0, y);
+    for (int32_t x = 0; x < 40000; x++) row[x] = static_cast<int16_t>(-32767 + (x * 7 + y) % 64);
+  }
+  Check(image, nullptr, 100, -40000, 100);
 }
 
 TEST(Histogram, RangeOfZeroAndZeroIsTheWholeByteRange) {

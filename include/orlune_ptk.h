@@ -470,6 +470,61 @@ typedef struct HistogramReport {
 int32_t ZEL_Histogram(ImageRef image, ImageRef mask, int32_t nbClasses, float min, float max,
                       uint32_t* histogram, HistogramReport* report);
 
+/* What ZEL_Quantify tells of an image or of a region. */
+typedef struct QuantifyReport {
+  float mean;
+  float stdDev; /* standard deviation; 0 where rounding would make its square negative */
+  float min;    /* smallest pixel; 1e38 without pixels */
+  float max;    /* largest pixel; -1e38 without pixels */
+  float area;   /* pixels x the image's xStep x yStep */
+  int32_t nbPixels;
+  float percent; /* pixels in percent of the whole image's width x height */
+} QuantifyReport;
+
+/* Statistics of an image, or of the regions that a label image names on it.
+ * image:         of any type, but only IMAGE_U8, IMAGE_I16 and IMAGE_SGL have values: without a
+ * mask the pixels of others are counted and add 0, with a mask they have no regions. mask: labels:
+ * 0 is background, 1 to 255 name regions. 0 or the image: the whole image, and no regions.
+ * globalReport:  NULL, or receives the statistics of all regions, or of the whole image. Without
+ *                pixels mean and stdDev are NaN.
+ * regionReports: NULL, or a result table: one record a label from 1 to the highest one that occurs,
+ *                all fields 0 for a label without pixels. Stored back after a failure too.
+ * nbRegions:     NULL, or receives the number of these records; 0 after a failure.
+ * Failures: -200; -301 for a mask that is not IMAGE_U8. */
+int32_t ZEL_Quantify(ImageRef image, ImageRef mask, QuantifyReport* globalReport,
+                     QuantifyReport** regionReports, int32_t* nbRegions);
+
+/* The centre of energy: the mean of the coordinates of the pixels weighted with their values.
+ * image: of any type; those but IMAGE_U8, IMAGE_I16 and IMAGE_SGL have no energy.
+ * mask:  only pixels that it selects count. 0 or the image: all pixels.
+ * x, y:  in pixels, from the top left pixel of the image, or with a mask from that of the part of
+ *        the image that the mask covers. NaN when the values sum up to nothing.
+ * Failures: -200; -301 for a mask that is not IMAGE_U8. */
+int32_t ZEL_Centroid(ImageRef image, ImageRef mask, float* x, float* y);
+
+/* What ZEL_LineProfile tells of a line. All 0 for a line that misses the image. */
+typedef struct LineProfileReport {
+  int32_t startX, startY; /* first point of the line as clipped to the image */
+  int32_t endX, endY;     /* last one */
+  float min;              /* smallest sample */
+  float max;              /* largest sample */
+  float mean;             /* summed in 32-bit floats, for IMAGE_U8 in integers */
+  float stdDev;           /* standard deviation, summed in 32-bit floats */
+  int32_t nbPixels;       /* samples */
+} LineProfileReport;
+
+/* Samples the pixels of a straight line, which is clipped and walked as by ZEL_GetLine.
+ * image:     IMAGE_U8, IMAGE_I16 or IMAGE_SGL.
+ * arrayType: of the elements of profile, converted from 32-bit floats.
+ * profile:   NULL, or receives the samples: room for the larger of the line's extents in x and y,
+ *            plus 1.
+ * nbPixels:  NULL, or receives their number, 0 for a line that misses the image.
+ * report:    NULL, or receives the statistics.
+ * Failures: -200; -301 for another image type, unless the line misses the image. */
+int32_t ZEL_LineProfile(ImageRef image, int32_t startX, int32_t startY, int32_t endX, int32_t endY,
+                        int32_t arrayType, void* profile, int32_t* nbPixels,
+                        LineProfileReport* report);
+
 /* =================================================================================== lookups */
 
 /* Maps every pixel through a table of the caller's.
