@@ -364,6 +364,43 @@ int32_t ZEL_Mask(ImageRef source, ImageRef mask, ImageRef destination);
 
 /* =================================================================================== casts */
 
+/* Conversion between pixel types. What becomes of a pixel:
+ *   to U8, I16   from I16 and SGL: cut toward zero, limited to the type's range, NaN as 0;
+ *                from COMPLEX: the magnitude cut, low 8 or 16 bits kept, NOT limited;
+ *                from RGB: (blue + green + red) / 3, cut;
+ *   to SGL       the value; of COMPLEX the magnitude; of RGB a third of the sum of the channels;
+ *   to COMPLEX   the real part as for SGL, the imaginary part 0;
+ *   to RGB       what U8 would be, in all three channels; the fourth byte 0.
+ * IMAGE_OPAQUE is not converted. */
+
+/* Gives an image another type; its reference stays, and after a failure its pixels too.
+ * type: an ImageType below IMAGE_OPAQUE; the present type does nothing.
+ * Failures: -200; -302 an image of IMAGE_OPAQUE; -305 for the type IMAGE_OPAQUE; -300 for a number
+ * outside ImageType. */
+int32_t ZEL_Cast(ImageRef image, int32_t type);
+
+/* Converts into an image of another type, which takes the source's size, BORDER SIZE, calibration
+ * and mask offset. destination: 0 or source does nothing. Equal types are copied line by line, from
+ * pixel (0, 0) to the end of the last line, so that some pixels of the border come along. Failures:
+ * -200; -302 a source and -305 a destination of IMAGE_OPAQUE. */
+int32_t ZEL_Convert(ImageRef source, ImageRef destination);
+
+/* Converts through a table: IMAGE_U8 to IMAGE_I16 or IMAGE_SGL by 256 entries, IMAGE_I16, read as
+ * unsigned, to IMAGE_U8 or IMAGE_SGL by 65536.
+ * destination: 0 or source does nothing.
+ * arrayType:   ArrayType of the array; entries go through 32-bit floats. An unknown type reads as
+ * 0. array:       the entries. Integer results keep the low bits of the entry cut toward zero.
+ * count:       entries given; a longer table is cut, in a shorter one each missing entry is its own
+ *              index. Below 1: none, and array may be NULL.
+ * Failures: -200; -301 a source and -304 a destination of another type. */
+int32_t ZEL_ConvertByLookup(ImageRef source, ImageRef destination, int32_t arrayType,
+                            const void* array, int32_t count);
+
+/* Shifts IMAGE_I16 pixels right, keeping their sign, and stores the low 8 bits, not limited.
+ * destination: an IMAGE_U8 image. shift: bits, limited to 0 to 8.
+ * Failures: -200; -301 images of other types. Reported as "ZEL_Shift16to8". */
+int32_t ZEL_Shift16To8(ImageRef source, ImageRef destination, int32_t shift);
+
 /* =================================================================================== thresholds */
 
 /* One range of values, 16 bytes in an array. The upper half of the fourth 32-bit word is ignored

@@ -14,9 +14,9 @@ namespace {
 
 using test::Border;
 using test::CutLimitedOf;
+using test::Difference;
 using test::ODD_SIZES;
 using test::Operands;
-using test::PixelDifference;
 using test::RunOnAllLevels;
 using test::TestImage;
 
@@ -165,7 +165,7 @@ TEST(Arithmetic, ImagesOfAllTypePairsAndSizesFollowTheRules) {
             const float constant = CONSTANTS[seed % std::size(CONSTANTS)];
             const TestImage expected = ImagesResult(operation, first, second, constant);
             ASSERT_EQ(Call(operation, first, second, destination, constant), 0);
-            ASSERT_EQ(PixelDifference(destination, expected), "")
+            ASSERT_EQ(Difference(destination, expected), "")
                 << static_cast<int>(operation) << " types " << type1 << ' ' << type2;
           }
         }
@@ -188,7 +188,7 @@ TEST(Arithmetic, ConstantsOfAllTypesFollowTheRulesColumnByColumn) {
               const auto surroundings = destination.Surroundings();
               const TestImage expected = ConstantResult(operation, first, constant, mmx != 0);
               ASSERT_EQ(Call(operation, first, 0, destination, constant), 0);
-              ASSERT_EQ(PixelDifference(destination, expected), "")
+              ASSERT_EQ(Difference(destination, expected), "")
                   << static_cast<int>(operation) << " type " << type << " constant " << constant;
               ASSERT_EQ(destination.Surroundings(), surroundings);
             }
@@ -213,8 +213,7 @@ TEST(Arithmetic, EveryPairOfBytesFollowsTheRules) {
     for (const Arithmetic operation : ALL) {
       for (const float constant : {1.0f, -3.3f, 0.29f, 117.25f, 1e-3f, 1e9f, INFINITY, NAN}) {
         ASSERT_EQ(Call(operation, first, second, destination, constant), 0);
-        ASSERT_EQ(PixelDifference(destination, ImagesResult(operation, first, second, constant)),
-                  "")
+        ASSERT_EQ(Difference(destination, ImagesResult(operation, first, second, constant)), "")
             << static_cast<int>(operation) << " constant " << constant;
       }
     }
@@ -248,9 +247,9 @@ TEST(Arithmetic, WordsAreDividedExactly) {
       const TestImage byConstant = ConstantResult(operation, first, constant, true);
       RunOnAllLevels([&] {
         ASSERT_EQ(Call(operation, first, second, destination, 0), 0);
-        ASSERT_EQ(PixelDifference(destination, byImage), "") << divisor;
+        ASSERT_EQ(Difference(destination, byImage), "") << divisor;
         ASSERT_EQ(Call(operation, first, 0, destination, constant), 0);
-        ASSERT_EQ(PixelDifference(destination, byConstant), "") << "constant " << divisor;
+        ASSERT_EQ(Difference(destination, byConstant), "") << "constant " << divisor;
       });
     }
   }
@@ -276,10 +275,10 @@ TEST(Arithmetic, WordsAreDividedExactlyByFractions) {
     if (round % 2 != 0) constant = -constant;
     for (const Arithmetic operation : {Arithmetic::Multiply, Arithmetic::Divide}) {
       ASSERT_EQ(Call(operation, first, 0, words, constant), 0);
-      ASSERT_EQ(PixelDifference(words, ConstantResult(operation, first, constant, true)), "")
+      ASSERT_EQ(Difference(words, ConstantResult(operation, first, constant, true)), "")
           << constant;
       ASSERT_EQ(Call(operation, bytes, 0, byteResult, constant), 0);
-      ASSERT_EQ(PixelDifference(byteResult, ConstantResult(operation, bytes, constant, true)), "")
+      ASSERT_EQ(Difference(byteResult, ConstantResult(operation, bytes, constant, true)), "")
           << constant;
     }
   }
@@ -301,12 +300,10 @@ TEST(Arithmetic, FloatsKeepInfinitiesNanAndZeros) {
     for (const Arithmetic operation : ALL) {
       for (const float constant : values) {
         ASSERT_EQ(Call(operation, first, second, destination, constant), 0);
-        ASSERT_EQ(PixelDifference(destination, ImagesResult(operation, first, second, constant)),
-                  "");
+        ASSERT_EQ(Difference(destination, ImagesResult(operation, first, second, constant)), "");
         if (operation == Arithmetic::MulDiv) continue;
         ASSERT_EQ(Call(operation, first, 0, destination, constant), 0);
-        ASSERT_EQ(PixelDifference(destination, ConstantResult(operation, first, constant, true)),
-                  "")
+        ASSERT_EQ(Difference(destination, ConstantResult(operation, first, constant, true)), "")
             << static_cast<int>(operation) << " constant " << constant;
       }
     }
@@ -325,9 +322,8 @@ TEST(Arithmetic, InfiniteAndNanConstantsOnIntegers) {
           first.Set<uint8_t>(0, 0, 0);
           TestImage destination(type, 0, 0);
           ASSERT_EQ(Call(operation, first, 0, destination, constant), 0);
-          ASSERT_EQ(
-              PixelDifference(destination, ConstantResult(operation, first, constant, mmx != 0)),
-              "")
+          ASSERT_EQ(Difference(destination, ConstantResult(operation, first, constant, mmx != 0)),
+                    "")
               << static_cast<int>(operation) << " type " << type << " constant " << constant;
         }
       }
@@ -346,7 +342,7 @@ TEST(Arithmetic, ResultsMayReplaceEitherOperandAndLeaveItsSurroundings) {
           const Operands used(type, width);
           const auto before = used.first.Surroundings();
           ASSERT_EQ(Call(operation, used.first, used.second, 0, 2.5f), 0);
-          ASSERT_EQ(PixelDifference(used.first, expected), "");
+          ASSERT_EQ(Difference(used.first, expected), "");
           ASSERT_EQ(used.first.Surroundings(), before);
           ASSERT_EQ(used.second.Block(), pair.second.Block());
         }
@@ -354,13 +350,13 @@ TEST(Arithmetic, ResultsMayReplaceEitherOperandAndLeaveItsSurroundings) {
           const Operands used(type, width);
           const auto before = used.second.Surroundings();
           ASSERT_EQ(Call(operation, used.first, used.second, used.second, 2.5f), 0);
-          ASSERT_EQ(PixelDifference(used.second, expected), "");
+          ASSERT_EQ(Difference(used.second, expected), "");
           ASSERT_EQ(used.second.Surroundings(), before);
         }
         {
           const Operands used(type, width);
           ASSERT_EQ(Call(operation, used.first, used.first, used.first, 2.5f), 0);
-          ASSERT_EQ(PixelDifference(used.first, squared), "");
+          ASSERT_EQ(Difference(used.first, squared), "");
         }
       }
     }
@@ -434,8 +430,8 @@ TEST(Arithmetic, OnlyAddAndMultiplyTakeTheWiderOperandSecond) {
     EXPECT_EQ(Call(operation, bytes, words, destination, 1.0f), swaps ? 0 : -305);
     EXPECT_EQ(Call(operation, words, floats, floatDestination, 1.0f), swaps ? 0 : -305);
     if (!swaps) continue;
-    EXPECT_EQ(PixelDifference(destination, ImagesResult(operation, words, bytes, 0)), "");
-    EXPECT_EQ(PixelDifference(floatDestination, ImagesResult(operation, floats, words, 0)), "");
+    EXPECT_EQ(Difference(destination, ImagesResult(operation, words, bytes, 0)), "");
+    EXPECT_EQ(Difference(floatDestination, ImagesResult(operation, floats, words, 0)), "");
     EXPECT_EQ(destination.Info().unit, 7);  // from the first image, exchanged or not
     // The destination would be the first operand, which has not the result's type.
     EXPECT_EQ(Call(operation, bytes, words, 0, 1.0f), -305);
@@ -461,10 +457,10 @@ TEST(Arithmetic, AnEmptyOperandCopiesTheOther) {
   const TestImage image(IMAGE_U8, 10, 10, 1, 6);
   TestImage destination(IMAGE_U8, 3, 3);
   EXPECT_EQ(ZEL_Add(empty, image, destination, 0), 0);
-  EXPECT_EQ(PixelDifference(destination, image), "");
+  EXPECT_EQ(Difference(destination, image), "");
   TestImage other(IMAGE_U8, 3, 3);
   EXPECT_EQ(ZEL_Subtract(image, empty, other, 0), 0);
-  EXPECT_EQ(PixelDifference(other, image), "");
+  EXPECT_EQ(Difference(other, image), "");
   EXPECT_EQ(ZEL_Add(image, empty, 0, 0), 0);
   EXPECT_EQ(ZEL_Add(empty, empty, destination, 0), 0);
   EXPECT_EQ(destination.width(), 0);

@@ -10,9 +10,9 @@
 namespace {
 
 using test::Border;
+using test::Difference;
 using test::ODD_SIZES;
 using test::Operands;
-using test::PixelDifference;
 using test::RunOnAllLevels;
 using test::TestImage;
 
@@ -98,7 +98,7 @@ TEST(Compare, ImagesOfAllTypePairsAndSizesFollowTheRules) {
             const auto surroundings = destination.Surroundings();
             seed++;
             ASSERT_EQ(ZEL_Compare(first, second, destination, operation, 3.0f), 0);
-            ASSERT_EQ(PixelDifference(destination, ImagesResult(operation, first, second)), "")
+            ASSERT_EQ(Difference(destination, ImagesResult(operation, first, second)), "")
                 << operation << " types " << type1 << ' ' << type2;
             ASSERT_EQ(destination.Surroundings(), surroundings);
           }
@@ -122,7 +122,7 @@ TEST(Compare, EveryPairOfBytesFollowsTheRules) {
     const TestImage expected = ImagesResult(operation, first, second);
     RunOnAllLevels([&] {
       ASSERT_EQ(ZEL_Compare(first, second, destination, operation, 0), 0);
-      ASSERT_EQ(PixelDifference(destination, expected), "") << operation;
+      ASSERT_EQ(Difference(destination, expected), "") << operation;
     });
   }
 }
@@ -148,9 +148,8 @@ TEST(Compare, ConstantsOfAllTypesFollowTheRulesColumnByColumn) {
               if (type != IMAGE_U8) row.Set(width - 1, -32768.0);
               TestImage destination(type, 2, 2, 1, 9);
               ASSERT_EQ(ZEL_Compare(first, 0, destination, operation, constant), 0);
-              ASSERT_EQ(PixelDifference(destination,
-                                        ConstantResult(operation, first, constant, mmx != 0)),
-                        "")
+              ASSERT_EQ(
+                  Difference(destination, ConstantResult(operation, first, constant, mmx != 0)), "")
                   << operation << " type " << type << " constant " << constant;
             }
           }
@@ -188,12 +187,10 @@ TEST(Compare, FloatsKeepInfinitiesNanAndZeros) {
     TestImage destination(IMAGE_SGL, 0, 0);
     for (int32_t operation = 0; operation < 8; operation++) {
       ASSERT_EQ(ZEL_Compare(first, second, destination, operation, 0), 0);
-      ASSERT_EQ(PixelDifference(destination, ImagesResult(operation, first, second)), "")
-          << operation;
+      ASSERT_EQ(Difference(destination, ImagesResult(operation, first, second)), "") << operation;
       for (const float constant : values) {
         ASSERT_EQ(ZEL_Compare(first, 0, destination, operation, constant), 0);
-        ASSERT_EQ(PixelDifference(destination, ConstantResult(operation, first, constant, true)),
-                  "")
+        ASSERT_EQ(Difference(destination, ConstantResult(operation, first, constant, true)), "")
             << operation << " constant " << constant;
       }
     }
@@ -209,17 +206,17 @@ TEST(Compare, ResultsMayReplaceEitherOperandAndLeaveItsSurroundings) {
         const Operands firstUsed(type, width);
         const auto aroundFirst = firstUsed.first.Surroundings();
         ASSERT_EQ(ZEL_Compare(firstUsed.first, firstUsed.second, 0, operation, 0), 0);
-        ASSERT_EQ(PixelDifference(firstUsed.first, expected), "");
+        ASSERT_EQ(Difference(firstUsed.first, expected), "");
         ASSERT_EQ(firstUsed.first.Surroundings(), aroundFirst);
         const Operands secondUsed(type, width);
         const auto aroundSecond = secondUsed.second.Surroundings();
         ASSERT_EQ(ZEL_Compare(secondUsed.first, secondUsed.second, secondUsed.second, operation, 0),
                   0);
-        ASSERT_EQ(PixelDifference(secondUsed.second, expected), "");
+        ASSERT_EQ(Difference(secondUsed.second, expected), "");
         ASSERT_EQ(secondUsed.second.Surroundings(), aroundSecond);
         const Operands both(type, width);
         ASSERT_EQ(ZEL_Compare(both.first, both.first, 0, operation, 0), 0);
-        ASSERT_EQ(PixelDifference(both.first, ImagesResult(operation, pair.first, pair.first)), "");
+        ASSERT_EQ(Difference(both.first, ImagesResult(operation, pair.first, pair.first)), "");
       }
     }
   }
@@ -231,11 +228,11 @@ TEST(Compare, OperatorsOutOfRangeAreLimited) {
   TestImage destination(IMAGE_U8, 0, 0);
   for (const int32_t operation : {99, 8, INT32_MAX}) {
     ASSERT_EQ(ZEL_Compare(first, second, destination, operation, 0), 0);
-    EXPECT_EQ(PixelDifference(destination, ImagesResult(7, first, second)), "");
+    EXPECT_EQ(Difference(destination, ImagesResult(7, first, second)), "");
   }
   for (const int32_t operation : {-1, INT32_MIN}) {
     ASSERT_EQ(ZEL_Compare(first, second, destination, operation, 0), 0);
-    EXPECT_EQ(PixelDifference(destination, ImagesResult(0, first, second)), "");
+    EXPECT_EQ(Difference(destination, ImagesResult(0, first, second)), "");
   }
 }
 

@@ -7,7 +7,7 @@
 #include "core/images.h"
 #include "core/kernels.h"
 #include "core/processor.h"
-#include "point/byte_table_rows.h"
+#include "point/lookup_rows.h"
 
 namespace zel {
 namespace {
@@ -214,19 +214,20 @@ Plane PlaneColumns(const Plane& plane, int64_t from, int64_t to) {
   return columns;
 }
 
-void PlaneRun(PlaneRoutine routine, const Plane& plane) {
-  if (plane.width < 1 || plane.height < 1) return;
-  const bool isOneRun = plane.width * plane.firstBytes == plane.firstPitch &&
+Plane PlaneAsOneRow(const Plane& plane) {
+  const bool isOneRow = plane.width * plane.firstBytes == plane.firstPitch &&
                         plane.width * plane.secondBytes == plane.secondPitch &&
                         plane.width * plane.resultBytes == plane.resultPitch;
-  if (!isOneRun) {
-    routine(plane);
-    return;
+  Plane row = plane;
+  if (isOneRow) {
+    row.width = plane.width * plane.height;
+    row.height = 1;
   }
-  Plane run = plane;
-  run.width = plane.width * plane.height;
-  run.height = 1;
-  routine(run);
+  return row;
+}
+
+void PlaneRun(PlaneRoutine routine, const Plane& plane) {
+  if (plane.width > 0 && plane.height > 0) routine(PlaneAsOneRow(plane));
 }
 
 void PlaneRunByTable(PlaneRoutine routine, const Plane& plane) {
@@ -239,9 +240,15 @@ void PlaneRunByTable(PlaneRoutine routine, const Plane& plane) {
   all.width = 256;
   all.height = 1;
   routine(all);
-  Plane looked = plane;
-  looked.table = table;
-  PlaneRun(byteTableRows().lookup, looked);
+  LookupOperation lookup{};
+  lookup.type = IMAGE_U8;
+  lookup.source = plane.first;
+  lookup.sourcePitch = plane.firstPitch;
+  lookup.destination = plane.result;
+  lookup.destinationPitch = plane.resultPitch;
+  lookup.width = static_cast<int32_t>(plane.width);
+  lookup.height = static_cast<int32_t>(plane.height);
+  if (!lookup.IsEmpty()) lookupRows().mapU8(LookupAsOneRow(lookup), table);
 }
 
 }  // namespace zel

@@ -1,6 +1,6 @@
-// The rectangle that the row routines of the operators work through, and the loops over it. A loop
-// is written once and takes the rule for one pixel; it may run in place, since every pixel depends
-// on the pixels at the same place only.
+// The rectangle that the row routines of operators and casts work through, and the loops over it. A
+// loop is written once and takes the rule for one pixel; it may run in place, since every pixel
+// depends on the pixels at the same place only.
 #pragma once
 
 #include <cstdint>
@@ -39,7 +39,7 @@ struct Plane {
   int64_t width;  // pixels
   int64_t height;
   PlaneConstant constant;
-  const uint8_t* table;  // 256 bytes, for lookups
+  const void* table;  // of the values that a lookup gives
 };
 
 using PlaneRoutine = void (*)(const Plane& plane);

@@ -1,0 +1,140 @@
+// Row routines of conversions between pixel types: the rule for one pixel of each pair of types,
+// and their table.
+#include "point/casts_rows.h"
+
+#include <bit>
+#include <cmath>
+#include <cstdint>
+
+namespace zel::ZEL_LEVEL {
+namespace {
+
+struct Complex {
+  float re, im;
+};
+enum class Rgb : uint32_t {};  // blue in the low byte, then green and red
+
+ZEL_INLINE double Magnitude(Complex value) {
+  const auto re = static_cast<double>(value.re);
+  const auto im = static_cast<double>(value.im);
+  return std::sqrt(re * re + im * im);
+}
+
+// The low 16 bits of a magnitude cut to a whole number, which has none from 2^63 on.
+ZEL_INLINE uint32_t LowBits(double magnitude) {
+  const double inRange = magnitude < 9223372036854775808.0 ? magnitude : 0.0;  // NaN too
+  const double whole = std::floor(inRange);
+  const double above = std::floor(whole * (1.0 / 65536.0)) * 65536.0;
+  return static_cast<uint32_t>(static_cast<int32_t>(whole - above));
+}
+
+ZEL_INLINE uint32_t Sum(Rgb pixel) {
+  const auto bits = static_cast<uint32_t>(pixel);
+  return (bits & 0xFF) + ((bits >> 8) & 0xFF) + ((bits >> 16) & 0xFF);
+}
+
+// A third, exact for every sum of three bytes.
+ZEL_INLINE uint32_t Mean(Rgb pixel) {
+  return (Sum(pixel) * 0xAAAB) >> 17;
+}
+
+struct ToByte {
+  using Pixel = uint8_t;
+  ZEL_INLINE uint8_t operator()(int16_t value) const {
+    const auto raised = static_cast<int16_t>(value > 0 ? value : 0);
+    return static_cast<uint8_t>(raised < 255 ? raised : 255);
+  }
+  ZEL_INLINE uint8_t operator()(float value) const {
+    const float raised = value > 0.0f ? value : 0.0f;  // NaN too
+    return static_cast<uint8_t>(static_cast<int32_t>(raised < 255.0f ? raised : 255.0f));
+  }
+  ZEL_INLINE uint8_t operator()(Complex value) const {
+    return static_cast<uint8_t>(LowBits(Magnitude(value)));
+  }
+  ZEL_INLINE uint8_t operator()(Rgb pixel) const { return static_cast<uint8_t>(Mean(pixel)); }
+};
+
+struct ToWord {
+  using Pixel = int16_t;
+  ZEL_INLINE int16_t operator()(uint8_t value) const { return value; }
+  ZEL_INLINE int16_t operator()(float value) const {
+    const float number = value == value ? value : 0.0f;
+    const float raised = number > -32768.0f ? number : -32768.0f;
+    return static_cast<int16_t>(static_cast<int32_t>(raised < 32767.0f ? raised : 32767.0f));
+  }
+  ZEL_INLINE int16_t operator()(Complex value) const {
+    return static_cast<int16_t>(static_cast<uint16_t>(LowBits(Magnitude(value))));
+  }
+  ZEL_INLINE int16_t operator()(Rgb pixel) const { return static_cast<int16_t>(Mean(pixel)); }
+};
+
+struct ToFloat {
+  using Pixel = float;
+  ZEL_INLINE float operator()(uint8_t value) const { return value; }
+  ZEL_INLINE float operator()(int16_t value) const { return value; }
+  ZEL_INLINE float operator()(Complex value) const { return static_cast<float>(Magnitude(value)); }
+  // For every sum this is what 0.3333333333333333 times the sum rounds to.
+  ZEL_INLINE float operator()(Rgb pixel) const {
+    return static_cast<float>(static_cast<int32_t>(Sum(pixel))) / 3.0f;
+  }
+};
+
+struct ToComplex {
+  using Pixel = uint64_t;  // the bits of the real part, and an imaginary part of 0
+  template <class From>
+  ZEL_INLINE uint64_t operator()(From value) const {
+    return std::bit_cast<uint32_t>(ToFloat()(value));
+  }
+  ZEL_INLINE uint64_t operator()(float value) const { return std::bit_cast<uint32_t>(value); }
+};
+
+struct ToRgb {
+  using Pixel = uint32_t;
+  ZEL_INLINE uint32_t operator()(uint8_t value) const { return value * 0x010101u; }
+  template <class From>
+  ZEL_INLINE uint32_t operator()(From value) const {
+    return (*this)(ToByte()(value));
+  }
+};
+
+template <class From, class Rule>
+void Convert(const Plane& plane) {
+  ForPixels<From, typename Rule::Pixel>(plane, Rule());
+}
+
+void Shift(const Plane& plane) {
+  const int32_t shift = plane.constant.value;
+  ForPixels<int16_t, uint8_t>(plane, [=](int16_t value) {
+    return static_cast<uint8_t>(static_cast<int16_t>(value >> shift));
+  });
+}
+
+template <class From, class To>
+void Lookup(const Plane& plane) {
+  const auto* table = static_cast<const To*>(plane.table);
+  ForPixels<From, To>(plane, [=](From level) { return table[level]; });
+}
+
+}  // namespace
+
+extern const CastRows castRows = {
+    {
+        {nullptr, &Convert<uint8_t, ToWord>, &Convert<uint8_t, ToFloat>,
+         &Convert<uint8_t, ToComplex>, &Convert<uint8_t, ToRgb>},
+        {&Convert<int16_t, ToByte>, nullptr, &Convert<int16_t, ToFloat>,
+         &Convert<int16_t, ToComplex>, &Convert<int16_t, ToRgb>},
+        {&Convert<float, ToByte>, &Convert<float, ToWord>, nullptr, &Convert<float, ToComplex>,
+         &Convert<float, ToRgb>},
+        {&Convert<Complex, ToByte>, &Convert<Complex, ToWord>, &Convert<Complex, ToFloat>, nullptr,
+         &Convert<Complex, ToRgb>},
+        {&Convert<Rgb, ToByte>, &Convert<Rgb, ToWord>, &Convert<Rgb, ToFloat>,
+         &Convert<Rgb, ToComplex>, nullptr},
+    },
+    &Shift,
+    &Lookup<uint8_t, int16_t>,
+    &Lookup<uint8_t, float>,
+    &Lookup<uint16_t, uint8_t>,
+    &Lookup<uint16_t, float>,
+};
+
+}  // namespace zel::ZEL_LEVEL
