@@ -76,6 +76,24 @@ Status TableGrow(Row** table, uint32_t* capacity) {
   return STATUS_OK;
 }
 
+// Resizes a block, with zeros behind its former end. A plain block that grows several times over is
+// made anew: large zero blocks come from the system ready-made, and untouched they cost nothing.
+void* Resized(void* data, bool plain, uint64_t former, uint64_t size) {
+  if (!data) return HeapAllocateZeroed(static_cast<size_t>(size));
+  if (plain && size / 4 >= former) {
+    void* block = HeapAllocateZeroed(static_cast<size_t>(size));
+    if (!block) return nullptr;
+    std::memcpy(block, data, static_cast<size_t>(former));
+    HeapFree(data);
+    return block;
+  }
+  void* block = HeapResize(data, static_cast<size_t>(size));
+  if (block && size > former) {
+    std::memset(static_cast<char*>(block) + former, 0, static_cast<size_t>(size - former));
+  }
+  return block;
+}
+
 }  // namespace
 
 Status TablesEnsure() {
@@ -126,12 +144,8 @@ Status HandleResize(Handle handle, uint64_t size) {
   } else {
     const uint64_t former = row->data ? HandleByteSize(handle) : 0;
     if (former != size) {
-      const auto bytes = static_cast<size_t>(size);
-      void* block = row->data ? HeapResize(row->data, bytes) : HeapAllocateZeroed(bytes);
+      void* block = Resized(row->data, row->count2 == 0, former, size);
       if (!block) return STATUS_MEMORY_FULL;
-      if (row->data && size > former) {
-        std::memset(static_cast<char*>(block) + former, 0, static_cast<size_t>(size - former));
-      }
       row->data = block;
     }
   }

@@ -1,0 +1,116 @@
+// Reading and writing of image files: the record that every format works on, and the operations
+// behind the exports, with the options that only the library itself can pass.
+#pragma once
+
+#include <cstdint>
+
+#include "core/images.h"
+#include "core/status.h"
+#include "orlune_ptk.h"
+
+namespace zel {
+
+enum FileFormat : int32_t {
+  FORMAT_NATIVE = 0,
+  FORMAT_TIFF = 1,
+  FORMAT_PICT = 2,  // has a number, and neither reader nor writer
+  FORMAT_BMP = 3,
+  FORMAT_RSTR = 4,     // a size of 4 bytes, then pixels; never recognised, only asked for
+  FORMAT_RAW = 5,      // pixels alone; only asked for
+  FORMAT_UNKNOWN = 6,  // no signature matched; asks for recognition
+};
+
+// How samples lie in a file.
+enum PixelClass : int32_t {
+  CLASS_BITS1 = 0,  // packed, most significant bit first
+  CLASS_BITS2 = 1,
+  CLASS_BITS4 = 2,
+  CLASS_U8 = 3,
+  CLASS_U12 = 4,  // in a 16-bit word
+  CLASS_U16 = 5,  // unsigned by name, and signed wherever it becomes a float
+  CLASS_I16 = 6,
+  CLASS_RGB15 = 7,       // 5 bits each: blue in bits 0-4, green, red
+  CLASS_RGB24 = 8,       // interleaved
+  CLASS_RGB_PLANES = 9,  // three planes of bytes: red, green, blue
+  CLASS_U32 = 10,
+  CLASS_I32 = 11,
+  CLASS_RGB32 = 12,
+  CLASS_SGL = 13,
+  CLASS_COMPLEX24 = 14,  // two signed 24-bit integers
+  CLASS_COMPLEX = 15,    // two floats
+};
+constexpr int32_t PIXEL_CLASSES = 16;
+
+constexpr uint32_t TABLE_ENTRIES = 256;
+constexpr uint32_t TABLE_GRAY_STEP = 0x010101;  // entry i of a gray ramp is i times this
+constexpr int32_t UNIT_DEFAULT = 3;             // the calibration unit of files that have none
+
+// One kept entry of a TIFF directory. Larger values stay in the file until they are needed.
+struct TiffTag {
+  bool present;
+  uint16_t type;
+  uint32_t count;
+  int64_t offset;    // of the value in the file
+  uint8_t field[4];  // the first bytes of the value, as they lie in the file
+};
+constexpr int32_t TIFF_TAGS_KEPT = 13;
+
+// What is known of a file while it is read or written.
+struct FileContext {
+  FileFormat format;
+  int32_t imageType;  // of the image being written
+  int64_t dataSize;   // the length of the file being read
+  int32_t width, height;
+  float ratioX, ratioY;  // calibration
+  int32_t unit;
+  bool tableWanted;
+  uint32_t tableCount;            // valid entries of `table`, 0 for a file without one
+  uint32_t table[TABLE_ENTRIES];  // 0x00RRGGBB
+  PixelClass pixelClass;
+  int64_t dataOffset;    // of the pixels; in a TIFF of the directory
+  int32_t scaleToRange;  // samples are stretched; 1: from the range found in the file
+  float rangeMin, rangeMax;
+  int32_t swapBytes;  // 1: sample bytes are reversed, in the sense that each format gives it
+  TiffTag tags[TIFF_TAGS_KEPT];
+  int32_t planeIndex;    // the plane being read of CLASS_RGB_PLANES
+  int32_t rowsPerStrip;  // of a TIFF being written
+  int32_t littleEndian;
+};
+
+// Options of a read: with rawMode the file is FORMAT_RAW, of the image's size.
+struct ReadOptions {
+  int32_t rawMode;
+  int32_t pixelClass;
+  int32_t dataOffset;
+  int32_t scaleToRange;  // as in FileContext, for raw files only: a header switches it off
+  float rangeMin, rangeMax;
+  int32_t littleEndian;
+};
+
+// Options of a TIFF write. Files of 16-bit and colour images are little-endian whatever is asked.
+struct WriteOptions {
+  int32_t rowsPerStrip;  // limited to 1..height
+  int32_t littleEndian;
+};
+
+struct ReadRequest {
+  bool tableWanted = false;
+  FileFormat format = FORMAT_UNKNOWN;
+  const ReadOptions* options = nullptr;  // required for FORMAT_RSTR and FORMAT_RAW
+};
+
+// Reads the header alone.
+void FileInfoKernel(const char* path, FileContext* context, Status* status);
+
+// Reads a file into an image, which takes the file's height and its width rounded up to even. The
+// context holds the file's class and colour table afterwards.
+void FileReadKernel(ImageRef image, const char* path, const ReadRequest* request,
+                    FileContext* context, Status* status);
+
+// Writes an image in a format. The first `tableCount` colours of the table come from `table`, the
+// rest is a gray ramp.
+void FileWriteKernel(ImageRef image, const char* path, const FileFormat* format,
+                     const RGBValue* table, const uint32_t* tableCount, const WriteOptions* options,
+                     Status* status);
+
+}  // namespace zel

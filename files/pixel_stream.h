@@ -1,0 +1,65 @@
+// The meeting place of files and images: a stream of pixels that fills an image row by row, and
+// the rows of an image on their way to a file.
+#pragma once
+
+#include "core/heap.h"
+#include "files/access.h"
+#include "files/files.h"
+#include "files/samples_rows.h"
+
+namespace zel {
+
+// Position k of the stream is pixel (k mod width, k div width) of the grid, whose width is the
+// file's. Positions behind the last pixel are dropped, and a pixel that no sample arrives for keeps
+// its value.
+struct PixelStream {
+  PixelGrid grid;
+  int32_t imageType;
+  int32_t pixelBytes;
+  WorkArray<uint8_t> buffer;  // for samples that have to be converted; made when first needed
+  int64_t bufferBytes = 0;
+
+  int64_t Pixels() const { return int64_t{grid.width} * grid.height; }
+};
+
+// The same pixels with the last row first.
+PixelGrid TurnedOver(const PixelGrid& grid);
+
+// Samples in a file: `rows` runs of `rowBytes`, their starts `stride` bytes apart. The first one
+// goes to `position`, each further one a width further on.
+struct SampleRun {
+  int64_t offset;
+  int64_t rowBytes;
+  int64_t stride;
+  int64_t rows;
+  int64_t position;
+};
+
+// Reads a run as far as the file and the image go; an incomplete sample at the end is dropped.
+// STATUS_FILE_READ when the file cannot be read or the offset is negative; the end of the file is
+// no failure.
+Status PixelStreamRead(const OpenFile& file, const FileContext& context, const SampleRun& run,
+                       PixelStream* stream);
+
+// All samples behind the data offset.
+Status PixelStreamReadRest(const OpenFile& file, const FileContext& context, PixelStream* stream);
+
+// The smallest and largest sample behind the data offset, for classes of integers that have them.
+Status SampleRangeScan(const OpenFile& file, FileContext* context, PixelStream* stream);
+
+// How pixels go into a file.
+struct PixelPacking {
+  ElementMove pack;  // null: as they are
+  int32_t pixelBytes;
+  int32_t sampleBytes;  // of a packed pixel
+  int32_t rowPadding;   // zero bytes behind each row, at most 3
+};
+// Writes the rows at the file's position. STATUS_FILE_WRITE.
+Status PixelRowsWrite(const OpenFile& file, const PixelGrid& grid, const PixelPacking& packing);
+
+// Bitwise NOT of the grid's pixels.
+void PixelRowsInvert(const PixelGrid& grid, int32_t pixelBytes);
+// Moves the rows together in memory, without gaps.
+void PixelRowsCompact(const PixelGrid& grid, int32_t pixelBytes);
+
+}  // namespace zel
