@@ -5,10 +5,9 @@
 #include <vector>
 
 #include "analysis/particle_scan.h"
-#include "core/heap.h"
 #include "core/kernels.h"
-#include "core/world.h"
 #include "tests/reference/particles.h"
+#include "tests/support/refused_memory.h"
 
 namespace {
 
@@ -535,65 +534,43 @@ TEST(BasicParticle, WrongImagesGiveTheirNumbersAndLeaveTheTable) {
   EXPECT_EQ(table.reports[1].rect.left, 2);
 }
 
-// Every allocation refused in turn, once alone and once with all that follow.
-template <class Call>
-void RefuseEachAllocation(const Call& call) {
-  for (const bool all : {false, true}) {
-    for (uint64_t n = 1;; n++) {
-      zel::HeapHooks* hooks = zel::HeapHooksGet();
-      hooks->requests = 0;
-      hooks->failAt = n;
-      hooks->failAllAfter = all;
-      const int32_t result = call();
-      const bool refused = hooks->requests >= n;
-      hooks->failAt = 0;
-      EXPECT_EQ(zel::WorldFault(), nullptr);
-      if (!refused) {
-        EXPECT_EQ(result, 0);
-        break;
-      }
-      EXPECT_TRUE(result == -101 || result == 0) << result;  // growth of tables may wait
-      ASSERT_LT(n, 200u);
-    }
-  }
-}
-
 TEST(Label, RefusedMemoryIs101AndNothingIsLost) {
   const TestImage source = RandomPicture(IMAGE_U8, 300, 200, 50, 3);
   const Labelling expected = FloodFill(PictureOf(source), true);
   std::vector<uint8_t> pixels = source.Pixels();
   const TestImage labels(IMAGE_I16, 0, 0, 2);
-  RefuseEachAllocation([&] {
-    int32_t count = -1;
-    const int32_t result = ZEL_Label(source, labels, 1, &count);
-    EXPECT_EQ(count, result == 0 ? expected.count : 0);
-    ZEL_SetImageSize(labels, 0, 0);
-    return result;
-  });
-  RefuseEachAllocation([&] {
-    int32_t count = -1;
-    const int32_t result = ZEL_Label(source, 0, 1, &count);
-    if (result == 0) pixels = source.Pixels();
-    EXPECT_TRUE(source.Pixels() == pixels);
-    return result;
-  });
+  test::RefuseEachAllocation([&] { ZEL_SetImageSize(labels, 0, 0); },
+                             [&] {
+                               int32_t count = -1;
+                               const int32_t result = ZEL_Label(source, labels, 1, &count);
+                               EXPECT_EQ(count, result == 0 ? expected.count : 0);
+                               return result;
+                             });
+  test::RefuseEachAllocation([] {},
+                             [&] {
+                               const int32_t result = ZEL_Label(source, 0, 1, nullptr);
+                               if (result == 0) pixels = source.Pixels();
+                               EXPECT_TRUE(source.Pixels() == pixels);
+                               return result;
+                             });
 }
 
 TEST(BasicParticle, RefusedMemoryIs101AndNothingIsLost) {
   const TestImage source = RandomPicture(IMAGE_U8, 300, 200, 50, 3);
   const Labelling expected = FloodFill(PictureOf(source), false);
-  for (const bool given : {false, true}) {
-    RefuseEachAllocation([&] {
-      BasicReports table;
-      const uint64_t failAt = zel::HeapHooksGet()->failAt;
-      zel::HeapHooksGet()->failAt = 0;
-      if (given) table.reports = static_cast<BasicParticleReport*>(ZEL_malloc(24));
-      zel::HeapHooksGet()->requests = 0;
-      zel::HeapHooksGet()->failAt = failAt;
-      const int32_t result = ZEL_BasicParticle(source, 0, &table.reports, &table.count);
-      EXPECT_EQ(table.count, result == 0 ? expected.count : 0);
-      return result;
-    });
+  for (const uint32_t given : {0u, 24u}) {
+    BasicReports table;
+    test::RefuseEachAllocation(
+        [&] {
+          ZEL_free(table.reports);
+          table.reports =
+              given != 0 ? static_cast<BasicParticleReport*>(ZEL_malloc(given)) : nullptr;
+        },
+        [&] {
+          const int32_t result = ZEL_BasicParticle(source, 0, &table.reports, &table.count);
+          EXPECT_EQ(table.count, result == 0 ? expected.count : 0);
+          return result;
+        });
   }
 }
 

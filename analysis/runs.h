@@ -79,6 +79,8 @@ class DisjointSets {
     return number;
   }
 
+  bool IsLeast(uint32_t number) const { return parents_[number] == number; }
+
   // Joins the sets of two least numbers; answers the least number of both.
   uint32_t Join(uint32_t a, uint32_t b) {
     const uint32_t low = a < b ? a : b;
