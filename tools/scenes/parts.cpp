@@ -42,9 +42,8 @@ double CapsuleDistance(Point p, double halfLength, double radius) {
 }  // namespace
 
 Point Local(const Part& part, Point at) {
-  const double c = std::cos(part.angle), s = std::sin(part.angle);
   const double dx = at.x - part.centre.x, dy = at.y - part.centre.y;
-  return {dx * c + dy * s, dy * c - dx * s};
+  return {dx * part.along.x + dy * part.along.y, dy * part.along.x - dx * part.along.y};
 }
 
 double Distance(const Part& part, Point at) {

@@ -15,7 +15,7 @@ enum class Shape { Washer, Nut, Pin, Chip };
 struct Part {
   Shape shape = Shape::Washer;
   Point centre;
-  double angle = 0;   // radians, turned from the x axis toward the y axis
+  Point along{1, 0};  // direction of its length, a unit vector
   double length = 0;  // washer, nut: outer radius; pin: half length of the shaft; chip: half length
   double width = 0;   // washer, nut: radius of the hole; pin: radius of the shaft; chip: half width
   double detail = 0;  // pin: radius of the head, 0 for none; chip: radius of its hole, 0 for none

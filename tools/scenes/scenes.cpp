@@ -26,7 +26,7 @@ class Layout {
       const double room = Reach(part) + MARGIN;
       part.centre = {random_.Between(room, setup_.width - room),
                      random_.Between(room, setup_.height - room)};
-      part.angle = random_.Between(0, 2 * std::numbers::pi);
+      part.along = Direction();
       part.group = groups_;
       if (!Free(part)) continue;
       parts_.push_back(part);
@@ -39,12 +39,12 @@ class Layout {
   void Lean(Part part) {
     const Part anchor = parts_.back();
     for (int attempt = 0; attempt < 400; ++attempt) {
-      const double direction = random_.Between(0, 2 * std::numbers::pi);
-      part.angle = random_.Between(0, 2 * std::numbers::pi);
+      const Point direction = Direction();
+      part.along = Direction();
       part.group = anchor.group;
       const auto place = [&](double distance) {
-        part.centre = {anchor.centre.x + distance * std::cos(direction),
-                       anchor.centre.y + distance * std::sin(direction)};
+        part.centre = {anchor.centre.x + distance * direction.x,
+                       anchor.centre.y + distance * direction.y};
       };
       double low = 0, high = Reach(anchor) + Reach(part) + 4;
       for (int step = 0; step < 20; ++step) {
@@ -65,6 +65,11 @@ class Layout {
   std::vector<Part> Take() { return std::move(parts_); }
 
  private:
+  Point Direction() {
+    const double angle = random_.Between(0, 2 * std::numbers::pi);
+    return {std::cos(angle), std::sin(angle)};
+  }
+
   bool Free(const Part& part) const {
     return std::all_of(parts_.begin(), parts_.end(), [&](const Part& other) {
       return other.group == part.group || Gap(part, other) >= GAP;
@@ -103,7 +108,7 @@ Scene Washers() {
       .width = 640,
       .height = 480,
       .seed = 11,
-      .tray = {.level = 0.84, .shading = 0.17, .texture = 0.016, .mottle = 0.014, .shadow = 0.2},
+      .tray = {.level = 0.84, .shading = 0.12, .texture = 0.016, .mottle = 0.014, .shadow = 0.1},
       .material = {.level = 0.24, .relief = 0.12, .gloss = 0.17, .grain = 0.016},
       .camera = {.blur = 0.9, .noise = 0.011, .bits = 8}};
   Layout layout(scene.setup, 5);
@@ -125,8 +130,8 @@ Scene Pins() {
       .width = 801,
       .height = 601,
       .seed = 23,
-      .tray = {.level = 0.17, .shading = 0.4, .texture = 0.012, .mottle = 0.012, .shadow = 0.45},
-      .material = {.level = 0.66, .relief = 0.2, .gloss = 0.3, .grain = 0.02},
+      .tray = {.level = 0.17, .shading = 0.3, .texture = 0.012, .mottle = 0.012, .shadow = 0.45},
+      .material = {.level = 0.6, .relief = 0.14, .gloss = 0.45, .grain = 0.02},
       .camera = {.blur = 0.8, .noise = 0.014, .bits = 8}};
   Layout layout(scene.setup, 9);
   for (int i = 0; i < 9; ++i) layout.Drop(PinOf(120, 5.5, 10.5));
@@ -140,13 +145,13 @@ Scene Pins() {
 Scene Chips() {
   Scene scene;
   scene.name = "chips";
-  scene.subject = "ceramic chips, some with a hole, on a dark tray; 12 bits in 16-bit pixels";
+  scene.subject = "ceramic chips on a dark tray, some with a hole; 16-bit pixels";
   scene.file = "chips.tif";
   scene.setup = {
       .width = 800,
       .height = 600,
       .seed = 31,
-      .tray = {.level = 0.21, .shading = 0.35, .texture = 0.01, .mottle = 0.02, .shadow = 0.5},
+      .tray = {.level = 0.21, .shading = 0.28, .texture = 0.01, .mottle = 0.02, .shadow = 0.5},
       .material = {.level = 0.58, .relief = 0.13, .gloss = 0.27, .grain = 0.03},
       .camera = {.blur = 1.0, .noise = 0.009, .bits = 12}};
   Layout layout(scene.setup, 17);
@@ -166,8 +171,8 @@ Scene Mixed() {
       .width = 1024,
       .height = 768,
       .seed = 47,
-      .tray = {.level = 0.19, .shading = 0.4, .texture = 0.014, .mottle = 0.018, .shadow = 0.45},
-      .material = {.level = 0.62, .relief = 0.16, .gloss = 0.26, .grain = 0.02},
+      .tray = {.level = 0.19, .shading = 0.26, .texture = 0.014, .mottle = 0.018, .shadow = 0.45},
+      .material = {.level = 0.62, .relief = 0.13, .gloss = 0.26, .grain = 0.02},
       .camera = {.blur = 0.9, .noise = 0.013, .bits = 8}};
   Layout layout(scene.setup, 3);
   layout.Drop(WasherOf(62, 30));

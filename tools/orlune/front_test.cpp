@@ -1,0 +1,494 @@
+// The front's own logic: conditions, reports, annotation, and pictures with awkward sizes.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <fstream>
+#include <limits>
+#include <sstream>
+
+#include "core/errors.h"
+#include "orlune/annotation.h"
+#include "orlune/numbers.h"
+#include "orlune/progress.h"
+#include "orlune/reports.h"
+
+namespace {
+
+using namespace front;  // NOLINT: these are its tests
+
+namespace fs = std::filesystem;
+
+template <class Function>
+std::string Complaint(Function function) {
+  try {
+    function();
+  } catch (const std::exception& error) {
+    return error.what();
+  }
+  return "no complaint";
+}
+
+bool Has(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
+
+// ---------------------------------------------------------------------------------- conditions
+
+TEST(Conditions, ComparisonsKeepOrLeaveOutTheirBound) {
+  const auto holds = [](const char* text, double value) {
+    return ParseConditions(text).front().Holds(value);
+  };
+  EXPECT_TRUE(holds("AreaPixels>=50", 50));
+  EXPECT_FALSE(holds("AreaPixels>=50", 49.5));
+  EXPECT_FALSE(holds("AreaPixels>50", 50));
+  EXPECT_TRUE(holds("AreaPixels>50", 50.5));
+  EXPECT_TRUE(holds("AreaPixels<=50", 50));
+  EXPECT_FALSE(holds("AreaPixels<50", 50));
+  EXPECT_TRUE(holds("NumberOfHoles=1", 1));
+  EXPECT_FALSE(holds("NumberOfHoles==1", 2));
+  EXPECT_TRUE(holds("Left=10:20", 10));
+  EXPECT_TRUE(holds("Left=10:20", 20));
+  EXPECT_FALSE(holds("Left=10:20", 20.5));
+  EXPECT_TRUE(holds("Left=:20", -1e30));
+}
+
+TEST(Conditions, UndefinedMeasuresHoldNoCondition) {
+  EXPECT_FALSE(ParseConditions("Left>=0").front().Holds(std::nan("")));
+  EXPECT_FALSE(ParseConditions("Left<=0").front().Holds(std::nan("")));
+}
+
+TEST(Conditions, BlanksCommasAndCaseAreFree) {
+  const std::vector<Condition> conditions =
+      ParseConditions(" areapixels >= 1e2 , HOLESPERIMETER<3");
+  ASSERT_EQ(conditions.size(), 2u);
+  EXPECT_EQ(conditions[0].measure->name, "AreaPixels");
+  EXPECT_EQ(conditions[0].range.low, 100);
+  EXPECT_EQ(conditions[1].measure->number, 20u);
+}
+
+TEST(Conditions, MistakesAreExplained) {
+  const auto complaint = [](const char* text) { return Complaint([&] { ParseConditions(text); }); };
+  EXPECT_TRUE(Has(complaint("AreaPixels"), "has no comparison"));
+  EXPECT_TRUE(Has(complaint("Area>=50"), "did you mean AreaPixels?"));
+  EXPECT_TRUE(Has(complaint("Perimetr>=50"), "did you mean Perimeter?"));
+  EXPECT_TRUE(Has(complaint(">=50"), "names no measure"));
+  EXPECT_TRUE(Has(complaint("Left>="), "has no number"));
+  EXPECT_TRUE(Has(complaint("Left>=5O"), "'5O' is not a number"));
+  EXPECT_TRUE(Has(complaint("Left>=nan"), "is not a number"));
+  EXPECT_TRUE(Has(complaint("Left=>5"), "is no comparison"));
+  EXPECT_TRUE(Has(complaint("Left!=5"), "is no comparison"));
+  EXPECT_TRUE(Has(complaint("Left=20:10"), "is empty"));
+  EXPECT_TRUE(Has(complaint("Left>5,"), "has no comparison"));
+  EXPECT_TRUE(Has(complaint(""), "has no comparison"));
+}
+
+TEST(Conditions, RangesOfLevelsMayBeOpen) {
+  EXPECT_EQ(ParseRange("100:200").low, 100);
+  EXPECT_EQ(ParseRange("-5:").low, -5);
+  EXPECT_TRUE(std::isinf(ParseRange("-5:").high));
+  EXPECT_TRUE(std::isinf(ParseRange(":7").low));
+  EXPECT_TRUE(Has(Complaint([] { ParseRange("100"); }), "is no range"));
+  EXPECT_TRUE(Has(Complaint([] { ParseRange(":"); }), "has no end"));
+  EXPECT_TRUE(Has(Complaint([] { ParseRange("1:x"); }), "'x' is not a number"));
+}
+
+TEST(Conditions, ScalesAreAboveZero) {
+  EXPECT_EQ(ParseScale("0.5").y, 0.5f);
+  EXPECT_EQ(ParseScale("0.5,0.25").y, 0.25f);
+  for (const char* bad : {"0", "-1", "1,0", "1,2,3", "inf", "x", ""}) {
+    EXPECT_NE(Complaint([&] { ParseScale(bad); }), "no complaint") << bad;
+  }
+}
+
+TEST(Measures, AllFiftyStandAtTheirNumbers) {
+  for (size_t i = 0; i < MEASURE_COUNT; ++i) EXPECT_EQ(AllMeasures()[i].number, i);
+  EXPECT_EQ(ParseMeasures("all").size(), MEASURE_COUNT);
+  const std::vector<const Measure*> two = ParseMeasures("Perimeter, areapixels");
+  ASSERT_EQ(two.size(), 2u);
+  EXPECT_EQ(two[0]->name, "Perimeter");
+  EXPECT_EQ(two[1]->name, "AreaPixels");
+}
+
+TEST(Failures, MessagesAreThoseOfTheLibrary) {
+  int known = 0;
+  for (int32_t number = 1; number < 4000; ++number) {
+    const std::string own = LibraryMessage(-number);
+    if (own.empty()) continue;
+    ++known;
+    char line[zel::MESSAGE_LINE_SIZE];
+    zel::ErrorMessage(number, line);
+    EXPECT_EQ("#" + std::to_string(number) + " " + own + "\n", line);
+  }
+  EXPECT_GT(known, 15);
+}
+
+// ------------------------------------------------------------------------------------- reports
+
+// Reads JSON far enough to tell whether it is well-formed.
+class JsonChecker {
+ public:
+  explicit JsonChecker(std::string text) : text_(std::move(text)) {}
+  bool WellFormed() { return Value() && (Blanks(), at_ == text_.size()); }
+
+ private:
+  char Peek() const { return at_ < text_.size() ? text_[at_] : '\0'; }
+  bool Take(char c) {
+    if (Peek() != c || at_ >= text_.size()) return false;
+    ++at_;
+    return true;
+  }
+  void Blanks() {
+    while (at_ < text_.size() && std::string(" \n\r\t").find(text_[at_]) != std::string::npos)
+      ++at_;
+  }
+  bool Word(const std::string& word) {
+    if (text_.compare(at_, word.size(), word) != 0) return false;
+    at_ += word.size();
+    return true;
+  }
+  bool Text() {
+    if (!Take('"')) return false;
+    while (at_ < text_.size() && text_[at_] != '"') {
+      if (static_cast<unsigned char>(text_[at_]) < 0x20) return false;
+      if (text_[at_++] != '\\') continue;
+      const char escape = Peek();
+      ++at_;
+      if (escape == 'u') {
+        for (int i = 0; i < 4; ++i, ++at_) {
+          if (!std::isxdigit(static_cast<unsigned char>(Peek()))) return false;
+        }
+      } else if (std::string("\"\\/bfnrt").find(escape) == std::string::npos) {
+        return false;
+      }
+    }
+    return Take('"');
+  }
+  bool Number() {
+    const size_t start = at_;
+    while (std::string("+-.eE0123456789").find(Peek()) != std::string::npos && Peek() != '\0')
+      ++at_;
+    return at_ > start && text_[at_ - 1] >= '0' && text_[at_ - 1] <= '9';
+  }
+  template <class Element>
+  bool List(char open, char close, Element element) {
+    if (!Take(open)) return false;
+    Blanks();
+    if (Take(close)) return true;
+    do {
+      Blanks();
+      if (!element()) return false;
+      Blanks();
+    } while (Take(','));
+    return Take(close);
+  }
+  bool Value() {
+    Blanks();
+    switch (Peek()) {
+      case '{':
+        return List('{', '}', [&] { return Text() && (Blanks(), Take(':')) && Value(); });
+      case '[':
+        return List('[', ']', [&] { return Value(); });
+      case '"':
+        return Text();
+      case 'n':
+        return Word("null");
+      case 't':
+        return Word("true");
+      case 'f':
+        return Word("false");
+      default:
+        return Number();
+    }
+  }
+
+  std::string text_;
+  size_t at_ = 0;
+};
+
+Inspection MadeUpInspection(const std::string& path) {
+  Inspection inspection{.path = path,
+                        .file = {3, 8, 1, 40, 30},
+                        .objects = Range{100, 255},
+                        .scale = {},
+                        .unit = "mm",
+                        .particles = std::vector<Particle>(3),
+                        .timing = {},
+                        .picture = Image(IMAGE_U8),
+                        .stretched = {},
+                        .labels = Image(IMAGE_I16, 2)};
+  for (int32_t i = 0; i < 3; ++i) {
+    Particle& particle = inspection.particles[static_cast<size_t>(i)];
+    particle.number = i + 1;
+    particle.values.fill(0.1f * static_cast<float>(i + 1));
+  }
+  inspection.particles[1].kept = false;
+  inspection.particles[2].values[45] = std::numeric_limits<float>::infinity();
+  inspection.particles[2].values[46] = std::numeric_limits<float>::quiet_NaN();
+  return inspection;
+}
+
+const std::string WILD_NAME =
+    "a \"b\", \\c\nd\t\x01 \xC3\xA9 \xFF\xC0\xAF\xED\xA0\x80 \xF0\x9F\x98\x80.bmp";
+
+TEST(Json, IsWellFormedForWildNamesAndUndefinedMeasures) {
+  std::ostringstream out;
+  JsonReport report(out, ParseMeasures("all"));
+  InspectSettings settings;
+  report.Add(MadeUpInspection(WILD_NAME), settings);
+  report.AddFailure(WILD_NAME, -510, "unable to \"get\" info");
+  report.Add(MadeUpInspection("plain.bmp"), settings);
+  report.Finish(Summary{});
+  EXPECT_TRUE(JsonChecker(out.str()).WellFormed()) << out.str();
+  EXPECT_TRUE(Has(out.str(), "\"HeywoodCircularity\": null"));
+  EXPECT_TRUE(Has(out.str(), "\"number\": -510"));
+  EXPECT_TRUE(Has(out.str(), "\"found\": 3, \"kept\": 2"));
+  EXPECT_FALSE(Has(out.str(), "{\"number\": 2,"));
+}
+
+TEST(Json, OfNoFilesIsWellFormed) {
+  std::ostringstream out;
+  JsonReport report(out, ParseMeasures("AreaPixels"));
+  report.Finish(Summary{});
+  EXPECT_TRUE(JsonChecker(out.str()).WellFormed()) << out.str();
+}
+
+TEST(Json, TextsKeepGoodCharactersAndReplaceBadBytes) {
+  EXPECT_EQ(JsonText("\xC3\xA9"), "\"\xC3\xA9\"");
+  EXPECT_EQ(JsonText("\xF0\x9F\x98\x80"), "\"\xF0\x9F\x98\x80\"");
+  EXPECT_EQ(JsonText("\xFF"), "\"\\ufffd\"");
+  EXPECT_EQ(JsonText("\xC3"), "\"\\ufffd\"");                        // cut short
+  EXPECT_EQ(JsonText("\xC0\xAF"), "\"\\ufffd\\ufffd\"");             // a long form of '/'
+  EXPECT_EQ(JsonText("\xED\xA0\x80"), "\"\\ufffd\\ufffd\\ufffd\"");  // half of a pair
+  EXPECT_EQ(JsonText("\"\\\n"), "\"\\\"\\\\\\u000a\"");
+}
+
+TEST(Csv, QuotesNamesAndWritesNumbersThatReadBack) {
+  std::ostringstream out;
+  CsvReport report(out, ParseMeasures("AreaPixels,Perimeter"));
+  report.Add(MadeUpInspection("a,\"b\".bmp"));
+  EXPECT_EQ(out.str(),
+            "File,Number,AreaPixels,Perimeter\n"
+            "\"a,\"\"b\"\".bmp\",1,0.1,0.1\n"
+            "\"a,\"\"b\"\".bmp\",3,0.3,0.3\n");
+}
+
+TEST(Numbers, ReadBackTheSame) {
+  for (const float value : {0.1f, 1e-30f, 16777217.0f, -0.0f, 3.4028235e38f, 1.0f / 3}) {
+    EXPECT_EQ(std::strtof(Exact(value).c_str(), nullptr), value);
+  }
+  EXPECT_EQ(Fixed(2.345, 1), "2.3");
+  EXPECT_EQ(Fixed(-0.5e300, 0).size(), 301u);
+  EXPECT_EQ(Short(0.05), "0.05");
+}
+
+TEST(Table, IsAlignedWithUnitsInTheHead) {
+  const Inspection inspection = MadeUpInspection("x.bmp");
+  const std::vector<const Measure*> measures = ParseMeasures("AreaPixels,Perimeter,CentreOfMassX");
+  std::ostringstream out;
+  PrintTable(out, inspection, {}, measures, 0);
+  std::istringstream lines(out.str());
+  std::string line;
+  std::getline(lines, line);
+  EXPECT_EQ(line, "x.bmp: BMP, 40 x 30, 8-bit gray");
+  std::getline(lines, line);
+  EXPECT_EQ(line, "  objects: levels 100 to 255, by the clustering method; 3 particles");
+  std::vector<size_t> widths;
+  while (std::getline(lines, line)) widths.push_back(line.size());
+  ASSERT_EQ(widths.size(), 5u);  // two lines of names, units, two particles
+  for (const size_t width : widths) EXPECT_EQ(width, widths.front());
+  EXPECT_TRUE(Has(out.str(), "[px2]"));
+  EXPECT_TRUE(Has(out.str(), "[mm]"));
+  EXPECT_TRUE(Has(out.str(), "CentreOf"));
+}
+
+TEST(Table, CountsTheRowsThatItLeavesOut) {
+  std::ostringstream out;
+  PrintTable(out, MadeUpInspection("x.bmp"), {}, ParseMeasures("Left"), 1);
+  EXPECT_TRUE(Has(out.str(), "... and 1 more"));
+}
+
+TEST(ProgressBar, TellsRateAndTimeLeft) {
+  EXPECT_EQ(ProgressLine(0, 10, 0), "[..............................] 0 of 10");
+  EXPECT_EQ(ProgressLine(5, 10, 2.5),
+            "[###############...............] 5 of 10  2 files/s  3 s left");
+  EXPECT_TRUE(Has(ProgressLine(1, 200, 1.0), "3:19 min left"));
+}
+
+// ------------------------------------------------------------------------------------ pictures
+
+class Pictures : public testing::Test {
+ protected:
+  void SetUp() override { fs::create_directories(folder_); }
+  void TearDown() override { fs::remove_all(folder_); }
+
+  // Writes a gray picture of rows of text, where '.' is the background.
+  std::string Write(const std::string& name, const std::vector<std::string>& rows,
+                    uint8_t background, uint8_t object, int32_t format) {
+    std::vector<uint8_t> pixels;
+    for (const std::string& row : rows) {
+      for (const char c : row) pixels.push_back(c == '.' ? background : object);
+    }
+    const Image image(IMAGE_U8);
+    Check(ZEL_ArrayToImage(image, ARRAY_U8, pixels.data(), static_cast<int32_t>(rows[0].size()),
+                           static_cast<int32_t>(rows.size())));
+    const std::string path = (folder_ / name).string();
+    Check(ZEL_WriteFile(image, path.c_str(), format, nullptr, 0));
+    return path;
+  }
+
+  fs::path folder_ =
+      fs::temp_directory_path() /
+      ("orlune_front_" + std::to_string(testing::UnitTest::GetInstance()->random_seed()) + "_" +
+       std::to_string(::getpid()));
+};
+
+const std::vector<std::string> TWO_DOTS = {".......", ".##....", ".##....", ".....#.", "......."};
+
+TEST_F(Pictures, TheColumnThatReadingAddsToAnOddWidthIsNoObject) {
+  const std::string path = Write("odd.tif", TWO_DOTS, 200, 20, 2);
+  InspectSettings settings;
+  settings.dark = true;
+  const Inspection inspection = Inspect(path, settings);
+  EXPECT_EQ(inspection.particles.size(), 2u);
+  EXPECT_EQ(inspection.picture.Info().width, 7);
+  EXPECT_EQ(inspection.particles[0].values[MEASURE_AREA_PIXELS], 4);
+}
+
+TEST_F(Pictures, LightAndDarkObjectsOfTwoLevelsAreFoundByEveryMethod) {
+  const std::string path = Write("two.orln", TWO_DOTS, 7, 9, 1);
+  for (int method = AUTOB_CLUSTERING; method <= AUTOB_INTERCLASS; ++method) {
+    InspectSettings settings;
+    settings.method = static_cast<AutoBMethod>(method);
+    EXPECT_EQ(Inspect(path, settings).particles.size(), 2u) << method;
+    settings.dark = true;
+    const Inspection dark = Inspect(path, settings);
+    EXPECT_EQ(dark.particles.size(), 1u) << method;
+    EXPECT_EQ(dark.objects->high, 8);
+  }
+}
+
+TEST_F(Pictures, APictureOfOneLevelHasNoObjects) {
+  const std::string path = Write("flat.orln", TWO_DOTS, 90, 90, 1);
+  const Inspection inspection = Inspect(path, {});
+  EXPECT_TRUE(inspection.particles.empty());
+  EXPECT_FALSE(inspection.objects.has_value());
+}
+
+TEST_F(Pictures, CornersJoinPixelsOnlyWithEightNeighbours) {
+  const std::string path = Write("corner.orln", {"#..", ".#.", "..."}, 0, 255, 1);
+  InspectSettings settings;
+  EXPECT_EQ(Inspect(path, settings).particles.size(), 1u);
+  settings.eightConnected = false;
+  EXPECT_EQ(Inspect(path, settings).particles.size(), 2u);
+}
+
+TEST_F(Pictures, RangesOutsideTheLevelsSelectNothing) {
+  const std::string path = Write("range.orln", TWO_DOTS, 0, 100, 1);
+  InspectSettings settings;
+  settings.range = Range{300, 400};  // limited to 255, it would select white pixels
+  EXPECT_TRUE(Inspect(path, settings).particles.empty());
+  settings.range = Range{-9, -1};
+  EXPECT_TRUE(Inspect(path, settings).particles.empty());
+  settings.range = ParseRange("50:");
+  EXPECT_EQ(Inspect(path, settings).particles.size(), 2u);
+  EXPECT_EQ(Inspect(path, settings).objects->high, 255);
+}
+
+TEST_F(Pictures, ScaleAndConditionsApplyToTheMeasures) {
+  const std::string path = Write("scale.orln", TWO_DOTS, 0, 100, 1);
+  InspectSettings settings;
+  settings.scale = Scale{0.5f, 2.0f};
+  settings.unit = "mm";
+  settings.keep = ParseConditions("AreaCalibrated>=2,WidthCalibrated<=1");
+  const Inspection inspection = Inspect(path, settings);
+  ASSERT_EQ(inspection.particles.size(), 2u);
+  EXPECT_EQ(inspection.particles[0].values[MEASURE_AREA_CALIBRATED], 4);
+  EXPECT_EQ(inspection.particles[0].values[MEASURE_WIDTH_CALIBRATED], 1);
+  EXPECT_EQ(inspection.particles[0].values[MEASURE_HEIGHT_CALIBRATED], 4);
+  EXPECT_TRUE(inspection.particles[0].kept);
+  EXPECT_FALSE(inspection.particles[1].kept);
+  EXPECT_EQ(inspection.Kept(), 1u);
+}
+
+TEST_F(Pictures, SixteenBitPicturesTakeRangesInTheirOwnValues) {
+  std::vector<int16_t> pixels(100, 1000);
+  pixels[33] = pixels[34] = 3000;
+  pixels[71] = -500;
+  const Image image(IMAGE_I16);
+  Check(ZEL_ArrayToImage(image, ARRAY_I16, pixels.data(), 10, 10));
+  const std::string path = (folder_ / "deep.tif").string();
+  Check(ZEL_WriteFile(image, path.c_str(), 2, nullptr, 0));
+  InspectSettings settings;
+  settings.range = Range{2999, 3000};
+  const Inspection light = Inspect(path, settings);
+  ASSERT_EQ(light.particles.size(), 1u);
+  EXPECT_EQ(light.particles[0].values[MEASURE_AREA_PIXELS], 2);
+  settings.range = ParseRange(":-1");
+  EXPECT_EQ(Inspect(path, settings).particles.size(), 1u);
+  settings.swapBytes = true;  // 1000 and 3000 then are below 0, and -500 is 3326
+  const Inspection swapped = Inspect(path, settings);
+  ASSERT_EQ(swapped.particles.size(), 1u);
+  EXPECT_EQ(swapped.particles[0].values[MEASURE_AREA_PIXELS], 99);
+}
+
+TEST_F(Pictures, PaletteColoursAreInspectedByTheirGray) {
+  const Image image(IMAGE_U8);
+  std::vector<uint8_t> pixels(8 * 8, 3);
+  pixels[20] = pixels[21] = 2;
+  Check(ZEL_ArrayToImage(image, ARRAY_U8, pixels.data(), 8, 8));
+  std::vector<RGBValue> palette(256, 0);
+  palette[2] = 0x00FF00;  // green on black: the smaller number is the lighter colour
+  const std::string path = (folder_ / "palette.bmp").string();
+  Check(ZEL_WriteFile(image, path.c_str(), 3, palette.data(), 256));
+  const Inspection inspection = Inspect(path, {});
+  ASSERT_EQ(inspection.particles.size(), 1u);
+  EXPECT_EQ(inspection.particles[0].values[MEASURE_AREA_PIXELS], 2);
+  EXPECT_EQ(inspection.objects->low, 85);
+}
+
+TEST_F(Pictures, AnUnreadableFileGivesTheLibrarysNumber) {
+  try {
+    Inspect((folder_ / "missing.tif").string(), {});
+    FAIL();
+  } catch (const LibraryFailure& failure) {
+    EXPECT_EQ(failure.number(), -510);
+    EXPECT_STREQ(failure.what(), "unable to get info (ZEL_ReadFile returned -510)");
+  }
+}
+
+TEST_F(Pictures, AnnotationMarksKeptParticlesAndThoseLeftOut) {
+  const std::vector<std::string> rows = {
+      "................", "................", "................", "................",
+      "................", "................", "................", "................",
+      "................", "................", "................", "...###..........",
+      "...###......#...", "...###..........", "................", "................"};
+  const std::string path = Write("mark.orln", rows, 0, 200, 1);
+  InspectSettings settings;
+  settings.keep = ParseConditions("AreaPixels>1");
+  const fs::path marked = folder_ / "marked.bmp";
+  WriteAnnotation(Inspect(path, settings), marked);
+  const Picture picture = ReadPicture(marked, {});
+  const ImageInfo info = picture.image.Info();
+  ASSERT_EQ(info.type, IMAGE_RGB);
+  const auto pixel = [&](int x, int y) { return Row<RGBValue>(info, y)[x] & 0xFFFFFF; };
+  EXPECT_EQ(pixel(3, 11), 0x20E850u);
+  EXPECT_EQ(pixel(4, 12), 0xC8C8C8u);  // inside: as it was
+  EXPECT_EQ(pixel(12, 12), 0xFF4040u);
+  EXPECT_EQ(pixel(1, 9), 0xFF9600u);
+  EXPECT_EQ(pixel(7, 15), 0xFF9600u);
+  EXPECT_EQ(pixel(10, 10), 0u);  // no rectangle around what was left out
+  int white = 0;
+  for (int y = 0; y < 9; ++y) {
+    for (int x = 0; x < 16; ++x) white += pixel(x, y) == 0xFFFFFF;
+  }
+  EXPECT_EQ(white, 10);  // the digit 1
+}
+
+TEST_F(Pictures, AnnotationOfPartsAtTheEdgeStaysInside) {
+  const std::string path = Write("edge.orln", {"###", "#.#", "###"}, 0, 255, 1);
+  const fs::path marked = folder_ / "marked.bmp";
+  WriteAnnotation(Inspect(path, {}), marked);
+  EXPECT_EQ(ReadPicture(marked, {}).file.width, 3);
+}
+
+}  // namespace

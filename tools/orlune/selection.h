@@ -1,0 +1,46 @@
+// Conditions on measures: which particles are kept, and which grey levels are objects.
+#pragma once
+
+#include <limits>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "orlune/measures.h"
+
+namespace front {
+
+// Both ends included.
+struct Range {
+  double low = -std::numeric_limits<double>::infinity();
+  double high = std::numeric_limits<double>::infinity();
+};
+
+// "100:200", "100:" or ":200". Throws std::invalid_argument.
+Range ParseRange(std::string_view text);
+
+struct Scale {
+  float x = 1, y = 1;  // width and height of a pixel
+};
+
+// "0.05" or "0.05,0.06". Throws std::invalid_argument.
+Scale ParseScale(std::string_view text);
+
+struct Condition {
+  const Measure* measure = nullptr;
+  Range range;
+  bool lowExcluded = false;   // the measure must be above the low end
+  bool highExcluded = false;  // the measure must be below the high end
+
+  bool Holds(double value) const;
+};
+
+// One or more conditions with commas between them: "AreaPixels>=50", "NumberOfHoles=1",
+// "AreaPixels=50:500,Left>0". Throws std::invalid_argument that says what is wrong.
+std::vector<Condition> ParseConditions(std::string_view text);
+
+// "AreaPixels,Perimeter" or "all". Throws std::invalid_argument.
+std::vector<const Measure*> ParseMeasures(std::string_view text);
+
+}  // namespace front
