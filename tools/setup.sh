@@ -1,6 +1,7 @@
 #!/bin/sh
 # Installs what the build needs on Debian 12, and says what it installs. Does nothing when all is
-# there. With --benchmarks also what the benchmarks compare with.
+# there. With --benchmarks also what the benchmarks compare with, with --check-tools also what checks
+# the sources.
 # usage: setup.sh [--benchmarks] [--check-tools]
 set -eu
 
@@ -8,7 +9,7 @@ needed="g++ cmake ninja-build pkgconf libgtest-dev libcli11-dev"
 for argument in "$@"; do
   case $argument in
     --benchmarks) needed="$needed libbenchmark-dev libopencv-core-dev libopencv-imgproc-dev libopencv-imgcodecs-dev" ;;
-    --check-tools) needed="$needed clang-format clang-tidy" ;;
+    --check-tools) needed="$needed clang-format clang-tidy cppcheck clang-19 libclang-rt-19-dev" ;;
     *)
       echo "usage: setup.sh [--benchmarks] [--check-tools]" >&2
       exit 2

@@ -1,0 +1,43 @@
+# Commands for people. Each sets up what it needs; the work is in tools/ and the CMake presets.
+.PHONY: help demo test asan bench check-format tidy fuzz clean
+
+help:
+	@echo "make demo          make scenes, inspect them, show the particles and the annotated pictures"
+	@echo "make test          build and run all tests"
+	@echo "make asan          the same under the address and undefined-behaviour sanitizers"
+	@echo "make bench         run the benchmarks beside their peers"
+	@echo "make check-format  check the layout of the sources"
+	@echo "make tidy          look for suspicious code"
+	@echo "make fuzz          run the fuzz targets for some seconds each"
+	@echo "make clean         remove what was built and the demonstration's files"
+
+demo:
+	@tools/demo.sh
+
+test:
+	@tools/test.sh release
+
+asan:
+	@tools/test.sh asan
+
+bench:
+	@tools/setup.sh --benchmarks
+	cmake --preset release -DPTK_BUILD_BENCHMARKS=ON
+	cmake --build --preset release --target orlune_benchmark
+	build/release/benchmarks/orlune_benchmark
+
+check-format:
+	@tools/setup.sh --check-tools
+	git ls-files '*.cpp' '*.h' '*.c' | xargs clang-format --dry-run --Werror
+
+tidy:
+	@tools/setup.sh --check-tools
+	cmake --preset release
+	tools/static_analysis.sh build/release
+
+fuzz:
+	@tools/setup.sh --check-tools
+	tools/fuzz.sh
+
+clean:
+	rm -rf build demo

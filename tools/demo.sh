@@ -1,0 +1,35 @@
+#!/bin/sh
+# The demonstration: builds the tools, makes picture files of scenes whose contents are known,
+# inspects them, and leaves the annotated pictures and the reports in demo/.
+set -eu
+cd "$(dirname "$0")/.."
+tools/setup.sh
+cmake --preset release
+cmake --build --preset release --target orlune orlune_scenes
+
+orlune=build/release/tools/orlune
+rm -rf demo && mkdir demo
+echo
+echo "== Scenes, with the particles that are truly there"
+build/release/tools/orlune_scenes demo/scenes demo/truth.csv
+
+# Shows a command as one would type it, and runs it in demo/.
+show() {
+  printf '\n$ orlune'
+  for word in "$@"; do
+    case $word in
+      *'>'*) printf ' "%s"' "$word" ;;
+      *) printf ' %s' "$word" ;;
+    esac
+  done
+  echo
+  (cd demo && "../$orlune" "$@")
+}
+show info scenes/chips.tif
+show inspect --dark --scale 0.05 --unit mm --annotate annotated scenes/washers.bmp
+show inspect --keep "AreaPixels>=500" --annotate annotated --csv particles.csv --json particles.json \
+  scenes/pins.tif scenes/chips.tif scenes/mixed.orln
+
+echo
+echo "The pictures are in demo/scenes, the annotated ones in demo/annotated;"
+echo "demo/particles.csv and demo/particles.json hold the lists."
