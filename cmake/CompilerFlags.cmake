@@ -4,8 +4,15 @@ add_compile_options(-ffp-contract=off)
 
 set(PTK_WARNING_FLAGS -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wcast-align
                       -Wdouble-promotion)
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+  list(APPEND PTK_WARNING_FLAGS -Wno-unknown-pragmas)  # "GCC ivdep" above same-place loops
+endif()
 if(PTK_WARNINGS_AS_ERRORS)
   list(APPEND PTK_WARNING_FLAGS -Werror)
+endif()
+
+if(PTK_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
 if(PTK_SANITIZE STREQUAL "address")

@@ -76,21 +76,21 @@ Status TableGrow(Row** table, uint32_t* capacity) {
   return STATUS_OK;
 }
 
-// Resizes a block, with zeros behind its former end. A plain block that grows several times over is
-// made anew: large zero blocks come from the system ready-made, and untouched they cost nothing.
-void* Resized(void* data, bool plain, uint64_t former, uint64_t size) {
-  if (!data) return HeapAllocateZeroed(static_cast<size_t>(size));
-  if (plain && size / 4 >= former) {
-    void* block = HeapAllocateZeroed(static_cast<size_t>(size));
+// Resizes a block, with zeros behind its former end. One that grows several times over is made
+// anew: large zero blocks come from the system ready-made, and untouched they cost nothing. One
+// that shrinks is at least kept. Null when there is no memory.
+void* Resized(void* data, size_t former, size_t size) {
+  if (!data) return HeapAllocateZeroed(size);
+  if (size / 4 >= former) {
+    void* block = HeapAllocateZeroed(size);
     if (!block) return nullptr;
-    std::memcpy(block, data, static_cast<size_t>(former));
+    std::memcpy(block, data, former);
     HeapFree(data);
     return block;
   }
-  void* block = HeapResize(data, static_cast<size_t>(size));
-  if (block && size > former) {
-    std::memset(static_cast<char*>(block) + former, 0, static_cast<size_t>(size - former));
-  }
+  void* block = HeapResize(data, size);
+  if (!block) return size < former ? data : nullptr;
+  if (size > former) std::memset(static_cast<char*>(block) + former, 0, size - former);
   return block;
 }
 
@@ -116,7 +116,7 @@ Handle HandleNew(uint32_t size) {
     data = HeapAllocateZeroed(size);
     if (!data) return 0;
   }
-  coreTables.handles[handle] = {data, HANDLE_OWNED, 1, size, 0, 0, 0};
+  coreTables.handles[handle] = {data, HANDLE_OWNED, 1, size, 0, 0, 0, size};
   coreTables.handleRows++;
   TablesEnsure();  // one free row is normally on hand for the next call
   return handle;
@@ -141,13 +141,12 @@ Status HandleResize(Handle handle, uint64_t size) {
   } else if (size == 0) {
     HeapFree(row->data);
     row->data = nullptr;
-  } else {
-    const uint64_t former = row->data ? HandleByteSize(handle) : 0;
-    if (former != size) {
-      void* block = Resized(row->data, row->count2 == 0, former, size);
-      if (!block) return STATUS_MEMORY_FULL;
-      row->data = block;
-    }
+    row->blockBytes = 0;
+  } else if (size != row->blockBytes) {
+    void* block = Resized(row->data, row->blockBytes, static_cast<size_t>(size));
+    if (!block) return STATUS_MEMORY_FULL;
+    row->data = block;
+    row->blockBytes = static_cast<uint32_t>(size);
   }
   row->elementSize = 1;
   row->count = static_cast<uint32_t>(size);
@@ -216,13 +215,10 @@ Handle HandleWrap(void* block, uint32_t elementSize, uint32_t count, uint32_t co
   const Handle handle = bytes > HEAP_BLOCK_LIMIT ? 0 : FreeRow();
   if (handle == 0) return 0;
   const bool foreign = growable == 0;
-  coreTables.handles[handle] = {block,
-                                foreign ? HANDLE_FOREIGN : HANDLE_OWNED,
-                                elementSize,
-                                count,
-                                count2,
-                                foreign ? static_cast<uint32_t>(bytes) : 0,
-                                0};
+  coreTables.handles[handle] = {block,       foreign ? HANDLE_FOREIGN : HANDLE_OWNED,
+                                elementSize, count,
+                                count2,      foreign ? static_cast<uint32_t>(bytes) : 0,
+                                0,           block ? static_cast<uint32_t>(bytes) : 0};
   coreTables.handleRows++;
   TablesEnsure();
   return handle;

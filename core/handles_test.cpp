@@ -99,6 +99,28 @@ TEST_F(Handles, ARefusedResizeLeavesTheRowUntouched) {
   EXPECT_EQ(HandleRow(handle)->elementSize, 2u);
 }
 
+TEST_F(Handles, ShrinkingNeverFails) {
+  const Handle handle = HandleNew(4000);
+  HeapHooksGet()->blockBudget = 1;
+  EXPECT_EQ(HandleResize(handle, 10), 0);
+  EXPECT_EQ(HandleByteSize(handle), 10u);
+  HeapHooksGet()->blockBudget = 0;
+  EXPECT_EQ(HandleResize(handle, 5000), 0);
+  EXPECT_EQ(VectorData<char>(handle)[4999], 0);
+}
+
+TEST_F(Handles, AColumnCountLeftBehindDoesNotCountForTheBlock) {
+  const Handle handle = HandleNew(0);
+  ASSERT_EQ(VectorResize2D(handle, 2, 5, 4), 0);
+  ASSERT_EQ(HandleResize(handle, 10), 0);  // count2 stays 4
+  EXPECT_EQ(HandleByteSize(handle), 40u);
+  ASSERT_EQ(HandleResize(handle, 40), 0);
+  std::memset(VectorData<char>(handle), 1, 40);
+  ASSERT_EQ(HandleResize(handle, 60), 0);
+  EXPECT_EQ(VectorData<char>(handle)[39], 1);
+  EXPECT_EQ(VectorData<char>(handle)[40], 0);
+}
+
 TEST_F(Handles, AForeignBlockTakesItsCapacityAndNotAByteMore) {
   int16_t block[6] = {};
   const Handle handle = HandleWrap(block, 2, 6, 0, 0);

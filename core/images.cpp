@@ -194,10 +194,6 @@ Status ImageSetSize(ImageRef reference, int32_t width, int32_t height) {
 
 Status ImageLayoutSize(Image* image, int32_t width, int32_t height, bool keep) {
   if (width < 1 || height < 1) width = height = 0;
-  // Most calls ask a destination for the size that it has.
-  const bool laidOut = keep && image->type != IMAGE_OPAQUE && image->lineWidth > 0;
-  if (laidOut && width == image->width && height == image->height) return STATUS_OK;
-
   int32_t pixelBytes = 0;
   Status status = PixelSize(LayoutType(*image), &pixelBytes);
   if (status != STATUS_OK) return status;

@@ -101,6 +101,16 @@ TEST(Images, TheSameSizeKeepsThePixels) {
   EXPECT_EQ(image.Block(), block);
 }
 
+TEST(Images, TheSameSizeWithAnotherBorderIsLaidOutAnew) {
+  const TestImage image(IMAGE_U8, 9, 5, 1);
+  Status status = STATUS_OK;
+  ImageLookup(image, &status)->border = 20;
+  EXPECT_EQ(ImageSetSize(image, 9, 5), 0);
+  EXPECT_EQ(image.Info().lineWidth, 56);
+  EXPECT_EQ(image.Info().totalBytes, 56 * 45);
+  EXPECT_EQ(WorldFault(), nullptr);
+}
+
 TEST(Images, PixelsThatAResizeAddsReadZero) {
   const TestImage image(IMAGE_U8, 8, 2);
   EXPECT_EQ(ZEL_SetImageSize(image, 8, 100), 0);

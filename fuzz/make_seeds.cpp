@@ -1,0 +1,88 @@
+// Writes the seeds of the fuzz targets: small valid files of every format and type behind the
+// bytes that a target takes for itself, and call sequences. usage: make_seeds FOLDER
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "fuzz/target.h"
+#include "tests/support/memory_files.h"
+#include "tests/support/test_image.h"
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+std::filesystem::path folder;
+
+void Write(const std::string& target, const std::string& name, const Bytes& bytes) {
+  const std::filesystem::path place = folder / target;
+  std::filesystem::create_directories(place);
+  std::ofstream(place / name, std::ios::binary)
+      .write(reinterpret_cast<const char*>(bytes.data()),
+             static_cast<std::streamsize>(bytes.size()));
+}
+
+Bytes Behind(Bytes head, const Bytes& tail) {
+  head.insert(head.end(), tail.begin(), tail.end());
+  return head;
+}
+
+// A file of ours for each type that the format takes, read into each type.
+void FileSeeds(const std::string& target, int32_t format) {
+  test::MemoryFiles files;
+  for (int32_t type = IMAGE_U8; type <= IMAGE_RGB; type++) {
+    const test::TestImage image(type, 9 + type, 5, 0);
+    if (ZEL_WriteFile(image, "seed", format, nullptr, 0) != 0) continue;
+    for (uint8_t into = 0; into < 5; into++) {
+      const auto options = static_cast<uint8_t>(into + 8 * (into % 4));
+      Write(target, "written-" + std::to_string(type) + "-into-" + std::to_string(into),
+            Behind({options, 0x22}, files.Get("seed")));
+    }
+    test::Random random(static_cast<uint64_t>(type) + 1);
+    Bytes chain = Behind({0}, files.Get("seed"));
+    for (size_t i = 0, count = chain.size() / 2; i < count; i++) {
+      chain.push_back(static_cast<uint8_t>(random.Next()));
+    }
+    Write("chain", "format-" + std::to_string(format) + "-type-" + std::to_string(type), chain);
+  }
+}
+
+// Bytes for every pixel class, type and stretch.
+void RawSeeds() {
+  for (uint8_t pixelClass = 0; pixelClass < 16; pixelClass++) {
+    test::Random random(pixelClass + 1u);
+    const auto choice = static_cast<uint8_t>(pixelClass % 5 + (pixelClass % 2) * 0x40);
+    Bytes raw = {choice, pixelClass, 1, 0, static_cast<uint8_t>(pixelClass % 3), 10, 90, 1, 9, 7};
+    for (int i = 0; i < 600; i++) raw.push_back(static_cast<uint8_t>(random.Next()));
+    Write("read_raw", "class-" + std::to_string(pixelClass), raw);
+  }
+}
+
+void CallSeeds() {
+  for (uint64_t seed = 1; seed <= 60; seed++) {
+    test::Random random(seed);
+    Bytes calls(200 + seed * 10);
+    for (uint8_t& byte : calls) byte = static_cast<uint8_t>(random.Next());
+    Write("api", "calls-" + std::to_string(seed), calls);
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::fprintf(stderr, "usage: make_seeds FOLDER\n");
+    return 2;
+  }
+  folder = argv[1];
+  ZEL_SetErrorMode(1);
+  FileSeeds("read_native", 1);
+  FileSeeds("read_tiff", 2);
+  FileSeeds("read_bmp", 3);
+  RawSeeds();
+  CallSeeds();
+  ZEL_CloseSys();
+  return 0;
+}

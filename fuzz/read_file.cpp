@@ -1,0 +1,60 @@
+// Any bytes as an image file of one format, read into an image that the input chooses. Compiled
+// once a format: the file's signature is put in, so that every input reaches the format's reader.
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+#include "fuzz/target.h"
+
+namespace {
+
+// What the reader recognises the format by. A BMP file's length is part of it.
+void PutSignature(std::vector<uint8_t>* file) {
+#if defined(FUZZ_NATIVE)
+  file->resize(std::max<size_t>(file->size(), 4));
+  std::memcpy(file->data(), "ORLN", 4);
+#elif defined(FUZZ_TIFF)
+  file->resize(std::max<size_t>(file->size(), 4));
+  const bool big = ((*file)[0] & 1) != 0;
+  std::memcpy(file->data(), big ? "MM\0*" : "II*\0", 4);
+#elif defined(FUZZ_BMP)
+  file->resize(std::max<size_t>(file->size(), 6));
+  (*file)[0] = 'B';
+  (*file)[1] = 'M';
+  for (size_t i = 0; i < 4; i++) (*file)[2 + i] = static_cast<uint8_t>(file->size() >> (8 * i));
+#else
+  static_cast<void>(file);
+#endif
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  fuzz::Input input(data, size);
+  const uint8_t options = input.Byte();
+  fuzz::SetBudget((options & 0x80) != 0);
+  const auto type = static_cast<int16_t>(options % 5);
+  const int32_t border = (options >> 3) % 4;
+  const uint8_t startSize = input.Byte();
+
+  std::vector<uint8_t> file(input.rest(), input.rest() + input.left());
+  PutSignature(&file);
+  test::MemoryFiles files;
+  files.Put("file", file);
+
+  FileInfo info{};
+  fuzz::Require(ZEL_PtkFileInfo("file", &info) == 0, "the information call failed");
+  ImageRef image = 0;
+  if (ZEL_Create(&image, type, border) == 0) {
+    ZEL_SetImageSize(image, startSize % 16, startSize / 16);
+    std::vector<RGBValue> table(256);
+    int32_t count = 0;
+    const int32_t status = ZEL_ReadFile(image, "file", options & 1, table.data(), &count);
+    fuzz::Require(status <= 0, "a positive result");
+    fuzz::Require(count == 0 || count == 256, "an odd count of table entries");
+    fuzz::CheckImage(image);
+    ZEL_Dispose(image);
+  }
+  fuzz::CheckEnd(files);
+  return 0;
+}

@@ -1,0 +1,100 @@
+// Every allocation of a whole session fails once, alone and with all that follow in its step: the
+// step reports no memory, nothing is lost or leaked, and the same call succeeds afterwards.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "core/heap.h"
+#include "core/world.h"
+#include "tests/robust/session.h"
+#include "tests/support/memory_files.h"
+
+namespace {
+
+using robust::Session;
+using robust::Step;
+using robust::STEP_COUNT;
+using robust::STEPS;
+
+// What each step leaves behind in a session without faults.
+std::vector<uint64_t> Digests() {
+  test::MemoryFiles files;
+  std::vector<uint64_t> digests;
+  Session session;
+  for (size_t i = 0; i < STEP_COUNT; i++) {
+    session.outputs.clear();
+    EXPECT_EQ(STEPS[i].run(session), 0) << STEPS[i].name << ", step " << i;
+    digests.push_back(session.Digest());
+  }
+  ZEL_CloseSys();
+  return digests;
+}
+
+// The numbers that a call may answer when memory fails.
+bool IsMemoryFailure(int32_t result) {
+  return result == -101 || result == -102;
+}
+
+// Runs the session with its k-th allocation failing. True when there is no k-th one any more.
+bool RunWithFault(uint64_t k, bool all, const std::vector<uint64_t>& digests) {
+  zel::HeapHooks* hooks = zel::HeapHooksGet();
+  test::MemoryFiles files;
+  bool reachedEnd = true;
+  {
+    Session session;
+    *hooks = {};
+    hooks->failAt = k;
+    hooks->failAllAfter = all;
+    for (size_t i = 0; i < STEP_COUNT; i++) {
+      const Step& step = STEPS[i];
+      session.outputs.clear();
+      const int32_t result = step.run(session);
+      if (hooks->refusals != 0) {
+        reachedEnd = false;
+        hooks->failAt = 0;
+        hooks->refusals = 0;
+        if (const char* fault = zel::WorldFault()) {
+          ADD_FAILURE() << fault << ": " << step.name << ", step " << i << ", allocation " << k;
+        }
+        // A call may do without a spare row of a table, or a block that it only asked for in
+        // advance; what it answers then is right.
+        EXPECT_TRUE(result == 0 || IsMemoryFailure(result))
+            << step.name << ", step " << i << ", allocation " << k << ": " << result;
+        // A file that there is no memory to look at is one that the information call doesn't know.
+        const bool unknownFile = std::string(step.name) == "ZEL_PtkFileInfo";
+        if (result != 0 || unknownFile) {
+          session.outputs.clear();
+          EXPECT_EQ(step.run(session), 0)
+              << step.name << " again, step " << i << ", allocation " << k;
+        }
+      } else {
+        EXPECT_EQ(result, 0) << step.name << ", step " << i << ", allocation " << k;
+      }
+      EXPECT_EQ(session.Digest(), digests[i])
+          << step.name << ", step " << i << ", allocation " << k;
+      if (testing::Test::HasFailure()) break;
+    }
+  }
+  ZEL_CloseSys();
+  EXPECT_EQ(hooks->liveBlocks, 0) << "allocation " << k;
+  EXPECT_EQ(files.OpenFiles(), 0) << "allocation " << k;
+  return reachedEnd;
+}
+
+TEST(MemoryFaults, EveryAllocationFailingAloneIsSurvived) {
+  const std::vector<uint64_t> digests = Digests();
+  uint64_t k = 1;
+  while (!HasFailure() && !RunWithFault(k, false, digests)) k++;
+  RecordProperty("allocations", static_cast<int>(k));
+  EXPECT_GT(k, STEP_COUNT);
+}
+
+TEST(MemoryFaults, EveryAllocationFailingWithAllThatFollowIsSurvived) {
+  const std::vector<uint64_t> digests = Digests();
+  uint64_t k = 1;
+  while (!HasFailure() && !RunWithFault(k, true, digests)) k++;
+  EXPECT_GT(k, STEP_COUNT);
+}
+
+}  // namespace
