@@ -39,23 +39,29 @@ function(ptk_room name)
   endif()
 
   if(PTK_BUILD_TESTS AND ROOM_TESTS)
-    ptk_test(${name}_tests ${ROOM_TESTS})
     if(ROOM_ROWS)
       # Results are the same at every level, so the same tests pass at each.
-      foreach(level IN LISTS PTK_LEVELS)
-        add_test(NAME ${name}_tests_at_${level} COMMAND ${name}_tests --gtest_brief=1)
-        set_tests_properties(${name}_tests_at_${level} PROPERTIES ENVIRONMENT "ORLUNE_PTK_LEVEL=${level}")
-      endforeach()
+      ptk_test(${name}_tests ${ROOM_TESTS} LEVELS ${PTK_LEVELS})
+    else()
+      ptk_test(${name}_tests ${ROOM_TESTS})
     endif()
   endif()
 endfunction()
 
-# ptk_test(name sources...): a GoogleTest program over the library's internals, run by ctest.
+# ptk_test(name sources... [LEVELS ...]): a GoogleTest program over the library's internals, run by
+# ctest once, or once at each processor level.
 function(ptk_test name)
-  add_executable(${name} ${ARGN})
+  cmake_parse_arguments(TEST "" "" "LEVELS" ${ARGN})
+  add_executable(${name} ${TEST_UNPARSED_ARGUMENTS})
   target_compile_options(${name} PRIVATE ${PTK_WARNING_FLAGS} $<$<CONFIG:Release>:-O1>)
   target_link_libraries(${name} PRIVATE ptk_test_support orlune_internal GTest::gtest)
-  add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
+  if(NOT TEST_LEVELS)
+    add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
+  endif()
+  foreach(level IN LISTS TEST_LEVELS)
+    add_test(NAME ${name}_at_${level} COMMAND ${name} --gtest_brief=1)
+    set_tests_properties(${name}_at_${level} PROPERTIES ENVIRONMENT "ORLUNE_PTK_LEVEL=${level}")
+  endforeach()
 endfunction()
 
 # The shared library that programs link, and the static one with its insides open to tests.
