@@ -147,8 +147,9 @@ Status BmpWriteData(const OpenFile& file, const FileContext& context, const Pixe
   const Status status = PixelRowsWrite(file, turned, {nullptr, 1, 1, 0});
   if (status != STATUS_OK) return status;
   const int64_t bytes = int64_t{grid.width} * grid.height;
+  const int64_t missing = RoundedUpTo4(bytes) - bytes;
   constexpr uint8_t rounding[3] = {};
-  return FileWrite(file, rounding, RoundedUpTo4(bytes) - bytes);
+  return missing > 0 ? FileWrite(file, rounding, missing) : STATUS_OK;
 }
 
 }  // namespace zel
