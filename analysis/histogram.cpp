@@ -62,24 +62,41 @@ class ClassCounter {
 };
 
 // Sums of bytes stay below EXACT_SUM_LIMIT, so that the counts of the levels tell all.
+void SumLevels(const uint32_t* counts, int32_t low, int32_t high, PixelSums* sums) {
+  while (low <= high && counts[low] == 0) low++;
+  while (high > low && counts[high] == 0) high--;
+  if (low > high) return;
+  uint64_t count = 0;
+  uint64_t sum = 0;
+  uint64_t squares = 0;
+  for (int32_t level = low; level <= high; level++) {
+    const uint64_t number = counts[level];
+    const auto value = static_cast<uint32_t>(level);
+    count += number;
+    sum += number * value;
+    squares += number * (value * value);
+  }
+  sums->min = static_cast<float>(low);
+  sums->max = static_cast<float>(high);
+  sums->count = static_cast<int64_t>(count);
+  sums->sum = static_cast<double>(sum);
+  sums->squares = static_cast<double>(squares);
+}
+
 void CountBytes(const PixelRegion& region, const ClassMap& map, uint32_t* counters,
                 PixelSums* sums) {
   uint32_t counts[LEVELS_U8];
   CountLevels(region, counts);
+  const auto low = static_cast<int32_t>(map.min);
+  const auto high = static_cast<int32_t>(map.max);
+  SumLevels(counts, low, high, sums);
   int16_t levels[LEVELS_U8];
   uint16_t classes[LEVELS_U8];
-  for (int16_t level = 0; level < LEVELS_U8; level++) levels[level] = level;
-  histogramRows().classesOfWords(levels, nullptr, LEVELS_U8, map, classes);
+  for (int32_t level = low; level <= high; level++) levels[level] = static_cast<int16_t>(level);
+  histogramRows().classesOfWords(levels + low, nullptr, high - low + 1, map, classes);
   std::memset(counters, 0, static_cast<size_t>(map.classes) * sizeof(uint32_t));
-  for (int32_t level = 0; level < LEVELS_U8; level++) {
-    const uint32_t count = counts[level];
-    if (count == 0 || classes[level] == map.classes) continue;
-    if (sums->count == 0) sums->min = static_cast<float>(level);
-    sums->max = static_cast<float>(level);
-    sums->count += count;
-    sums->sum += static_cast<double>(level) * count;
-    sums->squares += static_cast<double>(level * level) * count;
-    counters[classes[level]] += count;
+  for (int32_t level = low; level <= high; level++) {
+    counters[classes[level - low]] += counts[level];
   }
 }
 
@@ -116,6 +133,7 @@ void CountPixels(const PixelRegion& region, const ClassMap& map, uint32_t* count
     }
   }
   counter.Fold(map.classes, counters);
+  for (int32_t i = 0; i < map.classes; i++) sums->count += counters[i];
   if (!sums->SquaresAreExact() && words) SumWordsInOrder(region, map, sums);
 }
 
@@ -185,7 +203,12 @@ void HistogramKernel(ImageRef image, ImageRef mask, const int32_t* nbClasses, co
   auto* counters = VectorData<uint32_t>(histogram);
   const ClassMap map = ClassMapOf(low, high, classes);
   PixelSums sums;
-  if (high - low < 0) {
+  if (everyLevel) {
+    uint32_t counts[LEVELS_U8];
+    CountLevels(region, counts);
+    SumLevels(counts, 0, LEVELS_U8 - 1, &sums);
+    std::memcpy(counters, counts, sizeof(counts));
+  } else if (high - low < 0) {
     std::memset(counters, 0, static_cast<size_t>(classes) * sizeof(uint32_t));
   } else if (region.type == IMAGE_U8) {
     CountBytes(region, map, counters, &sums);

@@ -25,7 +25,7 @@ using ClassRow = void (*)(const void* row, const uint8_t* mask, int32_t width, c
                           uint16_t* classes);
 
 // Counts class numbers in COUNT_TABLES tables of `length` counters, and sums up the pixels of
-// classes below `map.classes`.
+// classes below `map.classes`, but leaves their number to the counters.
 using SumRow = void (*)(const void* row, const uint16_t* classes, int32_t width,
                         const ClassMap& map, uint32_t* tables, PixelSums* sums);
 

@@ -406,6 +406,26 @@ TEST_P(HistogramAtLevel, MinMaxFollowsTheRuleForAllTypesSizesAndMasks) {
   }
 }
 
+TEST_P(HistogramAtLevel, FloatsOfWideRowsFollowTheRuleInAnyRange) {
+  test::Random random(5);
+  for (const int32_t width : {256, 300, 1025, 2200}) {
+    const TestImage image(IMAGE_SGL, width, 9, 1, static_cast<uint64_t>(width));
+    const TestImage mask = PlacedMask(width + 9, 9, -4, 1, 8);
+    for (int32_t y = 0; y < 9; y++) {
+      for (int32_t x = 0; x < width; x += 7) {
+        image.Set<float>(x, y,
+                         random.Float(-1.0f, 1.0f) * std::ldexp(1.0f, random.Between(-30, 5)));
+      }
+    }
+    for (const auto& [min, max] : {std::pair{0.0f, 0.0f}, {-50.0f, 70.5f}, {-0.5f, 0.5f}}) {
+      for (const int32_t classes : {1, 2, 3, 100, 256, 4096}) {
+        Check(image, nullptr, classes, min, max);
+        Check(image, &mask, classes, min, max);
+      }
+    }
+  }
+}
+
 TEST(MinMax, LeavesNanOut) {
   const TestImage image(IMAGE_SGL, 70, 2);
   for (int32_t y = 0; y < 2; y++) {

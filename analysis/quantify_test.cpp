@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <functional>
 #include <vector>
 
 #include "core/heap.h"
@@ -160,6 +161,46 @@ TEST_P(QuantifyAtLevel, SquaresBeyondExactIntegersAreRoundedInOrder) {
   const TestImage labels(IMAGE_U8, 40000, 240);
   for (int32_t y = 0; y < 240; y++) std::memset(labels.At<uint8_t>(0, y), y < 3 ? 2 : 5, 40000);
   Check(image, &labels);
+}
+
+// Images whose sums are rounded in ways that depend on the order of the pixels.
+TEST_P(QuantifyAtLevel, FloatSumsAreThoseOfOnePixelAfterTheOther) {
+  test::Random random(12);
+  const auto power = [&](int32_t low, int32_t high) {
+    return std::ldexp(1.0f, random.Between(low, high));
+  };
+  const std::vector<std::function<float()>> kinds = {
+      [&] { return random.Float(0.0f, 256.0f); },
+      [&] { return static_cast<float>(random.Between(0, 51200)) / 200.0f; },
+      [&] { return random.Float(-1.0f, 1.0f); },
+      [&] { return random.Float(0.0f, 1.0f) * power(-60, 20); },
+      [&] { return random.Float(-3.0f, -2.0f) * power(-40, 0); },
+      // Terms half way between two multiples of the sum's last place.
+      [&] { return random.Between(0, 9) == 0 ? power(-50, -20) : 1024.0f; },
+      [&] { return random.Between(0, 1) == 0 ? power(-149, -100) : random.Float(0.0f, 1e-30f); },
+      [&] { return random.Float(-1.0f, 1.0f) * power(0, 125); },
+      [&] { return random.Between(0, 5000) == 0 ? -1e30f : 1.5f; },
+      [&] { return random.Between(0, 3) == 0 ? -0.0f : 0.0f; },
+      [&] { return random.Between(0, 40000) == 0 ? std::nanf("") : 7.25f; },
+  };
+  for (size_t kind = 0; kind < kinds.size(); kind++) {
+    for (const auto& [width, height] : {std::pair{1000, 40}, {256, 100}, {64, 64}, {321, 21}}) {
+      const TestImage image(IMAGE_SGL, width, height);
+      for (int32_t y = 0; y < height; y++) {
+        auto* row = image.At<float>(0, y);
+        for (int32_t x = 0; x < width; x++) row[x] = kinds[kind]();
+      }
+      SCOPED_TRACE(testing::Message() << "kind " << kind << " " << width << " x " << height);
+      Check(image, nullptr);
+      HistogramReport report{};
+      QuantifyReport global{};
+      ASSERT_EQ(ZEL_Quantify(image, 0, &global, nullptr, nullptr), 0);
+      ASSERT_EQ(ZEL_Histogram(image, 0, 256, -3e38f, 3e38f, nullptr, &report), 0);
+      if (std::isnan(global.mean)) continue;  // NaN is not counted there
+      EXPECT_EQ(report.mean, global.mean);
+      EXPECT_EQ(report.stdDev, global.stdDev);
+    }
+  }
 }
 
 TEST(Quantify, LabelWithoutPixelsHasARecordOfZeros) {

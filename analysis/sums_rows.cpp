@@ -1,6 +1,8 @@
 // Sums, squares, extremes and moments of rows of pixels.
 #include "analysis/sums_rows.h"
 
+#include "analysis/float_sums.h"
+
 namespace zel::ZEL_LEVEL {
 namespace {
 
@@ -10,6 +12,77 @@ constexpr int32_t MOMENT_PART = 128;
 
 ZEL_INLINE int32_t Smaller(int32_t a, int32_t b) {
   return a < b ? a : b;
+}
+
+template <class T>
+void ExtremesOfIntegers(const void* row, const uint8_t* mask, int32_t width, float* min,
+                        float* max) {
+  const auto* pixels = static_cast<const T*>(row);
+  constexpr T least = static_cast<T>(sizeof(T) == 1 ? 0 : INT16_MIN);
+  constexpr T most = static_cast<T>(sizeof(T) == 1 ? UINT8_MAX : INT16_MAX);
+  T low = most;
+  T high = least;
+  if (!mask) {
+    for (int32_t x = 0; x < width; x++) {
+      low = pixels[x] < low ? pixels[x] : low;
+      high = pixels[x] > high ? pixels[x] : high;
+    }
+  } else {
+    for (int32_t x = 0; x < width; x++) {
+      const auto selected = static_cast<T>(-static_cast<int32_t>(mask[x] != 0));
+      const auto forLow = static_cast<T>((pixels[x] & selected) | (most & ~selected));
+      const auto forHigh = static_cast<T>((pixels[x] & selected) | (least & ~selected));
+      low = forLow < low ? forLow : low;
+      high = forHigh > high ? forHigh : high;
+    }
+  }
+  if (low > high) return;  // none was selected
+  if (static_cast<float>(low) < *min) *min = static_cast<float>(low);
+  if (static_cast<float>(high) > *max) *max = static_cast<float>(high);
+}
+
+// Of several zeros the first one is the extreme, sign and all.
+float FirstLike(float extreme, const float* pixels, const uint8_t* mask) {
+  if (extreme != 0.0f) return extreme;
+  int32_t x = 0;
+  while (pixels[x] != 0.0f || (mask && mask[x] == 0)) x++;
+  return pixels[x];
+}
+
+void ExtremesOfFloats(const void* row, const uint8_t* mask, int32_t width, float* min, float* max) {
+  const auto* pixels = static_cast<const float*>(row);
+  float low = EXTREME_NONE;
+  float high = -EXTREME_NONE;
+  int32_t x = 0;
+  if (!mask && width >= 2 * FLOAT_LANES) {
+    Floats lows = Floats{} + EXTREME_NONE;
+    Floats highs = Floats{} - EXTREME_NONE;
+    Floats moreLows = lows;
+    Floats moreHighs = highs;
+    for (; x + 2 * FLOAT_LANES <= width; x += 2 * FLOAT_LANES) {
+      Floats first;
+      Floats second;
+      Load(pixels + x, &first);
+      Load(pixels + x + FLOAT_LANES, &second);
+      lows = first < lows ? first : lows;  // NaN is passed over
+      highs = first > highs ? first : highs;
+      moreLows = second < moreLows ? second : moreLows;
+      moreHighs = second > moreHighs ? second : moreHighs;
+    }
+    lows = moreLows < lows ? moreLows : lows;
+    highs = moreHighs > highs ? moreHighs : highs;
+    for (int32_t lane = 0; lane < FLOAT_LANES; lane++) {
+      low = lows[lane] < low ? lows[lane] : low;
+      high = highs[lane] > high ? highs[lane] : high;
+    }
+  }
+  for (; x < width; x++) {
+    if (mask && mask[x] == 0) continue;
+    low = pixels[x] < low ? pixels[x] : low;
+    high = pixels[x] > high ? pixels[x] : high;
+  }
+  if (low < *min) *min = FirstLike(low, pixels, mask);
+  if (high > *max) *max = FirstLike(high, pixels, mask);
 }
 
 template <class T, class Square>
@@ -41,9 +114,16 @@ void AddIntegers(const void* row, int32_t count, PixelSums* sums) {
 
 void AddFloats(const void* row, int32_t count, PixelSums* sums) {
   const auto* pixels = static_cast<const float*>(row);
-  PixelSums result = *sums;
-  for (int32_t i = 0; i < count; i++) PixelSumsAdd(&result, pixels[i]);
-  *sums = result;
+  if (count < SUM_BLOCK) {
+    for (int32_t i = 0; i < count; i++) PixelSumsAdd(sums, pixels[i]);
+    return;
+  }
+  FloatSums result(sums);
+  const int32_t blocks = count < LONG_RUN ? 0 : count / SUM_BLOCK * SUM_BLOCK;
+  for (int32_t i = 0; i < blocks; i += SUM_BLOCK) result.AddBlock<false>(pixels + i, nullptr);
+  result.AddFew<false>(pixels + blocks, nullptr, count - blocks);
+  result.Finish(pixels, [](int32_t) { return true; });
+  sums->count += count;
 }
 
 template <class T, bool MASKED>
@@ -81,6 +161,7 @@ void Moments(const void* row, const uint8_t* mask, int32_t width, int32_t y, Mom
 }  // namespace
 
 extern const SumsRows sumsRows = {
+    {&ExtremesOfIntegers<uint8_t>, &ExtremesOfIntegers<int16_t>, &ExtremesOfFloats},
     {&AddIntegers<uint8_t, uint32_t>, &AddIntegers<int16_t, uint64_t>, &AddFloats},
     {&Moments<uint8_t>, &Moments<int16_t>}};
 

@@ -21,9 +21,14 @@ struct MomentSums {
 using MomentRow = void (*)(const void* row, const uint8_t* mask, int32_t width, int32_t y,
                            MomentSums* sums);
 
+// Widens running extremes by a row of pixels; those where a mask is 0 are left out.
+using ExtremesRow = void (*)(const void* row, const uint8_t* mask, int32_t width, float* min,
+                             float* max);
+
 struct SumsRows {
-  AddRow add[3];         // U8, I16, SGL
-  MomentRow moments[2];  // U8, I16
+  ExtremesRow extremes[3];  // U8, I16, SGL
+  AddRow add[3];            // U8, I16, SGL
+  MomentRow moments[2];     // U8, I16
 };
 ZEL_ROW_TABLE(SumsRows, sumsRows)
 
