@@ -54,6 +54,19 @@ void Register(int32_t width, int32_t height) {
     third(mat, &grey);
     grey.convertTo(*to, CV_32F);
   });
+  pair("rgb_to_i16", "opencv", IMAGE_RGB, IMAGE_I16, [=](const cv::Mat& mat, cv::Mat* to) {
+    cv::Mat grey;
+    third(mat, &grey);
+    grey.convertTo(*to, CV_16S);
+  });
+  for (const int32_t type : {IMAGE_I16, IMAGE_SGL}) {
+    pair(type == IMAGE_I16 ? "i16_to_rgb" : "sgl_to_rgb", "opencv", type, IMAGE_RGB,
+         [](const cv::Mat& mat, cv::Mat* to) {
+           cv::Mat grey;
+           mat.convertTo(grey, CV_8U);
+           cv::cvtColor(grey, *to, cv::COLOR_GRAY2BGRA);
+         });
+  }
   const auto merged = [](const cv::Mat& mat, cv::Mat* to) {
     const std::array<cv::Mat, 2> planes = {mat, cv::Mat::zeros(mat.size(), CV_32F)};
     cv::merge(planes.data(), 2, *to);

@@ -13,11 +13,16 @@ void AddConstantRun(int32_t type, int64_t constant, Plane* plane) {
   PlaneRun(arithmeticRows().addConstant[type], *plane);
 }
 
+// NaN counts as 0, as it does when a result is cut.
+double LimitedFactor(double factor, double limit) {
+  return std::isnan(factor) ? 0.0 : std::clamp(factor, -limit, limit);
+}
+
 // Grouped columns of U8 take the cut constant, read as an unsigned number of at most 255; the
 // remaining ones its absolute value as it is.
 void MultiplyConstantRun(const RowOperation& operation, Plane* plane) {
   const ArithmeticRows& rows = arithmeticRows();
-  const auto factor = static_cast<double>(operation.constantFloat);
+  const double factor = LimitedFactor(static_cast<double>(operation.constantFloat), SCALE_LIMIT);
   if (operation.type1 == IMAGE_I16) {
     plane->constant.factor = factor;
     PlaneRun(rows.scale[IMAGE_I16], *plane);
@@ -43,7 +48,7 @@ void DivideConstantRun(const RowOperation& operation, Plane* plane) {
   const ArithmeticRows& rows = arithmeticRows();
   const auto constant = static_cast<double>(operation.constantFloat);
   const double divisor = constant == 0.0 ? 1.0 : constant;
-  const double reciprocal = (1.0 + 1.0 / 35184372088832.0) / divisor;
+  const double reciprocal = LimitedFactor((1.0 + 1.0 / 35184372088832.0) / divisor, SCALE_LIMIT);
   if (operation.type1 == IMAGE_I16) {
     plane->constant.factor = reciprocal;
     PlaneRun(rows.scale[IMAGE_I16], *plane);
@@ -98,6 +103,22 @@ void ConstantRun(const RowOperation& operation, ArithmeticOperation arithmetic, 
   }
 }
 
+void MulDivConstant(const RowOperation& operation, PlaneConstant* constant) {
+  const auto factor = static_cast<double>(operation.constantFloat);
+  switch (operation.type1) {
+    case IMAGE_U8:
+      constant->factor = LimitedFactor(std::fabs(factor), FACTOR_LIMIT_U8);
+      break;
+    case IMAGE_I16:
+      constant->factor = LimitedFactor(factor, FACTOR_LIMIT_I16);
+      constant->value = operation.constantInt;
+      break;
+    default:
+      constant->factor = factor;
+      break;
+  }
+}
+
 // There is no form of it without a second image.
 void MulDivKernel(ImageRef first, ImageRef second, ImageRef destination, const float* constant,
                   Status* status) {
@@ -128,11 +149,7 @@ void ArithmeticDispatch(const RowOperation& operation, Status* status) {
     ConstantRun(operation, arithmetic, &plane);
     return;
   }
-  if (arithmetic == ARITHMETIC_MULDIV) {
-    const auto factor = static_cast<double>(operation.constantFloat);
-    plane.constant.factor = operation.type1 == IMAGE_U8 ? std::fabs(factor) : factor;
-    plane.constant.value = operation.constantInt;
-  }
+  if (arithmetic == ARITHMETIC_MULDIV) MulDivConstant(operation, &plane.constant);
   const int32_t pair = ScalarPair(operation.type1, operation.type2);
   PlaneRun(arithmeticRows().images[arithmetic].byPair[pair], plane);
 }

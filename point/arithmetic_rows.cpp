@@ -26,15 +26,12 @@ ZEL_INLINE T Larger(T a, T b) {
   return a > b ? a : b;
 }
 
-// Limited, then cut toward zero; NaN counts as 0.
+// Cut toward zero, then limited. The value has to fit 32 bits.
 template <class T>
 ZEL_INLINE T CutTo(double value) {
-  constexpr double low = sizeof(T) == 1 ? 0.0 : -32768.0;
-  constexpr double high = sizeof(T) == 1 ? 255.0 : 32767.0;
-  value = value == value ? value : 0.0;
-  value = value > low ? value : low;
-  value = value < high ? value : high;
-  return static_cast<T>(static_cast<int32_t>(value));
+  constexpr int32_t low = sizeof(T) == 1 ? 0 : INT16_MIN;
+  constexpr int32_t high = sizeof(T) == 1 ? UINT8_MAX : INT16_MAX;
+  return static_cast<T>(Smaller(Larger(static_cast<int32_t>(value), low), high));
 }
 
 struct Add {
@@ -68,8 +65,12 @@ struct Multiply {
     return static_cast<uint8_t>(Smaller<uint16_t>(product, 255));
   }
   ZEL_INLINE int16_t operator()(int16_t a, int16_t b) const {
+    // A product fits when its high half is nothing but copies of the low half's sign.
     const int32_t product = int32_t{a} * b;
-    return static_cast<int16_t>(Smaller(Larger(product, INT16_MIN), INT16_MAX));
+    const int16_t low = Wrapped16(product);
+    const auto high = static_cast<int16_t>(product >> 16);
+    const auto limit = static_cast<int16_t>((high >> 15) ^ INT16_MAX);
+    return high == static_cast<int16_t>(low >> 15) ? low : limit;
   }
   ZEL_INLINE float operator()(float a, float b) const { return a * b; }
 };
@@ -105,27 +106,40 @@ struct Modulo {
   }
 };
 
-// first x factor / second, limited and cut. The product is exact in 64-bit floats, and a quotient
+// first x factor / second, cut and limited. The product is exact in 64-bit floats, and a quotient
 // below a whole number is never rounded up to it, so cutting the product first changes nothing.
+// Products beyond 16 bits give 255 whatever they are divided by.
 void MulDivBytes(const Plane& plane) {
   const double factor = plane.constant.factor;
   ForPixelPairs<uint8_t, uint8_t, uint8_t>(plane, [=](uint8_t a, uint8_t b) {
-    double product = static_cast<double>(a) * factor;
-    product = product > 0.0 ? product : 0.0;  // NaN too
-    product = product < 65535.0 ? product : 65535.0;
-    const auto dividend = static_cast<float>(static_cast<int32_t>(product));
+    const auto product = static_cast<int32_t>(static_cast<double>(a) * factor);
+    const auto dividend = static_cast<float>(Smaller(product, UINT16_MAX));
     const auto quotient = static_cast<int32_t>(dividend / static_cast<float>(b == 0 ? 1 : b));
-    const auto limited = static_cast<uint8_t>(Smaller(quotient, 255));
+    const auto limited = static_cast<uint8_t>(Smaller(quotient, UINT8_MAX));
     return b == 0 ? a : limited;
   });
 }
 
+// The same by sizes and signs. Products from 2^30 on give the limit whatever they are divided by,
+// and a quotient within the limit is at most one off in single precision, which its rest tells.
 void MulDivWords(const Plane& plane) {
-  const double factor = plane.constant.factor;
+  constexpr double most = 1073741824.0;
+  const double factor = std::fabs(plane.constant.factor);
+  const int32_t factorSign = plane.constant.factor < 0.0 ? -1 : 0;
   ForPixelPairs<int16_t, int16_t, int16_t>(plane, [=](int16_t a, int16_t b) {
-    const double divisor = b == 0 ? 1.0 : static_cast<double>(b);
-    const int16_t quotient = CutTo<int16_t>(static_cast<double>(a) * factor / divisor);
-    return b == 0 ? a : quotient;
+    const int32_t multiplied = a < 0 ? -a : a;
+    const int32_t size = b < 0 ? -b : b;
+    const int32_t divisor = b == 0 ? 1 : size;
+    const auto product = static_cast<int32_t>(Smaller(multiplied * factor, most));
+    const float estimate = static_cast<float>(product) / static_cast<float>(divisor);
+    int32_t quotient = static_cast<int32_t>(estimate);
+    const int32_t rest = product - quotient * divisor;
+    quotient += static_cast<int32_t>(rest >= divisor);
+    quotient -= static_cast<int32_t>(rest < 0);
+    const int32_t sign = (a ^ b ^ factorSign) >> 31;
+    const int32_t limited = Smaller(quotient, INT16_MAX - sign);
+    const int16_t result = Wrapped16((limited ^ sign) - sign);
+    return b == 0 ? a : result;
   });
 }
 

@@ -6,6 +6,8 @@
 #include <cmath>
 #include <cstdint>
 
+#include "point/narrowing_vectors.h"
+
 namespace zel::ZEL_LEVEL {
 namespace {
 
@@ -34,8 +36,9 @@ ZEL_INLINE uint32_t Sum(Rgb pixel) {
 }
 
 // A third, exact for every sum of three bytes.
+constexpr uint32_t THIRD = 0xAAAB;  // of 2^17
 ZEL_INLINE uint32_t Mean(Rgb pixel) {
-  return (Sum(pixel) * 0xAAAB) >> 17;
+  return (Sum(pixel) * THIRD) >> 17;
 }
 
 struct ToByte {
@@ -73,9 +76,11 @@ struct ToFloat {
   ZEL_INLINE float operator()(uint8_t value) const { return value; }
   ZEL_INLINE float operator()(int16_t value) const { return value; }
   ZEL_INLINE float operator()(Complex value) const { return static_cast<float>(Magnitude(value)); }
-  // For every sum this is what 0.3333333333333333 times the sum rounds to.
+  // Two parts of a third, of which the first has an exact product: for every sum this is what
+  // 0.3333333333333333 times the sum rounds to.
   ZEL_INLINE float operator()(Rgb pixel) const {
-    return static_cast<float>(static_cast<int32_t>(Sum(pixel))) / 3.0f;
+    const auto sum = static_cast<float>(static_cast<int32_t>(Sum(pixel)));
+    return sum * (5461.0f / 16384.0f) + sum * (1.0f / 49152.0f);
   }
 };
 
@@ -102,6 +107,78 @@ void Convert(const Plane& plane) {
   ForPixels<From, typename Rule::Pixel>(plane, Rule());
 }
 
+// Pixels of 4 bytes become narrower in groups of four vectors, the rest of a row by the plain rule.
+#if defined(ZEL_NARROWING)
+
+// The 32-bit integers of floats or colours, then what is done to them in 16 bits.
+struct FloatsToBytes {
+  using From = float;
+  using Rule = ToByte;
+  ZEL_INLINE Vector Cut(Vector pixels) const { return CutToBytes(pixels); }
+  ZEL_INLINE Vector Finish(Vector words) const { return words; }
+};
+
+struct FloatsToWords {
+  using From = float;
+  using Rule = ToWord;
+  ZEL_INLINE Vector Cut(Vector pixels) const { return CutToWords(pixels); }
+  ZEL_INLINE Vector Finish(Vector words) const { return words; }
+};
+
+#if defined(ZEL_BYTE_SUMS)
+template <class To>
+struct ColoursToMean {
+  using From = Rgb;
+  using Rule = To;
+  ZEL_INLINE Vector Cut(Vector pixels) const { return ChannelSums(pixels); }
+  ZEL_INLINE Vector Finish(Vector words) const { return Thirds(words); }
+};
+#endif
+
+template <class Groups>
+void Narrow(const Plane& plane) {
+  using From = typename Groups::From;
+  using To = typename Groups::Rule::Pixel;
+  constexpr int64_t lanes = sizeof(Vector) / sizeof(From);
+  const Groups groups;
+  const typename Groups::Rule rule;
+  for (int64_t y = 0; y < plane.height; y++) {
+    const auto* from = reinterpret_cast<const From*>(plane.first + y * plane.firstPitch);
+    auto* to = reinterpret_cast<To*>(plane.result + y * plane.resultPitch);
+    int64_t x = 0;
+    for (; x + 4 * lanes <= plane.width; x += 4 * lanes) {
+      const Vector a = groups.Cut(Load(from + x));
+      const Vector b = groups.Cut(Load(from + x + lanes));
+      const Vector c = groups.Cut(Load(from + x + 2 * lanes));
+      const Vector d = groups.Cut(Load(from + x + 3 * lanes));
+      const Vector low = groups.Finish(PackedWords(a, b));
+      const Vector high = groups.Finish(PackedWords(c, d));
+      if constexpr (sizeof(To) == 1) {
+        Store(to + x, PackedBytes(low, high));
+      } else {
+        Store(to + x, low);
+        Store(to + x + 2 * lanes, high);
+      }
+    }
+    for (; x < plane.width; x++) to[x] = rule(from[x]);
+  }
+}
+
+constexpr PlaneRoutine FLOATS_TO_BYTES = &Narrow<FloatsToBytes>;
+constexpr PlaneRoutine FLOATS_TO_WORDS = &Narrow<FloatsToWords>;
+#else
+constexpr PlaneRoutine FLOATS_TO_BYTES = &Convert<float, ToByte>;
+constexpr PlaneRoutine FLOATS_TO_WORDS = &Convert<float, ToWord>;
+#endif
+
+#if defined(ZEL_BYTE_SUMS)
+constexpr PlaneRoutine COLOURS_TO_BYTES = &Narrow<ColoursToMean<ToByte>>;
+constexpr PlaneRoutine COLOURS_TO_WORDS = &Narrow<ColoursToMean<ToWord>>;
+#else
+constexpr PlaneRoutine COLOURS_TO_BYTES = &Convert<Rgb, ToByte>;
+constexpr PlaneRoutine COLOURS_TO_WORDS = &Convert<Rgb, ToWord>;
+#endif
+
 void Shift(const Plane& plane) {
   const int32_t shift = plane.constant.value;
   ForPixels<int16_t, uint8_t>(plane, [=](int16_t value) {
@@ -123,12 +200,12 @@ extern const CastRows castRows = {
          &Convert<uint8_t, ToComplex>, &Convert<uint8_t, ToRgb>},
         {&Convert<int16_t, ToByte>, nullptr, &Convert<int16_t, ToFloat>,
          &Convert<int16_t, ToComplex>, &Convert<int16_t, ToRgb>},
-        {&Convert<float, ToByte>, &Convert<float, ToWord>, nullptr, &Convert<float, ToComplex>,
+        {FLOATS_TO_BYTES, FLOATS_TO_WORDS, nullptr, &Convert<float, ToComplex>,
          &Convert<float, ToRgb>},
         {&Convert<Complex, ToByte>, &Convert<Complex, ToWord>, &Convert<Complex, ToFloat>, nullptr,
          &Convert<Complex, ToRgb>},
-        {&Convert<Rgb, ToByte>, &Convert<Rgb, ToWord>, &Convert<Rgb, ToFloat>,
-         &Convert<Rgb, ToComplex>, nullptr},
+        {COLOURS_TO_BYTES, COLOURS_TO_WORDS, &Convert<Rgb, ToFloat>, &Convert<Rgb, ToComplex>,
+         nullptr},
     },
     &Shift,
     &Lookup<uint8_t, int16_t>,

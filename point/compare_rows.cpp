@@ -2,6 +2,8 @@
 // their table.
 #include "point/compare_rows.h"
 
+#include <cfloat>
+#include <cmath>
 #include <cstdint>
 
 #include "point/pair_rows.h"
@@ -15,8 +17,13 @@ struct Mean {
   ZEL_INLINE T operator()(T a, T b) const {
     return static_cast<T>((a & b) + static_cast<T>(static_cast<T>(a ^ b) >> 1));
   }
+  // Half of the sum, rounded once: a sum too small for its half to be a normal number is exact, and
+  // halves of larger numbers are exact. Operands whose sum is beyond the type are halved before.
   ZEL_INLINE float operator()(float a, float b) const {
-    return static_cast<float>((static_cast<double>(a) + static_cast<double>(b)) * 0.5);
+    const float sum = a + b;
+    const float half = sum * 0.5f;
+    const float ofHalves = a * 0.5f + b * 0.5f;
+    return std::fabs(sum) <= FLT_MAX ? half : ofHalves;
   }
 };
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 #include "core/processor.h"
@@ -194,6 +195,33 @@ TEST(Compare, FloatsKeepInfinitiesNanAndZeros) {
             << operation << " constant " << constant;
       }
     }
+  });
+}
+
+// Every exponent, subnormal numbers and sums beyond the type among them.
+TEST(Compare, MeanOfFloatsIsRoundedOnce) {
+  const TestImage first(IMAGE_SGL, 1000, 200);
+  const TestImage second(IMAGE_SGL, 1000, 200);
+  test::Random random(31);
+  for (int32_t y = 0; y < 200; y++) {
+    for (int32_t x = 0; x < 1000; x++) {
+      const uint32_t bits = random.Next() ^ (random.Next() << 16);
+      const uint32_t near = bits + static_cast<uint32_t>(random.Between(-1, 1) << 23) + 12345;
+      std::memcpy(first.At<float>(x, y), &bits, 4);
+      std::memcpy(second.At<float>(x, y), &near, 4);
+    }
+  }
+  for (int32_t x = 0; x < 1000; x++) {  // subnormal ones
+    const uint32_t a = random.Next() & 0x80FFFFFF;
+    const uint32_t b = random.Next() & 0x80FFFFFF;
+    std::memcpy(first.At<float>(x, 0), &a, 4);
+    std::memcpy(second.At<float>(x, 0), &b, 4);
+  }
+  const TestImage expected = ImagesResult(0, first, second);
+  RunOnAllLevels([&] {
+    TestImage destination(IMAGE_SGL, 0, 0);
+    ASSERT_EQ(ZEL_Compare(first, second, destination, 0, 0), 0);
+    ASSERT_EQ(Difference(destination, expected), "");
   });
 }
 

@@ -214,6 +214,18 @@ Plane PlaneColumns(const Plane& plane, int64_t from, int64_t to) {
   return columns;
 }
 
+namespace {
+
+// The pixels of a long row before the first result on a boundary of vectors: blocks come from the
+// heap at the same offset to a boundary mostly, so that all images are then on theirs.
+int64_t ColumnsToAlignment(const Plane& plane) {
+  constexpr uintptr_t vectorBytes = 64;
+  constexpr int64_t longRow = 16384;
+  if (plane.width * plane.resultBytes < longRow) return 0;
+  const uintptr_t over = reinterpret_cast<uintptr_t>(plane.result) % vectorBytes;
+  return over == 0 ? 0 : static_cast<int64_t>(vectorBytes - over) / plane.resultBytes;
+}
+
 Plane PlaneAsOneRow(const Plane& plane) {
   const bool isOneRow = plane.width * plane.firstBytes == plane.firstPitch &&
                         plane.width * plane.secondBytes == plane.secondPitch &&
@@ -226,8 +238,14 @@ Plane PlaneAsOneRow(const Plane& plane) {
   return row;
 }
 
+}  // namespace
+
 void PlaneRun(PlaneRoutine routine, const Plane& plane) {
-  if (plane.width > 0 && plane.height > 0) routine(PlaneAsOneRow(plane));
+  if (plane.width < 1 || plane.height < 1) return;
+  const Plane rows = PlaneAsOneRow(plane);
+  const int64_t head = rows.height == 1 ? ColumnsToAlignment(rows) : 0;
+  if (head > 0) routine(PlaneColumns(rows, 0, head));
+  routine(head > 0 ? PlaneColumns(rows, head, rows.width) : rows);
 }
 
 void PlaneRunByTable(PlaneRoutine routine, const Plane& plane) {

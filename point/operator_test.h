@@ -3,8 +3,8 @@
 
 #include <cmath>
 #include <cstdint>
-#include <string>
 #include <functional>
+#include <string>
 
 #include "core/processor.h"
 #include "tests/support/test_image.h"
