@@ -10,7 +10,7 @@ namespace {
 
 void AddConstantRun(int32_t type, int64_t constant, Plane* plane) {
   plane->constant = SumWithConstant(type, constant);
-  PlaneRun(arithmeticRows().addConstant[type], *plane);
+  PlaneRun(arithmeticRows().addConstant[type], plane);
 }
 
 // NaN counts as 0, as it does when a result is cut.
@@ -25,17 +25,18 @@ void MultiplyConstantRun(const RowOperation& operation, Plane* plane) {
   const double factor = LimitedFactor(static_cast<double>(operation.constantFloat), SCALE_LIMIT);
   if (operation.type1 == IMAGE_I16) {
     plane->constant.factor = factor;
-    PlaneRun(rows.scale[IMAGE_I16], *plane);
+    PlaneRun(rows.scale[IMAGE_I16], plane);
     return;
   }
   plane->constant.factor = std::fabs(factor);
   plane->constant.value =
       static_cast<int32_t>(std::min(static_cast<uint32_t>(operation.constantInt), 255u));
   const int64_t grouped = GroupedColumns(*plane);
-  PlaneRun(rows.multiplyByte, PlaneColumns(*plane, 0, grouped));
-  const Plane rest = PlaneColumns(*plane, grouped, plane->width);
+  Plane groups = PlaneColumns(*plane, 0, grouped);
+  Plane rest = PlaneColumns(*plane, grouped, plane->width);
+  PlaneRun(rows.multiplyByte, &groups);
   if (rest.width < GROUP_COLUMNS) {
-    PlaneRun(rows.scale[IMAGE_U8], rest);
+    PlaneRun(rows.scale[IMAGE_U8], &rest);
   } else {
     PlaneRunByTable(rows.scale[IMAGE_U8], rest);
   }
@@ -51,7 +52,7 @@ void DivideConstantRun(const RowOperation& operation, Plane* plane) {
   const double reciprocal = LimitedFactor((1.0 + 1.0 / 35184372088832.0) / divisor, SCALE_LIMIT);
   if (operation.type1 == IMAGE_I16) {
     plane->constant.factor = reciprocal;
-    PlaneRun(rows.scale[IMAGE_I16], *plane);
+    PlaneRun(rows.scale[IMAGE_I16], plane);
   } else {
     plane->constant.factor = std::fabs(reciprocal);
     PlaneRunByTable(rows.scale[IMAGE_U8], *plane);
@@ -65,7 +66,7 @@ void ModuloConstantRun(const RowOperation& operation, Plane* plane) {
   if (operation.type1 == IMAGE_I16) {
     // The sign of the divisor doesn't matter; one above every pixel leaves the pixels.
     plane->constant.value = Clamped(divisor, 1, INT16_MAX + 2);
-    PlaneRun(rows.moduloConstant[IMAGE_I16], *plane);
+    PlaneRun(rows.moduloConstant[IMAGE_I16], plane);
   } else {
     plane->constant.value = std::max(static_cast<int32_t>(divisor & 0xFF), 1);
     PlaneRunByTable(rows.moduloConstant[IMAGE_U8], *plane);
@@ -76,7 +77,7 @@ void FloatConstantRun(const RowOperation& operation, ArithmeticOperation arithme
   const float constant = operation.constantFloat;
   const bool divides = arithmetic == ARITHMETIC_DIVIDE || arithmetic == ARITHMETIC_MODULO;
   plane->constant.real = divides && constant == 0.0f ? 1.0f : constant;
-  PlaneRun(arithmeticRows().floatConstant[arithmetic], *plane);
+  PlaneRun(arithmeticRows().floatConstant[arithmetic], plane);
 }
 
 void ConstantRun(const RowOperation& operation, ArithmeticOperation arithmetic, Plane* plane) {
@@ -151,7 +152,7 @@ void ArithmeticDispatch(const RowOperation& operation, Status* status) {
   }
   if (arithmetic == ARITHMETIC_MULDIV) MulDivConstant(operation, &plane.constant);
   const int32_t pair = ScalarPair(operation.type1, operation.type2);
-  PlaneRun(arithmeticRows().images[arithmetic].byPair[pair], plane);
+  PlaneRun(arithmeticRows().images[arithmetic].byPair[pair], &plane);
 }
 
 }  // namespace zel

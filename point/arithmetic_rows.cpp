@@ -3,8 +3,10 @@
 
 #include <cmath>
 #include <cstdint>
+#include <type_traits>
 
 #include "point/pair_rows.h"
+#include "point/vectors.h"
 
 namespace zel::ZEL_LEVEL {
 namespace {
@@ -199,7 +201,84 @@ void MultiplyByte(const Plane& plane) {
   ForPixels<uint8_t, uint8_t>(plane, [=](uint8_t a) { return Multiply()(a, factor); });
 }
 
-constexpr PairRoutines MULDIV_IMAGES = {{
+#if defined(ZEL_VECTORS)
+
+// Pixels of one type in vectors, the rest of a row by the plain rule.
+template <class T, class Rule, Vector (*Step)(Vector a, Vector b)>
+void VectorImages(const Plane& plane) {
+  constexpr int64_t lanes = sizeof(Vector) / sizeof(T);
+  const int64_t width = plane.width;
+  for (int64_t y = 0; y < plane.height; y++) {
+    const auto* a = reinterpret_cast<const T*>(plane.first + y * plane.firstPitch);
+    const auto* b = reinterpret_cast<const T*>(plane.second + y * plane.secondPitch);
+    auto* to = reinterpret_cast<T*>(plane.result + y * plane.resultPitch);
+    int64_t x = 0;
+    for (; x + lanes <= width; x += lanes) Store(to + x, Step(Load(a + x), Load(b + x)));
+#pragma GCC ivdep
+    for (; x < width; x++) to[x] = Rule()(a[x], b[x]);
+  }
+}
+
+// Bytes are divided in 32 bits.
+template <class Rule>
+void DivideBytes(const Plane& plane) {
+  constexpr bool modulo = std::is_same_v<Rule, Modulo>;
+  constexpr int64_t lanes = sizeof(Vector) / 4;
+  const int64_t width = plane.width;
+  for (int64_t y = 0; y < plane.height; y++) {
+    const uint8_t* a = plane.first + y * plane.firstPitch;
+    const uint8_t* b = plane.second + y * plane.secondPitch;
+    uint8_t* to = plane.result + y * plane.resultPitch;
+    int64_t x = 0;
+    for (; x + 4 * lanes <= width; x += 4 * lanes) {
+      Vector words[2];
+      for (int64_t half = 0; half < 2; half++) {
+        const int64_t at = x + 2 * lanes * half;
+        const Vector a0 = WidenedBytes(a + at);
+        const Vector a1 = WidenedBytes(a + at + lanes);
+        const Vector b0 = WidenedBytes(b + at);
+        const Vector b1 = WidenedBytes(b + at + lanes);
+        words[half] = PackedWords(ByteQuotients(a0, b0), ByteQuotients(a1, b1));
+        if constexpr (modulo) {
+          words[half] = WordsLessProduct(PackedWords(a0, a1), words[half], PackedWords(b0, b1));
+        }
+      }
+      Store(to + x, PackedBytes(words[0], words[1]));
+    }
+#pragma GCC ivdep
+    for (; x < width; x++) to[x] = Rule()(a[x], b[x]);
+  }
+}
+
+template <class Rule>
+constexpr PairRoutines WithVectors(PlaneRoutine bytes, PlaneRoutine words) {
+  PairRoutines routines = IMAGES<Rule>;
+  if (bytes) routines.byPair[ScalarPair(0, 0)] = bytes;
+  if (words) routines.byPair[ScalarPair(1, 1)] = words;
+  return routines;
+}
+
+constexpr PairRoutines ADD = WithVectors<Add>(&VectorImages<uint8_t, Add, &BytesAdded>,
+                                              &VectorImages<int16_t, Add, &WordsAdded>);
+constexpr PairRoutines SUBTRACT =
+    WithVectors<Subtract>(&VectorImages<uint8_t, Subtract, &BytesSubtracted>,
+                          &VectorImages<int16_t, Subtract, &WordsSubtracted>);
+constexpr PairRoutines MULTIPLY =
+    WithVectors<Multiply>(nullptr, &VectorImages<int16_t, Multiply, &WordsMultiplied>);
+constexpr PairRoutines DIVIDE = WithVectors<Divide>(&DivideBytes<Divide>, nullptr);
+constexpr PairRoutines MODULO = WithVectors<Modulo>(&DivideBytes<Modulo>, nullptr);
+
+#else
+
+constexpr PairRoutines ADD = IMAGES<Add>;
+constexpr PairRoutines SUBTRACT = IMAGES<Subtract>;
+constexpr PairRoutines MULTIPLY = IMAGES<Multiply>;
+constexpr PairRoutines DIVIDE = IMAGES<Divide>;
+constexpr PairRoutines MODULO = IMAGES<Modulo>;
+
+#endif
+
+constexpr PairRoutines MULDIV = {{
     &MulDivBytes,
     &MulDivWordsByBytes,
     &MulDivWords,
@@ -211,8 +290,7 @@ constexpr PairRoutines MULDIV_IMAGES = {{
 }  // namespace
 
 extern const ArithmeticRows arithmeticRows = {
-    {IMAGES<Add>, IMAGES<Subtract>, IMAGES<Multiply>, IMAGES<Divide>, IMAGES<Modulo>,
-     MULDIV_IMAGES},
+    {ADD, SUBTRACT, MULTIPLY, DIVIDE, MODULO, MULDIV},
     {&AddConstant<uint8_t>, &AddConstant<int16_t>},
     {&Scale<uint8_t>, &Scale<int16_t>},
     {&ModuloConstant<uint8_t>, &ModuloConstant<int16_t>},

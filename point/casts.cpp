@@ -62,13 +62,13 @@ void ImageConvertPixels(ImageRef source, ImageRef destination, Status* status) {
   if (*status == STATUS_OK) *status = LayoutLikeSource(*from, destination, to);
   if (*status != STATUS_OK || from->width == 0) return;
 
-  const Plane plane = PlaneOfImages(*from, *to);
+  Plane plane = PlaneOfImages(*from, *to);
   if (from->type == to->type) {
     // Whole lines, from pixel (0, 0) on: the pixels of the border that lie between them come along.
     std::memcpy(plane.result, plane.first,
                 static_cast<size_t>(plane.firstPitch) * static_cast<size_t>(plane.height));
   } else {
-    PlaneRun(castRows().convert[from->type][to->type], plane);
+    PlaneRun(castRows().convert[from->type][to->type], &plane);
   }
 }
 
@@ -156,7 +156,7 @@ void ConvertByLookupKernel(ImageRef source, ImageRef destination, const Handle* 
   if (*status != STATUS_OK) return;
   Plane plane = PlaneOfImages(*from, *to);
   plane.table = results;
-  PlaneRun(routine, plane);
+  PlaneRun(routine, &plane);
 }
 
 void Shift16To8Kernel(ImageRef source, ImageRef destination, const int32_t* shift, Status* status) {
@@ -176,7 +176,7 @@ void Shift16To8Kernel(ImageRef source, ImageRef destination, const int32_t* shif
   if (*status != STATUS_OK) return;
   Plane plane = PlaneOfImages(*from, *to);
   plane.constant.value = std::clamp(*shift, 0, MAX_SHIFT);
-  PlaneRun(castRows().shift, plane);
+  PlaneRun(castRows().shift, &plane);
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 #include <cmath>
 #include <cstdint>
 
-#include "point/narrowing_vectors.h"
+#include "point/vectors.h"
 
 namespace zel::ZEL_LEVEL {
 namespace {
@@ -108,7 +108,7 @@ void Convert(const Plane& plane) {
 }
 
 // Pixels of 4 bytes become narrower in groups of four vectors, the rest of a row by the plain rule.
-#if defined(ZEL_NARROWING)
+#if defined(ZEL_VECTORS)
 
 // The 32-bit integers of floats or colours, then what is done to them in 16 bits.
 struct FloatsToBytes {

@@ -1,5 +1,6 @@
 // Mean, minimum, maximum, and pixels kept or cleared by comparison.
 #include <algorithm>
+#include <cmath>
 
 #include "core/numbers.h"
 #include "point/compare_rows.h"
@@ -16,13 +17,13 @@ void MeanConstantRun(int32_t type, int32_t constant, const Plane& plane) {
   const int64_t grouped = type == IMAGE_U8 ? GroupedColumns(plane) : 0;
   Plane groups = PlaneColumns(plane, 0, grouped);
   groups.constant.value = constant & 0xFF;
-  PlaneRun(rows.constant[COMPARE_MEAN][IMAGE_U8], groups);
+  PlaneRun(rows.constant[COMPARE_MEAN][IMAGE_U8], &groups);
 
   // (a + c) >> 1 is ((a + odd bit of c) >> 1) + (c >> 1), whatever the signs.
   Plane rest = PlaneColumns(plane, grouped, plane.width);
   rest.constant = SumWithConstant(type, constant >> 1);
   rest.constant.odd = constant & 1;
-  PlaneRun(rows.meanConstant[type], rest);
+  PlaneRun(rows.meanConstant[type], &rest);
 }
 
 // The range of pixels that a comparison with a constant keeps. Where it keeps none, the range of
@@ -39,7 +40,7 @@ void KeepConstantRun(int32_t type, CompareOperation compare, int64_t constant, P
   if (low > high) low = high = 0;
   plane->constant.low = static_cast<int32_t>(low);
   plane->constant.high = static_cast<int32_t>(high);
-  PlaneRun(compareRows().keepRange[type], *plane);
+  PlaneRun(compareRows().keepRange[type], plane);
 }
 
 void IntegerConstantRun(int32_t type, CompareOperation compare, int32_t constant, Plane* plane) {
@@ -62,7 +63,7 @@ void IntegerConstantRun(int32_t type, CompareOperation compare, int32_t constant
       KeepConstantRun(type, compare, constant, plane);
       return;
   }
-  PlaneRun(compareRows().constant[compare][type], *plane);
+  PlaneRun(compareRows().constant[compare][type], plane);
 }
 
 void CompareKernel(ImageRef first, ImageRef second, ImageRef destination, const int32_t* operation,
@@ -86,10 +87,14 @@ void CompareDispatch(const RowOperation& operation, Status* status) {
   const CompareRows& rows = compareRows();
   const int32_t type = operation.type1;
   if (!OperationHasConstant(operation.code)) {
-    PlaneRun(rows.images[compare].byPair[ScalarPair(type, operation.type2)], plane);
+    PlaneRun(rows.images[compare].byPair[ScalarPair(type, operation.type2)], &plane);
   } else if (type == IMAGE_SGL) {
-    plane.constant.real = operation.constantFloat;
-    PlaneRun(rows.constant[compare][IMAGE_SGL], plane);
+    // No sum with a constant below this is beyond the type.
+    constexpr float sumStaysInRange = 1e30f;
+    const float constant = operation.constantFloat;
+    const bool isPlainMean = compare == COMPARE_MEAN && std::fabs(constant) < sumStaysInRange;
+    plane.constant.real = constant;
+    PlaneRun(isPlainMean ? rows.halfOfSum : rows.constant[compare][IMAGE_SGL], &plane);
   } else {
     IntegerConstantRun(type, compare, operation.constantInt, &plane);
   }

@@ -27,6 +27,10 @@ struct Mean {
   }
 };
 
+struct HalfOfSum {
+  ZEL_INLINE float operator()(float a, float b) const { return (a + b) * 0.5f; }
+};
+
 // The first operand stays where the two compare equal or not at all.
 struct Minimum {
   template <class T>
@@ -124,6 +128,7 @@ extern const CompareRows compareRows = {
         {nullptr, nullptr, &FloatConstant<KeepBelow>},
         {nullptr, nullptr, &FloatConstant<KeepNotAbove>},
     },
+    &FloatConstant<HalfOfSum>,
     {&KeepRange<uint8_t>, &KeepRange<int16_t>},
     {&MeanConstant<uint8_t>, &MeanConstant<int16_t>},
 };

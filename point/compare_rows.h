@@ -23,6 +23,8 @@ struct CompareRows {
   // With PlaneConstant::value, or real for floats, in place of the second image; by scalar type.
   // Of integers only mean, minimum, maximum and keep-different are here.
   PlaneRoutine constant[COMPARE_COUNT][SCALAR_TYPES];
+  // floats: the mean with a constant so small that no sum is beyond the type
+  PlaneRoutine halfOfSum;
   // integers: pixels from low to high, 0 in place of others
   PlaneRoutine keepRange[2];
   // integers: half of the sum of pixel and odd (0 or 1), limited to low..high, plus value

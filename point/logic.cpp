@@ -72,23 +72,23 @@ void LogicDispatch(const RowOperation& operation, Status* status) {
   }
 
   const LogicRows& rows = logicRows();
-  Plane plane = PlaneOf(operation);
+  Plane plane{};
   const auto logic = static_cast<LogicOperation>((operation.code - OPERATION_AND) / 2);
   const auto constant = static_cast<uint32_t>(operation.constantInt);
   if (!LogicHasConstant(operation.code)) {
+    PlaneOf(operation, &plane);
     plane.width *= plane.firstBytes;
     plane.firstBytes = plane.secondBytes = plane.resultBytes = 1;
-    PlaneRun(rows.images[logic], plane);
+    PlaneRun(rows.images[logic], &plane);
     return;
   }
-  plane.second = plane.first;
-  plane.secondPitch = plane.firstPitch;
+  PlaneOfFirst(operation, &plane);
   if (operation.code == OPERATION_CONSTANT_IF_ZERO) {
     plane.constant.bits.flip = constant;
-    PlaneRun(rows.constantIfZero[LogicPixelWidth(type)], plane);
+    PlaneRun(rows.constantIfZero[LogicPixelWidth(type)], &plane);
   } else {
     plane.constant.bits = BitsOf(logic, constant);
-    PlaneRun(rows.keepAndFlip[LogicPixelWidth(type)], plane);
+    PlaneRun(rows.keepAndFlip[LogicPixelWidth(type)], &plane);
   }
 }
 

@@ -114,7 +114,9 @@ void MaskRows(const RowOperation& operation, Status* status) {
     *status = STATUS_BAD_OPERAND_TYPE;
     return;
   }
-  PlaneRun(logicRows().mask[pixelWidth], PlaneOf(operation));
+  Plane plane{};
+  PlaneOf(operation, &plane);
+  PlaneRun(logicRows().mask[pixelWidth], &plane);
 }
 
 }  // namespace zel

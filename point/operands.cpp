@@ -151,42 +151,45 @@ void OperatorKernel(ImageRef first, ImageRef second, ImageRef destination, int16
   engine(operation, status);
 }
 
-Plane PlaneOf(const RowOperation& operation) {
+void PlaneOf(const RowOperation& operation, Plane* plane) {
   int32_t firstBytes = 1;
   int32_t secondBytes = 1;
   PixelSize(operation.type1, &firstBytes);
   PixelSize(operation.type2, &secondBytes);
-  Plane plane{};
-  plane.first = static_cast<const uint8_t*>(operation.source1);
-  plane.second = static_cast<const uint8_t*>(operation.source2);
-  plane.result = static_cast<uint8_t*>(operation.destination);
-  plane.firstPitch = int64_t{operation.stride1} * firstBytes;
-  plane.secondPitch = int64_t{operation.stride2} * secondBytes;
-  plane.resultPitch = int64_t{operation.strideDestination} * firstBytes;
-  plane.firstBytes = firstBytes;
-  plane.secondBytes = secondBytes;
-  plane.resultBytes = firstBytes;
-  plane.width = operation.width;
-  plane.height = operation.height;
-  return plane;
+  plane->first = static_cast<const uint8_t*>(operation.source1);
+  plane->second = static_cast<const uint8_t*>(operation.source2);
+  plane->result = static_cast<uint8_t*>(operation.destination);
+  plane->firstPitch = int64_t{operation.stride1} * firstBytes;
+  plane->secondPitch = int64_t{operation.stride2} * secondBytes;
+  plane->resultPitch = int64_t{operation.strideDestination} * firstBytes;
+  plane->firstBytes = firstBytes;
+  plane->secondBytes = secondBytes;
+  plane->resultBytes = firstBytes;
+  plane->width = operation.width;
+  plane->height = operation.height;
+}
+
+void PlaneOfFirst(const RowOperation& operation, Plane* plane) {
+  PlaneOf(operation, plane);
+  plane->second = plane->first;
+  plane->secondPitch = plane->firstPitch;
+  plane->secondBytes = plane->firstBytes;
 }
 
 bool ScalarPlaneOf(const RowOperation& operation, Plane* plane, Status* status) {
-  RowOperation checked = operation;
-  if (OperationHasConstant(operation.code)) {
-    checked.type2 = operation.type1;
-    checked.source2 = operation.source1;
-    checked.stride2 = operation.stride1;
-  }
-  if (!TypeIsScalar(checked.type1)) {
+  if (!TypeIsScalar(operation.type1)) {
     *status = STATUS_BAD_OPERAND_TYPE;
     return false;
   }
-  if (checked.type2 < IMAGE_U8 || checked.type2 > checked.type1) {
+  if (OperationHasConstant(operation.code)) {
+    PlaneOfFirst(operation, plane);
+    return true;
+  }
+  if (operation.type2 < IMAGE_U8 || operation.type2 > operation.type1) {
     *status = STATUS_OPERAND_TYPE_DIFFERS;
     return false;
   }
-  *plane = PlaneOf(checked);
+  PlaneOf(operation, plane);
   return true;
 }
 
@@ -226,26 +229,27 @@ int64_t ColumnsToAlignment(const Plane& plane) {
   return over == 0 ? 0 : static_cast<int64_t>(vectorBytes - over) / plane.resultBytes;
 }
 
-Plane PlaneAsOneRow(const Plane& plane) {
-  const bool isOneRow = plane.width * plane.firstBytes == plane.firstPitch &&
-                        plane.width * plane.secondBytes == plane.secondPitch &&
-                        plane.width * plane.resultBytes == plane.resultPitch;
-  Plane row = plane;
-  if (isOneRow) {
-    row.width = plane.width * plane.height;
-    row.height = 1;
-  }
-  return row;
+void PlaneJoinRows(Plane* plane) {
+  const bool isOneRow = plane->width * plane->firstBytes == plane->firstPitch &&
+                        plane->width * plane->secondBytes == plane->secondPitch &&
+                        plane->width * plane->resultBytes == plane->resultPitch;
+  if (!isOneRow) return;
+  plane->width *= plane->height;
+  plane->height = 1;
 }
 
 }  // namespace
 
-void PlaneRun(PlaneRoutine routine, const Plane& plane) {
-  if (plane.width < 1 || plane.height < 1) return;
-  const Plane rows = PlaneAsOneRow(plane);
-  const int64_t head = rows.height == 1 ? ColumnsToAlignment(rows) : 0;
-  if (head > 0) routine(PlaneColumns(rows, 0, head));
-  routine(head > 0 ? PlaneColumns(rows, head, rows.width) : rows);
+void PlaneRun(PlaneRoutine routine, Plane* plane) {
+  if (plane->width < 1 || plane->height < 1) return;
+  PlaneJoinRows(plane);
+  const int64_t head = plane->height == 1 ? ColumnsToAlignment(*plane) : 0;
+  if (head == 0) {
+    routine(*plane);
+    return;
+  }
+  routine(PlaneColumns(*plane, 0, head));
+  routine(PlaneColumns(*plane, head, plane->width));
 }
 
 void PlaneRunByTable(PlaneRoutine routine, const Plane& plane) {

@@ -23,7 +23,9 @@ constexpr bool OperationHasConstant(int16_t code) {
 // for the second. False with a status for types that have no engine.
 bool ScalarPlaneOf(const RowOperation& operation, Plane* plane, Status* status);
 
-Plane PlaneOf(const RowOperation& operation);
+void PlaneOf(const RowOperation& operation, Plane* plane);
+// With the first operand in place of the second.
+void PlaneOfFirst(const RowOperation& operation, Plane* plane);
 
 // The columns of a U8 plane that come in groups, from the left. Products and means with a constant
 // see the constant otherwise there than in the remaining columns. Rows shorter than two groups
@@ -39,9 +41,9 @@ PlaneConstant SumWithConstant(int32_t type, int64_t constant);
 // The columns of a plane from one up to and without another.
 Plane PlaneColumns(const Plane& plane, int64_t from, int64_t to);
 
-// Runs a routine over a plane; as one long row where the rows of all images follow each other
-// without a gap.
-void PlaneRun(PlaneRoutine routine, const Plane& plane);
+// Runs a routine over a plane; as one long row, which the plane then is, where the rows of all
+// images follow each other without a gap.
+void PlaneRun(PlaneRoutine routine, Plane* plane);
 
 // The same for a routine whose result depends on one byte only: it is worked out once for each of
 // the 256 bytes and looked up.
