@@ -132,28 +132,34 @@ ImageRef MakeBlobs(int32_t width, int32_t height, int32_t border) {
   const ImageRef image = MakeDestination(IMAGE_U8, border);
   ZEL_SetImageSize(image, width, height);  // fresh pixels are 0
   uint64_t state = 4242;
-  const int32_t blobs = std::max(1, width * height / 2600);
+  const int32_t blobs = std::max(6, width * height / 2600);
+  const auto radii = static_cast<uint32_t>(std::clamp(std::min(width, height) / 8, 1, 18));
   for (int32_t i = 0; i < blobs; i++) {
     const auto centreX = static_cast<int32_t>(NextRandom(&state) % static_cast<uint32_t>(width));
     const auto centreY = static_cast<int32_t>(NextRandom(&state) % static_cast<uint32_t>(height));
-    const auto radius = static_cast<int32_t>(4 + NextRandom(&state) % 18);
+    const auto radius = static_cast<int32_t>(4 + NextRandom(&state) % radii);
+    const int32_t hollow = i % 5 == 0 ? radius / 2 : 0;
     for (int32_t y = std::max(0, centreY - radius); y < std::min(height, centreY + radius); y++) {
       uint8_t* row = RowOf(image, y);
       for (int32_t x = std::max(0, centreX - radius); x < std::min(width, centreX + radius); x++) {
         const int32_t dx = x - centreX;
         const int32_t dy = y - centreY;
-        if (dx * dx + dy * dy < radius * radius) row[x] = 255;
+        const int32_t distance = dx * dx + dy * dy;
+        if (distance < radius * radius && distance >= hollow * hollow) row[x] = 255;
       }
     }
   }
   return image;
 }
 
-ImageRef MakeNoise(int32_t width, int32_t height, int32_t border) {
+ImageRef MakeNoise(int32_t width, int32_t height, int32_t border, int32_t grain) {
   const ImageRef image = MakeImage(IMAGE_U8, width, height, border, 7);
   for (int32_t y = 0; y < height; y++) {
     uint8_t* row = RowOf(image, y);
-    for (int32_t x = 0; x < width; x++) row[x] = (row[x] & 1) != 0 ? 255 : 0;
+    const uint8_t* grains = RowOf(image, y / grain * grain);
+    for (int32_t x = 0; x < width; x++) {
+      row[x] = (grains[x / grain * grain] & 1) != 0 ? 255 : 0;
+    }
   }
   return image;
 }

@@ -30,9 +30,10 @@ ImageRef MakeImage(int32_t type, int32_t width, int32_t height, int32_t border =
                    uint64_t seed = 1);
 // Owned for the run and empty: a destination.
 ImageRef MakeDestination(int32_t type, int32_t border = 0);
-// A binary U8 scene of round blobs that cover about a third of the image, or of noise.
+// A binary U8 scene of round blobs, some of them rings, that cover a fifth of the image; or of
+// noise that sets every other square of `grain` pixels on average.
 ImageRef MakeBlobs(int32_t width, int32_t height, int32_t border);
-ImageRef MakeNoise(int32_t width, int32_t height, int32_t border);
+ImageRef MakeNoise(int32_t width, int32_t height, int32_t border, int32_t grain = 1);
 
 #if defined(HAVE_OPENCV)
 // A copy of the pixels: U8, I16, SGL, RGB (4 channels) and complex (2 channels).
