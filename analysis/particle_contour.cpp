@@ -66,7 +66,7 @@ constexpr Moves MovesOf(bool keepToAxes) {
 constexpr Moves AXIS_MOVES = MovesOf(true);
 constexpr Moves ALL_MOVES = MovesOf(false);
 
-// How sharp a turn is, by the difference of two directions: 0 straight on to 4 back.
+// How sharp a turn is, by the difference of two directions modulo 8: 0 straight on to 4 back.
 constexpr int32_t SHARPNESS[DIRECTIONS] = {0, 1, 2, 3, 4, 3, 2, 1};
 
 class ContourWalk {
@@ -74,7 +74,7 @@ class ContourWalk {
   ContourWalk(const PixelBits& bits, const Moves& moves)
       : bytes_(reinterpret_cast<const uint8_t*>(bits.Row(0))),
         rowBytes_(bits.pitch() * 8),
-        moves_(moves),
+        nextMoves_(moves),
         longest_(8 * (int64_t{bits.width()} + 2) * (int64_t{bits.height()} + 2)) {
     for (size_t i = 0; i < DIRECTIONS; i++) steps_[i] = STEP_Y[i] * rowBytes_ * 8 + STEP_X[i];
   }
@@ -89,16 +89,16 @@ class ContourWalk {
   int64_t PlaceOf(int32_t x, int32_t y) const { return y * rowBytes_ * 8 + x; }
   int64_t Step(int64_t place, uint8_t direction) const { return place + steps_[direction]; }
 
-  // A first move, counted without and with the turn that led to it.
-  void CountMove(uint8_t direction) { unturned_[direction]++; }
-  void CountMove(uint8_t last, uint8_t direction) { turned_[last][direction]++; }
+  void CountMove(uint8_t direction) { moves_[direction]++; }
+  void CountTurn(uint8_t last, uint8_t direction) { turns_[(direction - last) & 7]++; }
 
   // From a pixel until the start is met again. False when a pixel has no way on.
   bool Walk(int64_t place, uint8_t last, int64_t start) {
     for (int64_t moves = 0; place != start; moves++) {
-      const uint8_t next = moves_[Neighbourhood(place)][last];
+      const uint8_t next = nextMoves_[Neighbourhood(place)][last];
       if (next == NO_DIRECTION || moves > longest_) return false;
-      CountMove(last, next);
+      CountTurn(last, next);
+      CountMove(next);
       place = Step(place, next);
       last = next;
     }
@@ -109,20 +109,12 @@ class ContourWalk {
   // and that of a hole half a pixel farther in. Corners are then taken off: a closed contour has
   // eight more turns of 45 degrees one way than the other, the rest are steps of slanting edges.
   double Perimeter(bool hole, double xStep, double yStep) const {
-    int64_t moves[DIRECTIONS];
     int64_t turns[5] = {};
-    for (size_t next = 0; next < DIRECTIONS; next++) {
-      moves[next] = unturned_[next];
-      for (size_t last = 0; last < DIRECTIONS; last++) {
-        const int64_t count = turned_[last][next];
-        moves[next] += count;
-        turns[SHARPNESS[next > last ? next - last : last - next]] += count;
-      }
-    }
-    const int64_t across = moves[EAST] + moves[WEST];
-    const int64_t down = moves[NORTH] + moves[SOUTH];
+    for (size_t i = 0; i < DIRECTIONS; i++) turns[SHARPNESS[i]] += turns_[i];
+    const int64_t across = moves_[EAST] + moves_[WEST];
+    const int64_t down = moves_[NORTH] + moves_[SOUTH];
     const int64_t diagonal =
-        moves[NORTH_WEST] + moves[NORTH_EAST] + moves[SOUTH_EAST] + moves[SOUTH_WEST];
+        moves_[NORTH_WEST] + moves_[NORTH_EAST] + moves_[SOUTH_EAST] + moves_[SOUTH_WEST];
     const int64_t outwards = hole ? -2 : 2;
     const double length = std::sqrt(xStep * xStep + yStep * yStep) * static_cast<double>(diagonal) +
                           static_cast<double>(across + outwards) * xStep +
@@ -159,11 +151,11 @@ class ContourWalk {
 
   const uint8_t* bytes_;
   int64_t rowBytes_;
-  const Moves& moves_;
+  const Moves& nextMoves_;
   int64_t longest_;  // no contour has more moves: it would meet its start before
   int64_t steps_[DIRECTIONS];
-  int64_t unturned_[DIRECTIONS] = {};
-  int64_t turned_[DIRECTIONS][DIRECTIONS] = {};
+  int64_t moves_[DIRECTIONS] = {};  // by direction
+  int64_t turns_[DIRECTIONS] = {};  // by difference of directions
 };
 
 double ParticlePerimeter(ContourWalk* walk, int64_t start, bool keepToAxes, double xStep,
@@ -189,7 +181,8 @@ double ParticlePerimeter(ContourWalk* walk, int64_t start, bool keepToAxes, doub
   } else {
     return 0.0;
   }
-  walk->CountMove(last, first);
+  walk->CountTurn(last, first);
+  walk->CountMove(first);
   if (!walk->Walk(walk->Step(start, first), first, start)) return 0.0;
   // A start with set pixels south-west and east of a clear south is passed a second time. The move
   // there and its turn do not count.

@@ -150,41 +150,62 @@ uint32_t Runs(const uint64_t* words, int32_t width, Run* runs) {
   return static_cast<uint32_t>((columns - reinterpret_cast<int32_t*>(runs)) / 2);
 }
 
-#if defined(ZEL_LEVEL_v4)
-constexpr int32_t FILL_BYTES = 64;
-#elif defined(ZEL_LEVEL_v3)
-constexpr int32_t FILL_BYTES = 32;
+#if defined(ZEL_LEVEL_v3) || defined(ZEL_LEVEL_v4)
+constexpr size_t FILL_BYTES = 32;
 #else
-constexpr int32_t FILL_BYTES = 16;
+constexpr size_t FILL_BYTES = 16;
 #endif
 
-// Fills from x to end by whole groups, the last of which may reach beyond the end but not beyond
-// `lastGroup`: what lies there is written next.
+// Writes a row stretch by stretch from left to right, in whole groups: what a group covers beyond
+// its stretch is written next. The row's last group is put together aside, since nothing beyond the
+// row may be written.
 template <class T>
-ZEL_INLINE void FillForward(T* row, int32_t x, int32_t end, int32_t lastGroup, T value) {
-  using Group [[gnu::vector_size(FILL_BYTES)]] = T;
-  constexpr auto lanes = static_cast<int32_t>(FILL_BYTES / sizeof(T));
-  const Group group = value - Group{};
-  for (; x < end; x += lanes) {
-    if (x > lastGroup) {
-      for (; x < end; x++) row[x] = value;
-      return;
-    }
-    std::memcpy(row + x, &group, sizeof group);
+class RowWriter {
+ public:
+  ZEL_INLINE RowWriter(T* row, int32_t width)
+      : row_(row), width_(width), tailStart_(width > LANES ? width - LANES : 0) {}
+
+  ZEL_INLINE void Fill(int32_t start, int32_t end, T value) {
+    const Group group = value - Group{};
+    const int32_t bodyEnd = end < tailStart_ ? end : tailStart_;
+    int32_t x = start;
+    for (; x < bodyEnd; x += LANES) std::memcpy(row_ + x, &group, sizeof group);
+    if (end <= tailStart_) return;
+    // At most one group long.
+    const int32_t tail = start > tailStart_ ? start - tailStart_ : 0;
+    std::memcpy(tail_ + tail, &group, sizeof group);
   }
-}
+
+  ZEL_INLINE void Finish() {
+    if (width_ >= LANES) {
+      std::memcpy(row_ + tailStart_, tail_, sizeof(Group));
+    } else {
+      std::memcpy(row_, tail_, static_cast<size_t>(width_) * sizeof(T));
+    }
+  }
+
+ private:
+  using Group [[gnu::vector_size(FILL_BYTES)]] = T;
+  static constexpr auto LANES = static_cast<int32_t>(FILL_BYTES / sizeof(T));
+
+  T* row_;
+  int32_t width_;
+  int32_t tailStart_;
+  T tail_[2 * FILL_BYTES / sizeof(T)];
+};
 
 template <class T>
 ZEL_INLINE void LabelsOfRow(T* row, int32_t width, const Run* runs, const uint32_t* labels,
                             const uint32_t* numbers) {
-  const int32_t lastGroup = width - static_cast<int32_t>(FILL_BYTES / sizeof(T));
+  RowWriter<T> writer(row, width);
   int32_t x = 0;
   for (; runs->start < width; runs++, labels++) {
-    FillForward<T>(row, x, runs->start, lastGroup, 0);
-    FillForward<T>(row, runs->start, runs->end, lastGroup, static_cast<T>(numbers[*labels]));
+    writer.Fill(x, runs->start, 0);
+    writer.Fill(runs->start, runs->end, static_cast<T>(numbers[*labels]));
     x = runs->end;
   }
-  FillForward<T>(row, x, width, lastGroup, 0);
+  writer.Fill(x, width, 0);
+  writer.Finish();
 }
 
 void LabelsU8(void* row, int32_t width, const Run* runs, const uint32_t* labels,
