@@ -194,6 +194,34 @@ class RowWriter {
   T tail_[2 * FILL_BYTES / sizeof(T)];
 };
 
+#if defined(ZEL_LEVEL_v4)
+ZEL_INLINE void StoreMasked(uint8_t* at, uint64_t mask, uint8_t value) {
+  _mm512_mask_storeu_epi8(at, mask, _mm512_set1_epi8(static_cast<char>(value)));
+}
+ZEL_INLINE void StoreMasked(uint16_t* at, uint64_t mask, uint16_t value) {
+  _mm512_mask_storeu_epi16(at, static_cast<uint32_t>(mask),
+                           _mm512_set1_epi16(static_cast<int16_t>(value)));
+}
+
+// At least one pixel.
+template <class T>
+ZEL_INLINE void FillMasked(T* row, int32_t start, int32_t end, T value) {
+  constexpr auto lanes = static_cast<int32_t>(64 / sizeof(T));
+  int32_t x = start;
+  for (; x + lanes < end; x += lanes) StoreMasked(row + x, ~uint64_t{0}, value);
+  StoreMasked(row + x, _bzhi_u64(~uint64_t{0}, static_cast<uint32_t>(end - x)), value);
+}
+
+// With masked stores a row can be cleared and its runs written exactly.
+template <class T>
+ZEL_INLINE void LabelsOfRow(T* row, int32_t width, const Run* runs, const uint32_t* labels,
+                            const uint32_t* numbers) {
+  FillMasked<T>(row, 0, width, 0);
+  for (; runs->start < width; runs++, labels++) {
+    FillMasked<T>(row, runs->start, runs->end, static_cast<T>(numbers[*labels]));
+  }
+}
+#else
 template <class T>
 ZEL_INLINE void LabelsOfRow(T* row, int32_t width, const Run* runs, const uint32_t* labels,
                             const uint32_t* numbers) {
@@ -207,6 +235,7 @@ ZEL_INLINE void LabelsOfRow(T* row, int32_t width, const Run* runs, const uint32
   writer.Fill(x, width, 0);
   writer.Finish();
 }
+#endif
 
 void LabelsU8(void* row, int32_t width, const Run* runs, const uint32_t* labels,
               const uint32_t* numbers) {

@@ -66,8 +66,28 @@ void ColumnsReplicate(const BorderFrame& frame) {
   }
 }
 
+template <size_t SideBytes>
+void ColumnsZeroOf(const BorderFrame& frame) {
+  for (int64_t y = 0; y < frame.height; y++) {
+    uint8_t* row = frame.Line(y) + frame.leftPad * frame.pixelBytes;
+    std::memset(row - SideBytes, 0, SideBytes);
+    std::memset(row + frame.width * frame.pixelBytes, 0, SideBytes);
+  }
+}
+
+// Particle work clears one or two columns on each call: single stores, not calls for each row.
 void ColumnsZero(const BorderFrame& frame) {
   const size_t sideBytes = static_cast<size_t>(frame.border * frame.pixelBytes);
+  switch (sideBytes) {
+    case 1:
+      return ColumnsZeroOf<1>(frame);
+    case 2:
+      return ColumnsZeroOf<2>(frame);
+    case 4:
+      return ColumnsZeroOf<4>(frame);
+    default:
+      break;
+  }
   for (int64_t y = 0; y < frame.height; y++) {
     uint8_t* row = frame.Line(y) + frame.leftPad * frame.pixelBytes;
     std::memset(row - sideBytes, 0, sideBytes);
