@@ -38,7 +38,7 @@ class ParticleSweep {
  public:
   ParticleSweep(const PixelBits& bits, bool connectivity8, float xStep, float yStep)
       : bits_(bits),
-        holes_(runs_, &labels_, &sets_, &lastRows_, connectivity8),
+        holes_(runs_, &labels_, &sets_, &lastRows_, &neighbours_, connectivity8),
         connectivity8_(connectivity8),
         xStep_(xStep),
         yStep_(yStep) {}
@@ -51,6 +51,10 @@ class ParticleSweep {
  private:
   bool MakeRoom(uint64_t sets);
   bool AddRow(int32_t y);
+  void NotePassed(uint32_t above, uint32_t place) {
+    uint32_t& first = neighbours_.firstBelow[above];
+    if (first == 0) first = place;
+  }
   uint32_t NewParticle(int32_t x, int32_t y);
   uint32_t Merge(uint32_t a, uint32_t b);
   bool AddHole(uint32_t particle, int32_t y, uint32_t place);
@@ -59,6 +63,7 @@ class ParticleSweep {
   RunTable runs_;
   WorkArray<uint32_t> labels_;  // by place in the run table: the run's set when it was added
   DisjointSets sets_;
+  RunNeighbours neighbours_;
   HoleFinder holes_;
   bool connectivity8_;
   float xStep_, yStep_;
@@ -107,7 +112,8 @@ bool LongestIsBetter(const ParticleReport& a, const ParticleReport& b) {
 }
 
 bool ParticleSweep::Sweep() {
-  if (!runs_.Extract(bits_) || !labels_.Allocate(runs_.size()) || !sets_.Create(runs_.size())) {
+  if (!runs_.Extract(bits_) || !labels_.Allocate(runs_.size()) || !sets_.Create(runs_.size()) ||
+      !neighbours_.Create(runs_.size())) {
     return false;
   }
   for (int32_t y = 0; y < runs_.height(); y++) {
@@ -143,14 +149,16 @@ bool ParticleSweep::AddRow(int32_t y) {
   uint32_t above = runs_.RowBegin(y - 1);
   for (uint32_t place = runs_.RowBegin(y); place < rowEnd; place++) {
     const Run run = runs_[place];
-    while (runs_[above].end + reach <= run.start) above++;
+    for (; runs_[above].end + reach <= run.start; above++) NotePassed(above, place);
     const uint32_t first = above;
+    neighbours_.firstAbove[place] = first;
     uint32_t set = 0;
     int32_t overlap = 0;
     if (runs_[first].start >= run.end + reach) {
       set = NewParticle(run.start, y);
     } else {
-      while (runs_[above + 1].start < run.end + reach) above++;
+      NotePassed(above, place);
+      while (runs_[above + 1].start < run.end + reach) NotePassed(++above, place);
       set = sets_.Find(labels_[above]);
       overlap = Overlap(runs_[above], run);
       for (uint32_t link = above; link-- > first;) {

@@ -1,8 +1,6 @@
 // Holes as connected gaps between runs.
 #include "analysis/particle_holes.h"
 
-#include <algorithm>
-
 namespace zel {
 
 bool HoleFinder::Prepare() {
@@ -50,15 +48,14 @@ bool HoleFinder::Push(Gap gap) {
   return true;
 }
 
-// The gaps of row y that overlap the columns from start to end.
-bool HoleFinder::PushNeighbours(int32_t y, int32_t start, int32_t end, uint32_t lastPlace) {
-  if (y < 0) return true;
-  const Run* row = runs_.data() + runs_.RowBegin(y);
-  const Run* rowEnd = runs_.data() + runs_.RowEnd(y);
-  const Run* right = std::partition_point(row, rowEnd, [=](Run run) { return run.end <= start; });
-  const auto rightPlace = static_cast<uint32_t>(right - runs_.data());
-  uint32_t left = WallAtOrBefore(rightPlace - 1);
-  if (runs_[left].start == RUN_SENTINEL.start) left = WallAtOrBehind(rightPlace);
+// The gaps of row y that overlap the columns from start to end, up to that behind lastPlace. No run
+// of the row before `from` ends beyond the start.
+bool HoleFinder::PushNeighbours(int32_t y, uint32_t from, int32_t start, int32_t end,
+                                uint32_t lastPlace) {
+  uint32_t right = from;
+  while (runs_[right].end <= start) right++;
+  uint32_t left = WallAtOrBefore(right - 1);
+  if (runs_[left].start == RUN_SENTINEL.start) left = WallAtOrBehind(right);
   while (left <= lastPlace && runs_[left].end < end) {
     const uint32_t next = WallAtOrBehind(left + 1);
     const int32_t nextStart = runs_[next].start;
@@ -85,9 +82,14 @@ bool HoleFinder::Find(int32_t y, uint32_t place, HoleShape* hole) {
       hole->x = start;
       hole->y = gap.y;
     }
-    if (!PushNeighbours(gap.y - 1, start - reach_, end + reach_, UINT32_MAX)) return false;
-    const uint32_t lastPlace = gap.y + 1 == y ? place : UINT32_MAX;
-    if (gap.y < y && !PushNeighbours(gap.y + 1, start - reach_, end + reach_, lastPlace)) {
+    if (gap.y > 0 && !PushNeighbours(gap.y - 1, neighbours_->firstAbove[gap.left], start - reach_,
+                                     end + reach_, UINT32_MAX)) {
+      return false;
+    }
+    if (gap.y == y) continue;
+    const uint32_t below = neighbours_->firstBelow[gap.left];
+    if (!PushNeighbours(gap.y + 1, below != 0 ? below : runs_.RowEnd(gap.y + 1), start - reach_,
+                        end + reach_, gap.y + 1 == y ? place : UINT32_MAX)) {
       return false;
     }
   }
