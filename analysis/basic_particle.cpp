@@ -13,18 +13,20 @@ constexpr int32_t FARTHEST_START = 65535;
 
 // Until all runs are in, a rectangle's width and height hold its right and bottom ends.
 void ParticlesSum(const ParticleRuns& particles, double pixelArea, BasicParticleReport* reports) {
-  for (int32_t i = 0; i < particles.count; i++) {
-    reports[i] = {0, 0.0f, {FARTHEST_START, FARTHEST_START, 0, 0}};
-  }
   const RunTable& runs = particles.runs;
   const uint32_t* numbers = particles.numbers.Numbers();
+  uint32_t begun = 0;  // particles appear in the order of their numbers
   for (int32_t y = 0; y < runs.height(); y++) {
     for (uint32_t i = runs.RowBegin(y); i < runs.RowEnd(y); i++) {
       const Run run = runs[i];
-      BasicParticleReport& report = reports[numbers[particles.labels[i]] - 1];
+      const uint32_t number = numbers[particles.labels[i]];
+      BasicParticleReport& report = reports[number - 1];
+      if (number > begun) {
+        begun = number;
+        report = {0, 0.0f, {std::min(y, FARTHEST_START), FARTHEST_START, 0, 0}};
+      }
       report.area += run.end - run.start;
       report.rect.left = std::min(report.rect.left, run.start);
-      report.rect.top = std::min(report.rect.top, y);
       report.rect.width = std::max(report.rect.width, run.end);
       report.rect.height = y + 1;
     }
