@@ -1,4 +1,6 @@
 // Equalisation: a lookup that spreads the levels of an image by its histogram.
+#include <cmath>
+
 #include "analysis/histogram.h"
 #include "core/heap.h"
 #include "point/lookup.h"
@@ -17,7 +19,9 @@ struct ClassCounts {
   double width;  // of a class
 
   int32_t ClassOf(double value) const {
-    return CutLimited((value - first) / width, 0, classes - 1);
+    const double distance = value - first;
+    // A division by 1 changes nothing but takes its time.
+    return CutLimited(width == 1.0 ? distance : distance / width, 0, classes - 1);
   }
 };
 
@@ -52,23 +56,36 @@ Equalizer EqualizerOf(const ClassCounts& histogram, const LookupLimits& limits) 
   return equalizer;
 }
 
+// The first level behind a run of one class. The class rises or falls with the level and never
+// turns, so that a level of the same class farther on has only such levels before it.
+int64_t RunEnd(const ClassCounts& histogram, int64_t level, int64_t last, int32_t runClass) {
+  const auto within = [&](int64_t at) {
+    return at <= last && histogram.ClassOf(static_cast<double>(at)) == runClass;
+  };
+  int64_t step = 1;
+  while (within(level + step)) step *= 2;
+  int64_t inside = level + step / 2;
+  int64_t outside = level + step;
+  while (outside - inside > 1) {
+    const int64_t middle = (inside + outside) / 2;
+    (within(middle) ? inside : outside) = middle;
+  }
+  return outside;
+}
+
 // Entries of the levels in the range; all others stay 0. A class counts when the walk over the
 // levels enters it: classes narrower than a level may be passed over.
 void EqualizeTable(const ClassCounts& histogram, const Equalizer& equalizer,
                    const LookupLimits& limits, uint16_t* table) {
-  const auto rangeMax = static_cast<double>(limits.rangeMax);
+  const int64_t last = CutSaturated(std::floor(static_cast<double>(limits.rangeMax)));
   double sum = 0.0;
-  int32_t entered = -1;
-  uint16_t entry = 0;
-  for (int64_t level = CutSaturated(static_cast<double>(limits.rangeMin));
-       static_cast<double>(level) <= rangeMax; level++) {
-    const int32_t c = histogram.ClassOf(static_cast<double>(level));
-    if (c != entered) {
-      entered = c;
-      sum += histogram.counts[c];
-      entry = CutLow<uint16_t>(equalizer.Value(sum, 0.5));
-    }
-    table[static_cast<uint16_t>(level)] = entry;
+  int64_t level = CutSaturated(static_cast<double>(limits.rangeMin));
+  while (level <= last) {
+    const int32_t runClass = histogram.ClassOf(static_cast<double>(level));
+    const int64_t end = RunEnd(histogram, level, last, runClass);
+    sum += histogram.counts[runClass];
+    const auto entry = CutLow<uint16_t>(equalizer.Value(sum, 0.5));
+    for (; level < end; level++) table[static_cast<uint16_t>(level)] = entry;
   }
 }
 
@@ -127,6 +144,14 @@ void EqualizeKernel(ImageRef source, ImageRef mask, ImageRef destination,
 // The histogram of the selected pixels over their whole range.
 void CountClasses(ImageRef source, ImageRef mask, uint32_t (&counts)[CLASSES],
                   HistogramReport* report, Status* status) {
+  PixelRegion region{};
+  PixelRegionOf(source, mask, &region, status);
+  if (*status != STATUS_OK) return;
+  if (region.type == IMAGE_U8) {  // a class for each level; no other figures are asked for
+    CountLevels(region, counts);
+    report->interval = 1.0f;
+    return;
+  }
   ScopedWrap wrap;
   *status = wrap.Create(counts, sizeof(uint32_t), CLASSES, 0, 0);
   if (*status != STATUS_OK) return;

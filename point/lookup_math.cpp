@@ -17,8 +17,12 @@ struct MathLaw {
   long double span;      // O: what the results run up to
   long double exponent;  // of the power laws
   long double first;     // e^k, where the exponential law begins
-  long double last;      // ln(R), e^(k R) - e^k, the root of R or R^exponent - 1
-  double factor;         // span / last where 64 bits can hold it, else NaN
+  long double last;      // what the law's function gives for R
+  // The same for the estimate.
+  double estimateFactor;  // span / last where 64 bits can hold it, else NaN
+  double estimateFirst;
+  double estimateExponent;
+  double inverseRange;
 };
 
 const long double EXP_RATE = std::log(10.0L) * 0.01L;
@@ -47,59 +51,56 @@ struct Estimate {
   double error;  // the true value is nowhere farther from `value`; NaN where nothing is known
 };
 
-// The same in 64-bit floats. Each rounding, and each library function, is taken to be off by less
-// than UNIT of its result, and d by less than UNIT of itself; the errors below are generous sums.
+// Each rounding, and each library function, is taken to be off by less than UNIT of its result, and
+// d by less than UNIT of itself; the errors below are generous sums.
 Estimate LawEstimate(const MathLaw& law, double d) {
   constexpr double UNIT = std::numeric_limits<double>::epsilon();  // two halves of a last place
+  const double factor = law.estimateFactor;
   switch (law.operation) {
     case MATH_LINEAR: {
-      const double value = d * static_cast<double>(law.span) / static_cast<double>(law.range);
+      const double value = d * factor;
       return {value, 8.0 * UNIT * std::fabs(value)};
     }
     case MATH_LOG: {
       const double log = std::log(d);
-      const double value = log * law.factor;
-      return {value, 8.0 * UNIT * (std::fabs(log) + 1.0) * std::fabs(law.factor)};
+      return {log * factor, 8.0 * UNIT * (std::fabs(log) + 1.0) * std::fabs(factor)};
     }
     case MATH_EXP: {
-      const double rate = static_cast<double>(EXP_RATE);
-      const double power = std::exp(rate * d);
-      const double value = (power - static_cast<double>(law.first)) * law.factor;
-      const double relative = 8.0 * UNIT * (rate * d + 1.0);
-      return {value, relative * (power + 2.0) * std::fabs(law.factor)};
+      const double position = static_cast<double>(EXP_RATE) * d;
+      const double power = std::exp(position);
+      const double relative = 8.0 * UNIT * (position + 1.0);
+      return {(power - law.estimateFirst) * factor, relative * (power + 2.0) * std::fabs(factor)};
     }
     case MATH_SQUARE: {
-      const double scaled = d * static_cast<double>(law.span) / static_cast<double>(law.range);
-      const double value = scaled * scaled / static_cast<double>(law.span);
+      const double value = (d * factor) * (d * law.inverseRange);
       return {value, 16.0 * UNIT * std::fabs(value)};
     }
     case MATH_SQRT: {
-      const double value = std::sqrt(d) * law.factor;
+      const double value = std::sqrt(d) * factor;
       return {value, 8.0 * UNIT * std::fabs(value)};
     }
     default: {
-      const double exponent = static_cast<double>(law.exponent);
-      const double power = std::pow(d, exponent);
-      const double value = (power - 1.0) * law.factor;
+      const double power = std::pow(d, law.estimateExponent);
       // The exponent is off by a rounding, which counts by the logarithm of d: below 104.
-      const double relative = 8.0 * UNIT * (104.0 * std::fabs(exponent) + 1.0);
-      return {value, relative * (power + 1.0) * std::fabs(law.factor)};
+      const double relative = 8.0 * UNIT * (104.0 * std::fabs(law.estimateExponent) + 1.0);
+      return {(power - 1.0) * factor, relative * (power + 1.0) * std::fabs(factor)};
     }
   }
 }
 
-// The law's value plus a constant, as a 32-bit float.
-float LawStored(const MathLaw& law, long double d, float added) {
-  const Estimate estimate = LawEstimate(law, static_cast<double>(d));
+// The law's value at the distance of a pixel from an origin, plus a constant, as a 32-bit float.
+float LawStored(const MathLaw& law, double pixel, double origin, float added) {
+  const Estimate estimate = LawEstimate(law, pixel - origin);
   const double sum = estimate.value + static_cast<double>(added);
   const double error =
       estimate.error + 2.0 * std::numeric_limits<double>::epsilon() * std::fabs(sum);
   const auto lowest = static_cast<float>(sum - error);
   const auto highest = static_cast<float>(sum + error);
-  // Not true for NaN; results near 0 are left to the full width for the sake of their sign, and
-  // those near the ends of the exponents because the errors above don't cover them.
+  // Not true for NaN. Results near 0 are left to the full width for the sake of their sign, and
+  // because the errors above don't cover the ends of the exponents.
   constexpr float TINY = 1e-30f;
   if (lowest == highest && std::fabs(lowest) > TINY) return lowest;
+  const long double d = static_cast<long double>(pixel) - static_cast<long double>(origin);
   return static_cast<float>(LawValue(law, d) + static_cast<long double>(added));
 }
 
@@ -128,14 +129,18 @@ MathLaw LawOf(int32_t operation, float x, const LookupLimits& limits) {
       law.last = std::pow(law.range, law.exponent) - 1.0L;
       break;
     default:
+      law.last = law.range;
       break;
   }
-  // Within these bounds no product above leaves the 64-bit exponents unnoticed.
+  // Within these bounds no product of the estimate leaves the 64-bit exponents unnoticed.
   constexpr long double LARGEST = 1e200L;
-  const long double factor = std::fabs(law.span / law.last);
-  const bool held = factor > 1.0L / LARGEST && factor < LARGEST;
-  law.factor =
-      held ? static_cast<double>(law.span / law.last) : std::numeric_limits<double>::quiet_NaN();
+  const long double factor = law.span / law.last;
+  const bool held = std::fabs(factor) > 1.0L / LARGEST && std::fabs(factor) < LARGEST;
+  law.estimateFactor =
+      held ? static_cast<double>(factor) : std::numeric_limits<double>::quiet_NaN();
+  law.estimateFirst = static_cast<double>(law.first);
+  law.estimateExponent = static_cast<double>(law.exponent);
+  law.inverseRange = 1.0 / range;
   return law;
 }
 
@@ -155,9 +160,10 @@ struct LevelLaw {
   uint16_t Entry(int64_t level) const {
     if (level < first) return 0;
     if (level > last) return above;
-    const int64_t d = level - first;
-    if (d == 0 && noValueAtZero) return 0;
-    return CutLow<uint16_t>(static_cast<double>(LawStored(law, static_cast<long double>(d), 0.0f)));
+    if (level == first && noValueAtZero) return 0;
+    const float value =
+        LawStored(law, static_cast<double>(level), static_cast<double>(first), 0.0f);
+    return CutLow<uint16_t>(static_cast<double>(value));
   }
 };
 
@@ -207,8 +213,8 @@ void MathLookupI16(const LookupOperation& operation, const LevelLaw& levels,
 float MathSgl(const MathLaw& law, const LookupLimits& limits, float pixel) {
   if (pixel <= limits.rangeMin) return 0.0f;
   if (pixel > limits.rangeMax) return limits.high;
-  const long double d = static_cast<long double>(pixel) - static_cast<long double>(limits.rangeMin);
-  const float value = LawStored(law, d, limits.low);
+  const float value =
+      LawStored(law, static_cast<double>(pixel), static_cast<double>(limits.rangeMin), limits.low);
   return !(value >= limits.low) ? limits.low : !(value <= limits.high) ? limits.high : value;
 }
 

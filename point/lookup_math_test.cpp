@@ -61,10 +61,10 @@ double PixelOf(const TestImage& image, int32_t x, int32_t y) {
 bool Selects(const TestImage* mask, int32_t x, int32_t y) {
   if (!mask) return true;
   const ImageInfo info = mask->Info();
-  const int32_t maskX = x - info.offsetX;
-  const int32_t maskY = y - info.offsetY;
+  const int64_t maskX = int64_t{x} - info.offsetX;
+  const int64_t maskY = int64_t{y} - info.offsetY;
   return maskX >= 0 && maskY >= 0 && maskX < info.width && maskY < info.height &&
-         mask->Get<uint8_t>(maskX, maskY) != 0;
+         mask->Get<uint8_t>(static_cast<int32_t>(maskX), static_cast<int32_t>(maskY)) != 0;
 }
 
 struct Arguments {

@@ -155,16 +155,36 @@ void MapU8(const LookupOperation& operation, const uint8_t* table) {
 
 #endif
 
-// Four pixels through one load and one store; the bound is then the table's own loads.
-ZEL_INLINE void MapFour(const uint16_t* from, uint16_t* to, const uint16_t* table) {
+// Pixels leave in groups, through one store each; the bound is then the table's own loads.
+#if defined(ZEL_LEVEL_v3) || defined(ZEL_LEVEL_v4)
+
+constexpr int64_t STORED_PIXELS = 8;
+
+ZEL_INLINE __m128i MappedFour(const uint16_t* from, const uint16_t* table) {
   uint64_t levels = 0;
   std::memcpy(&levels, from, sizeof levels);
-  uint64_t results = 0;
-  for (int32_t shift = 0; shift < 64; shift += 16) {
-    results |= uint64_t{table[(levels >> shift) & 0xFFFF]} << shift;
-  }
-  std::memcpy(to, &results, sizeof results);
+  __m128i results = _mm_cvtsi32_si128(table[levels & 0xFFFF]);
+  results = _mm_insert_epi16(results, table[(levels >> 16) & 0xFFFF], 1);
+  results = _mm_insert_epi16(results, table[(levels >> 32) & 0xFFFF], 2);
+  return _mm_insert_epi16(results, table[levels >> 48], 3);
 }
+
+ZEL_INLINE void MapStored(const uint16_t* from, uint16_t* to, const uint16_t* table) {
+  const __m128i results = _mm_unpacklo_epi64(MappedFour(from, table), MappedFour(from + 4, table));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(to), results);
+}
+
+#else
+
+constexpr int64_t STORED_PIXELS = 4;
+
+ZEL_INLINE void MapStored(const uint16_t* from, uint16_t* to, const uint16_t* table) {
+  uint16_t results[STORED_PIXELS];
+  for (int64_t i = 0; i < STORED_PIXELS; i++) results[i] = table[from[i]];
+  std::memcpy(to, results, sizeof results);
+}
+
+#endif
 
 void MapI16(const LookupOperation& operation, const uint16_t* table) {
   const int64_t width = operation.width;
@@ -172,8 +192,8 @@ void MapI16(const LookupOperation& operation, const uint16_t* table) {
     const auto* from = operation.SourceRow<uint16_t>(y);
     auto* to = operation.DestinationRow<uint16_t>(y);
     const uint8_t* mask = operation.mask ? operation.MaskRow(y) : nullptr;
-    const int64_t grouped = mask ? 0 : width & ~int64_t{3};
-    for (int64_t x = 0; x < grouped; x += 4) MapFour(from + x, to + x, table);
+    const int64_t grouped = mask ? 0 : width & ~(STORED_PIXELS - 1);
+    for (int64_t x = 0; x < grouped; x += STORED_PIXELS) MapStored(from + x, to + x, table);
     MapPixels(from, to, mask, grouped, width, table);
   }
 }

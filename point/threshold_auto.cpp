@@ -6,6 +6,7 @@
 #include "core/arrays.h"
 #include "core/kernels.h"
 #include "core/numbers.h"
+#include "point/threshold_rows.h"
 
 namespace zel {
 namespace {
@@ -43,6 +44,10 @@ struct Weight {
   void Add(int32_t level, uint32_t pixels) {
     count += pixels;
     sum += static_cast<uint64_t>(level) * pixels;
+  }
+  void Remove(int32_t level, uint32_t pixels) {
+    count -= pixels;
+    sum -= static_cast<uint64_t>(level) * pixels;
   }
   double Mean() const { return static_cast<double>(sum) / static_cast<double>(count); }
 };
@@ -139,18 +144,29 @@ LevelSpan SpanOf(const LevelCounts& counts) {
 
 // The least sum of distances to the means of the two classes.
 int32_t ThresholdByMetric(const LevelCounts& counts, LevelSpan span) {
-  const auto deviation = [&counts](int32_t from, int32_t to) {
-    const Weight weight = WeightOf(counts, from, to);
-    if (weight.count == 0) return 0.0;
-    const double mean = weight.Mean();
-    double sum = 0.0;
-    for (int32_t level = from; level < to; level++) sum += std::fabs(level - mean) * counts[level];
-    return sum;
-  };
+  double meansBelow[LEVELS_U8];
+  double meansFrom[LEVELS_U8];
+  Weight below{};
+  Weight from = WeightOf(counts, span.low, span.high + 1);
+  for (int32_t split = span.low; split <= span.high; split++) {
+    meansBelow[split] = below.Mean();
+    meansFrom[split] = from.Mean();
+    below.Add(split, counts[split]);
+    from.Remove(split, counts[split]);
+  }
+  double sumsBelow[LEVELS_U8];
+  double sumsFrom[LEVELS_U8];
+  thresholdRows().deviations({.low = span.low,
+                              .high = span.high,
+                              .counts = counts,
+                              .meansBelow = meansBelow,
+                              .meansFrom = meansFrom,
+                              .sumsBelow = sumsBelow,
+                              .sumsFrom = sumsFrom});
   double best = 1e30;
   int32_t threshold = span.low;
   for (int32_t split = span.low; split <= span.high; split++) {
-    const double sum = deviation(span.low, split) + deviation(split, span.high + 1);
+    const double sum = sumsBelow[split] + sumsFrom[split];
     if (sum < best) {
       best = sum;
       threshold = split;

@@ -2,13 +2,19 @@
 #include "point/threshold_rows.h"
 
 #include <bit>
+#include <cstring>
 #include <type_traits>
 
 namespace zel::ZEL_LEVEL {
 namespace {
 
-// Pixels go through the classes in groups that stay in registers or the nearest cache.
+// Pixels go through the classes in groups that stay in the nearest cache; a last, smaller group is
+// worked out in full all the same.
 constexpr int32_t GROUP = 128;
+
+ZEL_INLINE int32_t GroupSize(const LookupOperation& operation, int64_t x) {
+  return operation.width - x < GROUP ? static_cast<int32_t>(operation.width - x) : GROUP;
+}
 
 template <class T, bool keep>
 ZEL_INLINE void IntegerRange(const LookupOperation& operation, T lowest, T highest, T replacement) {
@@ -61,65 +67,91 @@ void RangeSgl(const LookupOperation& operation, const ThresholdRange<float>& ran
   }
 }
 
+// Settles a group of pixels by one more range: those within it take its value, whatever they had.
+ZEL_INLINE void RangeOverGroup(const int16_t* pixels, int16_t* results,
+                               const ThresholdRange<int16_t>& range) {
+  const int16_t low = range.low;
+  const int16_t high = range.high;
+  const auto kept = static_cast<int16_t>(range.keep ? -1 : 0);
+  const auto value = static_cast<int16_t>(range.keep ? 0 : range.value);
+#pragma GCC ivdep
+  for (int32_t i = 0; i < GROUP; i++) {
+    const int16_t pixel = pixels[i];
+    const auto taken = static_cast<int16_t>(-((pixel >= low) & (pixel <= high)));
+    results[i] = static_cast<int16_t>((((pixel & kept) | value) & taken) | (results[i] & ~taken));
+  }
+}
+
 void RangesI16(const LookupOperation& operation, const ThresholdRange<int16_t>* ranges,
                int32_t count) {
   for (int64_t y = 0; y < operation.height; y++) {
     const auto* from = operation.SourceRow<int16_t>(y);
     auto* to = operation.DestinationRow<int16_t>(y);
-    for (int32_t x = 0; x < operation.width; x += GROUP) {
-      const int32_t size = operation.width - x < GROUP ? operation.width - x : GROUP;
-      int16_t pixels[GROUP];
-      int16_t results[GROUP];
-      for (int32_t i = 0; i < size; i++) {
-        pixels[i] = from[x + i];
-        results[i] = 0;
-      }
-      for (int32_t c = 0; c < count; c++) {
-        const ThresholdRange<int16_t> range = ranges[c];
-        const auto kept = static_cast<int16_t>(range.keep ? -1 : 0);
-        const auto value = static_cast<int16_t>(range.keep ? 0 : range.value);
-        for (int32_t i = 0; i < size; i++) {
-          const int16_t pixel = pixels[i];
-          const bool inside = (pixel >= range.low) & (pixel <= range.high);
-          const auto result = static_cast<int16_t>((pixel & kept) | value);
-          results[i] = inside ? result : results[i];
-        }
-      }
-      for (int32_t i = 0; i < size; i++) to[x + i] = results[i];
+    for (int64_t x = 0; x < operation.width; x += GROUP) {
+      const int32_t size = GroupSize(operation, x);
+      int16_t pixels[GROUP] = {};
+      int16_t results[GROUP] = {};
+      std::memcpy(pixels, from + x, static_cast<size_t>(size) * sizeof(int16_t));
+      for (int32_t c = 0; c < count; c++) RangeOverGroup(pixels, results, ranges[c]);
+      std::memcpy(to + x, results, static_cast<size_t>(size) * sizeof(int16_t));
     }
+  }
+}
+
+// The same by one more class, for pixels that have no result but zero yet. All in bits, since a
+// result may be a NaN or a negative zero.
+ZEL_INLINE void ClassOverGroup(const float* pixels, uint32_t* results,
+                               const ThresholdClass& given) {
+  const float low = given.rangeMin;
+  const float high = given.rangeMax;
+  const uint32_t value = given.useNew != 0 ? std::bit_cast<uint32_t>(given.newValue) : 0;
+  const uint32_t kept = given.useNew != 0 ? 0 : ~0u;
+#pragma GCC ivdep
+  for (int32_t i = 0; i < GROUP; i++) {
+    const float pixel = pixels[i];
+    const uint32_t above = pixel >= low ? ~0u : 0;
+    const uint32_t below = pixel <= high ? ~0u : 0;
+    const uint32_t searching = (results[i] << 1) == 0 ? ~0u : 0;
+    const uint32_t taken = above & below & searching;
+    const uint32_t result = (std::bit_cast<uint32_t>(pixel) & kept) | value;
+    results[i] = (result & taken) | (results[i] & ~taken);
   }
 }
 
 void ClassesSgl(const LookupOperation& operation, const ThresholdClass* classes, int32_t count) {
   for (int64_t y = 0; y < operation.height; y++) {
     const auto* from = operation.SourceRow<float>(y);
-    auto* to = operation.DestinationRow<uint32_t>(y);
-    for (int32_t x = 0; x < operation.width; x += GROUP) {
-      const int32_t size = operation.width - x < GROUP ? operation.width - x : GROUP;
-      float pixels[GROUP];
-      uint32_t results[GROUP];
-      for (int32_t i = 0; i < size; i++) {
-        pixels[i] = from[x + i];
-        results[i] = 0;
-      }
-      for (int32_t c = 0; c < count; c++) {
-        const float low = classes[c].rangeMin;
-        const float high = classes[c].rangeMax;
-        const bool replaces = classes[c].useNew != 0;
-        const uint32_t value = replaces ? std::bit_cast<uint32_t>(classes[c].newValue) : 0;
-        const uint32_t kept = replaces ? 0 : ~0u;
-        for (int32_t i = 0; i < size; i++) {
-          const float pixel = pixels[i];
-          const uint32_t above = pixel >= low ? ~0u : 0;
-          const uint32_t below = pixel <= high ? ~0u : 0;
-          // The search is over once any bit but the sign is set.
-          const uint32_t searching = (results[i] << 1) == 0 ? ~0u : 0;
-          const uint32_t result = (std::bit_cast<uint32_t>(pixel) & kept) | value;
-          const uint32_t taken = above & below & searching;
-          results[i] = (result & taken) | (results[i] & ~taken);
-        }
-      }
-      for (int32_t i = 0; i < size; i++) to[x + i] = results[i];
+    auto* to = operation.DestinationRow<float>(y);
+    for (int64_t x = 0; x < operation.width; x += GROUP) {
+      const int32_t size = GroupSize(operation, x);
+      float pixels[GROUP] = {};
+      uint32_t results[GROUP] = {};
+      std::memcpy(pixels, from + x, static_cast<size_t>(size) * sizeof(float));
+      for (int32_t c = 0; c < count; c++) ClassOverGroup(pixels, results, classes[c]);
+      std::memcpy(to + x, results, static_cast<size_t>(size) * sizeof(float));
+    }
+  }
+}
+
+// Level by level for all splits, not split by split: the additions for one split keep their order,
+// and those of neighbouring splits run side by side.
+void Deviations(const SplitDeviations& splits) {
+  const int32_t high = splits.high;
+  const double* meansBelow = splits.meansBelow;
+  const double* meansFrom = splits.meansFrom;
+  double* sumsBelow = splits.sumsBelow;
+  double* sumsFrom = splits.sumsFrom;
+  for (int32_t split = splits.low; split <= high; split++) sumsBelow[split] = sumsFrom[split] = 0.0;
+  for (int32_t level = splits.low; level <= high; level++) {
+    const double count = splits.counts[level];
+    if (count == 0.0) continue;
+#pragma GCC ivdep
+    for (int32_t split = splits.low; split <= level; split++) {
+      sumsFrom[split] += __builtin_fabs(level - meansFrom[split]) * count;
+    }
+#pragma GCC ivdep
+    for (int32_t split = level + 1; split <= high; split++) {
+      sumsBelow[split] += __builtin_fabs(level - meansBelow[split]) * count;
     }
   }
 }
@@ -132,6 +164,7 @@ extern const ThresholdRows thresholdRows = {
     .rangeSgl = &RangeSgl,
     .rangesI16 = &RangesI16,
     .classesSgl = &ClassesSgl,
+    .deviations = &Deviations,
 };
 
 }  // namespace zel::ZEL_LEVEL

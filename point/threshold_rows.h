@@ -14,7 +14,18 @@ struct ThresholdRange {
   bool keep;
 };
 
-// All loops take every pixel of the operation: masks are not looked at.
+// For each level from `low` to `high` as a split of a histogram: the means of the levels below it
+// and of the others, and the sums of all distances to these. There is no mean below `low`.
+struct SplitDeviations {
+  int32_t low, high;
+  const uint32_t* counts;  // LEVELS_U8, as all arrays
+  const double* meansBelow;
+  const double* meansFrom;
+  double* sumsBelow;
+  double* sumsFrom;
+};
+
+// All image loops take every pixel of the operation: masks are not looked at.
 struct ThresholdRows {
   void (*rangeU8)(const LookupOperation& operation, const ThresholdRange<uint8_t>& range);
   void (*rangeI16)(const LookupOperation& operation, const ThresholdRange<int16_t>& range);
@@ -25,6 +36,7 @@ struct ThresholdRows {
   // A pixel in several classes goes by the first of them that makes it other than 0.
   void (*classesSgl)(const LookupOperation& operation, const ThresholdClass* classes,
                      int32_t count);
+  void (*deviations)(const SplitDeviations& splits);
 };
 
 ZEL_ROW_TABLE(ThresholdRows, thresholdRows)
