@@ -19,9 +19,7 @@ struct ClassCounts {
   double width;  // of a class
 
   int32_t ClassOf(double value) const {
-    const double distance = value - first;
-    // A division by 1 changes nothing but takes its time.
-    return CutLimited(width == 1.0 ? distance : distance / width, 0, classes - 1);
+    return CutLimited((value - first) / width, 0, classes - 1);
   }
 };
 
@@ -80,9 +78,13 @@ void EqualizeTable(const ClassCounts& histogram, const Equalizer& equalizer,
   const int64_t last = CutSaturated(std::floor(static_cast<double>(limits.rangeMax)));
   double sum = 0.0;
   int64_t level = CutSaturated(static_cast<double>(limits.rangeMin));
+  // The usual histogram of bytes needs no search.
+  const bool levelsAreClasses =
+      histogram.first == 0.0 && histogram.width == 1.0 && level >= 0 && last < histogram.classes;
   while (level <= last) {
-    const int32_t runClass = histogram.ClassOf(static_cast<double>(level));
-    const int64_t end = RunEnd(histogram, level, last, runClass);
+    const int32_t runClass = levelsAreClasses ? static_cast<int32_t>(level)
+                                              : histogram.ClassOf(static_cast<double>(level));
+    const int64_t end = levelsAreClasses ? level + 1 : RunEnd(histogram, level, last, runClass);
     sum += histogram.counts[runClass];
     const auto entry = CutLow<uint16_t>(equalizer.Value(sum, 0.5));
     for (; level < end; level++) table[static_cast<uint16_t>(level)] = entry;

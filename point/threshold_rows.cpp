@@ -8,9 +8,10 @@
 namespace zel::ZEL_LEVEL {
 namespace {
 
-// Pixels go through the classes in groups that stay in the nearest cache; a last, smaller group is
-// worked out in full all the same.
-constexpr int32_t GROUP = 128;
+// Pixels go through the classes in groups that stay in the nearest cache. A last, smaller one is
+// filled up to whole vectors.
+constexpr int32_t GROUP = 512;
+constexpr int32_t FILLED = 32;
 
 ZEL_INLINE int32_t GroupSize(const LookupOperation& operation, int64_t x) {
   return operation.width - x < GROUP ? static_cast<int32_t>(operation.width - x) : GROUP;
@@ -68,14 +69,14 @@ void RangeSgl(const LookupOperation& operation, const ThresholdRange<float>& ran
 }
 
 // Settles a group of pixels by one more range: those within it take its value, whatever they had.
-ZEL_INLINE void RangeOverGroup(const int16_t* pixels, int16_t* results,
+ZEL_INLINE void RangeOverGroup(const int16_t* pixels, int16_t* results, int32_t filled,
                                const ThresholdRange<int16_t>& range) {
   const int16_t low = range.low;
   const int16_t high = range.high;
   const auto kept = static_cast<int16_t>(range.keep ? -1 : 0);
   const auto value = static_cast<int16_t>(range.keep ? 0 : range.value);
 #pragma GCC ivdep
-  for (int32_t i = 0; i < GROUP; i++) {
+  for (int32_t i = 0; i < filled; i++) {
     const int16_t pixel = pixels[i];
     const auto taken = static_cast<int16_t>(-((pixel >= low) & (pixel <= high)));
     results[i] = static_cast<int16_t>((((pixel & kept) | value) & taken) | (results[i] & ~taken));
@@ -89,10 +90,11 @@ void RangesI16(const LookupOperation& operation, const ThresholdRange<int16_t>* 
     auto* to = operation.DestinationRow<int16_t>(y);
     for (int64_t x = 0; x < operation.width; x += GROUP) {
       const int32_t size = GroupSize(operation, x);
+      const int32_t filled = (size + FILLED - 1) & -FILLED;
       int16_t pixels[GROUP] = {};
       int16_t results[GROUP] = {};
       std::memcpy(pixels, from + x, static_cast<size_t>(size) * sizeof(int16_t));
-      for (int32_t c = 0; c < count; c++) RangeOverGroup(pixels, results, ranges[c]);
+      for (int32_t c = 0; c < count; c++) RangeOverGroup(pixels, results, filled, ranges[c]);
       std::memcpy(to + x, results, static_cast<size_t>(size) * sizeof(int16_t));
     }
   }
@@ -100,14 +102,14 @@ void RangesI16(const LookupOperation& operation, const ThresholdRange<int16_t>* 
 
 // The same by one more class, for pixels that have no result but zero yet. All in bits, since a
 // result may be a NaN or a negative zero.
-ZEL_INLINE void ClassOverGroup(const float* pixels, uint32_t* results,
+ZEL_INLINE void ClassOverGroup(const float* pixels, uint32_t* results, int32_t filled,
                                const ThresholdClass& given) {
   const float low = given.rangeMin;
   const float high = given.rangeMax;
   const uint32_t value = given.useNew != 0 ? std::bit_cast<uint32_t>(given.newValue) : 0;
   const uint32_t kept = given.useNew != 0 ? 0 : ~0u;
 #pragma GCC ivdep
-  for (int32_t i = 0; i < GROUP; i++) {
+  for (int32_t i = 0; i < filled; i++) {
     const float pixel = pixels[i];
     const uint32_t above = pixel >= low ? ~0u : 0;
     const uint32_t below = pixel <= high ? ~0u : 0;
@@ -124,10 +126,11 @@ void ClassesSgl(const LookupOperation& operation, const ThresholdClass* classes,
     auto* to = operation.DestinationRow<float>(y);
     for (int64_t x = 0; x < operation.width; x += GROUP) {
       const int32_t size = GroupSize(operation, x);
+      const int32_t filled = (size + FILLED - 1) & -FILLED;
       float pixels[GROUP] = {};
       uint32_t results[GROUP] = {};
       std::memcpy(pixels, from + x, static_cast<size_t>(size) * sizeof(float));
-      for (int32_t c = 0; c < count; c++) ClassOverGroup(pixels, results, classes[c]);
+      for (int32_t c = 0; c < count; c++) ClassOverGroup(pixels, results, filled, classes[c]);
       std::memcpy(to + x, results, static_cast<size_t>(size) * sizeof(float));
     }
   }
