@@ -4,7 +4,7 @@
 #include <bit>
 #include <cstring>
 
-#if defined(ZEL_LEVEL_v3) || defined(ZEL_LEVEL_v4)
+#if defined(ZEL_X86_LEVELS)
 #include <immintrin.h>
 #endif
 
@@ -15,10 +15,14 @@ namespace {
 template <class T>
 ZEL_INLINE void MapPixels(const T* from, T* to, const uint8_t* mask, int64_t begin, int64_t end,
                           const T* table) {
-  if (mask) {
-    for (int64_t x = begin; x < end; x++) to[x] = mask[x] != 0 ? table[from[x]] : from[x];
-  } else {
+  if (!mask) {
     for (int64_t x = begin; x < end; x++) to[x] = table[from[x]];
+    return;
+  }
+  for (int64_t x = begin; x < end; x++) {
+    const T pixel = from[x];
+    const auto selected = static_cast<T>(mask[x] != 0 ? -1 : 0);  // no branch: masks may be noise
+    to[x] = static_cast<T>((table[pixel] & selected) | (pixel & ~selected));
   }
 }
 
@@ -155,10 +159,10 @@ void MapU8(const LookupOperation& operation, const uint8_t* table) {
 
 #endif
 
-// Pixels leave in groups, through one store each; the bound is then the table's own loads.
-#if defined(ZEL_LEVEL_v3) || defined(ZEL_LEVEL_v4)
+#if defined(ZEL_X86_LEVELS)
 
-constexpr int64_t STORED_PIXELS = 8;
+// Pixels come and go in groups, so that the table's own loads are the bound.
+constexpr int64_t WORD_GROUP = 8;
 
 ZEL_INLINE __m128i MappedFour(const uint16_t* from, const uint16_t* table) {
   uint64_t levels = 0;
@@ -169,19 +173,17 @@ ZEL_INLINE __m128i MappedFour(const uint16_t* from, const uint16_t* table) {
   return _mm_insert_epi16(results, table[levels >> 48], 3);
 }
 
-ZEL_INLINE void MapStored(const uint16_t* from, uint16_t* to, const uint16_t* table) {
+ZEL_INLINE void MapWords(const uint16_t* from, uint16_t* to, const uint16_t* table) {
   const __m128i results = _mm_unpacklo_epi64(MappedFour(from, table), MappedFour(from + 4, table));
   _mm_storeu_si128(reinterpret_cast<__m128i*>(to), results);
 }
 
 #else
 
-constexpr int64_t STORED_PIXELS = 4;
+constexpr int64_t WORD_GROUP = 1;
 
-ZEL_INLINE void MapStored(const uint16_t* from, uint16_t* to, const uint16_t* table) {
-  uint16_t results[STORED_PIXELS];
-  for (int64_t i = 0; i < STORED_PIXELS; i++) results[i] = table[from[i]];
-  std::memcpy(to, results, sizeof results);
+ZEL_INLINE void MapWords(const uint16_t* from, uint16_t* to, const uint16_t* table) {
+  *to = table[*from];
 }
 
 #endif
@@ -192,8 +194,8 @@ void MapI16(const LookupOperation& operation, const uint16_t* table) {
     const auto* from = operation.SourceRow<uint16_t>(y);
     auto* to = operation.DestinationRow<uint16_t>(y);
     const uint8_t* mask = operation.mask ? operation.MaskRow(y) : nullptr;
-    const int64_t grouped = mask ? 0 : width & ~(STORED_PIXELS - 1);
-    for (int64_t x = 0; x < grouped; x += STORED_PIXELS) MapStored(from + x, to + x, table);
+    const int64_t grouped = mask ? 0 : width & ~(WORD_GROUP - 1);
+    for (int64_t x = 0; x < grouped; x += WORD_GROUP) MapWords(from + x, to + x, table);
     MapPixels(from, to, mask, grouped, width, table);
   }
 }
