@@ -5,7 +5,7 @@
 #include <cstdlib>
 
 #include "core/heap.h"
-#include "core/images.h"
+#include "core/kernels.h"
 
 namespace fuzz {
 namespace {
@@ -17,11 +17,12 @@ constexpr int32_t SMALL_SIDE = 40;
   std::abort();
 }
 
-// Without a word to the error reporter, which the call to come is held against.
+// The record of an image that really holds its pixels: an opaque one can be of any size. Without a
+// word to the error reporter, which the call to come is held against.
 const zel::Image* RecordOf(ImageRef image) {
   zel::Image* record = nullptr;
   zel::ImageLookup(image, &record);
-  return record;
+  return record && zel::TypeHasPixels(record->type) ? record : nullptr;
 }
 
 }  // namespace
