@@ -4,22 +4,34 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <map>
 #include <optional>
+#include <utility>
 
 namespace test {
 namespace {
 
-struct OpenRow {
-  std::string path;
-  int64_t position = 0;
-  bool writes = false;
+struct NamedFile {
+  std::vector<char> path;
+  MemoryFiles::Bytes bytes;
+
+  bool Is(std::string_view name) const {
+    return name == std::string_view(path.data(), path.size());
+  }
 };
 
-// The operations are plain functions, so what they work on is reached from here.
+struct OpenRow {
+  int32_t number;
+  size_t file;  // its place among the files
+  int64_t position;
+  bool writes;
+};
+
+// The operations are plain functions, so what they work on is reached from here. Only vectors: the
+// memory sanitizer sees into them, unlike into maps and strings, whose insides the standard library
+// has compiled.
 struct State {
-  std::map<std::string, MemoryFiles::Bytes> files;
-  std::map<int32_t, OpenRow> open;
+  std::vector<NamedFile> files;  // none is ever taken away
+  std::vector<OpenRow> open;
   int32_t lastNumber = 100;
   std::optional<FileFault> fault;
   std::array<int64_t, std::size(FILE_OPERATIONS)> counts{};
@@ -32,9 +44,21 @@ State* state = nullptr;
 }
 
 OpenRow& RowOf(int32_t file) {
-  const auto row = state->open.find(file);
+  const auto row = std::find_if(state->open.begin(), state->open.end(),
+                                [file](const OpenRow& one) { return one.number == file; });
   if (row == state->open.end()) Stop("a file is used that is not open");
-  return row->second;
+  return *row;
+}
+
+NamedFile* FileOf(std::string_view path) {
+  const auto file = std::find_if(state->files.begin(), state->files.end(),
+                                 [path](const NamedFile& one) { return one.Is(path); });
+  return file == state->files.end() ? nullptr : &*file;
+}
+
+NamedFile& FileMade(std::string_view path) {
+  if (NamedFile* file = FileOf(path)) return *file;
+  return state->files.emplace_back(NamedFile{{path.begin(), path.end()}, {}});
 }
 
 std::optional<FaultKind> FaultOf(FileOperation operation) {
@@ -47,18 +71,20 @@ std::optional<FaultKind> FaultOf(FileOperation operation) {
 
 int32_t Size(const char* path, int64_t* bytes) {
   if (FaultOf(FileOperation::Size)) return -1;
-  const auto file = state->files.find(path);
-  if (file == state->files.end()) return 0;
-  *bytes = static_cast<int64_t>(file->second.size());
+  const NamedFile* file = FileOf(path);
+  if (!file) return 0;
+  *bytes = static_cast<int64_t>(file->bytes.size());
   return 1;
 }
 
 int32_t Open(const char* path, zel::FileOpenMode mode) {
   if (FaultOf(FileOperation::Open)) return -1;
-  const bool there = state->files.count(path) != 0;
-  if (*path == '\0' || (!there && mode != zel::FileOpenMode::WriteTruncate)) return -1;
-  if (mode == zel::FileOpenMode::WriteTruncate) state->files[path].clear();
-  state->open[++state->lastNumber] = {path, 0, mode != zel::FileOpenMode::Read};
+  const bool truncates = mode == zel::FileOpenMode::WriteTruncate;
+  if (*path == '\0' || (!truncates && !FileOf(path))) return -1;
+  NamedFile& file = FileMade(path);
+  if (truncates) file.bytes.clear();
+  const auto place = static_cast<size_t>(&file - state->files.data());
+  state->open.push_back({++state->lastNumber, place, 0, mode != zel::FileOpenMode::Read});
   return state->lastNumber;
 }
 
@@ -86,7 +112,7 @@ int64_t Allowed(FileOperation operation, int64_t count) {
 int64_t ReadBytes(int32_t file, const zel::ByteRows& rows) {
   OpenRow& row = RowOf(file);
   if (row.writes) Stop("a read of a file that is open for writing");
-  const MemoryFiles::Bytes& bytes = state->files[row.path];
+  const MemoryFiles::Bytes& bytes = state->files[row.file].bytes;
   const int64_t there = std::max<int64_t>(static_cast<int64_t>(bytes.size()) - row.position, 0);
   const int64_t count = Allowed(FileOperation::Read, std::min(there, rows.rowBytes * rows.rows));
   for (int64_t done = 0; done < count;) {
@@ -102,7 +128,7 @@ int64_t ReadBytes(int32_t file, const zel::ByteRows& rows) {
 int64_t WriteBytes(int32_t file, const zel::ByteRows& rows) {
   OpenRow& row = RowOf(file);
   if (!row.writes) Stop("a write to a file that is open for reading");
-  MemoryFiles::Bytes& bytes = state->files[row.path];
+  MemoryFiles::Bytes& bytes = state->files[row.file].bytes;
   const int64_t count = Allowed(FileOperation::Write, rows.rowBytes * rows.rows);
   if (count <= 0) return count;
   bytes.resize(std::max(bytes.size(), static_cast<size_t>(row.position + count)));
@@ -126,8 +152,7 @@ int64_t Write(int32_t file, const void* bytes, size_t count) {
 }
 
 int32_t Close(int32_t file) {
-  RowOf(file);
-  state->open.erase(file);
+  state->open.erase(state->open.begin() + (&RowOf(file) - state->open.data()));
   return FaultOf(FileOperation::Close) ? -1 : 0;
 }
 
@@ -150,18 +175,18 @@ MemoryFiles::~MemoryFiles() {
   state = nullptr;
 }
 
-void MemoryFiles::Put(const std::string& path, Bytes bytes) {
-  state->files[path] = std::move(bytes);
+void MemoryFiles::Put(std::string_view path, Bytes bytes) {
+  FileMade(path).bytes = std::move(bytes);
 }
 
-bool MemoryFiles::Has(const std::string& path) const {
-  return state->files.count(path) != 0;
+bool MemoryFiles::Has(std::string_view path) const {
+  return FileOf(path) != nullptr;
 }
 
-const MemoryFiles::Bytes& MemoryFiles::Get(const std::string& path) const {
+const MemoryFiles::Bytes& MemoryFiles::Get(std::string_view path) const {
   static const Bytes none;
-  const auto file = state->files.find(path);
-  return file == state->files.end() ? none : file->second;
+  const NamedFile* file = FileOf(path);
+  return file ? file->bytes : none;
 }
 
 void MemoryFiles::Inject(const FileFault& fault) {

@@ -4,7 +4,7 @@
 
 #include <array>
 #include <cstdint>
-#include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/files.h"
@@ -41,9 +41,9 @@ class MemoryFiles {
   MemoryFiles& operator=(const MemoryFiles&) = delete;
   ~MemoryFiles();
 
-  void Put(const std::string& path, Bytes bytes);
-  bool Has(const std::string& path) const;
-  const Bytes& Get(const std::string& path) const;  // empty for a missing one
+  void Put(std::string_view path, Bytes bytes);
+  bool Has(std::string_view path) const;
+  const Bytes& Get(std::string_view path) const;  // empty for a missing one
 
   // Counts start over.
   void Inject(const FileFault& fault);
