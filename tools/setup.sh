@@ -5,7 +5,7 @@
 # usage: setup.sh [--benchmarks] [--check-tools]
 set -eu
 
-needed="g++ cmake ninja-build pkgconf libgtest-dev libcli11-dev"
+needed="make g++ cmake ninja-build pkgconf libgtest-dev libcli11-dev"
 for argument in "$@"; do
   case $argument in
     --benchmarks) needed="$needed libbenchmark-dev libopencv-core-dev libopencv-imgproc-dev libopencv-imgcodecs-dev" ;;
@@ -42,6 +42,7 @@ if [ "$(id -u)" -ne 0 ]; then
   as_root=sudo
 fi
 echo "setup: installing$missing"
-$as_root apt-get update -q
+$as_root apt-get update -qq
 # shellcheck disable=SC2086 # the names are words of their own
-$as_root env DEBIAN_FRONTEND=noninteractive apt-get install -q --yes --no-install-recommends $missing
+$as_root env DEBIAN_FRONTEND=noninteractive apt-get install -qq --yes --no-install-recommends \
+  -o Dpkg::Use-Pty=0 $missing >/dev/null

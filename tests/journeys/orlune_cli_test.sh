@@ -191,7 +191,7 @@ run 0 inspect --dark $many
 not_in out "files/s"
 not_in err "files/s"
 not_in err "of 4"
-if command -v script >/dev/null; then
+if script -qec true /dev/null >out 2>&1 </dev/null; then  # not where no terminal can be made
   what="orlune on a terminal"
   script -qec "'$orlune' inspect --dark $many" /dev/null >out 2>err </dev/null
   in_out "1 of 4"
