@@ -114,13 +114,13 @@ double Gap(const Part& a, const Part& b) {
   if (apart > 20) return apart;
   const Part& sampled = Reach(a) < Reach(b) ? a : b;
   const Part& other = Reach(a) < Reach(b) ? b : a;
-  const double reach = Reach(sampled);
+  constexpr double STEP = 0.5;
+  const int steps = static_cast<int>(std::ceil(Reach(sampled) / STEP));
   double gap = 1e9;
-  for (double y = -reach; y <= reach; y += 0.5) {
-    for (double x = -reach; x <= reach; x += 0.5) {
-      const Point at{sampled.centre.x + x, sampled.centre.y + y};
-      const double own = Distance(sampled, at);
-      if (own < 0) gap = std::min(gap, Distance(other, at));
+  for (int j = -steps; j <= steps; ++j) {
+    for (int i = -steps; i <= steps; ++i) {
+      const Point at{sampled.centre.x + i * STEP, sampled.centre.y + j * STEP};
+      if (Distance(sampled, at) < 0) gap = std::min(gap, Distance(other, at));
     }
   }
   return gap;

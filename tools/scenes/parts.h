@@ -35,7 +35,7 @@ int Holes(const Part& part);
 Point Local(const Part& part, Point at);
 
 // The gap between two parts in pixels, negative when they overlap; found by sampling the smaller
-// one's surroundings, to a quarter of a pixel.
+// one, to half a pixel.
 double Gap(const Part& a, const Part& b);
 
 }  // namespace scenes
