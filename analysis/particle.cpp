@@ -10,7 +10,7 @@
 namespace zel {
 namespace {
 
-constexpr double PI = 3.14159274;  // as reports have always had it
+constexpr double PI = 3.14159274;  // to the digits that reports are defined with
 
 // 1 + 2 + .. + (n - 1), exact.
 uint64_t SumBelow(uint64_t n) {

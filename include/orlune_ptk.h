@@ -735,10 +735,10 @@ typedef enum ParticleMeasure {
   MEASURE_INERTIA_XX = 28,           /* second moments about the centre */
   MEASURE_INERTIA_YY = 29,
   MEASURE_INERTIA_XY = 30,
-  MEASURE_MEAN_CHORD_X = 31,  /* area / nbRuns */
-  MEASURE_MEAN_CHORD_Y = 32,  /* area / projectionX */
-  MEASURE_MAX_INTERCEPT = 33, /* from rect's diagonal to its longer side, */
-  /* by how much of rect.width longestSegment fills */
+  MEASURE_MEAN_CHORD_X = 31, /* area / nbRuns */
+  MEASURE_MEAN_CHORD_Y = 32, /* area / projectionX */
+  /* Between rect's diagonal and its longer side, by how much of its width longestSegment fills. */
+  MEASURE_MAX_INTERCEPT = 33,
   MEASURE_MEAN_PERPENDICULAR_INTERCEPT = 34, /* area / MAX_INTERCEPT */
   MEASURE_ORIENTATION = 35,                  /* degrees, 0 to 180; of a level line 180 */
   MEASURE_INTERCEPT_ELLIPSE_MINOR_AXIS = 36, /* area / (MAX_INTERCEPT x pi) x 4 */
