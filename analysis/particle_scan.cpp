@@ -23,6 +23,7 @@ uint32_t RowJoin(const Run* above, const uint32_t* aboveLabels, const Run* run, 
     uint32_t set = sets->Find(*aboveLabels);
     while (above[1].start < end) {
       above++, aboveLabels++;
+      if (*aboveLabels == set) continue;  // the common case spares the search
       const uint32_t other = sets->Find(*aboveLabels);
       if (other != set) set = sets->Join(set, other);
     }
