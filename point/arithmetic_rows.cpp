@@ -122,20 +122,18 @@ void MulDivBytes(const Plane& plane) {
   });
 }
 
-// The same by sizes and signs. Products from 2^30 on give the limit whatever they are divided by,
-// and a quotient within the limit is at most one off in single precision, which its rest tells.
-void MulDivWords(const Plane& plane) {
-  constexpr double most = 1073741824.0;
-  const double factor = std::fabs(plane.constant.factor);
+// The same by sizes and signs. A quotient within the limit is at most one off in single precision,
+// which its rest tells.
+template <class Product>
+ZEL_INLINE void DivideProducts(const Plane& plane, Product product) {
   const int32_t factorSign = plane.constant.factor < 0.0 ? -1 : 0;
   ForPixelPairs<int16_t, int16_t, int16_t>(plane, [=](int16_t a, int16_t b) {
-    const int32_t multiplied = a < 0 ? -a : a;
+    const int32_t dividend = product(a < 0 ? -a : a);
     const int32_t size = b < 0 ? -b : b;
     const int32_t divisor = b == 0 ? 1 : size;
-    const auto product = static_cast<int32_t>(Smaller(multiplied * factor, most));
-    const float estimate = static_cast<float>(product) / static_cast<float>(divisor);
-    int32_t quotient = static_cast<int32_t>(estimate);
-    const int32_t rest = product - quotient * divisor;
+    auto quotient =
+        static_cast<int32_t>(static_cast<float>(dividend) / static_cast<float>(divisor));
+    const int32_t rest = dividend - quotient * divisor;
     quotient += static_cast<int32_t>(rest >= divisor);
     quotient -= static_cast<int32_t>(rest < 0);
     const int32_t sign = (a ^ b ^ factorSign) >> 31;
@@ -143,6 +141,27 @@ void MulDivWords(const Plane& plane) {
     const int16_t result = Wrapped16((limited ^ sign) - sign);
     return b == 0 ? a : result;
   });
+}
+
+// The 24 bits of the factor in two halves, whose products with a pixel fit 32 bits; cutting the
+// lower product to the unit of the upper one first changes nothing.
+void MulDivWords(const Plane& plane) {
+  constexpr int32_t factorBits = 24;
+  constexpr int32_t halfBits = 12;
+  const double factor = std::fabs(plane.constant.factor);
+  int32_t exponent = 0;
+  const auto mantissa = static_cast<int32_t>(std::ldexp(std::frexp(factor, &exponent), factorBits));
+  if (exponent <= halfBits) {
+    const int32_t upper = mantissa >> halfBits;
+    const int32_t lower = mantissa & ((1 << halfBits) - 1);
+    const int32_t shift = Smaller(halfBits - exponent, 31);
+    DivideProducts(plane,
+                   [=](int32_t a) { return (a * upper + ((a * lower) >> halfBits)) >> shift; });
+  } else {
+    // Products from 2^30 on give the limit whatever they are divided by.
+    DivideProducts(
+        plane, [=](int32_t a) { return static_cast<int32_t>(Smaller(a * factor, 1073741824.0)); });
+  }
 }
 
 // The one integer case: the low 16 bits of the quotient, without saturation. Products stay below
@@ -253,8 +272,8 @@ void DivideBytes(const Plane& plane) {
 template <class Rule>
 constexpr PairRoutines WithVectors(PlaneRoutine bytes, PlaneRoutine words) {
   PairRoutines routines = IMAGES<Rule>;
-  if (bytes) routines.byPair[ScalarPair(0, 0)] = bytes;
-  if (words) routines.byPair[ScalarPair(1, 1)] = words;
+  routines.byPair[ScalarPair(0, 0)] = bytes;
+  routines.byPair[ScalarPair(1, 1)] = words;
   return routines;
 }
 
@@ -263,10 +282,12 @@ constexpr PairRoutines ADD = WithVectors<Add>(&VectorImages<uint8_t, Add, &Bytes
 constexpr PairRoutines SUBTRACT =
     WithVectors<Subtract>(&VectorImages<uint8_t, Subtract, &BytesSubtracted>,
                           &VectorImages<int16_t, Subtract, &WordsSubtracted>);
-constexpr PairRoutines MULTIPLY =
-    WithVectors<Multiply>(nullptr, &VectorImages<int16_t, Multiply, &WordsMultiplied>);
-constexpr PairRoutines DIVIDE = WithVectors<Divide>(&DivideBytes<Divide>, nullptr);
-constexpr PairRoutines MODULO = WithVectors<Modulo>(&DivideBytes<Modulo>, nullptr);
+constexpr PairRoutines MULTIPLY = WithVectors<Multiply>(
+    &Images<uint8_t, uint8_t, Multiply>, &VectorImages<int16_t, Multiply, &WordsMultiplied>);
+constexpr PairRoutines DIVIDE =
+    WithVectors<Divide>(&DivideBytes<Divide>, &Images<int16_t, int16_t, Divide>);
+constexpr PairRoutines MODULO =
+    WithVectors<Modulo>(&DivideBytes<Modulo>, &Images<int16_t, int16_t, Modulo>);
 
 #else
 

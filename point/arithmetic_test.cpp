@@ -284,6 +284,34 @@ TEST(Arithmetic, WordsAreDividedExactlyByFractions) {
   }
 }
 
+// Factors of all sizes, among them those whose products pass 32 bits.
+TEST(Arithmetic, WordsAreMultipliedAndDividedExactly) {
+  const TestImage first(IMAGE_I16, 512, 64, 0, 41);
+  const TestImage second(IMAGE_I16, 512, 64, 0, 42);
+  test::Random random(43);
+  for (int32_t y = 0; y < 64; y++) {
+    for (int32_t x = 0; x < 512; x++) {
+      if (x % 2 == 0) second.Set<int16_t>(x, y, static_cast<int16_t>(random.Between(-40, 40)));
+    }
+  }
+  for (int32_t x = 0; x < 512; x++) {
+    first.Set<int16_t>(x, 0, -32768);
+    second.Set<int16_t>(x, 1, -32768);
+    second.Set<int16_t>(x, 0, static_cast<int16_t>(x % 4 == 0 ? -32768 : x - 256));
+  }
+  TestImage destination(IMAGE_I16, 0, 0);
+  for (int32_t exponent = -40; exponent <= 33; exponent++) {
+    for (const float mantissa : {1.0f, -1.0f, 1.9999999f, 1.3333334f, -1.7001f}) {
+      const float constant = std::ldexp(mantissa, exponent);
+      const TestImage expected = ImagesResult(Arithmetic::MulDiv, first, second, constant);
+      RunOnAllLevels([&] {
+        ASSERT_EQ(ZEL_MulDiv(first, second, destination, constant), 0);
+        ASSERT_EQ(Difference(destination, expected), "") << constant;
+      });
+    }
+  }
+}
+
 TEST(Arithmetic, FloatsKeepInfinitiesNanAndZeros) {
   const float inf = std::numeric_limits<float>::infinity();
   const std::vector<float> values = {0.0f, -0.0f, 1.0f,   -1.5f, inf,

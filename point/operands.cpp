@@ -42,6 +42,25 @@ Image* LookupUnlessKnown(ImageRef reference, ImageRef known, Image* knownImage, 
   return reference == known ? knownImage : ImageLookup(reference, status);
 }
 
+// The pixels of a long row before the first result on a boundary of vectors: blocks come from the
+// heap at the same offset to a boundary mostly, so that all images are then on theirs.
+int64_t ColumnsToAlignment(const Plane& plane) {
+  constexpr uintptr_t vectorBytes = 64;
+  constexpr int64_t longRow = 16384;
+  if (plane.width * plane.resultBytes < longRow) return 0;
+  const uintptr_t over = reinterpret_cast<uintptr_t>(plane.result) % vectorBytes;
+  return over == 0 ? 0 : static_cast<int64_t>(vectorBytes - over) / plane.resultBytes;
+}
+
+void PlaneJoinRows(Plane* plane) {
+  const bool isOneRow = plane->width * plane->firstBytes == plane->firstPitch &&
+                        plane->width * plane->secondBytes == plane->secondPitch &&
+                        plane->width * plane->resultBytes == plane->resultPitch;
+  if (!isOneRow) return;
+  plane->width *= plane->height;
+  plane->height = 1;
+}
+
 }  // namespace
 
 void OperandPrepare(ImageRef first, ImageRef second, ImageRef destination, bool* swapAllowed,
@@ -216,29 +235,6 @@ Plane PlaneColumns(const Plane& plane, int64_t from, int64_t to) {
   columns.width = to - from;
   return columns;
 }
-
-namespace {
-
-// The pixels of a long row before the first result on a boundary of vectors: blocks come from the
-// heap at the same offset to a boundary mostly, so that all images are then on theirs.
-int64_t ColumnsToAlignment(const Plane& plane) {
-  constexpr uintptr_t vectorBytes = 64;
-  constexpr int64_t longRow = 16384;
-  if (plane.width * plane.resultBytes < longRow) return 0;
-  const uintptr_t over = reinterpret_cast<uintptr_t>(plane.result) % vectorBytes;
-  return over == 0 ? 0 : static_cast<int64_t>(vectorBytes - over) / plane.resultBytes;
-}
-
-void PlaneJoinRows(Plane* plane) {
-  const bool isOneRow = plane->width * plane->firstBytes == plane->firstPitch &&
-                        plane->width * plane->secondBytes == plane->secondPitch &&
-                        plane->width * plane->resultBytes == plane->resultPitch;
-  if (!isOneRow) return;
-  plane->width *= plane->height;
-  plane->height = 1;
-}
-
-}  // namespace
 
 void PlaneRun(PlaneRoutine routine, Plane* plane) {
   if (plane->width < 1 || plane->height < 1) return;
