@@ -1,0 +1,88 @@
+// Wild calls of every export: unknown and disposed references, wrong types, one image in several
+// places, extreme numbers, NaN, NULL. The same rows drive the fuzz targets.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "fuzz/api_calls.h"
+#include "fuzz/target.h"
+#include "tests/support/memory_files.h"
+#include "tests/support/test_image.h"
+
+namespace {
+
+TEST(Abuse, EveryExportHasItsRow) {
+  std::vector<std::string> exports;
+  std::ifstream list(EXPORTS_FILE);
+  for (std::string line; std::getline(list, line);) {
+    if (line.starts_with("ZEL_")) exports.push_back(line);
+  }
+  ASSERT_FALSE(exports.empty());
+  std::vector<std::string> rows;
+  for (size_t i = 0; i < fuzz::API_CALL_COUNT; i++) rows.emplace_back(fuzz::API_CALLS[i].name);
+  std::sort(exports.begin(), exports.end());
+  std::sort(rows.begin(), rows.end());
+  EXPECT_EQ(rows, exports);
+}
+
+// One sequence of calls from a seed; it stops the program where the world breaks.
+void RunSeed(uint64_t seed) {
+  test::Random random(seed);
+  std::vector<uint8_t> bytes(600);
+  for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random.Next());
+  fuzz::SetBudget(seed % 16 == 0);
+  fuzz::Input input(bytes.data(), bytes.size());
+  test::MemoryFiles files;
+  {
+    fuzz::Playground play(&input);
+    fuzz::RunCalls(&play, 24);
+  }
+  fuzz::CheckEnd(files);
+}
+
+TEST(Abuse, RandomSequencesOfCallsLeaveTheWorldWhole) {
+  for (uint64_t seed = 1; seed <= 3000; seed++) RunSeed(seed);
+}
+
+TEST(Abuse, EveryRowIsSeenToSucceedAndToFail) {
+  std::vector<int> succeeded(fuzz::API_CALL_COUNT);
+  std::vector<int> failed(fuzz::API_CALL_COUNT);
+  for (size_t row = 0; row < fuzz::API_CALL_COUNT; row++) {
+    for (uint64_t seed = 1; seed <= 400; seed++) {
+      if (succeeded[row] != 0 && failed[row] != 0) break;
+      test::Random random(seed * 1000 + row);
+      std::vector<uint8_t> bytes(400);
+      for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random.Next());
+      fuzz::Input input(bytes.data(), bytes.size());
+      test::MemoryFiles files;
+      files.Put("a", {'O', 'R', 'L', 'N', 0, 1, 0, 1, 0, 8, 0, 1, 0, 2});
+      fuzz::Playground play(&input);
+      ZEL_WriteFile(*play.Slot(), "b", 1, nullptr, 0);
+      const int32_t result = fuzz::API_CALLS[row].run(play);
+      (result == 0 ? succeeded : failed)[row]++;
+    }
+  }
+  // These answer 0 always, or numbers that are no status.
+  const std::vector<std::string> neverFail = {
+      "ZEL_malloc",      "ZEL_calloc",   "ZEL_realloc",           "ZEL_free",
+      "ZEL_InitSys",     "ZEL_CloseSys", "ZEL_GetImageReference", "ZEL_SetErrorMode",
+      "ZEL_GetLastError"};
+  const std::vector<std::string> neverSucceed = {"ZEL_GetErrorMode"};
+  const auto isIn = [](const std::vector<std::string>& names, const char* name) {
+    return std::find(names.begin(), names.end(), name) != names.end();
+  };
+  for (size_t row = 0; row < fuzz::API_CALL_COUNT; row++) {
+    const char* name = fuzz::API_CALLS[row].name;
+    if (!isIn(neverSucceed, name)) {
+      EXPECT_GT(succeeded[row], 0) << name;
+    }
+    if (!isIn(neverFail, name)) {
+      EXPECT_GT(failed[row], 0) << name;
+    }
+  }
+}
+
+}  // namespace
