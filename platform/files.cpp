@@ -23,28 +23,22 @@ int32_t RegularSize(const char* path, int64_t* bytes) {
   return 1;
 }
 
-// The path may have become something else since it was looked at: nothing here waits for the other
-// end of a pipe, and what is not a regular file after all is closed again.
+// Reading looks at what it has opened, in case the path has become something else since its size
+// was asked for. Writing looks before: to open a device for writing may be to start it. Whatever
+// the path becomes in between, nothing here waits for the other end of a pipe.
 int32_t OpenRegular(const char* path, FileOpenMode mode) {
-  int64_t present = 0;
-  if (mode != FileOpenMode::Read && RegularSize(path, &present) < 0) return -1;
+  int64_t bytes = 0;
+  if (mode != FileOpenMode::Read && RegularSize(path, &bytes) < 0) return -1;
   constexpr int common = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
   constexpr mode_t permissions = 0666;
+  const int how = mode == FileOpenMode::Read            ? O_RDONLY
+                  : mode == FileOpenMode::WriteTruncate ? O_WRONLY | O_CREAT | O_TRUNC
+                                                        : O_WRONLY;
   int file = -1;
   do {
-    switch (mode) {
-      case FileOpenMode::Read:
-        file = open(path, O_RDONLY | common);
-        break;
-      case FileOpenMode::WriteTruncate:
-        file = open(path, O_WRONLY | O_CREAT | O_TRUNC | common, permissions);
-        break;
-      case FileOpenMode::WriteAsIs:
-        file = open(path, O_WRONLY | common);
-        break;
-    }
+    file = open(path, how | common, permissions);
   } while (file < 0 && errno == EINTR);
-  if (file < 0) return -1;
+  if (file < 0 || mode != FileOpenMode::Read) return file;
   struct stat about {};
   if (fstat(file, &about) == 0 && S_ISREG(about.st_mode)) return file;
   close(file);
