@@ -2,6 +2,8 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -120,6 +122,24 @@ TEST_F(MachineFiles, RowsOfAnyNumberAndDirectionAreMoved) {
     EXPECT_EQ(std::memcmp(read, from.data() + row * pitch, rowBytes), 0);
     EXPECT_EQ(read[rowBytes], 0xEE);
   }
+}
+
+TEST_F(MachineFiles, AWriteThatCannotBeFinishedFails) {
+  rlimit before{};
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+  const auto handler = signal(SIGXFSZ, SIG_IGN);
+  const rlimit small{100, before.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+  std::vector<uint8_t> bytes(1000, 7);
+  const int32_t file = files_.open(path_.c_str(), FileOpenMode::WriteTruncate);
+  const int64_t plain = files_.write(file, bytes.data(), bytes.size());
+  EXPECT_EQ(files_.seek(file, 0), 0);
+  const int64_t rows = files_.writeRows(file, {bytes.data(), 20, 10, 50});
+  files_.close(file);
+  setrlimit(RLIMIT_FSIZE, &before);
+  signal(SIGXFSZ, handler);
+  EXPECT_EQ(plain, -1);
+  EXPECT_EQ(rows, -1);
 }
 
 TEST_F(MachineFiles, ReadingRowsStopsAtTheEnd) {
