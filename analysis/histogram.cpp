@@ -40,25 +40,24 @@ void ReportWrite(const ClassMap& map, const PixelSums& sums, HistogramReport* re
   report->nbPixels = static_cast<uint32_t>(sums.count);
 }
 
-// The counters of a region's classes, in tables that are folded into one at the end.
-class ClassCounter {
+// COUNT_TABLES tables of counters, which are folded into one at the end.
+class CountTables {
  public:
-  explicit ClassCounter(int32_t length) : length_(length) {
-    std::memset(tables_, 0, static_cast<size_t>(COUNT_TABLES * length) * sizeof(uint32_t));
+  explicit CountTables(int32_t length) : length_(length) {
+    std::memset(counters_, 0, static_cast<size_t>(COUNT_TABLES * length) * sizeof(uint32_t));
   }
-  uint32_t* tables() { return tables_; }
-  void Fold(int32_t count, uint32_t* counters) const {
-    for (int32_t i = 0; i < count; i++) {
-      counters[i] = 0;
-      for (int32_t table = 0; table < COUNT_TABLES; table++) {
-        counters[i] += tables_[table * length_ + i];
-      }
+  uint32_t* counters() { return counters_; }
+  void Fold(int32_t count, uint32_t* folded) const {
+    std::memcpy(folded, counters_, static_cast<size_t>(count) * sizeof(uint32_t));
+    for (int32_t table = 1; table < COUNT_TABLES; table++) {
+      const uint32_t* more = counters_ + table * length_;
+      for (int32_t i = 0; i < count; i++) folded[i] += more[i];
     }
   }
 
  private:
   int32_t length_;
-  uint32_t tables_[COUNT_TABLES * (CLASSES_MAX + 1)];
+  uint32_t counters_[COUNT_TABLES * (CLASSES_MAX + 1)];
 };
 
 // Sums of bytes stay below EXACT_SUM_LIMIT, so that the counts of the levels tell all.
@@ -120,7 +119,7 @@ void CountPixels(const PixelRegion& region, const ClassMap& map, uint32_t* count
   const ClassRow classesOf = words ? rows.classesOfWords : rows.classesOfFloats;
   const SumRow sum = words ? rows.sumWords : rows.sumFloats;
   const int64_t pixelBytes = words ? 2 : 4;
-  ClassCounter counter(map.classes + 1);
+  CountTables tables(map.classes + 1);
   uint16_t classes[CLASS_RUN];
   for (int32_t y = 0; y < region.height; y++) {
     const uint8_t* row = region.pixels + y * region.pitch;
@@ -129,10 +128,10 @@ void CountPixels(const PixelRegion& region, const ClassMap& map, uint32_t* count
       const int32_t run = std::min(CLASS_RUN, region.width - x);
       const uint8_t* pixels = row + x * pixelBytes;
       classesOf(pixels, mask ? mask + x : nullptr, run, map, classes);
-      sum(pixels, classes, run, map, counter.tables(), sums);
+      sum(pixels, classes, run, map, tables.counters(), sums);
     }
   }
-  counter.Fold(map.classes, counters);
+  tables.Fold(map.classes, counters);
   for (int32_t i = 0; i < map.classes; i++) sums->count += counters[i];
   if (!sums->SquaresAreExact() && words) SumWordsInOrder(region, map, sums);
 }
@@ -147,22 +146,23 @@ double DeviationOf(double squares, double count, float mean) {
 
 void CountLevels(const PixelRegion& region, uint32_t (&counts)[LEVELS_U8]) {
   const HistogramRows& rows = histogramRows();
-  ClassCounter counter(LEVELS_U8 + (region.mask ? 1 : 0));
+  // Under a mask a counter more takes the pixels that are left out.
+  CountTables tables(LEVELS_U8 + (region.mask ? 1 : 0));
   uint16_t levels[CLASS_RUN];
   for (int32_t y = 0; y < region.height; y++) {
     const uint8_t* row = region.pixels + y * region.pitch;
     if (!region.mask) {
-      rows.countLevels(row, region.width, counter.tables());
+      rows.countLevels(row, region.width, tables.counters());
       continue;
     }
     const uint8_t* mask = region.mask + y * region.maskPitch;
     for (int32_t x = 0; x < region.width; x += CLASS_RUN) {
       const int32_t run = std::min(CLASS_RUN, region.width - x);
       rows.levelsUnderMask(row + x, mask + x, run, levels);
-      rows.countNumbers(levels, run, LEVELS_U8 + 1, counter.tables());
+      rows.countNumbers(levels, run, LEVELS_U8 + 1, tables.counters());
     }
   }
-  counter.Fold(LEVELS_U8, counts);
+  tables.Fold(LEVELS_U8, counts);
 }
 
 void HistogramKernel(ImageRef image, ImageRef mask, const int32_t* nbClasses, const float* min,

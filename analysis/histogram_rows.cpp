@@ -14,13 +14,18 @@ namespace {
 
 void CountLevels(const uint8_t* row, int32_t width, uint32_t* tables) {
   uint32_t* first = tables;
-  uint32_t* second = tables + 256;
-  uint32_t* third = tables + 512;
-  uint32_t* fourth = tables + 768;
+  uint32_t* second = first + 256;
+  uint32_t* third = second + 256;
+  uint32_t* fourth = third + 256;
   int32_t x = 0;
   for (; x + 8 <= width; x += 8) {
     uint64_t levels;
     std::memcpy(&levels, row + x, 8);
+    // Flat parts of an image: all eight are the same.
+    if (levels == (levels << 8 | levels >> 56)) {
+      first[levels & 255] += 8;
+      continue;
+    }
     first[levels & 255]++;
     second[levels >> 8 & 255]++;
     third[levels >> 16 & 255]++;

@@ -42,29 +42,12 @@ void SumLabels(const PixelRegion& region, AddRow add, PixelSums (&regions)[LABEL
   }
 }
 
-void SumRows(const PixelRegion& region, AddRow add, PixelSums* sums) {
+PixelSums SumAll(const PixelRegion& region, AddRow add) {
+  PixelSums sums;
   for (int32_t y = 0; y < region.height; y++) {
-    add(region.pixels + y * region.pitch, region.width, sums);
+    add(region.pixels + y * region.pitch, region.width, &sums);
   }
-}
-
-// Sums each region, and the whole image without a mask. The squares of many large words are
-// rounded as they come, pixel after pixel: then all is summed again in order.
-void SumRegions(const PixelRegion& region, PixelSums (&regions)[LABELS], PixelSums* global) {
-  AddRow add = sumsRows().add[region.type];
-  for (;;) {
-    if (!region.mask) {
-      SumRows(region, add, global);
-    } else {
-      SumLabels(region, add, regions);
-    }
-    bool exact = global->SquaresAreExact();
-    for (const PixelSums& sums : regions) exact = exact && sums.SquaresAreExact();
-    if (exact || region.type != IMAGE_I16 || add == &AddWordsInOrder) return;
-    add = &AddWordsInOrder;
-    *global = {};
-    for (PixelSums& sums : regions) sums = {};
-  }
+  return sums;
 }
 
 struct Scale {
@@ -85,6 +68,47 @@ QuantifyReport ReportOf(const PixelSums& sums, const Scale& scale) {
   return report;
 }
 
+PixelSums SumsOfImage(const PixelRegion& region) {
+  PixelSums sums;
+  if (!TypeIsScalar(region.type)) {
+    sums.count = int64_t{region.width} * region.height;  // counted, but not summed
+    return sums;
+  }
+  sums = SumAll(region, sumsRows().add[region.type]);
+  // The squares of many large words are rounded as they come, pixel after pixel.
+  if (region.type == IMAGE_I16 && !sums.SquaresAreExact()) sums = SumAll(region, &AddWordsInOrder);
+  return sums;
+}
+
+// Sums and reports of the regions; returns the highest label.
+int32_t LabelsReport(const PixelRegion& region, const Scale& scale, PixelSums* global,
+                     QuantifyReport (&reports)[LABELS]) {
+  PixelSums regions[LABELS];
+  if (TypeIsScalar(region.type) && region.mask) {
+    SumLabels(region, sumsRows().add[region.type], regions);
+    bool exact = true;
+    for (const PixelSums& sums : regions) exact = exact && sums.SquaresAreExact();
+    if (region.type == IMAGE_I16 && !exact) {
+      for (PixelSums& sums : regions) sums = {};
+      SumLabels(region, &AddWordsInOrder, regions);
+    }
+  }
+  int32_t highest = 0;
+  for (int32_t label = 1; label < LABELS; label++) {
+    const PixelSums& sums = regions[label];
+    reports[label] = {};
+    if (sums.count == 0) continue;
+    highest = label;
+    reports[label] = ReportOf(sums, scale);
+    global->sum += sums.sum;
+    global->squares += sums.squares;
+    global->count += sums.count;
+    if (sums.min < global->min) global->min = sums.min;
+    if (sums.max > global->max) global->max = sums.max;
+  }
+  return highest;
+}
+
 // `regionReports` is a vector of QuantifyReport that the call sizes, or 0.
 void QuantifyKernel(ImageRef reference, ImageRef mask, QuantifyReport* globalReport,
                     Handle regionReports, int32_t* nbRegions, Status* status) {
@@ -95,27 +119,13 @@ void QuantifyKernel(ImageRef reference, ImageRef mask, QuantifyReport* globalRep
   const Scale scale{static_cast<double>(image->xStep), static_cast<double>(image->yStep),
                     static_cast<double>(image->width) * image->height};
 
-  const bool labelled = mask != 0 && mask != reference;
-  PixelSums regions[LABELS];
   PixelSums global;
-  if (TypeIsScalar(region.type)) {
-    if (region.pixels) SumRegions(region, regions, &global);
-  } else if (!labelled) {
-    global.count = int64_t{region.width} * region.height;  // counted, but not summed
-  }
-
+  QuantifyReport reports[LABELS];
   int32_t highest = 0;
-  QuantifyReport reports[LABELS] = {};
-  for (int32_t label = 1; label < LABELS; label++) {
-    const PixelSums& sums = regions[label];
-    if (sums.count == 0) continue;
-    highest = label;
-    reports[label] = ReportOf(sums, scale);
-    global.sum += sums.sum;
-    global.squares += sums.squares;
-    global.count += sums.count;
-    if (sums.min < global.min) global.min = sums.min;
-    if (sums.max > global.max) global.max = sums.max;
+  if (mask != 0 && mask != reference) {
+    highest = LabelsReport(region, scale, &global, reports);
+  } else {
+    global = SumsOfImage(region);
   }
   if (regionReports != 0) {
     const auto count = static_cast<size_t>(highest);

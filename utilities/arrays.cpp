@@ -21,10 +21,21 @@ int32_t ArrayTypeOfBits(int32_t arrayType, int32_t imageType) {
   return sameBits ? NativeArrayType(imageType) : arrayType;
 }
 
-size_t PixelBytes(int32_t imageType) {
+int64_t PixelBytes(int32_t imageType) {
   int32_t bytes = 0;
   PixelSize(imageType, &bytes);
-  return static_cast<size_t>(bytes);
+  return bytes;
+}
+
+// Rows of pixels, joined into one where nothing lies between them.
+struct PixelRuns {
+  int64_t count;
+  int64_t length;  // pixels
+};
+
+PixelRuns RunsOf(int32_t width, int32_t height, int64_t pitch, int64_t pixelBytes) {
+  if (width * pixelBytes == pitch) return {1, int64_t{width} * height};
+  return {height, width};
 }
 
 // What a rectangle and an array have in common.
@@ -54,11 +65,12 @@ void ImageToArrayKernel(ImageRef reference, const KernelRect* rect, const int32_
   }
   if (part.width > 0) {
     const PixelGrid grid = PixelGridOf(*image);
-    const size_t pixelBytes = PixelBytes(image->type);
-    for (int32_t y = 0; y < part.height; y++) {
-      const uint8_t* row =
-          grid.Row<uint8_t>(part.top + int64_t{y}) + static_cast<size_t>(part.left) * pixelBytes;
-      PixelsToArray(row, image->type, part.width, array, *arrayType, int64_t{y} * part.width);
+    const int64_t pixelBytes = PixelBytes(image->type);
+    const uint8_t* first = grid.Row<uint8_t>(part.top) + part.left * pixelBytes;
+    const PixelRuns runs = RunsOf(part.width, part.height, grid.pitch, pixelBytes);
+    for (int64_t y = 0; y < runs.count; y++) {
+      PixelsToArray(first + y * grid.pitch, image->type, runs.length, array, *arrayType,
+                    y * runs.length);
     }
   }
   *width = part.width;
@@ -78,9 +90,10 @@ void ArrayToImageKernel(ImageRef reference, const int32_t* arrayType, const void
   }
   if (*status != STATUS_OK) return;
   const PixelGrid grid = PixelGridOf(*image);
-  for (int32_t y = 0; y < grid.height; y++) {
-    PixelsFromArray(array, *arrayType, int64_t{y} * grid.width, image->type, grid.Row<uint8_t>(y),
-                    grid.width);
+  const PixelRuns runs = RunsOf(grid.width, grid.height, grid.pitch, PixelBytes(image->type));
+  for (int64_t y = 0; y < runs.count; y++) {
+    PixelsFromArray(array, *arrayType, y * runs.length, image->type, grid.Row<uint8_t>(y),
+                    runs.length);
   }
 }
 
@@ -91,7 +104,7 @@ void PixelsFromArray(const void* array, int32_t arrayType, int64_t first, int32_
   if (count < 1) return;
   const int32_t numberBytes = ArrayTypeBits(arrayType, nullptr);
   if (numberBytes == 0) {
-    std::memset(pixels, 0, static_cast<size_t>(count) * PixelBytes(imageType));
+    std::memset(pixels, 0, static_cast<size_t>(count * PixelBytes(imageType)));
     return;
   }
   const auto* numbers = static_cast<const uint8_t*>(array) + first * numberBytes;
@@ -107,7 +120,7 @@ void PixelsToArray(const void* pixels, int32_t imageType, int64_t count, void* a
 }
 
 Status ArrayCountCheck(int32_t imageType, int64_t count) {
-  const auto limit = static_cast<int64_t>(HEAP_BLOCK_LIMIT / PixelBytes(imageType));
+  const int64_t limit = static_cast<int64_t>(HEAP_BLOCK_LIMIT) / PixelBytes(imageType);
   return count > limit ? STATUS_MEMORY_FULL : STATUS_OK;
 }
 
