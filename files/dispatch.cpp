@@ -112,18 +112,21 @@ Status TakeReadOptions(const ReadRequest& request, FileContext* context) {
   return STATUS_OK;
 }
 
-// An odd width leaves one column of the image that the file knows nothing of. A pixel is looked at
-// first: a new image that the file hardly fills is zero already, in pages that nothing has touched.
-void ClearLastColumn(const PixelGrid& grid, int32_t pixelBytes) {
-  constexpr uint8_t zero[8] = {};
-  const auto bytes = static_cast<size_t>(pixelBytes);
+// An odd width leaves one column of the image that the file knows nothing of. What lies behind the
+// end of the former block is zero already, in pages that nothing may have touched yet.
+void ClearLastColumn(const Image& image, int32_t pixelBytes, int64_t formerBytes) {
+  const PixelGrid grid = PixelGridOf(image);
+  const int64_t end = std::min<int64_t>(formerBytes, HandleByteSize(image.pixels));
+  const uint8_t* formerEnd = VectorData<uint8_t>(image.pixels) + end;
   for (int64_t y = 0; y < grid.height; y++) {
     uint8_t* pixel = grid.Row<uint8_t>(y) + (int64_t{grid.width} - 1) * pixelBytes;
-    if (std::memcmp(pixel, zero, bytes) != 0) std::memset(pixel, 0, bytes);
+    if (pixel >= formerEnd) return;
+    std::memset(pixel, 0, static_cast<size_t>(pixelBytes));
   }
 }
 
-Status PixelStage(const OpenFile& file, const Image& image, FileContext* context) {
+Status PixelStage(const OpenFile& file, const Image& image, int64_t formerBytes,
+                  FileContext* context) {
   int32_t pixelBytes = 0;
   Status status = PixelSize(image.type, &pixelBytes);
   if (status != STATUS_OK) return status;
@@ -135,7 +138,7 @@ Status PixelStage(const OpenFile& file, const Image& image, FileContext* context
   if (status == STATUS_OK) {
     status = OperationsOf(context->format).readData(file, context, &stream);
   }
-  if (stream.grid.width % 2 != 0) ClearLastColumn(whole, pixelBytes);
+  if (stream.grid.width % 2 != 0) ClearLastColumn(image, pixelBytes, formerBytes);
   return status;
 }
 
@@ -189,9 +192,10 @@ void FileReadKernel(ImageRef reference, const char* path, const ReadRequest* req
   image->unit = static_cast<int16_t>(context->unit);
   image->xStep = context->ratioX;
   image->yStep = context->ratioY;
+  const int64_t formerBytes = HandleByteSize(image->pixels);
   const int32_t evenWidth = context->width + context->width % 2;
   *status = ImageSetSize(reference, evenWidth, context->height);
-  if (*status == STATUS_OK) *status = PixelStage(file, *image, context);
+  if (*status == STATUS_OK) *status = PixelStage(file, *image, formerBytes, context);
 }
 
 void FileWriteKernel(ImageRef reference, const char* path, const FileFormat* format,
