@@ -8,7 +8,7 @@ namespace zel::ZEL_LEVEL {
 namespace {
 
 // Runs from this length on gain by blocks.
-constexpr int32_t LONG_RUN = 4 * SUM_BLOCK;
+constexpr int32_t LONG_RUN = 2 * SUM_BLOCK;
 
 // Adds a run of pixels as PixelSumsAdd does one after the other.
 class FloatSums {

@@ -166,6 +166,16 @@ void SumFloats(const void* row, const uint16_t* classes, int32_t width, const Cl
                uint32_t* tables, PixelSums* sums) {
   const auto* pixels = static_cast<const float*>(row);
   const auto none = static_cast<uint16_t>(map.classes);
+  if (width < LONG_RUN) {
+    CountNumbers(classes, width, map.classes + 1, tables);
+    PixelSums few = *sums;
+    for (int32_t x = 0; x < width; x++) {
+      if (classes[x] != none) PixelSumsAdd(&few, pixels[x]);
+    }
+    few.count = sums->count;
+    *sums = few;
+    return;
+  }
   FloatSums result(sums);
   alignas(VECTOR_BYTES) int32_t keep[SUM_BLOCK];
   for (int32_t first = 0; first < width; first += SUM_BLOCK) {
@@ -173,7 +183,7 @@ void SumFloats(const void* row, const uint16_t* classes, int32_t width, const Cl
     const uint16_t* numbers = classes + first;
     CountNumbers(numbers, count, map.classes + 1, tables);
     for (int32_t x = 0; x < count; x++) keep[x] = -static_cast<int32_t>(numbers[x] != none);
-    if (count == SUM_BLOCK && width >= LONG_RUN) {
+    if (count == SUM_BLOCK) {
       result.AddBlock<true>(pixels + first, keep);
     } else {
       result.AddFew<true>(pixels + first, keep, count);

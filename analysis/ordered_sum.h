@@ -13,7 +13,7 @@
 namespace zel::ZEL_LEVEL {
 namespace {
 
-constexpr int32_t SUM_BLOCK = 64;  // terms
+constexpr int32_t SUM_BLOCK = 128;  // terms
 
 class OrderedSum {
  public:
@@ -59,7 +59,7 @@ class OrderedSum {
     bits &= 0x7FF0000000000000u;
     std::memcpy(&low_, &bits, sizeof(low_));
     if (!(size >= smallest && size <= greatest)) low_ = greatest;  // no sum lies above
-    slack_ = low_ * 0x1p-46;                                       // SUM_BLOCK last places
+    slack_ = low_ * (SUM_BLOCK * 0x1p-52);                         // SUM_BLOCK last places
     half_ = low_ * 0x1p-53;                                        // of the last place
     anchor_ = Doubles{} + 1.5 * low_;  // its last place is that of the sum
   }

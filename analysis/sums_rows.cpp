@@ -114,12 +114,14 @@ void AddIntegers(const void* row, int32_t count, PixelSums* sums) {
 
 void AddFloats(const void* row, int32_t count, PixelSums* sums) {
   const auto* pixels = static_cast<const float*>(row);
-  if (count < SUM_BLOCK) {
-    for (int32_t i = 0; i < count; i++) PixelSumsAdd(sums, pixels[i]);
+  if (count < LONG_RUN) {
+    PixelSums few = *sums;
+    for (int32_t i = 0; i < count; i++) PixelSumsAdd(&few, pixels[i]);
+    *sums = few;
     return;
   }
   FloatSums result(sums);
-  const int32_t blocks = count < LONG_RUN ? 0 : count / SUM_BLOCK * SUM_BLOCK;
+  const int32_t blocks = count / SUM_BLOCK * SUM_BLOCK;
   for (int32_t i = 0; i < blocks; i += SUM_BLOCK) result.AddBlock<false>(pixels + i, nullptr);
   result.AddFew<false>(pixels + blocks, nullptr, count - blocks);
   result.Finish(pixels, [](int32_t) { return true; });
