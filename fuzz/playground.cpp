@@ -43,7 +43,8 @@ Playground::Playground(Input* input) : input_(input) {
       uint8_t* row = static_cast<uint8_t*>(info.firstPixel) + int64_t{y} * info.lineBytes;
       for (int32_t i = 0; i < info.width * info.pixelBytes; i++) {
         state = state * 1664525u + 1013904223u;
-        row[i] = (state >> 20 & 7) < 3 ? 0 : static_cast<uint8_t>((state >> 24) % levels);
+        const auto level = static_cast<uint8_t>((state >> 24) % levels);
+        if ((state >> 20 & 7) >= 3) row[i] = level;  // fresh pixels are 0
       }
     }
   }
