@@ -154,17 +154,9 @@ FileFormat FormatAsked(int32_t format) {
   return format == 1 ? FORMAT_NATIVE : format == 2 ? FORMAT_TIFF : FORMAT_BMP;
 }
 
+// The number that callers know a recognised format by.
 int32_t FileTypeOf(FileFormat format) {
-  switch (format) {
-    case FORMAT_NATIVE:
-      return 1;
-    case FORMAT_TIFF:
-      return 2;
-    case FORMAT_BMP:
-      return 3;
-    default:
-      return 0;
-  }
+  return format == FORMAT_NATIVE ? 1 : format == FORMAT_TIFF ? 2 : 3;
 }
 
 }  // namespace

@@ -19,7 +19,7 @@ constexpr int64_t DIRECTORY_AT = TIFF_HEADER_BYTES + 2;
 struct StripPlan {
   int64_t rowsPerStrip;
   int64_t rowBytes;
-  int64_t strips;
+  int64_t count;
   int64_t firstOffset;
 };
 
@@ -36,12 +36,12 @@ Layout LayoutOf(const FileContext& context) {
   layout.entries = 11;
   layout.strips.rowsPerStrip = context.rowsPerStrip;
   layout.strips.rowBytes = int64_t{context.width} * (colour ? 3 : words ? 2 : 1);
-  layout.strips.strips = (context.height + layout.strips.rowsPerStrip - 1) / context.rowsPerStrip;
+  layout.strips.count = (context.height + layout.strips.rowsPerStrip - 1) / context.rowsPerStrip;
   // The 16 bits of a 16-bit file are stored in their entry and once more behind the directory:
   // kept.
   const int64_t bits = colour ? 6 : words ? 2 : 0;
   const int64_t map = colour || words ? 0 : 3 * 2 * int64_t{TABLE_ENTRIES};
-  const int64_t arrays = layout.strips.strips > 1 ? 2 * 4 * layout.strips.strips : 0;
+  const int64_t arrays = layout.strips.count > 1 ? 2 * 4 * layout.strips.count : 0;
   layout.outOfLine = bits + map + arrays;
   layout.strips.firstOffset =
       DIRECTORY_AT + TIFF_ENTRY_BYTES * layout.entries + 4 + layout.outOfLine;
@@ -125,12 +125,12 @@ void FillHeader(const FileContext& context, const Layout& layout, uint8_t* heade
     for (const uint32_t entry : context.table) directory.ShortValue((entry >> shift & 0xFF) * 257);
   }
   const int64_t countsAt = directory.ValuesAt();
-  const int64_t offsetsAt = countsAt + 4 * plan.strips;
-  const bool single = plan.strips == 1;
-  for (int64_t i = 0; i < plan.strips && !single; i++) {
+  const int64_t offsetsAt = countsAt + 4 * plan.count;
+  const bool single = plan.count == 1;
+  for (int64_t i = 0; i < plan.count && !single; i++) {
     directory.LongValue(StripRows(context, plan, i) * plan.rowBytes);
   }
-  for (int64_t i = 0; i < plan.strips && !single; i++) directory.LongValue(StripOffset(plan, i));
+  for (int64_t i = 0; i < plan.count && !single; i++) directory.LongValue(StripOffset(plan, i));
 
   directory.Long(TAG_NEW_SUBFILE_TYPE, 0);
   directory.Short(TAG_WIDTH, static_cast<uint32_t>(context.width));
@@ -147,14 +147,14 @@ void FillHeader(const FileContext& context, const Layout& layout, uint8_t* heade
   if (single) {
     directory.Long(TAG_STRIP_OFFSETS, static_cast<uint32_t>(plan.firstOffset));
   } else {
-    directory.Array(TAG_STRIP_OFFSETS, TIFF_LONG, plan.strips, offsetsAt);
+    directory.Array(TAG_STRIP_OFFSETS, TIFF_LONG, plan.count, offsetsAt);
   }
   directory.Short(TAG_SAMPLES_PER_PIXEL, colour ? 3 : 1);
   directory.Long(TAG_ROWS_PER_STRIP, static_cast<uint32_t>(plan.rowsPerStrip));
   if (single) {
     directory.Long(TAG_STRIP_BYTE_COUNTS, static_cast<uint32_t>(context.height * plan.rowBytes));
   } else {
-    directory.Array(TAG_STRIP_BYTE_COUNTS, TIFF_LONG, plan.strips, countsAt);
+    directory.Array(TAG_STRIP_BYTE_COUNTS, TIFF_LONG, plan.count, countsAt);
   }
   if (palette) {
     directory.Array(TAG_COLOUR_MAP, TIFF_SHORT, 3 * int64_t{TABLE_ENTRIES}, mapAt);

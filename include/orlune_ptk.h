@@ -806,9 +806,12 @@ int32_t ZEL_ParticleDiscrim(ImageRef image, const ParticleCriterion* criteria, u
  * - A TIFF with photometric 0 has every bit of an IMAGE_U8 or IMAGE_I16 image inverted: one bit
  *   0 and 1 read as 255 and 254. TIFF rows of fewer than 8 bits are one stream without padding.
  * - A strip's byte count is made a multiple of the width in pixels.
+ * - A TIFF colour map of fewer than 768 values is taken as having that many entries in each of the
+ *   three colours; values behind its end are 0.
  * - The green and blue planes of a TIFF read into IMAGE_RGB lie one and two pixels further on, and
  *   only the red plane reaches IMAGE_I16, IMAGE_SGL and IMAGE_COMPLEX.
  * - 8-bit BMP files are written without row padding: only widths that are multiples of 4 read back.
+ * - 4-bit BMP rows of an odd width lack their last pixel, which keeps what the image held.
  * - 8-bit TIFF files are written as palette images.
  */
 
