@@ -76,22 +76,46 @@ Status TableGrow(Row** table, uint32_t* capacity) {
   return STATUS_OK;
 }
 
-// Resizes a block, with zeros behind its former end. One that grows several times over is made
-// anew: large zero blocks come from the system ready-made, and untouched they cost nothing. One
-// that shrinks is at least kept. Null when there is no memory.
-void* Resized(void* data, size_t former, size_t size) {
-  if (!data) return HeapAllocateZeroed(size);
-  if (size / 4 >= former) {
-    void* block = HeapAllocateZeroed(size);
-    if (!block) return nullptr;
-    std::memcpy(block, data, former);
-    HeapFree(data);
-    return block;
+// Pixels start on a cache line, so that the vectors of row routines do not straddle two.
+constexpr uintptr_t PIXEL_ALIGNMENT = 64;
+constexpr size_t HEAP_ALIGNMENT = 16;
+
+uintptr_t AlignmentOf(const HandleEntry& row) {
+  return row.kind == HANDLE_IMAGE_PIXELS ? PIXEL_ALIGNMENT : HEAP_ALIGNMENT;
+}
+
+// Gives a row a new block of `size` bytes, with what fits of the old contents and zeros behind
+// them. Large zero blocks come from the system ready-made, and untouched they cost nothing.
+bool BlockReplace(HandleEntry* row, size_t size) {
+  const uintptr_t alignment = AlignmentOf(*row);
+  const size_t spare = alignment - HEAP_ALIGNMENT;
+  const bool grows = size > row->blockBytes;
+  void* block = grows ? HeapAllocateZeroed(size + spare) : HeapAllocate(size + spare);
+  if (!block) return false;
+  auto* data = static_cast<char*>(block);
+  data += -reinterpret_cast<uintptr_t>(data) & (alignment - 1);
+  if (row->data) std::memcpy(data, row->data, grows ? row->blockBytes : size);
+  HeapFree(row->block);
+  row->block = block;
+  row->data = data;
+  return true;
+}
+
+// Resizes the block of a row. One that shrinks is kept where there is no memory for another.
+bool BlockResize(HandleEntry* row, size_t size) {
+  const size_t former = row->blockBytes;
+  bool resized = false;
+  if (row->kind == HANDLE_IMAGE_PIXELS || size / 4 >= former) {
+    resized = BlockReplace(row, size);
+  } else if (void* block = HeapResize(row->block, size)) {
+    row->block = block;
+    row->data = block;
+    if (size > former) std::memset(static_cast<char*>(block) + former, 0, size - former);
+    resized = true;
   }
-  void* block = HeapResize(data, size);
-  if (!block) return size < former ? data : nullptr;
-  if (size > former) std::memset(static_cast<char*>(block) + former, 0, size - former);
-  return block;
+  if (!resized && size > former) return false;
+  row->blockBytes = static_cast<uint32_t>(size);
+  return true;
 }
 
 }  // namespace
@@ -116,7 +140,7 @@ Handle HandleNew(uint32_t size) {
     data = HeapAllocateZeroed(size);
     if (!data) return 0;
   }
-  coreTables.handles[handle] = {data, HANDLE_OWNED, 1, size, 0, 0, 0, size};
+  coreTables.handles[handle] = {data, HANDLE_OWNED, 1, size, 0, 0, 0, size, data};
   coreTables.handleRows++;
   TablesEnsure();  // one free row is normally on hand for the next call
   return handle;
@@ -139,14 +163,12 @@ Status HandleResize(Handle handle, uint64_t size) {
   } else if (size > HEAP_BLOCK_LIMIT) {
     return STATUS_MEMORY_FULL;
   } else if (size == 0) {
-    HeapFree(row->data);
+    HeapFree(row->block);
+    row->block = nullptr;
     row->data = nullptr;
     row->blockBytes = 0;
-  } else if (size != row->blockBytes) {
-    void* block = Resized(row->data, row->blockBytes, static_cast<size_t>(size));
-    if (!block) return STATUS_MEMORY_FULL;
-    row->data = block;
-    row->blockBytes = static_cast<uint32_t>(size);
+  } else if (size != row->blockBytes && !BlockResize(row, static_cast<size_t>(size))) {
+    return STATUS_MEMORY_FULL;
   }
   row->elementSize = 1;
   row->count = static_cast<uint32_t>(size);
@@ -173,7 +195,7 @@ Status HandleFree(Handle handle) {
   if (!InTable(handle)) return STATUS_BAD_HANDLE;
   HandleEntry* row = &coreTables.handles[handle];
   if (row->kind < HANDLE_OWNED) return STATUS_NOT_OWNED;
-  HeapFree(row->data);
+  HeapFree(row->block);
   RowRelease(handle);
   return STATUS_OK;
 }
@@ -215,10 +237,16 @@ Handle HandleWrap(void* block, uint32_t elementSize, uint32_t count, uint32_t co
   const Handle handle = bytes > HEAP_BLOCK_LIMIT ? 0 : FreeRow();
   if (handle == 0) return 0;
   const bool foreign = growable == 0;
-  coreTables.handles[handle] = {block,       foreign ? HANDLE_FOREIGN : HANDLE_OWNED,
-                                elementSize, count,
-                                count2,      foreign ? static_cast<uint32_t>(bytes) : 0,
-                                0,           block ? static_cast<uint32_t>(bytes) : 0};
+  HandleEntry& row = coreTables.handles[handle];
+  row = {};
+  row.data = block;
+  row.block = block;
+  row.kind = foreign ? HANDLE_FOREIGN : HANDLE_OWNED;
+  row.elementSize = elementSize;
+  row.count = count;
+  row.count2 = count2;
+  row.capacity = foreign ? static_cast<uint32_t>(bytes) : 0;
+  row.blockBytes = block ? static_cast<uint32_t>(bytes) : 0;
   coreTables.handleRows++;
   TablesEnsure();
   return handle;

@@ -28,6 +28,7 @@ struct HandleEntry {
   uint32_t capacity;     // HANDLE_FOREIGN: bytes of the caller's block; else 0
   uint32_t ownerImage;   // the image this block was made for, or 0
   uint32_t blockBytes;   // what `data` really holds, whatever the counts say
+  void* block;           // the heap block that `data` lies in
 };
 
 // Makes room for one more image and one more handle, and tests the processor on first use.

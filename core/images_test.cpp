@@ -111,6 +111,18 @@ TEST(Images, TheSameSizeWithAnotherBorderIsLaidOutAnew) {
   EXPECT_EQ(WorldFault(), nullptr);
 }
 
+TEST(Images, PixelBlocksStartOnACacheLine) {
+  const TestImage image(IMAGE_U8, 1, 1);
+  for (int32_t width = 1; width < 4000; width = width * 3 + 1) {
+    ASSERT_EQ(ZEL_SetImageSize(image, width, 77), 0);
+    EXPECT_EQ(reinterpret_cast<uintptr_t>(image.At<uint8_t>(0, 0)) % 64, 0u);
+  }
+  for (int32_t width = 4000; width > 0; width /= 2) {
+    ASSERT_EQ(ZEL_SetImageSize(image, width, 77), 0);
+    EXPECT_EQ(reinterpret_cast<uintptr_t>(image.At<uint8_t>(0, 0)) % 64, 0u);
+  }
+}
+
 TEST(Images, PixelsThatAResizeAddsReadZero) {
   const TestImage image(IMAGE_U8, 8, 2);
   EXPECT_EQ(ZEL_SetImageSize(image, 8, 100), 0);
