@@ -4,51 +4,10 @@
 #include <algorithm>
 #include <cstring>
 
+#include "core/array_rows.h"
 #include "core/numbers.h"
 
 namespace zel {
-namespace {
-
-template <class Source, class Destination>
-void ConvertElements(const void* source, void* destination, int64_t count) {
-  const auto* from = static_cast<const Source*>(source);
-  auto* to = static_cast<Destination*>(destination);
-  if constexpr (static_cast<Source>(0.5) == Source{0}) {
-    // A double holds every integer of these types, so that the way through it changes nothing.
-    for (int64_t i = 0; i < count; i++) to[i] = static_cast<Destination>(from[i]);
-    return;
-  }
-  for (int64_t i = 0; i < count; i++) {
-    const auto value = static_cast<double>(from[i]);
-    if constexpr (static_cast<Destination>(0.5) == Destination{0}) {
-      to[i] = CutLow<Destination>(value);
-    } else {
-      to[i] = static_cast<Destination>(value);
-    }
-  }
-}
-
-using Converter = void (*)(const void*, void*, int64_t);
-
-// By the code of the destination, in the order of ArrayType; code 5 is unused.
-constexpr int32_t ARRAY_TYPES = 9;
-
-template <class Source>
-constexpr Converter CONVERTERS_FROM[ARRAY_TYPES] = {
-    &ConvertElements<Source, int8_t>,   &ConvertElements<Source, int32_t>,
-    &ConvertElements<Source, int16_t>,  &ConvertElements<Source, float>,
-    &ConvertElements<Source, double>,   nullptr,
-    &ConvertElements<Source, uint16_t>, &ConvertElements<Source, uint32_t>,
-    &ConvertElements<Source, uint8_t>,
-};
-
-constexpr const Converter* CONVERTERS[ARRAY_TYPES] = {
-    CONVERTERS_FROM<int8_t>,   CONVERTERS_FROM<int32_t>,  CONVERTERS_FROM<int16_t>,
-    CONVERTERS_FROM<float>,    CONVERTERS_FROM<double>,   nullptr,
-    CONVERTERS_FROM<uint16_t>, CONVERTERS_FROM<uint32_t>, CONVERTERS_FROM<uint8_t>,
-};
-
-}  // namespace
 
 void RectFromApi(const ApiRect* rect, KernelRect* kernelRect) {
   if (!rect) {
@@ -117,7 +76,7 @@ void ArrayConvert(const void* source, int32_t sourceType, void* destination,
     std::memcpy(destination, source, static_cast<size_t>(count) * static_cast<size_t>(sourceBytes));
     return;
   }
-  CONVERTERS[sourceType][destinationType](source, destination, count);
+  arrayRows().from[sourceType].to[destinationType](source, destination, count);
 }
 
 int32_t NativeArrayType(int32_t imageType) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "fuzz/target.h"
+#include "tests/robust/bad_files.h"
 #include "tests/support/memory_files.h"
 #include "tests/support/test_image.h"
 
@@ -49,6 +50,28 @@ void FileSeeds(const std::string& target, int32_t format) {
   }
 }
 
+std::string ReaderOf(const Bytes& file) {
+  if (file[0] == 'O') return "read_native";
+  return file[0] == 'B' ? "read_bmp" : "read_tiff";
+}
+
+// Good files of every layout, each into a type of its own, and the broken and odd ones.
+void TableSeeds() {
+  uint32_t number = 0;
+  for (const Bytes& file : bad_files::GoodFiles()) {
+    for (uint8_t type = 0; type < 5; type++) {
+      const std::string name = "good-" + std::to_string(number++) + "-into-" + std::to_string(type);
+      Write(ReaderOf(file), name, Behind({type, 0x22}, file));
+    }
+  }
+  for (const bad_files::Case& one : bad_files::AllCases()) {
+    if (one.file.size() < 6 || one.file.size() > 4000) continue;
+    const auto options = static_cast<uint8_t>(number);
+    Write(ReaderOf(one.file), "table-" + std::to_string(number++),
+          Behind({options, 0x22}, one.file));
+  }
+}
+
 // Bytes for every pixel class, type and stretch.
 void RawSeeds() {
   for (uint8_t pixelClass = 0; pixelClass < 16; pixelClass++) {
@@ -81,6 +104,7 @@ int main(int argc, char** argv) {
   FileSeeds("read_native", 1);
   FileSeeds("read_tiff", 2);
   FileSeeds("read_bmp", 3);
+  TableSeeds();
   RawSeeds();
   CallSeeds();
   ZEL_CloseSys();

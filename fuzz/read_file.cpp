@@ -14,7 +14,7 @@ void PutSignature(std::vector<uint8_t>* file) {
 #if defined(FUZZ_NATIVE)
   std::memcpy(file->data(), "ORLN", 4);
 #elif defined(FUZZ_TIFF)
-  const bool big = ((*file)[0] & 1) != 0;
+  const bool big = ((*file)[0] & 4) != 0;  // as in an "M", and not in an "I"
   std::memcpy(file->data(), big ? "MM\0*" : "II*\0", 4);
 #elif defined(FUZZ_BMP)
   (*file)[0] = 'B';
