@@ -32,7 +32,9 @@ function(ptk_room name)
       add_library(${rows} OBJECT ${ROOM_ROWS})
       ptk_library_flags(${rows})
       target_compile_definitions(${rows} PRIVATE ZEL_LEVEL=${level} ZEL_LEVEL_${level}=1)
-      target_compile_options(${rows} PRIVATE ${PTK_LEVEL_FLAGS_${level}} $<$<CONFIG:Release>:-O3>)
+      # Without optimisation the compiler's vector functions are macros, which warn of themselves.
+      target_compile_options(${rows} PRIVATE ${PTK_LEVEL_FLAGS_${level}}
+                                             $<IF:$<CONFIG:Release>,-O3,-O1>)
       set_property(GLOBAL APPEND PROPERTY PTK_OBJECT_LIBRARIES ${rows})
       set_property(GLOBAL APPEND PROPERTY PTK_ROW_LIBRARIES ${rows})
     endforeach()
