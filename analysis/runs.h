@@ -41,9 +41,9 @@ class RunTable {
   const Run* data() const { return runs_.data(); }
   const Run& operator[](uint32_t place) const { return runs_[place]; }
   // The place of a row's first run, or of its sentinel. Row -1 is there, and empty.
-  uint32_t RowBegin(int32_t y) const { return rows_[static_cast<size_t>(y + 1)]; }
+  uint32_t RowBegin(int32_t y) const { return rows_[static_cast<size_t>(y) + 1]; }
   // The place of a row's sentinel.
-  uint32_t RowEnd(int32_t y) const { return rows_[static_cast<size_t>(y + 2)] - 1; }
+  uint32_t RowEnd(int32_t y) const { return rows_[static_cast<size_t>(y) + 2] - 1; }
 
  private:
   bool Start(int32_t width, int32_t height);

@@ -136,7 +136,8 @@ Status PixelStage(const OpenFile& file, const Image& image, int64_t formerBytes,
   stream.grid.width = whole.width > 0 ? context->width : 0;
   if (context->scaleToRange == 1) status = SampleRangeScan(file, context, &stream);
   if (status == STATUS_OK) {
-    status = OperationsOf(context->format).readData(file, context, &stream);
+    const auto readData = OperationsOf(context->format).readData;
+    status = readData ? readData(file, context, &stream) : STATUS_FILE_UNSUPPORTED;
   }
   if (stream.grid.width % 2 != 0) ClearLastColumn(image, pixelBytes, formerBytes);
   return status;

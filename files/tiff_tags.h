@@ -75,7 +75,7 @@ class TiffArrayReader {
   const TiffTag& tag_;
   int64_t firstByte_ = 0;  // of the value, at the start of the window
   int64_t bytes_ = 0;      // in the window
-  uint8_t window_[WINDOW_BYTES];
+  uint8_t window_[WINDOW_BYTES] = {};
 };
 
 }  // namespace zel

@@ -297,8 +297,8 @@ void BoundsStart(const LevelCounts& counts, const int32_t (&levels)[LEVELS_U8], 
 bool BoundsMove(const LevelCounts& counts, ClassBounds* result) {
   const int32_t classes = result->classes;
   float* bounds = result->bounds;
-  uint64_t pixels[CLASSES_MAX];
-  float means[CLASSES_MAX];
+  uint64_t pixels[CLASSES_MAX] = {};
+  float means[CLASSES_MAX] = {};
   for (int32_t k = 0; k < classes; k++) {
     const auto from = static_cast<int32_t>(std::ceil(bounds[k]));
     const auto to = static_cast<int32_t>(std::ceil(bounds[k + 1]));

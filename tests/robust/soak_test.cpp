@@ -1,0 +1,71 @@
+// Many rounds of the same work, good calls and failing ones, leave the process as large as it was.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+
+#include "core/heap.h"
+#include "tests/support/memory_files.h"
+#include "tests/support/test_image.h"
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr int ROUNDS = 4000;
+constexpr long GROWTH_ALLOWED = 64 << 20;  // what is freed stays in quarantine for a while
+#else
+constexpr int ROUNDS = 100000;
+constexpr long GROWTH_ALLOWED = 1 << 20;
+#endif
+
+long ResidentBytes() {
+  long size = 0;
+  long resident = 0;
+  std::FILE* file = std::fopen("/proc/self/statm", "r");
+  if (!file) return 0;
+  if (std::fscanf(file, "%ld %ld", &size, &resident) != 2) resident = 0;
+  std::fclose(file);
+  return resident * sysconf(_SC_PAGESIZE);
+}
+
+// Creates, reads, thresholds, labels, measures and disposes; then calls that fail.
+void Round(ParticleReport** reports) {
+  ImageRef image = 0;
+  ImageRef labels = 0;
+  int32_t count = 0;
+  ASSERT_EQ(ZEL_Create(&image, IMAGE_U8, 2), 0);
+  ASSERT_EQ(ZEL_Create(&labels, IMAGE_I16, 2), 0);
+  ASSERT_EQ(ZEL_ReadFile(image, "picture", 0, nullptr, nullptr), 0);
+  ASSERT_EQ(ZEL_Threshold(image, 0, 128, 255, 1, 1), 0);
+  ASSERT_EQ(ZEL_Label(image, labels, 1, &count), 0);
+  ASSERT_EQ(ZEL_Particle(image, 1, reports, &count), 0);
+  ASSERT_EQ(ZEL_Cast(image, IMAGE_SGL), 0);
+  ASSERT_EQ(ZEL_ReadFile(image, "missing", 0, nullptr, nullptr), -510);
+  ASSERT_EQ(ZEL_SetImageSize(image, INT32_MAX, INT32_MAX), -101);
+  ASSERT_EQ(ZEL_Add(image, labels, 12345678, 0), -200);
+  ASSERT_EQ(ZEL_Dispose(image), 0);
+  ASSERT_EQ(ZEL_Dispose(image), -200);
+  ASSERT_EQ(ZEL_Dispose(labels), 0);
+}
+
+TEST(Soak, RoundsOfReadingAndMeasuringKeepMemoryFlat) {
+  test::MemoryFiles files;
+  {
+    const test::TestImage picture(IMAGE_U8, 24, 18, 0, 3);
+    ASSERT_EQ(ZEL_WriteFile(picture, "picture", 1, nullptr, 0), 0);
+  }
+  ParticleReport* reports = nullptr;
+  for (int i = 0; i < ROUNDS / 50; i++) Round(&reports);
+
+  const int64_t blocks = zel::HeapHooksGet()->liveBlocks;
+  const int64_t bytes = zel::HeapHooksGet()->liveBytes;
+  const long resident = ResidentBytes();
+  for (int i = 0; i < ROUNDS && !HasFatalFailure(); i++) Round(&reports);
+  EXPECT_EQ(zel::HeapHooksGet()->liveBlocks, blocks);
+  EXPECT_EQ(zel::HeapHooksGet()->liveBytes, bytes);
+  EXPECT_LE(ResidentBytes() - resident, GROWTH_ALLOWED);
+  EXPECT_EQ(files.OpenFiles(), 0);
+  ZEL_free(reports);
+}
+
+}  // namespace
