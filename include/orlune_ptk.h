@@ -42,7 +42,7 @@ extern "C" {
 #pragma GCC visibility push(default)
 #endif
 
-/* ======================================================================================== types */
+/* ====================================================================================== types */
 
 typedef uint32_t ImageRef; /* 0 is no image */
 typedef uint32_t RGBValue; /* 0x00RRGGBB; bytes in memory: blue, green, red, fourth */
@@ -80,7 +80,7 @@ typedef enum ArrayType {
   ARRAY_U8 = 8
 } ArrayType;
 
-/* ======================================================================================= memory */
+/* ===================================================================================== memory */
 
 /* The heap that every block handed to callers comes from. NULL when there is no memory. Nothing
  * is reported. ZEL_free takes NULL. */
@@ -89,7 +89,7 @@ void* ZEL_calloc(uint32_t count, uint32_t size); /* count x size bytes of 0 */
 void* ZEL_realloc(void* block, uint32_t size);   /* keeps contents up to the smaller size */
 void ZEL_free(void* block);
 
-/* ======================================================================================= images */
+/* ===================================================================================== images */
 
 /* What ZEL_GetImageInfo tells of an image. */
 typedef struct ImageInfo {
@@ -161,7 +161,7 @@ int32_t ZEL_GetImageReference(int32_t index, ImageRef* image, int32_t* count);
  * Failures: -200; -300 for IMAGE_OPAQUE; -1001 outside the image and its border. */
 int32_t ZEL_GetPixelAddress(ImageRef image, int32_t x, int32_t y, void** address);
 
-/* ======================================================================================= errors */
+/* ===================================================================================== errors */
 
 /* Reports a failure the way the library's own functions do.
  * procedure: name of the failing function, zero-terminated, of which 255 bytes are kept; NULL keeps
@@ -181,7 +181,7 @@ int32_t ZEL_GetErrorMode(void);
  * that receive the name reported with it, an empty text when there is none. */
 int32_t ZEL_GetLastError(char* procedure);
 
-/* =================================================== pixels, lines and whole arrays */
+/* ============================================================= pixels, lines and whole arrays */
 
 /* These take IMAGE_U8, IMAGE_I16 and IMAGE_SGL images, where nothing else is said, and callers'
  * arrays of any ArrayType. ARRAY_I8 with IMAGE_U8 and ARRAY_U16 with IMAGE_I16 pass bits unchanged;
@@ -274,8 +274,7 @@ int32_t ZEL_ClearPixels(ImageRef image);
  * Failures: -200; -304 for a field of another type than the frame's; -301 for IMAGE_OPAQUE. */
 int32_t ZEL_Interlace(ImageRef frame, ImageRef firstField, ImageRef secondField, int32_t mode);
 
-/* ==================================================================== arithmetic and logic
- * operators */
+/* ============================================================= arithmetic and logic operators */
 
 /* Operators combine two images, or an image and a constant, pixel by pixel.
  *
@@ -362,7 +361,7 @@ int32_t ZEL_LogDiff(ImageRef first, ImageRef second, ImageRef destination, uint3
  * Failures: -200, -301, -304. */
 int32_t ZEL_Mask(ImageRef source, ImageRef mask, ImageRef destination);
 
-/* =================================================================================== casts */
+/* ====================================================================================== casts */
 
 /* Conversion between pixel types. What becomes of a pixel:
  *   to U8, I16   from I16 and SGL: cut toward zero, limited to the type's range, NaN as 0;
@@ -401,7 +400,7 @@ int32_t ZEL_ConvertByLookup(ImageRef source, ImageRef destination, int32_t array
  * Failures: -200; -301 images of other types. Reported as "ZEL_Shift16to8". */
 int32_t ZEL_Shift16To8(ImageRef source, ImageRef destination, int32_t shift);
 
-/* =================================================================================== thresholds */
+/* ================================================================================= thresholds */
 
 /* One range of values, 16 bytes in an array. The upper half of the fourth 32-bit word is ignored
  * on input and written as 0. */
@@ -474,7 +473,7 @@ int32_t ZEL_AutoBThreshold(ImageRef image, int32_t method, int32_t arrayType, vo
 int32_t ZEL_AutoMThreshold(ImageRef image, int32_t count, int32_t arrayType, void* lookup,
                            ThresholdClass* classes);
 
-/* =================================================== histogram and quantification */
+/* =============================================================== histogram and quantification */
 
 /* What ZEL_Histogram tells of the pixels that it counted. Without any, all fields are 0, except an
  * interval of 1.0 for the 256 levels of IMAGE_U8. */
@@ -562,7 +561,7 @@ int32_t ZEL_LineProfile(ImageRef image, int32_t startX, int32_t startY, int32_t 
                         int32_t arrayType, void* profile, int32_t* nbPixels,
                         LineProfileReport* report);
 
-/* =================================================================================== lookups */
+/* ==================================================================================== lookups */
 
 /* Maps every pixel through a table of the caller's.
  * source:      IMAGE_U8 or IMAGE_I16.
@@ -632,12 +631,11 @@ int32_t ZEL_Equalize(ImageRef source, ImageRef mask, ImageRef destination,
                      const uint32_t* histogram, int32_t count, const HistogramReport* report,
                      float rangeMin, float rangeMax);
 
-/* ============================================================================= particle labelling
- *
- * A particle is a set of connected non-zero pixels: side by side with connectivity8 0, also corner
+/* ========================================================================= particle labelling */
+
+/* A particle is a set of connected non-zero pixels: side by side with connectivity8 0, also corner
  * to corner with any other value. Particles are numbered from 1 in raster order of their first
- * pixels. The image needs a border of 1 pixel, or of 2 with connectivity8 (else -309).
- */
+ * pixels. The image needs a border of 1 pixel, or of 2 with connectivity8 (else -309). */
 
 /* What ZEL_BasicParticle tells of a particle. */
 typedef struct BasicParticleReport {
@@ -669,8 +667,7 @@ int32_t ZEL_Label(ImageRef source, ImageRef dest, uint16_t connectivity8, int32_
 int32_t ZEL_BasicParticle(ImageRef image, uint16_t connectivity8, BasicParticleReport** reports,
                           int32_t* nbReports);
 
-/* =========================================================================== particle measurement
- */
+/* ======================================================================= particle measurement */
 
 /* What ZEL_Particle tells of a particle. The sums run over its pixels and are kept in 32-bit floats
  * run by run; those of a single run lose what is beyond 32 bits. */
@@ -788,8 +785,7 @@ typedef struct ParticleCriterion {
 int32_t ZEL_ParticleDiscrim(ImageRef image, const ParticleCriterion* criteria, uint32_t nbCriteria,
                             ParticleReport* reports, int32_t nbReports, int32_t* nbKept);
 
-/* =========================================================================================== files
- */
+/* ====================================================================================== files */
 
 /* Three formats: the library's own ("native"), which holds every image type and the calibration;
  * TIFF and BMP, both uncompressed. Paths name regular files of at most 2^31 - 1 bytes: a folder,
