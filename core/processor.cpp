@@ -32,17 +32,13 @@ uint32_t MmxDetect() {
 
 ProcessorLevel BestLevel() {
 #if defined(ZEL_X86_LEVELS)
-  if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma") &&
-      __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2") &&
-      __builtin_cpu_supports("popcnt")) {
-    if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
-        __builtin_cpu_supports("avx512cd") && __builtin_cpu_supports("avx512dq") &&
-        __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512vbmi") &&
-        __builtin_cpu_supports("avx512vbmi2")) {
-      return ProcessorLevel::V4;
-    }
-    return ProcessorLevel::V3;
+  // The names stand for everything that the compiler may use at a level, also what a virtual
+  // machine may hide one by one.
+  if (__builtin_cpu_supports("x86-64-v4") && __builtin_cpu_supports("avx512vbmi") &&
+      __builtin_cpu_supports("avx512vbmi2")) {
+    return ProcessorLevel::V4;
   }
+  if (__builtin_cpu_supports("x86-64-v3")) return ProcessorLevel::V3;
 #endif
   return ProcessorLevel::Baseline;
 }

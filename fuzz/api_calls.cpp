@@ -23,6 +23,16 @@ int32_t ElementCount(Playground& play) {
   return static_cast<int32_t>(play.input().Below(kind % 8 == 1 ? 5000 : 64));
 }
 
+// Two points anywhere.
+struct Ends {
+  int32_t x1, y1, x2, y2;
+};
+
+Ends EndsOf(Playground& play) {
+  // In the order of a braced list, so that an input means the same on every compiler.
+  return Ends{play.input().Int(), play.input().Int(), play.input().Int(), play.input().Int()};
+}
+
 size_t AtLeastZero(int32_t count) {
   return count > 0 ? static_cast<size_t>(count) : 0;
 }
@@ -126,33 +136,25 @@ int32_t ParticleDiscrim(Playground& play) {
 int32_t GetLine(Playground& play) {
   const ImageRef image = play.Image();
   void* array = play.Output(play.SideOf(image) * ELEMENT);
-  const int32_t x1 = play.input().Int();
-  const int32_t y1 = play.input().Int();
-  const int32_t x2 = play.input().Int();
-  const int32_t y2 = play.input().Int();
-  return ZEL_GetLine(image, x1, y1, x2, y2, ArrayType(play), array, play.OutputOf<int32_t>());
+  const Ends ends = EndsOf(play);
+  return ZEL_GetLine(image, ends.x1, ends.y1, ends.x2, ends.y2, ArrayType(play), array,
+                     play.OutputOf<int32_t>());
 }
 
 int32_t SetLine(Playground& play) {
   const ImageRef image = play.Image();
   const int32_t count = ElementCount(play);
   const void* array = play.Array(AtLeastZero(count) * ELEMENT);
-  const int32_t x1 = play.input().Int();
-  const int32_t y1 = play.input().Int();
-  const int32_t x2 = play.input().Int();
-  const int32_t y2 = play.input().Int();
-  return ZEL_SetLine(image, x1, y1, x2, y2, ArrayType(play), array, count);
+  const Ends ends = EndsOf(play);
+  return ZEL_SetLine(image, ends.x1, ends.y1, ends.x2, ends.y2, ArrayType(play), array, count);
 }
 
 int32_t LineProfile(Playground& play) {
   const ImageRef image = play.Image();
   void* array = play.Output(play.SideOf(image) * ELEMENT);
-  const int32_t x1 = play.input().Int();
-  const int32_t y1 = play.input().Int();
-  const int32_t x2 = play.input().Int();
-  const int32_t y2 = play.input().Int();
+  const Ends ends = EndsOf(play);
   auto* count = play.OutputOf<int32_t>();
-  return ZEL_LineProfile(image, x1, y1, x2, y2, ArrayType(play), array, count,
+  return ZEL_LineProfile(image, ends.x1, ends.y1, ends.x2, ends.y2, ArrayType(play), array, count,
                          play.OutputOf<LineProfileReport>());
 }
 

@@ -16,20 +16,8 @@
 namespace {
 
 using test::Random;
+using test::Selects;
 using test::TestImage;
-
-int32_t PixelOf(const TestImage& image, int32_t x, int32_t y) {
-  return image.Info().type == IMAGE_U8 ? image.Get<uint8_t>(x, y) : image.Get<int16_t>(x, y);
-}
-
-bool Selects(const TestImage* mask, int32_t x, int32_t y) {
-  if (!mask) return true;
-  const ImageInfo info = mask->Info();
-  const int64_t maskX = int64_t{x} - info.offsetX;
-  const int64_t maskY = int64_t{y} - info.offsetY;
-  return maskX >= 0 && maskY >= 0 && maskX < info.width && maskY < info.height &&
-         mask->Get<uint8_t>(static_cast<int32_t>(maskX), static_cast<int32_t>(maskY)) != 0;
-}
 
 // entries: as signed 16-bit numbers.
 TestImage Expected(const TestImage& source, const TestImage* mask,
@@ -38,7 +26,7 @@ TestImage Expected(const TestImage& source, const TestImage* mask,
   TestImage expected(type, source.width(), source.height());
   for (int32_t y = 0; y < source.height(); y++) {
     for (int32_t x = 0; x < source.width(); x++) {
-      int32_t value = PixelOf(source, x, y);
+      auto value = static_cast<int32_t>(PixelOf(source, x, y));
       const auto index = static_cast<size_t>(value < 0 ? value + 65536 : value);
       if (Selects(mask, x, y) && index < entries.size()) {
         value = entries[index];

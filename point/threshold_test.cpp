@@ -13,22 +13,12 @@
 
 namespace {
 
+using test::PixelOf;
 using test::Random;
 using test::TestImage;
 
 constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
 constexpr float ENDLESS = std::numeric_limits<float>::infinity();
-
-double PixelOf(const TestImage& image, int32_t x, int32_t y) {
-  switch (image.Info().type) {
-    case IMAGE_U8:
-      return image.Get<uint8_t>(x, y);
-    case IMAGE_I16:
-      return image.Get<int16_t>(x, y);
-    default:
-      return static_cast<double>(image.Get<float>(x, y));
-  }
-}
 
 void SetPixel(const TestImage& image, int32_t x, int32_t y, double value) {
   switch (image.Info().type) {

@@ -108,6 +108,26 @@ std::vector<uint8_t> TestImage::Surroundings() const {
   return block;
 }
 
+double PixelOf(const TestImage& image, int32_t x, int32_t y) {
+  switch (image.Info().type) {
+    case IMAGE_U8:
+      return image.Get<uint8_t>(x, y);
+    case IMAGE_I16:
+      return image.Get<int16_t>(x, y);
+    default:
+      return static_cast<double>(image.Get<float>(x, y));
+  }
+}
+
+bool Selects(const TestImage* mask, int32_t x, int32_t y) {
+  if (!mask) return true;
+  const ImageInfo info = mask->Info();
+  const int64_t maskX = int64_t{x} - info.offsetX;
+  const int64_t maskY = int64_t{y} - info.offsetY;
+  return maskX >= 0 && maskY >= 0 && maskX < info.width && maskY < info.height &&
+         mask->Get<uint8_t>(static_cast<int32_t>(maskX), static_cast<int32_t>(maskY)) != 0;
+}
+
 std::string PixelDifference(const TestImage& actual, const TestImage& expected) {
   const ImageInfo a = actual.Info();
   const ImageInfo e = expected.Info();

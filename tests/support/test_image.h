@@ -84,6 +84,12 @@ class TestImage {
   ImageRef reference_ = 0;
 };
 
+// The pixel of a U8, I16 or SGL image as a number.
+double PixelOf(const TestImage& image, int32_t x, int32_t y);
+
+// Whether a mask at its offset selects the pixel of the image that it lies on; null selects all.
+bool Selects(const TestImage* mask, int32_t x, int32_t y);
+
 // Empty when the pixels are the same; else the first difference as text. Floats are compared by
 // their bits, but any NaN equals any NaN.
 std::string PixelDifference(const TestImage& actual, const TestImage& expected);
