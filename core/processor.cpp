@@ -30,15 +30,37 @@ uint32_t MmxDetect() {
 #endif
 }
 
+#if defined(ZEL_X86_LEVELS)
+// What the compiler may use at the level v3 and has no portable name for: a virtual machine may hide
+// each of these by itself.
+bool HasMoveHalfFloatAndZeroCount() {
+  constexpr uint32_t moveBigEndianBit = 1u << 22;
+  constexpr uint32_t halfFloatBit = 1u << 29;
+  constexpr uint32_t leadingZerosBit = 1u << 5;
+  constexpr uint32_t extendedFeatures = 0x80000001;
+  uint32_t a = 0;
+  uint32_t b = 0;
+  uint32_t c = 0;
+  uint32_t d = 0;
+  if (__get_cpuid(1, &a, &b, &c, &d) == 0) return false;
+  if ((c & moveBigEndianBit) == 0 || (c & halfFloatBit) == 0) return false;
+  return __get_cpuid(extendedFeatures, &a, &b, &c, &d) != 0 && (c & leadingZerosBit) != 0;
+}
+#endif
+
 ProcessorLevel BestLevel() {
 #if defined(ZEL_X86_LEVELS)
-  // The names stand for everything that the compiler may use at a level, also what a virtual
-  // machine may hide one by one.
-  if (__builtin_cpu_supports("x86-64-v4") && __builtin_cpu_supports("avx512vbmi") &&
-      __builtin_cpu_supports("avx512vbmi2")) {
-    return ProcessorLevel::V4;
+  if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma") &&
+      __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2") &&
+      __builtin_cpu_supports("popcnt") && HasMoveHalfFloatAndZeroCount()) {
+    if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
+        __builtin_cpu_supports("avx512cd") && __builtin_cpu_supports("avx512dq") &&
+        __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512vbmi") &&
+        __builtin_cpu_supports("avx512vbmi2")) {
+      return ProcessorLevel::V4;
+    }
+    return ProcessorLevel::V3;
   }
-  if (__builtin_cpu_supports("x86-64-v3")) return ProcessorLevel::V3;
 #endif
   return ProcessorLevel::Baseline;
 }
