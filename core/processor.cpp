@@ -31,8 +31,8 @@ uint32_t MmxDetect() {
 }
 
 #if defined(ZEL_X86_LEVELS)
-// What the compiler may use at the level v3 and has no portable name for: a virtual machine may hide
-// each of these by itself.
+// What the compiler may use at the level v3 and has no portable name for: a virtual machine may
+// hide each of these by itself.
 bool HasMoveHalfFloatAndZeroCount() {
   constexpr uint32_t moveBigEndianBit = 1u << 22;
   constexpr uint32_t halfFloatBit = 1u << 29;
