@@ -15,7 +15,7 @@ endif()
 function(ptk_library_flags target)
   target_compile_options(${target} PRIVATE ${PTK_WARNING_FLAGS} -fno-exceptions -fno-rtti
                                            -fno-semantic-interposition)
-  target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+  target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
 endfunction()
 
 # ptk_room(name SOURCES ... [ROWS ...] [TESTS ...])
@@ -97,5 +97,5 @@ function(ptk_add_libraries)
                          $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 
   add_library(orlune_internal STATIC ${contents})
-  target_include_directories(orlune_internal PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+  target_include_directories(orlune_internal PUBLIC ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
 endfunction()

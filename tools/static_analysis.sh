@@ -5,14 +5,13 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 build=${1:-build/release}
 
-mapfile -t sources < <(git ls-files 'platform/*.cpp' 'core/*.cpp' 'utilities/*.cpp' \
-  'analysis/*.cpp' 'point/*.cpp' 'files/*.cpp' | grep -v '_test\.cpp$')
+mapfile -t sources < <(git ls-files 'src/*/*.cpp' | grep -v '_test\.cpp$')
 
 # Since C++20 a signed number shifts arithmetically; records with floats are cleared by bytes where
 # callers see the bytes between the fields.
 cppcheck --std=c++20 --language=c++ --enable=warning,performance,portability --inline-suppr \
   --suppress=shiftTooManyBitsSigned --suppress=memsetClassFloat \
-  --error-exitcode=9 -q -j 2 -I . -I include -DZEL_LEVEL=baseline "${sources[@]}"
+  --error-exitcode=9 -q -j 2 -I src -I . -I include -DZEL_LEVEL=baseline "${sources[@]}"
 
 printf '%s\n' "${sources[@]}" |
   xargs -P 2 -n 6 clang-tidy --quiet -p "$build" --warnings-as-errors='*' 2>/dev/null

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/files.h"
+#include "platform/file_access.h"
 
 namespace test {
 

@@ -1,0 +1,201 @@
+// Levels and classes of rows of pixels, counted.
+#include "statistics/histogram_rows.h"
+
+#include <cstring>
+
+#include "statistics/float_sums.h"
+
+#if defined(ZEL_LEVEL_v3) || defined(ZEL_LEVEL_v4)
+#include <immintrin.h>
+#endif
+
+namespace zel::ZEL_LEVEL {
+namespace {
+
+void CountLevels(const uint8_t* row, int32_t width, uint32_t* tables) {
+  uint32_t* first = tables;
+  uint32_t* second = first + 256;
+  uint32_t* third = second + 256;
+  uint32_t* fourth = third + 256;
+  int32_t x = 0;
+  for (; x + 8 <= width; x += 8) {
+    uint64_t levels;
+    std::memcpy(&levels, row + x, 8);
+    // Flat parts of an image: all eight are the same.
+    if (levels == (levels << 8 | levels >> 56)) {
+      first[levels & 255] += 8;
+      continue;
+    }
+    first[levels & 255]++;
+    second[levels >> 8 & 255]++;
+    third[levels >> 16 & 255]++;
+    fourth[levels >> 24 & 255]++;
+    first[levels >> 32 & 255]++;
+    second[levels >> 40 & 255]++;
+    third[levels >> 48 & 255]++;
+    fourth[levels >> 56]++;
+  }
+  for (; x < width; x++) first[row[x]]++;
+}
+
+void LevelsUnderMask(const uint8_t* row, const uint8_t* mask, int32_t width, uint16_t* levels) {
+  for (int32_t x = 0; x < width; x++) {
+    const int32_t selected = mask[x] != 0 ? 0xFFFF : 0;
+    levels[x] = static_cast<uint16_t>((row[x] & selected) | (256 & ~selected));
+  }
+}
+
+void CountNumbers(const uint16_t* numbers, int32_t width, int32_t length, uint32_t* tables) {
+  uint32_t* first = tables;
+  uint32_t* second = first + length;
+  uint32_t* third = second + length;
+  uint32_t* fourth = third + length;
+  int32_t x = 0;
+  for (; x + 4 <= width; x += 4) {
+    uint64_t four;
+    std::memcpy(&four, numbers + x, 8);
+    first[four & 0xFFFF]++;
+    second[four >> 16 & 0xFFFF]++;
+    third[four >> 32 & 0xFFFF]++;
+    fourth[four >> 48]++;
+  }
+  for (; x < width; x++) first[numbers[x]]++;
+}
+
+constexpr int32_t CLASS_BLOCK = 64;  // pixels whose classes are found together
+
+// The nearest whole number, from an exact half the lower one, of positions from 0 on.
+ZEL_INLINE void RoundPositions(Doubles* positions) {
+#if defined(ZEL_LEVEL_v4) || defined(ZEL_LEVEL_v3)
+  // From 0.5 on the difference is exact, and below it the result is 0 in any case.
+  const Doubles below = *positions - 0.5;
+#if defined(ZEL_LEVEL_v4)
+  *positions = _mm512_maskz_roundscale_pd(0xFF, below, _MM_FROUND_TO_POS_INF | _MM_FROUND_NO_EXC);
+#else
+  *positions = _mm256_ceil_pd(below);
+#endif
+#else
+  constexpr double whole = 0x1.8p52;  // added and taken away: rounds, an exact half to even
+  const Doubles even = (*positions + whole) - whole;
+  *positions = even - *positions == 0.5 ? even - 1.0 : even;
+#endif
+}
+
+template <class T>
+ZEL_INLINE void ClassesOfBlock(const T* pixels, const ClassMap& map, uint16_t* classes) {
+  alignas(VECTOR_BYTES) double positions[CLASS_BLOCK];
+  for (int32_t x = 0; x < CLASS_BLOCK; x++) positions[x] = static_cast<double>(pixels[x]);
+  const Doubles last = Doubles{} + (map.classes - 1);
+  for (int32_t x = 0; x < CLASS_BLOCK; x += DOUBLE_LANES) {
+    Doubles value;
+    Load(positions + x, &value);
+    Doubles position = (value - map.min) * map.scale + map.offset;
+    position = position > 0.0 ? position : Doubles{};  // NaN too
+    position = position < last ? position : last;
+    RoundPositions(&position);
+    Store(&position, positions + x);
+  }
+  alignas(VECTOR_BYTES) int32_t numbers[CLASS_BLOCK];
+  for (int32_t x = 0; x < CLASS_BLOCK; x++) numbers[x] = static_cast<int32_t>(positions[x]);
+  // The ends of the range are values of the pixels' type.
+  const T min = static_cast<T>(map.min);
+  const T max = static_cast<T>(map.max);
+  const int32_t none = map.classes;
+  for (int32_t x = 0; x < CLASS_BLOCK; x++) {
+    const int32_t counted = -static_cast<int32_t>((pixels[x] >= min) & (pixels[x] <= max));
+    classes[x] = static_cast<uint16_t>((numbers[x] & counted) | (none & ~counted));
+  }
+}
+
+template <class T>
+void Classes(const void* row, const uint8_t* mask, int32_t width, const ClassMap& map,
+             uint16_t* classes) {
+  const auto* pixels = static_cast<const T*>(row);
+  int32_t x = 0;
+  for (; x + CLASS_BLOCK <= width; x += CLASS_BLOCK) {
+    ClassesOfBlock(pixels + x, map, classes + x);
+  }
+  if (x < width) {
+    const auto rest = static_cast<size_t>(width - x);
+    T few[CLASS_BLOCK] = {};
+    uint16_t fewClasses[CLASS_BLOCK];
+    std::memcpy(few, pixels + x, rest * sizeof(T));
+    ClassesOfBlock(few, map, fewClasses);
+    std::memcpy(classes + x, fewClasses, rest * sizeof(uint16_t));
+  }
+  if (!mask) return;
+  for (int32_t i = 0; i < width; i++) {
+    const int32_t selected = mask[i] != 0 ? 0xFFFF : 0;
+    classes[i] = static_cast<uint16_t>((classes[i] & selected) | (map.classes & ~selected));
+  }
+}
+
+void SumWords(const void* row, const uint16_t* classes, int32_t width, const ClassMap& map,
+              uint32_t* tables, PixelSums* sums) {
+  CountNumbers(classes, width, map.classes + 1, tables);
+  const auto* pixels = static_cast<const int16_t*>(row);
+  const auto none = static_cast<uint16_t>(map.classes);
+  // Of the pixels that are left out: 0 for the sums, the far end for the extremes.
+  int16_t values[CLASS_RUN];
+  int16_t lows[CLASS_RUN];
+  int16_t highs[CLASS_RUN];
+  for (int32_t x = 0; x < width; x++) {
+    const int32_t keep = classes[x] != none ? 0xFFFF : 0;
+    values[x] = static_cast<int16_t>(pixels[x] & keep);
+    lows[x] = static_cast<int16_t>((pixels[x] & keep) | (INT16_MAX & ~keep));
+    highs[x] = static_cast<int16_t>((pixels[x] & keep) | (INT16_MIN & ~keep));
+  }
+  int32_t sum = 0;
+  uint64_t squares = 0;
+  int16_t min = INT16_MAX;
+  int16_t max = INT16_MIN;
+  for (int32_t x = 0; x < width; x++) {
+    sum += values[x];
+    squares += static_cast<uint32_t>(values[x] * values[x]);
+    min = lows[x] < min ? lows[x] : min;
+    max = highs[x] > max ? highs[x] : max;
+  }
+  sums->sum += sum;
+  sums->squares += static_cast<double>(squares);
+  if (min > max) return;  // none was counted
+  if (min < sums->min) sums->min = min;
+  if (max > sums->max) sums->max = max;
+}
+
+void SumFloats(const void* row, const uint16_t* classes, int32_t width, const ClassMap& map,
+               uint32_t* tables, PixelSums* sums) {
+  const auto* pixels = static_cast<const float*>(row);
+  const auto none = static_cast<uint16_t>(map.classes);
+  if (width < LONG_RUN) {
+    CountNumbers(classes, width, map.classes + 1, tables);
+    PixelSums few = *sums;
+    for (int32_t x = 0; x < width; x++) {
+      if (classes[x] != none) PixelSumsAdd(&few, pixels[x]);
+    }
+    few.count = sums->count;
+    *sums = few;
+    return;
+  }
+  FloatSums result(sums);
+  alignas(VECTOR_BYTES) int32_t keep[SUM_BLOCK];
+  for (int32_t first = 0; first < width; first += SUM_BLOCK) {
+    const int32_t count = width - first < SUM_BLOCK ? width - first : SUM_BLOCK;
+    const uint16_t* numbers = classes + first;
+    CountNumbers(numbers, count, map.classes + 1, tables);
+    for (int32_t x = 0; x < count; x++) keep[x] = -static_cast<int32_t>(numbers[x] != none);
+    if (count == SUM_BLOCK) {
+      result.AddBlock<true>(pixels + first, keep);
+    } else {
+      result.AddFew<true>(pixels + first, keep, count);
+    }
+  }
+  result.Finish(pixels, [=](int32_t x) { return classes[x] != none; });
+}
+
+}  // namespace
+
+extern const HistogramRows histogramRows = {&CountLevels,      &LevelsUnderMask, &CountNumbers,
+                                            &Classes<int16_t>, &Classes<float>,  &SumWords,
+                                            &SumFloats};
+
+}  // namespace zel::ZEL_LEVEL

@@ -1,0 +1,464 @@
+#include "statistics/histogram.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <optional>
+#include <vector>
+
+#include "core/processor.h"
+#include "tests/support/test_image.h"
+
+namespace {
+
+using test::TestImage;
+
+constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
+
+// The selected pixels' values in raster order, from the rule of masks.
+std::vector<double> SelectedValues(const TestImage& image, const TestImage* mask) {
+  const ImageInfo info = image.Info();
+  const ImageInfo placed = mask ? mask->Info() : ImageInfo{};
+  std::vector<double> values;
+  for (int32_t y = 0; y < info.height; y++) {
+    const int64_t maskY = int64_t{y} - placed.offsetY;
+    if (mask && (maskY < 0 || maskY >= placed.height)) continue;
+    const void* row = image.At<uint8_t>(0, y);
+    const auto* maskRow = mask ? mask->At<uint8_t>(0, static_cast<int32_t>(maskY)) : nullptr;
+    for (int32_t x = 0; x < info.width; x++) {
+      const int64_t maskX = int64_t{x} - placed.offsetX;
+      if (mask && (maskX < 0 || maskX >= placed.width || maskRow[maskX] == 0)) continue;
+      if (info.type == IMAGE_U8) values.push_back(static_cast<const uint8_t*>(row)[x]);
+      if (info.type == IMAGE_I16) values.push_back(static_cast<const int16_t*>(row)[x]);
+      if (info.type == IMAGE_SGL) {
+        values.push_back(static_cast<double>(static_cast<const float*>(row)[x]));
+      }
+    }
+  }
+  return values;
+}
+
+struct Expected {
+  std::vector<uint32_t> counters;
+  HistogramReport report;
+};
+
+// From the stated rule, value after value.
+Expected Reference(const TestImage& image, const TestImage* mask, int32_t nbClasses, float min,
+                   float max) {
+  const std::vector<double> values = SelectedValues(image, mask);
+  const int32_t type = image.Info().type;
+  int64_t classes = nbClasses < 1 ? 1 : nbClasses > 4096 ? 4096 : nbClasses;
+  double low = static_cast<double>(min);
+  double high = static_cast<double>(max);
+  if (type != IMAGE_SGL) {
+    const auto whole = [](double value) {
+      if (std::isnan(value)) return 0.0;
+      return std::trunc(std::fmin(std::fmax(value, -2147483648.0), 2147483647.0));
+    };
+    low = whole(low);
+    high = whole(high);
+  }
+  bool everyLevel = false;
+  bool measured = false;
+  if (type == IMAGE_U8) {
+    if (low < 1) low = 0;
+    if (high == 0 || high >= 256) high = 255;
+    if (classes > 256) classes = 256;
+    everyLevel = classes == 256 && low == 0 && high == 255;
+  } else if (low == 0 && high == 0) {
+    measured = true;
+  } else if (type == IMAGE_I16) {
+    low = std::fmax(low, -32768.0);
+    high = std::fmin(high, 32767.0);
+  }
+  if (measured) {
+    low = type == IMAGE_I16 ? 2147483647.0 : static_cast<double>(1e38f);
+    high = -low;
+    for (const double value : values) {
+      if (value < low) low = value;
+      if (value > high) high = value;
+    }
+  }
+
+  Expected expected{std::vector<uint32_t>(static_cast<size_t>(classes)), {}};
+  HistogramReport& report = expected.report;
+  if (everyLevel) report.interval = 1.0f;
+  const auto number = static_cast<double>(classes);
+  const double scale =
+      classes > 1 ? static_cast<double>(static_cast<float>(number / (high - low + 1.0))) : 0.0;
+  const double offset = static_cast<double>(static_cast<float>((scale - 1.0) * 0.5));
+  double sum = 0;
+  double squares = 0;
+  double smallest = static_cast<double>(1e38f);
+  double largest = -smallest;
+  uint32_t count = 0;
+  for (const double value : values) {
+    if (!(value >= low && value <= high)) continue;
+    count++;
+    if (value < smallest) smallest = value;
+    if (value > largest) largest = value;
+    sum += value;
+    squares += value * value;
+    double f = (value - low) * scale + offset;
+    if (std::isnan(f) || f < 0) f = 0;
+    if (f > number - 1) f = number - 1;
+    auto index = static_cast<int64_t>(f);
+    if (f - static_cast<double>(index) > 0.5) index++;
+    if (index > classes - 1) index = classes - 1;
+    expected.counters[static_cast<size_t>(index)]++;
+  }
+  if (count == 0) return expected;
+  report.min = static_cast<float>(smallest);
+  report.max = static_cast<float>(largest);
+  report.start = static_cast<float>(low);
+  report.interval = everyLevel     ? 1.0f
+                    : classes == 1 ? 1e38f
+                                   : static_cast<float>((high - low + 1.0) / number);
+  report.mean = static_cast<float>(sum / count);
+  const double mean = static_cast<double>(report.mean);
+  const double variance = squares / count - mean * mean;
+  report.stdDev = variance < 0 ? 0.0f : static_cast<float>(std::sqrt(variance));
+  report.nbPixels = count;
+  return expected;
+}
+
+constexpr uint32_t UNTOUCHED = 0xABCDABCD;
+
+void ExpectSameReport(const HistogramReport& actual, const HistogramReport& expected) {
+  const auto expectSame = [](float a, float b, const char* field) {
+    uint32_t bitsA = 0;
+    uint32_t bitsB = 0;
+    std::memcpy(&bitsA, &a, 4);
+    std::memcpy(&bitsB, &b, 4);
+    EXPECT_TRUE(bitsA == bitsB || (std::isnan(a) && std::isnan(b)))
+        << field << " is " << a << " instead of " << b;
+  };
+  expectSame(actual.min, expected.min, "min");
+  expectSame(actual.max, expected.max, "max");
+  expectSame(actual.start, expected.start, "start");
+  expectSame(actual.interval, expected.interval, "interval");
+  expectSame(actual.mean, expected.mean, "mean");
+  expectSame(actual.stdDev, expected.stdDev, "stdDev");
+  EXPECT_EQ(actual.nbPixels, expected.nbPixels);
+}
+
+void Check(const TestImage& image, const TestImage* mask, int32_t nbClasses, float min, float max) {
+  const Expected expected = Reference(image, mask, nbClasses, min, max);
+  std::vector<uint32_t> counters(5000, UNTOUCHED);
+  HistogramReport report{};
+  const ImageRef maskRef = mask ? static_cast<ImageRef>(*mask) : 0;
+  ASSERT_EQ(ZEL_Histogram(image, maskRef, nbClasses, min, max, counters.data(), &report), 0);
+  for (size_t i = 0; i < expected.counters.size(); i++) {
+    ASSERT_EQ(counters[i], expected.counters[i]) << "class " << i << " of " << nbClasses;
+  }
+  EXPECT_EQ(counters[expected.counters.size()], UNTOUCHED);
+  ExpectSameReport(report, expected.report);
+
+  HistogramReport again{};
+  ASSERT_EQ(ZEL_Histogram(image, maskRef, nbClasses, min, max, nullptr, &again), 0);
+  ExpectSameReport(again, expected.report);
+}
+
+TestImage PlacedMask(int32_t width, int32_t height, int32_t x, int32_t y, uint64_t seed) {
+  TestImage mask(IMAGE_U8, width, height, 1, seed);
+  test::Random random(seed);
+  for (int32_t row = 0; row < height; row++) {
+    for (int32_t column = 0; column < width; column++) {
+      if (random.Next() % 3 == 0) mask.Set<uint8_t>(column, row, 0);
+    }
+  }
+  EXPECT_EQ(ZEL_SetImageOffset(mask, x, y), 0);
+  return mask;
+}
+
+class HistogramAtLevel : public testing::TestWithParam<zel::ProcessorLevel> {
+ protected:
+  void SetUp() override {
+    if (!zel::ProcessorLevelForce(GetParam())) GTEST_SKIP() << "not on this processor";
+  }
+};
+
+INSTANTIATE_TEST_SUITE_P(Levels, HistogramAtLevel,
+                         testing::Values(zel::ProcessorLevel::Baseline, zel::ProcessorLevel::V3,
+                                         zel::ProcessorLevel::V4));
+
+TEST_P(HistogramAtLevel, FollowsTheRuleForAllTypesSizesAndMasks) {
+  struct Case {
+    int32_t classes;
+    float min, max;
+  };
+  const Case cases[] = {{256, 0, 0},         {256, 0, 255}, {10, 0, 0},         {1, 0, 0},
+                        {64, 20, 200},       {300, 0, 255}, {4096, -100, 100},  {5000, 0, 0},
+                        {7, -3.9f, 70.9f},   {5, 50, 20},   {3, 1e20f, -1e20f}, {9, -1e20f, 1e20f},
+                        {256, -30000, 30000}};
+  for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
+    for (const auto& [width, height] : test::ODD_SIZES) {
+      const TestImage image(type, width, height, 2, 11);
+      const TestImage inside = PlacedMask(width, height, 0, 0, 5);
+      const TestImage shifted = PlacedMask(width + 3, height + 1, -2, 1, 6);
+      for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message()
+                     << "type " << type << ", " << width << " x " << height << ", " << c.classes
+                     << " classes " << c.min << ".." << c.max);
+        Check(image, nullptr, c.classes, c.min, c.max);
+        Check(image, &inside, c.classes, c.min, c.max);
+        Check(image, &shifted, c.classes, c.min, c.max);
+        if (testing::Test::HasFailure()) return;
+      }
+    }
+  }
+}
+
+TEST_P(HistogramAtLevel, CountsLevelsOfLongRowsOfOneValue) {
+  for (const uint8_t value : {uint8_t{0}, uint8_t{7}, uint8_t{255}}) {
+    const TestImage image(IMAGE_U8, 3001, 5);
+    for (int32_t y = 0; y < 5; y++) std::memset(image.At<uint8_t>(0, y), value, 3001);
+    Check(image, nullptr, 256, 0, 0);
+  }
+}
+
+TEST_P(HistogramAtLevel, SquaresBeyondExactIntegersAreRoundedInOrder) {
+  const TestImage image(IMAGE_I16, 40000, 240);
+  for (int32_t y = 0; y < 240; y++) {
+    auto* row = image.At<int16_t>(0, y);
+    for (int32_t x = 0; x < 40000; x++) row[x] = static_cast<int16_t>(-32767 + (x * 7 + y) % 64);
+  }
+  Check(image, nullptr, 100, -40000, 100);
+}
+
+TEST(Histogram, RangeOfZeroAndZeroIsTheWholeByteRange) {
+  TestImage image(IMAGE_U8, 3, 1);
+  image.Set<uint8_t>(0, 0, 0);
+  image.Set<uint8_t>(1, 0, 4);
+  image.Set<uint8_t>(2, 0, 255);
+  HistogramReport report{};
+  uint32_t counters[256];
+  ASSERT_EQ(ZEL_Histogram(image, 0, 256, 0, 0, counters, &report), 0);
+  EXPECT_EQ(report.nbPixels, 3u);
+  EXPECT_EQ(counters[0] + counters[4] + counters[255], 3u);
+
+  ASSERT_EQ(ZEL_Histogram(image, 0, 256, 5, 0, counters, &report), 0);
+  EXPECT_EQ(report.nbPixels, 1u);
+  EXPECT_EQ(report.start, 5.0f);
+  EXPECT_EQ(report.interval, 251.0f / 256.0f);
+}
+
+TEST(Histogram, RangeFromFiveToZeroOnWordsIsEmpty) {
+  const TestImage image(IMAGE_I16, 20, 4);
+  std::vector<uint32_t> counters(16, UNTOUCHED);
+  HistogramReport report{1, 1, 1, 1, 1, 1, 1};
+  ASSERT_EQ(ZEL_Histogram(image, 0, 16, 5, 0, counters.data(), &report), 0);
+  EXPECT_EQ(counters, std::vector<uint32_t>(16, 0));
+  ExpectSameReport(report, {});
+}
+
+TEST(Histogram, ThreeHundredClassesOfBytesAreTwoHundredFiftySix) {
+  const TestImage image(IMAGE_U8, 50, 4);
+  std::vector<uint32_t> counters(300, UNTOUCHED);
+  HistogramReport report{};
+  ASSERT_EQ(ZEL_Histogram(image, 0, 300, 0, 255, counters.data(), &report), 0);
+  EXPECT_EQ(report.interval, 1.0f);
+  uint32_t total = 0;
+  for (size_t i = 0; i < 256; i++) total += counters[i];
+  EXPECT_EQ(total, 200u);
+  for (size_t i = 256; i < 300; i++) EXPECT_EQ(counters[i], UNTOUCHED);
+}
+
+TEST(Histogram, OneClassTakesEveryPixelAndIsEndlesslyWide) {
+  const TestImage image(IMAGE_SGL, 30, 3);
+  uint32_t counter = 0;
+  HistogramReport report{};
+  ASSERT_EQ(ZEL_Histogram(image, 0, 1, 0, 0, &counter, &report), 0);
+  EXPECT_EQ(counter, 90u);
+  EXPECT_EQ(report.interval, 1e38f);
+}
+
+TEST(Histogram, PositionOfExactlyAHalfLiesInTheLowerClass) {
+  // Four classes over 0..7: scale 0.5, offset -0.25, so value 1.5 is at 0.5 and 3.5 at 1.5.
+  const TestImage image(IMAGE_SGL, 4, 1);
+  const float values[] = {0.0f, 1.5f, 3.5f, 7.0f};
+  for (int32_t x = 0; x < 4; x++) image.Set<float>(x, 0, values[x]);
+  uint32_t counters[4];
+  ASSERT_EQ(ZEL_Histogram(image, 0, 4, 0, 7, counters, nullptr), 0);
+  EXPECT_EQ(counters[0], 2u);
+  EXPECT_EQ(counters[1], 1u);
+  EXPECT_EQ(counters[2], 0u);
+  EXPECT_EQ(counters[3], 1u);
+}
+
+TEST(Histogram, NanAndInfinitePixelsCountOnlyWhereTheRangeHoldsThem) {
+  const TestImage image(IMAGE_SGL, 9, 2);
+  for (int32_t x = 0; x < 9; x++) {
+    image.Set<float>(x, 0, NOT_A_NUMBER);
+    image.Set<float>(x, 1, static_cast<float>(x));
+  }
+  image.Set<float>(3, 1, std::numeric_limits<float>::infinity());
+  image.Set<float>(4, 1, -std::numeric_limits<float>::infinity());
+  image.Set<float>(5, 1, 3e38f);
+  const float endless = std::numeric_limits<float>::infinity();
+  for (const auto& [min, max] : {std::pair{0.0f, 0.0f},
+                                 {-0.0f, 0.0f},
+                                 {0.0f, 7.0f},
+                                 {-endless, endless},
+                                 {0.0f, endless},
+                                 {NOT_A_NUMBER, 7.0f},
+                                 {0.0f, NOT_A_NUMBER},
+                                 {2e38f, 3.3e38f}}) {
+    Check(image, nullptr, 5, min, max);
+  }
+}
+
+TEST(Histogram, ExtremesOfZeroKeepTheSignOfTheFirstZero) {
+  const TestImage image(IMAGE_SGL, 40, 3);
+  for (const bool negativeFirst : {false, true}) {
+    for (int32_t y = 0; y < 3; y++) {
+      for (int32_t x = 0; x < 40; x++) image.Set<float>(x, y, (x & 1) != 0 ? 0.0f : -0.0f);
+    }
+    image.Set<float>(0, 0, 5.0f);
+    image.Set<float>(1, 0, negativeFirst ? -0.0f : 0.0f);
+    image.Set<float>(2, 0, negativeFirst ? 0.0f : -0.0f);
+    Check(image, nullptr, 4, -1, 6);
+    image.Set<float>(0, 0, -5.0f);
+    Check(image, nullptr, 4, -6, 6);
+  }
+}
+
+TEST(Histogram, NothingCountedGivesAReportOfZeros) {
+  const TestImage image(IMAGE_U8, 8, 8);
+  const TestImage farAway = PlacedMask(4, 4, 100, 100, 1);
+  Check(image, &farAway, 256, 0, 0);
+  Check(image, &farAway, 10, 0, 0);
+  const TestImage words(IMAGE_I16, 8, 8);
+  Check(words, &farAway, 10, 0, 0);
+  const TestImage empty(IMAGE_SGL, 0, 0);
+  Check(empty, nullptr, 10, 0, 0);
+}
+
+TEST(Histogram, MaskThatIsTheImageIsNoMask) {
+  const TestImage image(IMAGE_I16, 20, 4);
+  HistogramReport report{};
+  ASSERT_EQ(ZEL_Histogram(image, image, 8, 0, 0, nullptr, &report), 0);
+  EXPECT_EQ(report.nbPixels, 80u);
+}
+
+TEST(Histogram, CallersArrayOfNoClassIsTooSmall) {
+  const TestImage image(IMAGE_U8, 4, 4);
+  uint32_t counter = UNTOUCHED;
+  HistogramReport report{9, 9, 9, 9, 9, 9, 9};
+  EXPECT_EQ(ZEL_Histogram(image, 0, 0, 0, 0, &counter, &report), -102);
+  EXPECT_EQ(ZEL_Histogram(image, 0, INT32_MIN, 0, 0, &counter, &report), -102);
+  EXPECT_EQ(counter, UNTOUCHED);
+  EXPECT_EQ(report.nbPixels, 9u);
+  EXPECT_EQ(ZEL_Histogram(image, 0, 0, 0, 0, nullptr, &report), 0);
+  EXPECT_EQ(report.nbPixels, 16u);
+  std::vector<uint32_t> most(4096);
+  EXPECT_EQ(ZEL_Histogram(image, 0, INT32_MAX, 0, 0, most.data(), &report), 0);
+}
+
+TEST(Histogram, WrongImagesAndMasksAreRefusedInOrder) {
+  const TestImage image(IMAGE_U8, 4, 4);
+  const TestImage colour(IMAGE_RGB, 4, 4);
+  uint32_t counter = UNTOUCHED;
+  EXPECT_EQ(ZEL_Histogram(999, 998, 0, 0, 0, &counter, nullptr), -200);
+  EXPECT_EQ(ZEL_Histogram(0, 0, 1, 0, 0, &counter, nullptr), -200);
+  EXPECT_EQ(ZEL_Histogram(colour, 999, 0, 0, 0, &counter, nullptr), -200);
+  EXPECT_EQ(ZEL_Histogram(image, colour, 0, 0, 0, &counter, nullptr), -301);
+  EXPECT_EQ(ZEL_Histogram(colour, 0, 0, 0, 0, &counter, nullptr), -301);
+  EXPECT_EQ(counter, UNTOUCHED);
+  char name[256];
+  ZEL_GetLastError(name);
+  EXPECT_STREQ(name, "ZEL_Histogram");
+}
+
+TEST(Histogram, AnswersAlsoInAFreshWorld) {
+  ZEL_CloseSys();
+  EXPECT_EQ(ZEL_Histogram(1, 0, 1, 0, 0, nullptr, nullptr), -200);
+}
+
+TEST_P(HistogramAtLevel, MinMaxFollowsTheRuleForAllTypesSizesAndMasks) {
+  for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
+    for (const auto& [width, height] : test::ODD_SIZES) {
+      for (uint64_t seed = 1; seed < 6; seed++) {
+        const TestImage image(type, width, height, 1, seed);
+        const TestImage mask = PlacedMask(width, height, 1, -1, seed);
+        for (const TestImage* placed : {static_cast<const TestImage*>(nullptr), &mask}) {
+          double low = type == IMAGE_U8 ? 255 : type == IMAGE_I16 ? 2147483648.0 : 1e38;
+          double high = type == IMAGE_U8 ? 0 : -low;
+          for (const double value : SelectedValues(image, placed)) {
+            if (value < low) low = value;
+            if (value > high) high = value;
+          }
+          zel::PixelRegion region{};
+          zel::Status status = 0;
+          zel::PixelRegionOf(image, placed ? static_cast<ImageRef>(mask) : 0, &region, &status);
+          float min = NOT_A_NUMBER;
+          float max = NOT_A_NUMBER;
+          zel::ImageMinMax(region, &min, &max, &status);
+          ASSERT_EQ(status, 0);
+          ASSERT_EQ(min, static_cast<float>(low)) << width << " x " << height << " type " << type;
+          ASSERT_EQ(max, static_cast<float>(high)) << width << " x " << height << " type " << type;
+        }
+      }
+    }
+  }
+}
+
+TEST_P(HistogramAtLevel, FloatsOfWideRowsFollowTheRuleInAnyRange) {
+  test::Random random(5);
+  for (const int32_t width : {256, 300, 1025, 2200}) {
+    const TestImage image(IMAGE_SGL, width, 9, 1, static_cast<uint64_t>(width));
+    const TestImage mask = PlacedMask(width + 9, 9, -4, 1, 8);
+    for (int32_t y = 0; y < 9; y++) {
+      for (int32_t x = 0; x < width; x += 7) {
+        image.Set<float>(x, y,
+                         random.Float(-1.0f, 1.0f) * std::ldexp(1.0f, random.Between(-30, 5)));
+      }
+    }
+    for (const auto& [min, max] : {std::pair{0.0f, 0.0f}, {-50.0f, 70.5f}, {-0.5f, 0.5f}}) {
+      for (const int32_t classes : {1, 2, 3, 100, 256, 4096}) {
+        Check(image, nullptr, classes, min, max);
+        Check(image, &mask, classes, min, max);
+      }
+    }
+  }
+}
+
+TEST(MinMax, LeavesNanOut) {
+  const TestImage image(IMAGE_SGL, 70, 2);
+  for (int32_t y = 0; y < 2; y++) {
+    for (int32_t x = 0; x < 70; x++) image.Set<float>(x, y, NOT_A_NUMBER);
+  }
+  zel::PixelRegion region{};
+  zel::Status status = 0;
+  zel::PixelRegionOf(image, 0, &region, &status);
+  float min = 0;
+  float max = 0;
+  zel::ImageMinMax(region, &min, &max, &status);
+  EXPECT_EQ(min, 1e38f);
+  EXPECT_EQ(max, -1e38f);
+  image.Set<float>(33, 1, 3.5f);
+  image.Set<float>(69, 1, -2.0f);
+  zel::ImageMinMax(region, &min, &max, &status);
+  EXPECT_EQ(min, -2.0f);
+  EXPECT_EQ(max, 3.5f);
+}
+
+TEST(MinMax, RefusesOtherTypes) {
+  for (const int32_t type : {IMAGE_COMPLEX, IMAGE_RGB}) {
+    const TestImage image(type, 4, 4);
+    zel::PixelRegion region{};
+    zel::Status status = 0;
+    zel::PixelRegionOf(image, 0, &region, &status);
+    ASSERT_EQ(status, 0);
+    float min = 7;
+    float max = 7;
+    zel::ImageMinMax(region, &min, &max, &status);
+    EXPECT_EQ(status, 302);
+    EXPECT_EQ(min, 7.0f);
+  }
+}
+
+}  // namespace

@@ -1,0 +1,246 @@
+// Lines clipped to an image, walked, and their pixels read and written.
+#include "utilities/lines.h"
+
+#include <algorithm>
+
+#include "core/kernels.h"
+#include "core/numbers.h"
+#include "utilities/array_exchange.h"
+
+namespace zel {
+namespace {
+
+// Where a point lies outside the image.
+enum OutCode : uint32_t { OUT_BELOW = 1, OUT_ABOVE = 2, OUT_RIGHT = 4, OUT_LEFT = 8 };
+
+struct ClipEnd {
+  int32_t x, y;
+  uint32_t code;
+};
+
+uint32_t CodeOfX(int32_t x, int32_t width) {
+  return x < 0 ? OUT_LEFT : x > width - 1 ? OUT_RIGHT : 0u;
+}
+
+uint32_t CodeOfY(int32_t y, int32_t height) {
+  return y < 0 ? OUT_ABOVE : y > height - 1 ? OUT_BELOW : 0u;
+}
+
+// a * b / c, cut toward zero. Differences of coordinates have 33 bits.
+int64_t ProductQuotient(int64_t a, int64_t b, int64_t c) {
+  __extension__ using Wide = __int128;
+  return static_cast<int64_t>(Wide{a} * b / c);
+}
+
+// Where the line crosses column x, or row y. The result lies between its ends.
+int32_t CrossingY(const ClipEnd& start, const ClipEnd& end, int32_t x) {
+  const int64_t run = int64_t{end.x} - start.x;
+  const int64_t rise = int64_t{end.y} - start.y;
+  return static_cast<int32_t>(end.y + ProductQuotient(rise, int64_t{x} - end.x, run));
+}
+
+int32_t CrossingX(const ClipEnd& start, const ClipEnd& end, int32_t y) {
+  const int64_t run = int64_t{end.x} - start.x;
+  const int64_t rise = int64_t{end.y} - start.y;
+  return static_cast<int32_t>(end.x + ProductQuotient(run, int64_t{y} - end.y, rise));
+}
+
+}  // namespace
+
+bool LineClipToSize(int32_t width, int32_t height, KernelLine* line) {
+  if (width < 1 || height < 1) return false;
+  const auto codeOf = [&](int32_t x, int32_t y) { return CodeOfX(x, width) | CodeOfY(y, height); };
+  ClipEnd start{line->startX, line->startY, codeOf(line->startX, line->startY)};
+  ClipEnd end{line->endX, line->endY, codeOf(line->endX, line->endY)};
+  if ((start.code & end.code) != 0) return false;
+
+  struct Edge {
+    uint32_t out;
+    int32_t x;
+  };
+  for (const auto& [out, x] : {Edge{OUT_LEFT, 0}, Edge{OUT_RIGHT, width - 1}}) {
+    if (((start.code ^ end.code) & out) == 0) continue;
+    ClipEnd& outside = (start.code & out) != 0 ? start : end;
+    const int32_t y = CrossingY(start, end, x);
+    outside = {x, y, CodeOfY(y, height)};
+    if ((start.code & end.code) != 0) return false;
+  }
+  // No line is given up any more: what is left of it crosses the image.
+  if (((start.code ^ end.code) & OUT_ABOVE) != 0) {
+    ClipEnd& outside = (start.code & OUT_ABOVE) != 0 ? start : end;
+    outside = {CrossingX(start, end, 0), 0, 0};
+  }
+  if (((start.code ^ end.code) & OUT_BELOW) != 0) {
+    ClipEnd& outside = (start.code & OUT_BELOW) != 0 ? start : end;
+    outside = {CrossingX(start, end, height - 1), height - 1, 0};
+  }
+  *line = {start.x, start.y, end.x, end.y};
+  return true;
+}
+
+Status LineClip(ImageRef reference, KernelLine* line, uint16_t* visible) {
+  Status status = STATUS_OK;
+  const Image* image = ImageLookup(reference, &status);
+  if (image) *visible = LineClipToSize(image->width, image->height, line) ? 1 : 0;
+  return status;
+}
+
+LineSteps::LineSteps(const KernelLine& line) {
+  const int64_t dx = int64_t{line.endX} - line.startX;
+  const int64_t dy = int64_t{line.endY} - line.startY;
+  const int64_t width = dx < 0 ? -dx : dx;
+  const int64_t height = dy < 0 ? -dy : dy;
+  const int64_t major = std::max(width, height);
+  const int64_t minor = std::min(width, height);
+  points_ = major + 1;
+  error_ = 2 * minor - major;
+  onMajor_ = 2 * minor;
+  onBoth_ = 2 * minor - 2 * major;
+  diagonal_ = {dx < 0 ? -1 : 1, dy < 0 ? -1 : 1};
+  straight_ = height > width ? LinePoint{0, diagonal_.y} : LinePoint{diagonal_.x, 0};
+}
+
+Status LineWalk(const KernelLine& line, bool relative, Handle vector, int32_t* count) {
+  LineSteps steps(line);
+  *count = Clamped(steps.points(), 0, INT32_MAX);
+  const Status status =
+      VectorResize(vector, sizeof(LinePoint), static_cast<uint64_t>(steps.points()));
+  if (status != STATUS_OK) return status;
+  auto* points = VectorData<LinePoint>(vector);
+  points[0] = relative ? LinePoint{0, 0} : LinePoint{line.startX, line.startY};
+  for (int64_t i = 1; i < steps.points(); i++) {
+    const LinePoint step = steps.Next();
+    points[i] = relative ? step : LinePoint{points[i - 1].x + step.x, points[i - 1].y + step.y};
+  }
+  return STATUS_OK;
+}
+
+namespace {
+
+// The pixels of a clipped line, one after the other.
+template <class T>
+class LinePixels {
+ public:
+  LinePixels(const Image& image, const KernelLine& line)
+      : steps_(line),
+        address_(PixelGridOf(image).At<T>(line.startX, line.startY)),
+        lineWidth_(image.lineWidth) {}
+
+  void Read(T* pixels, int64_t count) {
+    for (int64_t i = 0; i < count; i++) pixels[i] = *Take();
+  }
+  void Write(const T* pixels, int64_t count) {
+    for (int64_t i = 0; i < count; i++) *Take() = pixels[i];
+  }
+
+ private:
+  T* Take() {
+    if (started_) {
+      const LinePoint step = steps_.Next();
+      address_ += step.x + step.y * lineWidth_;
+    }
+    started_ = true;
+    return address_;
+  }
+
+  LineSteps steps_;
+  T* address_;
+  int64_t lineWidth_;
+  bool started_ = false;
+};
+
+constexpr int64_t LINE_RUN = 256;  // pixels on their way between image and array
+
+template <class T>
+void LineToArray(const Image& image, const KernelLine& line, int64_t count, int32_t arrayType,
+                 void* array) {
+  LinePixels<T> pixels(image, line);
+  T buffer[LINE_RUN];
+  for (int64_t done = 0; done < count; done += LINE_RUN) {
+    const int64_t run = std::min(LINE_RUN, count - done);
+    pixels.Read(buffer, run);
+    PixelsToArray(buffer, image.type, run, array, arrayType, done);
+  }
+}
+
+template <class T>
+void LineFromArray(const Image& image, const KernelLine& line, int64_t count, int32_t arrayType,
+                   const void* array) {
+  LinePixels<T> pixels(image, line);
+  T buffer[LINE_RUN];
+  for (int64_t done = 0; done < count; done += LINE_RUN) {
+    const int64_t run = std::min(LINE_RUN, count - done);
+    PixelsFromArray(array, arrayType, done, image.type, buffer, run);
+    pixels.Write(buffer, run);
+  }
+}
+
+void GetLineKernel(ImageRef reference, const KernelLine* given, const int32_t* arrayType,
+                   void* array, int32_t* count, Status* status) {
+  const Image* image = ImageLookup(reference, status);
+  if (!image) return;
+  KernelLine line = *given;
+  if (!LineClipToSize(image->width, image->height, &line)) {
+    *count = 0;  // no failure, whatever the type
+    return;
+  }
+  const int64_t points = LineSteps(line).points();
+  switch (image->type) {
+    case IMAGE_U8:
+      LineToArray<uint8_t>(*image, line, points, *arrayType, array);
+      break;
+    case IMAGE_I16:
+      LineToArray<int16_t>(*image, line, points, *arrayType, array);
+      break;
+    case IMAGE_SGL:
+      LineToArray<float>(*image, line, points, *arrayType, array);
+      break;
+    default:
+      *status = STATUS_BAD_TYPE;
+      return;
+  }
+  *count = static_cast<int32_t>(points);
+}
+
+void SetLineKernel(ImageRef reference, const KernelLine* given, const int32_t* arrayType,
+                   const void* array, const int32_t* count, Status* status) {
+  const Image* image = ImageLookup(reference, status);
+  if (!image) return;
+  if (TypeIsScalar(image->type)) *status = ArrayCountCheck(image->type, *count);
+  if (*status != STATUS_OK) return;
+  KernelLine line = *given;
+  if (!LineClipToSize(image->width, image->height, &line)) return;
+  const int64_t written = std::min(LineSteps(line).points(), int64_t{*count});
+  switch (image->type) {
+    case IMAGE_U8:
+      return LineFromArray<uint8_t>(*image, line, written, *arrayType, array);
+    case IMAGE_I16:
+      return LineFromArray<int16_t>(*image, line, written, *arrayType, array);
+    case IMAGE_SGL:
+      return LineFromArray<float>(*image, line, written, *arrayType, array);
+    default:
+      *status = STATUS_BAD_TYPE;
+  }
+}
+
+}  // namespace
+}  // namespace zel
+
+int32_t ZEL_GetLine(ImageRef image, int32_t startX, int32_t startY, int32_t endX, int32_t endY,
+                    int32_t arrayType, void* array, int32_t* count) {
+  const zel::KernelLine line{startX, startY, endX, endY};
+  zel::Status status = array ? zel::STATUS_OK : zel::STATUS_NULL_POINTER;
+  int32_t read = 0;
+  if (array) zel::GetLineKernel(image, &line, &arrayType, array, &read, &status);
+  if (status == zel::STATUS_OK && count) *count = read;
+  return ZEL_ProcessError("ZEL_GetLine", status);
+}
+
+int32_t ZEL_SetLine(ImageRef image, int32_t startX, int32_t startY, int32_t endX, int32_t endY,
+                    int32_t arrayType, const void* array, int32_t count) {
+  const zel::KernelLine line{startX, startY, endX, endY};
+  const bool missing = !array && count > 0;
+  zel::Status status = missing ? zel::STATUS_NULL_POINTER : zel::STATUS_OK;
+  if (!missing) zel::SetLineKernel(image, &line, &arrayType, array, &count, &status);
+  return ZEL_ProcessError("ZEL_SetLine", status);
+}
