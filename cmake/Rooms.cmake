@@ -1,21 +1,29 @@
 # A room is a folder of sources with the tests beside them. Its objects go into the shared library
 # and into the static one that tests and fuzzers link.
 
-# Processor levels that each *_rows.cpp is compiled for, with their flags.
-set(PTK_LEVELS baseline)
-set(PTK_LEVEL_FLAGS_baseline "")
+# The one list of processor levels that each *_rows.cpp is compiled for, in rising order, with their
+# flags. `plain` is the text of every processor: no source may use an instruction by name there.
+set(PTK_LEVELS plain)
+set(PTK_LEVEL_FLAGS_plain "")
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$")
-  list(APPEND PTK_LEVELS v3 v4)
+  list(APPEND PTK_LEVELS baseline v3 v4)
+  set(PTK_LEVEL_FLAGS_baseline "")
   set(PTK_LEVEL_FLAGS_v3 -march=x86-64-v3)
   set(PTK_LEVEL_FLAGS_v4 -march=x86-64-v4 -mavx512vbmi -mavx512vbmi2 -mprefer-vector-width=512)
-  add_compile_definitions(ZEL_X86_LEVELS=1)
 endif()
+
+# The list for the sources: X(level, ...) for each level.
+list(TRANSFORM PTK_LEVELS REPLACE "(.+)" "X(\\1, __VA_ARGS__)" OUTPUT_VARIABLE level_calls)
+list(JOIN level_calls " " level_calls)
+file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/generated/engine/level_list.h
+     CONTENT "// Made by the build.\n#pragma once\n#define ZEL_FOR_EACH_LEVEL(X, ...) @level_calls@\n" @ONLY)
 
 # The library itself has no exceptions and no run-time type information.
 function(ptk_library_flags target)
   target_compile_options(${target} PRIVATE ${PTK_WARNING_FLAGS} -fno-exceptions -fno-rtti
                                            -fno-semantic-interposition)
-  target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+  target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/include
+                                               ${PROJECT_BINARY_DIR}/generated)
 endfunction()
 
 # ptk_room(name SOURCES ... [ROWS ...] [TESTS ...])
@@ -32,8 +40,13 @@ function(ptk_room name)
       add_library(${rows} OBJECT ${ROOM_ROWS})
       ptk_library_flags(${rows})
       target_compile_definitions(${rows} PRIVATE ZEL_LEVEL=${level} ZEL_LEVEL_${level}=1)
-      # Without optimisation the compiler's vector functions are macros, which warn of themselves.
-      target_compile_options(${rows} PRIVATE ${PTK_LEVEL_FLAGS_${level}}
+      if(NOT level STREQUAL "plain")
+        target_compile_definitions(${rows} PRIVATE ZEL_VECTORS=1)
+      endif()
+      # Without optimisation the compiler's vector functions are macros, which warn of themselves. No
+      # code looks at the flags or the errno that floating-point operations leave, so both sides of a
+      # choice may be computed and square roots need no check; values are the same.
+      target_compile_options(${rows} PRIVATE ${PTK_LEVEL_FLAGS_${level}} -fno-trapping-math -fno-math-errno
                                              $<IF:$<CONFIG:Release>,-O3,-O1>)
       set_property(GLOBAL APPEND PROPERTY PTK_OBJECT_LIBRARIES ${rows})
       set_property(GLOBAL APPEND PROPERTY PTK_ROW_LIBRARIES ${rows})
@@ -62,7 +75,8 @@ function(ptk_test name)
   endif()
   foreach(level IN LISTS TEST_LEVELS)
     add_test(NAME ${name}_at_${level} COMMAND ${name} --gtest_brief=1)
-    set_tests_properties(${name}_at_${level} PROPERTIES ENVIRONMENT "ORLUNE_PTK_LEVEL=${level}")
+    set_tests_properties(${name}_at_${level} PROPERTIES ENVIRONMENT "ORLUNE_PTK_LEVEL=${level}"
+                                                         SKIP_RETURN_CODE 77)
   endforeach()
 endfunction()
 
@@ -97,5 +111,6 @@ function(ptk_add_libraries)
                          $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 
   add_library(orlune_internal STATIC ${contents})
-  target_include_directories(orlune_internal PUBLIC ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+  target_include_directories(orlune_internal PUBLIC ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include
+                                                    ${PROJECT_BINARY_DIR}/generated)
 endfunction()

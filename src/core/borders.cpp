@@ -21,8 +21,9 @@ struct BorderFrame {
 
 // False when there is nothing to fill: `status` is then the answer.
 bool FrameOf(ImageRef reference, BorderFrame* frame, Status* status) {
-  const Image* image = ImageLookup(reference, status);
-  if (!image) return false;
+  Image* image = nullptr;
+  *status = ImageLookup(reference, &image);
+  if (*status != STATUS_OK) return false;
   if (image->border == 0) {
     *status = STATUS_NO_BORDER;
     return false;

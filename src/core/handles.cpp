@@ -5,7 +5,6 @@
 
 #include "core/heap.h"
 #include "core/images.h"
-#include "core/processor.h"
 #include "core/tables.h"
 
 namespace zel {

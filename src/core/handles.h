@@ -66,14 +66,6 @@ Handle HandleWrap(void* block, uint32_t elementSize, uint32_t count, uint32_t co
 // Drops the row and leaves the block alone.
 Status HandleUnwrap(Handle handle);
 
-// Brackets around the use of a block. There are no locks: they do nothing and return 0.
-inline Status HandleLock(Handle) {
-  return STATUS_OK;
-}
-inline Status HandleUnlock(Handle) {
-  return STATUS_OK;
-}
-
 // The row of a handle that the library itself made; valid until the next call that can allocate.
 HandleEntry* HandleRow(Handle handle);
 

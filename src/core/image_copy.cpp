@@ -70,6 +70,17 @@ Status OpaqueClone(const Image& source, Image* destination) {
   return STATUS_OK;
 }
 
+Status OpaqueCopyPixels(const Image& source, Image* destination) {
+  if (source.opaqueType != destination->opaqueType) return STATUS_COPY_TYPE_DIFFERS;
+  const Status status = OpaqueClone(source, destination);
+  if (status != STATUS_OK) return status;
+  destination->lineWidth = source.lineWidth;
+  destination->border = source.border;
+  destination->width = source.width;
+  destination->height = source.height;
+  return STATUS_OK;
+}
+
 template <class T>
 void FillLines(uint8_t* block, int64_t lineBytes, int64_t rows, int64_t columns,
                const void* pixel) {
@@ -155,40 +166,31 @@ Status ImageCopyPixels(ImageRef source, ImageRef destination) {
   Image* to = nullptr;
   Status status = ImageLookup(source, &from);
   if (status == STATUS_OK) status = ImageLookup(destination, &to);
-  if (status != STATUS_OK || from == to) return status;
+  return status != STATUS_OK ? status : ImageCopyPixels(*from, to);
+}
+
+Status ImageCopyPixels(const Image& source, Image* to) {
+  const Image* from = &source;
+  if (from == to) return STATUS_OK;
   if (from->type != to->type) return STATUS_COPY_TYPE_DIFFERS;
 
-  if (from->type == IMAGE_OPAQUE) {
-    if (from->opaqueType != to->opaqueType) return STATUS_COPY_TYPE_DIFFERS;
-    status = OpaqueClone(*from, to);
-    if (status != STATUS_OK) return status;
-    to->lineWidth = from->lineWidth;
-    to->border = from->border;
-    to->width = from->width;
-    to->height = from->height;
-    return STATUS_OK;
-  }
-
+  if (from->type == IMAGE_OPAQUE) return OpaqueCopyPixels(*from, to);
   if (from->width != to->width || from->height != to->height) {
-    status = ImageLayoutSize(to, from->width, from->height, true);
+    const Status status = ImageLayoutSize(to, from->width, from->height, true);
     if (status != STATUS_OK) return status;
   }
   if (from->border == to->border) {
     int64_t bytes = 0;
-    status = BlockBytes(*from, &bytes);
+    const Status status = BlockBytes(*from, &bytes);
     if (status != STATUS_OK) return status;
     MemCopy(VectorData<void>(from->pixels), VectorData<void>(to->pixels),
             static_cast<size_t>(bytes));
     return STATUS_OK;
   }
-  int32_t pixelBytes = 0;
-  status = PixelSize(from->type, &pixelBytes);
-  if (status != STATUS_OK) return status;
-  const PixelGrid read = PixelGridOf(*from);
-  const PixelGrid write = PixelGridOf(*to);
-  const size_t rowBytes = static_cast<size_t>(from->width) * static_cast<size_t>(pixelBytes);
-  for (int64_t y = 0; y < from->height; y++) {
-    std::memcpy(write.Row<uint8_t>(y), read.Row<uint8_t>(y), rowBytes);
+  const PixelView read = ViewOf(*from);
+  const PixelView write = ViewOf(*to);
+  for (int64_t y = 0; y < read.height; y++) {
+    std::memcpy(write.Row<uint8_t>(y), read.Row<uint8_t>(y), static_cast<size_t>(read.RowBytes()));
   }
   return STATUS_OK;
 }
@@ -198,7 +200,12 @@ Status ImageCopyInfo(ImageRef source, ImageRef destination) {
   Image* to = nullptr;
   Status status = ImageLookup(source, &from);
   if (status == STATUS_OK) status = ImageLookup(destination, &to);
-  if (status != STATUS_OK || from == to) return status;
+  return status != STATUS_OK ? status : ImageCopyInfo(*from, to);
+}
+
+Status ImageCopyInfo(const Image& source, Image* to) {
+  const Image* from = &source;
+  if (from == to) return STATUS_OK;
   to->unit = from->unit;
   to->xStep = from->xStep;
   to->yStep = from->yStep;
@@ -214,6 +221,7 @@ Status ImageCopyInfo(ImageRef source, ImageRef destination) {
     }
     return STATUS_OK;
   }
+  Status status = STATUS_OK;
   if (to->attachments == 0) status = VectorNew(&to->attachments);
   return status != STATUS_OK ? status : AttachmentsAppendCopies(from->attachments, to->attachments);
 }
@@ -259,28 +267,21 @@ Status ImageFillAll(ImageRef reference, const void* pixel) {
   return STATUS_OK;
 }
 
-Status MaskOverlap(ImageRef image, ImageRef mask, OverlapRect* overlap) {
-  Image* under = nullptr;
-  Image* over = nullptr;
-  Status status = ImageLookup(image, &under);
-  if (status == STATUS_OK) status = ImageLookup(mask, &over);
-  if (status != STATUS_OK) return status;
-
-  *overlap = {};
-  const int64_t right = int64_t{over->offsetX} + over->width;
-  const int64_t bottom = int64_t{over->offsetY} + over->height;
-  if (right < 1 || over->offsetX >= under->width || bottom < 1 || over->offsetY >= under->height) {
-    return STATUS_OK;
+OverlapRect MaskOverlap(const Image& image, const Image& mask) {
+  const int64_t right = int64_t{mask.offsetX} + mask.width;
+  const int64_t bottom = int64_t{mask.offsetY} + mask.height;
+  if (right < 1 || mask.offsetX >= image.width || bottom < 1 || mask.offsetY >= image.height) {
+    return {};
   }
-  overlap->imageX = std::max(over->offsetX, 0);
-  overlap->imageY = std::max(over->offsetY, 0);
+  OverlapRect overlap{};
+  overlap.imageX = std::max(mask.offsetX, 0);
+  overlap.imageY = std::max(mask.offsetY, 0);
   // Never below -INT32_MAX here: the mask reaches into the image.
-  overlap->maskX = over->offsetX < 0 ? -over->offsetX : 0;
-  overlap->maskY = over->offsetY < 0 ? -over->offsetY : 0;
-  overlap->width = static_cast<int32_t>(std::min<int64_t>(right, under->width) - overlap->imageX);
-  overlap->height =
-      static_cast<int32_t>(std::min<int64_t>(bottom, under->height) - overlap->imageY);
-  return STATUS_OK;
+  overlap.maskX = mask.offsetX < 0 ? -mask.offsetX : 0;
+  overlap.maskY = mask.offsetY < 0 ? -mask.offsetY : 0;
+  overlap.width = static_cast<int32_t>(std::min<int64_t>(right, image.width) - overlap.imageX);
+  overlap.height = static_cast<int32_t>(std::min<int64_t>(bottom, image.height) - overlap.imageY);
+  return overlap;
 }
 
 }  // namespace zel

@@ -3,6 +3,7 @@
 
 #include "core/errors.h"
 #include "core/heap.h"
+#include "core/pixel_types.h"
 #include "core/tables.h"
 
 namespace zel {
@@ -131,12 +132,6 @@ Status ImageLookup(ImageRef reference, Image** image) {
   return STATUS_OK;
 }
 
-Image* ImageLookup(ImageRef reference, Status* status) {
-  Image* image = nullptr;
-  *status = ImageLookup(reference, &image);
-  return image;
-}
-
 Status ImageCreateLike(ImageRef* reference, const Image& like) {
   const Image wanted = like;  // the template may be the record that is made over
   Status status = TablesEnsure();
@@ -214,23 +209,9 @@ Status ImageLayoutSize(Image* image, int32_t width, int32_t height, bool keep) {
 }
 
 Status PixelSize(int32_t type, int32_t* bytes) {
-  switch (type) {
-    case IMAGE_U8:
-      *bytes = 1;
-      return STATUS_OK;
-    case IMAGE_I16:
-      *bytes = 2;
-      return STATUS_OK;
-    case IMAGE_SGL:
-    case IMAGE_RGB:
-      *bytes = 4;
-      return STATUS_OK;
-    case IMAGE_COMPLEX:
-      *bytes = 8;
-      return STATUS_OK;
-    default:
-      return STATUS_BAD_LAYOUT_TYPE;
-  }
+  if (!TypeHasPixels(type)) return STATUS_BAD_LAYOUT_TYPE;
+  *bytes = PixelBytesOf(type);
+  return STATUS_OK;
 }
 
 Status ImagePixelAddress(ImageRef reference, int32_t x, int32_t y, void** address) {
@@ -248,18 +229,20 @@ Status ImagePixelAddress(ImageRef reference, int32_t x, int32_t y, void** addres
   if (x < -border || x >= image->width + border || y < -border || y >= image->height + border) {
     return STATUS_INTERNAL;
   }
-  *address = PixelGridOf(*image).origin + (int64_t{y} * image->lineWidth + x) * pixelBytes;
+  *address = ViewOf(*image).Row<uint8_t>(y) + int64_t{x} * pixelBytes;
   return STATUS_OK;
 }
 
-PixelGrid PixelGridOf(const Image& image) {
-  int32_t pixelBytes = 1;
-  PixelSize(image.type, &pixelBytes);
-  const int64_t leftPad = RoundedUp(image.border, RowStep(pixelBytes));
-  const int64_t pitch = int64_t{image.lineWidth} * pixelBytes;
+PixelView ViewOf(const Image& image) {
+  const int32_t pixelBytes = PixelBytesOf(image.type);
+  PixelView view{.width = image.width, .height = image.height, .type = image.type};
   uint8_t* block = VectorData<uint8_t>(image.pixels);
-  uint8_t* origin = block ? block + image.border * pitch + leftPad * pixelBytes : nullptr;
-  return {origin, pitch, image.width, image.height};
+  if (pixelBytes == 0 || !block) return view;
+  const int64_t leftPad = RoundedUp(image.border, RowStep(pixelBytes));
+  view.pixelBytes = static_cast<int16_t>(pixelBytes);
+  view.pitch = int64_t{image.lineWidth} * pixelBytes;
+  view.origin = block + image.border * view.pitch + leftPad * pixelBytes;
+  return view;
 }
 
 Status ImageSwap(ImageRef a, ImageRef b) {

@@ -6,6 +6,7 @@
 
 #include "core/handles.h"
 #include "core/status.h"
+#include "core/views.h"
 #include "orlune_ptk.h"
 
 namespace zel {
@@ -42,21 +43,11 @@ Status AttachmentsAppendCopies(Handle from, Handle to);
 // the shutdown.
 void AttachmentsFree(Handle list, bool flaggedOnly);
 
-// The part of an image that a mask placed at its offsets covers. An empty one has a width or
-// height below 1.
-struct OverlapRect {
-  int32_t imageX, imageY;  // first pixel in the image
-  int32_t maskX, maskY;    // the matching pixel in the mask
-  int32_t width, height;
-};
-
 // 1 when the reference names an image, and then its record's handle and its row.
 int32_t ImageEntryFind(ImageRef reference, Handle* record, int32_t* row);
 Status ImageEntryNew(ImageRef* reference, bool temporary);
 
 Status ImageLookup(ImageRef reference, Image** image);  // STATUS_BAD_IMAGE
-// The same for kernels that go on only while their status is good: null after a failure.
-Image* ImageLookup(ImageRef reference, Status* status);
 
 // Makes an image like the template's record, or makes the named image over. A reference of 0 asks
 // for a temporary image; one that names nothing for a caller's.
@@ -66,6 +57,7 @@ Status ImageDestroy(ImageRef reference);
 // Sizes below 1 give a 0 x 0 image. Bytes keep their place in the block, so a new width leaves the
 // pixels scrambled: a caller writes them. On failure the image stays as it was.
 Status ImageSetSize(ImageRef reference, int32_t width, int32_t height);
+// The same for a record. keep: a block that is large enough stays where the image asks for that.
 Status ImageLayoutSize(Image* image, int32_t width, int32_t height, bool keep);
 
 Status PixelSize(int32_t type, int32_t* bytes);
@@ -75,56 +67,29 @@ Status ImagePixelAddress(ImageRef reference, int32_t x, int32_t y, void** addres
 Status ImageSwap(ImageRef a, ImageRef b);
 // True also when either reference is unknown: look references up before asking.
 bool ImageSame(ImageRef a, ImageRef b);
-inline bool ImageIsNull(ImageRef a) {
-  return a == 0;
-}
-inline Status ImageRefAssign(ImageRef a, ImageRef* reference) {
-  *reference = a;
-  return STATUS_OK;
-}
 
 // Everything: type, border, calibration and pixels with border and padding.
 Status ImageClone(ImageRef source, ImageRef destination);
 // Size and pixels; the destination keeps its border and record. Types must be the same.
 Status ImageCopyPixels(ImageRef source, ImageRef destination);
+Status ImageCopyPixels(const Image& source, Image* destination);
 // Calibration, mask offset and attachments: what every derived image takes from its source.
 Status ImageCopyInfo(ImageRef source, ImageRef destination);
+Status ImageCopyInfo(const Image& source, Image* destination);
 
 Status ImageClearAll(ImageRef reference);  // the whole block
 // The first (height + 2 border) x (width + 2 border) bytes of a U8 block, whatever the row pitch;
 // for other types that many pixels from the start of each line. Null clears the whole block.
 Status ImageFillAll(ImageRef reference, const void* pixel);
 
-Status MaskOverlap(ImageRef image, ImageRef mask, OverlapRect* overlap);
+OverlapRect MaskOverlap(const Image& image, const Image& mask);
 
 // Fill the border. STATUS_NO_BORDER for an image without one; an empty image is left alone.
 Status BorderMirror(ImageRef reference);
 Status BorderReplicate(ImageRef reference);
 Status BorderZero(ImageRef reference);
 
-inline Status ImageLock(ImageRef) {
-  return STATUS_OK;
-}
-inline Status ImageUnlock(ImageRef) {
-  return STATUS_OK;
-}
-
-// The pixels of an image as rows of bytes: what row loops walk. Of a U8, I16, SGL, complex or RGB
-// image only; valid until the image is resized.
-struct PixelGrid {
-  uint8_t* origin;  // pixel (0, 0)
-  int64_t pitch;    // bytes from one row to the next
-  int32_t width, height;
-
-  template <class T>
-  T* Row(int64_t y) const {
-    return reinterpret_cast<T*>(origin + y * pitch);
-  }
-  template <class T>
-  T* At(int64_t x, int64_t y) const {
-    return Row<T>(y) + x;
-  }
-};
-PixelGrid PixelGridOf(const Image& image);
+// The pixels of an image; without an origin for a type that has none.
+PixelView ViewOf(const Image& image);
 
 }  // namespace zel

@@ -1,7 +1,7 @@
 // The row routines of arithmetic, by operation and by the types of the operands.
 #pragma once
 
-#include "core/processor.h"
+#include "engine/levels.h"
 #include "point/plane.h"
 
 namespace zel {

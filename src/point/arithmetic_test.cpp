@@ -6,7 +6,7 @@
 #include <limits>
 #include <vector>
 
-#include "core/processor.h"
+#include "platform/processor.h"
 #include "point/operator_test.h"
 #include "tests/support/test_image.h"
 
@@ -17,7 +17,6 @@ using test::CutLimitedOf;
 using test::Difference;
 using test::ODD_SIZES;
 using test::Operands;
-using test::RunOnAllLevels;
 using test::TestImage;
 
 enum class Arithmetic { Add, Subtract, Multiply, Divide, Modulo, MulDiv };
@@ -151,8 +150,7 @@ constexpr float CONSTANTS[] = {
 };
 
 TEST(Arithmetic, ImagesOfAllTypePairsAndSizesFollowTheRules) {
-  RunOnAllLevels([] {
-    for (const Arithmetic operation : ALL) {
+  for (const Arithmetic operation : ALL) {
       for (int32_t type1 = IMAGE_U8; type1 <= IMAGE_SGL; type1++) {
         for (int32_t type2 = IMAGE_U8; type2 <= type1; type2++) {
           uint64_t seed = 1;
@@ -171,12 +169,10 @@ TEST(Arithmetic, ImagesOfAllTypePairsAndSizesFollowTheRules) {
         }
       }
     }
-  });
-}
+  }
 
 TEST(Arithmetic, ConstantsOfAllTypesFollowTheRulesColumnByColumn) {
-  RunOnAllLevels([] {
-    for (const int32_t mmx : {0, 1}) {
+  for (const int32_t mmx : {0, 1}) {
       zel::MmxForce(mmx);
       for (const Arithmetic operation : ALL) {
         if (operation == Arithmetic::MulDiv) continue;
@@ -196,12 +192,10 @@ TEST(Arithmetic, ConstantsOfAllTypesFollowTheRulesColumnByColumn) {
         }
       }
     }
-  });
-}
+  }
 
 TEST(Arithmetic, EveryPairOfBytesFollowsTheRules) {
-  RunOnAllLevels([] {
-    const TestImage first(IMAGE_U8, 256, 256);
+  const TestImage first(IMAGE_U8, 256, 256);
     const TestImage second(IMAGE_U8, 256, 256);
     for (int32_t y = 0; y < 256; y++) {
       for (int32_t x = 0; x < 256; x++) {
@@ -217,8 +211,7 @@ TEST(Arithmetic, EveryPairOfBytesFollowsTheRules) {
             << static_cast<int>(operation) << " constant " << constant;
       }
     }
-  });
-}
+  }
 
 // All 16-bit dividends against divisors around every power of two.
 TEST(Arithmetic, WordsAreDividedExactly) {
@@ -245,13 +238,11 @@ TEST(Arithmetic, WordsAreDividedExactly) {
     for (const Arithmetic operation : {Arithmetic::Divide, Arithmetic::Modulo}) {
       const TestImage byImage = ImagesResult(operation, first, second, 0);
       const TestImage byConstant = ConstantResult(operation, first, constant, true);
-      RunOnAllLevels([&] {
-        ASSERT_EQ(Call(operation, first, second, destination, 0), 0);
+      ASSERT_EQ(Call(operation, first, second, destination, 0), 0);
         ASSERT_EQ(Difference(destination, byImage), "") << divisor;
         ASSERT_EQ(Call(operation, first, 0, destination, constant), 0);
         ASSERT_EQ(Difference(destination, byConstant), "") << "constant " << divisor;
-      });
-    }
+          }
   }
 }
 
@@ -304,11 +295,9 @@ TEST(Arithmetic, WordsAreMultipliedAndDividedExactly) {
     for (const float mantissa : {1.0f, -1.0f, 1.9999999f, 1.3333334f, -1.7001f}) {
       const float constant = std::ldexp(mantissa, exponent);
       const TestImage expected = ImagesResult(Arithmetic::MulDiv, first, second, constant);
-      RunOnAllLevels([&] {
-        ASSERT_EQ(ZEL_MulDiv(first, second, destination, constant), 0);
+      ASSERT_EQ(ZEL_MulDiv(first, second, destination, constant), 0);
         ASSERT_EQ(Difference(destination, expected), "") << constant;
-      });
-    }
+          }
   }
 }
 
@@ -317,8 +306,7 @@ TEST(Arithmetic, FloatsKeepInfinitiesNanAndZeros) {
   const std::vector<float> values = {0.0f, -0.0f, 1.0f,   -1.5f, inf,
                                      -inf, NAN,   1e-42f, 3e38f, -3e38f};
   const auto count = static_cast<int32_t>(values.size());
-  RunOnAllLevels([&] {
-    const TestImage first(IMAGE_SGL, count * count, 1);
+  const TestImage first(IMAGE_SGL, count * count, 1);
     const TestImage second(IMAGE_SGL, count * count, 1);
     for (int32_t i = 0; i < count * count; i++) {
       first.Set<float>(i, 0, values[static_cast<size_t>(i / count)]);
@@ -335,8 +323,7 @@ TEST(Arithmetic, FloatsKeepInfinitiesNanAndZeros) {
             << static_cast<int>(operation) << " constant " << constant;
       }
     }
-  });
-}
+  }
 
 TEST(Arithmetic, InfiniteAndNanConstantsOnIntegers) {
   const float inf = std::numeric_limits<float>::infinity();

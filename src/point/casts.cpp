@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "core/arrays.h"
+#include "engine/array_convert.h"
 #include "core/heap.h"
 #include "core/kernels.h"
 #include "core/numbers.h"

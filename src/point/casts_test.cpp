@@ -14,7 +14,6 @@ namespace {
 using test::Border;
 using test::Difference;
 using test::ODD_SIZES;
-using test::RunOnAllLevels;
 using test::TestImage;
 
 // A pixel as what conversions see of it: a number, for complex pixels its magnitude, for colours
@@ -102,13 +101,11 @@ TEST(Convert, AllPairsOfTypesAndSizesFollowTheMatrix) {
         const TestImage source(from, width, height, Border(seed), seed);
         const TestImage expected = Converted(source, to);
         const auto before = source.Block();
-        RunOnAllLevels([&] {
-          TestImage destination(to, 3, 2, Border(seed + 1), seed + 9);
+        TestImage destination(to, 3, 2, Border(seed + 1), seed + 9);
           ASSERT_EQ(ZEL_Convert(source, destination), 0);
           ASSERT_EQ(Difference(destination, expected), "") << from << " to " << to;
           ASSERT_EQ(destination.Info().border, source.Info().border);
-        });
-        ASSERT_EQ(source.Block(), before);
+                ASSERT_EQ(source.Block(), before);
         seed++;
       }
     }
@@ -126,12 +123,10 @@ TEST(Convert, EverySumOfColoursIsAThirdExactly) {
   }
   for (const int32_t to : {IMAGE_U8, IMAGE_I16, IMAGE_SGL, IMAGE_COMPLEX}) {
     const TestImage expected = Converted(source, to);
-    RunOnAllLevels([&] {
-      TestImage destination(to, 0, 0);
+    TestImage destination(to, 0, 0);
       ASSERT_EQ(ZEL_Convert(source, destination), 0);
       ASSERT_EQ(Difference(destination, expected), "");
-    });
-  }
+      }
 }
 
 TEST(Convert, EveryWordIsLimitedToAByte) {
@@ -164,8 +159,7 @@ TEST(Convert, FloatsAreCutAndLimitedAndComplexMagnitudesWrap) {
       complex.At<float>(i, j)[1] = values[static_cast<size_t>(j)];
     }
   }
-  RunOnAllLevels([&] {
-    for (int32_t to = IMAGE_U8; to <= IMAGE_RGB; to++) {
+  for (int32_t to = IMAGE_U8; to <= IMAGE_RGB; to++) {
       TestImage destination(to, 0, 0);
       ASSERT_EQ(ZEL_Convert(floats, destination), 0);
       ASSERT_EQ(Difference(destination, Converted(floats, to)), "") << "to " << to;
@@ -173,8 +167,7 @@ TEST(Convert, FloatsAreCutAndLimitedAndComplexMagnitudesWrap) {
       ASSERT_EQ(ZEL_Convert(complex, other), 0);
       ASSERT_EQ(Difference(other, Converted(complex, to)), "") << "complex to " << to;
     }
-  });
-}
+  }
 
 TEST(Convert, KnownPixels) {
   const TestImage complex(IMAGE_COMPLEX, 2, 1);
@@ -292,8 +285,7 @@ TEST(Cast, FailuresLeaveTheImage) {
 }
 
 TEST(ConvertByLookup, BytesAndWordsGoThroughTheTable) {
-  RunOnAllLevels([] {
-    std::vector<float> table(65536);
+  std::vector<float> table(65536);
     test::Random random(5);
     for (float& value : table) value = random.Float(-70000.0f, 70000.0f);
     for (const int32_t from : {IMAGE_U8, IMAGE_I16}) {
@@ -323,8 +315,7 @@ TEST(ConvertByLookup, BytesAndWordsGoThroughTheTable) {
         }
       }
     }
-  });
-}
+  }
 
 TEST(ConvertByLookup, ShortTablesContinueWithTheirIndex) {
   const TestImage bytes(IMAGE_U8, 256, 1);
@@ -381,8 +372,7 @@ TEST(ConvertByLookup, WrongArgumentsGiveTheirNumbers) {
 }
 
 TEST(Shift16To8, ShiftsArithmeticallyAndKeepsTheLowByte) {
-  RunOnAllLevels([] {
-    for (const int32_t shift : {-3, 0, 1, 4, 7, 8, 9, 100}) {
+  for (const int32_t shift : {-3, 0, 1, 4, 7, 8, 9, 100}) {
       for (const auto& [width, height] : ODD_SIZES) {
         const TestImage source(IMAGE_I16, width, height, Border(width), 5);
         TestImage destination(IMAGE_U8, width, height, 2, 6);
@@ -398,8 +388,7 @@ TEST(Shift16To8, ShiftsArithmeticallyAndKeepsTheLowByte) {
         ASSERT_EQ(destination.Surroundings(), surroundings);
       }
     }
-  });
-  const TestImage known(IMAGE_I16, 1, 1);
+    const TestImage known(IMAGE_I16, 1, 1);
   known.Set<int16_t>(0, 0, 0x1234);
   TestImage destination(IMAGE_U8, 0, 0);
   ASSERT_EQ(ZEL_Shift16To8(known, destination, 4), 0);

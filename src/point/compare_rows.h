@@ -1,7 +1,7 @@
 // The row routines of mean, minimum, maximum and compare-and-keep.
 #pragma once
 
-#include "core/processor.h"
+#include "engine/levels.h"
 #include "point/plane.h"
 
 namespace zel {

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <limits>
 
-#include "core/processor.h"
+#include "platform/processor.h"
 #include "point/operator_test.h"
 #include "tests/support/test_image.h"
 
@@ -14,7 +14,6 @@ using test::Border;
 using test::Difference;
 using test::ODD_SIZES;
 using test::Operands;
-using test::RunOnAllLevels;
 using test::TestImage;
 
 // The rules, one pixel at a time. Comparisons are stated by what clears a pixel.
@@ -85,8 +84,7 @@ void Coarsen(const TestImage& image) {
 }
 
 TEST(Compare, ImagesOfAllTypePairsAndSizesFollowTheRules) {
-  RunOnAllLevels([] {
-    for (int32_t operation = 0; operation < 8; operation++) {
+  for (int32_t operation = 0; operation < 8; operation++) {
       for (int32_t type1 = IMAGE_U8; type1 <= IMAGE_SGL; type1++) {
         for (int32_t type2 = IMAGE_U8; type2 <= type1; type2++) {
           uint64_t seed = 1;
@@ -106,8 +104,7 @@ TEST(Compare, ImagesOfAllTypePairsAndSizesFollowTheRules) {
         }
       }
     }
-  });
-}
+  }
 
 TEST(Compare, EveryPairOfBytesFollowsTheRules) {
   const TestImage first(IMAGE_U8, 256, 256);
@@ -121,11 +118,9 @@ TEST(Compare, EveryPairOfBytesFollowsTheRules) {
   TestImage destination(IMAGE_U8, 0, 0);
   for (int32_t operation = 0; operation < 8; operation++) {
     const TestImage expected = ImagesResult(operation, first, second);
-    RunOnAllLevels([&] {
-      ASSERT_EQ(ZEL_Compare(first, second, destination, operation, 0), 0);
+    ASSERT_EQ(ZEL_Compare(first, second, destination, operation, 0), 0);
       ASSERT_EQ(Difference(destination, expected), "") << operation;
-    });
-  }
+      }
 }
 
 TEST(Compare, ConstantsOfAllTypesFollowTheRulesColumnByColumn) {
@@ -135,8 +130,7 @@ TEST(Compare, ConstantsOfAllTypesFollowTheRulesColumnByColumn) {
       -256.0f,   -257.0f,   32766.0f,  32767.0f, 32768.0f, 65534.0f, 65535.0f, 1e5f,      -32767.0f,
       -32768.0f, -32769.0f, -65537.0f, -1e6f,    3e9f,     -3e9f,    INFINITY, -INFINITY, NAN,
   };
-  RunOnAllLevels([&] {
-    for (const int32_t mmx : {0, 1}) {
+  for (const int32_t mmx : {0, 1}) {
       zel::MmxForce(mmx);
       for (int32_t operation = 0; operation < 8; operation++) {
         for (int32_t type = IMAGE_U8; type <= IMAGE_SGL; type++) {
@@ -157,8 +151,7 @@ TEST(Compare, ConstantsOfAllTypesFollowTheRulesColumnByColumn) {
         }
       }
     }
-  });
-}
+  }
 
 TEST(Compare, ConstantOfTheMeanActsByItsLowByteInGroupedColumnsOnly) {
   const TestImage image(IMAGE_U8, 9, 1);
@@ -178,8 +171,7 @@ TEST(Compare, FloatsKeepInfinitiesNanAndZeros) {
   const std::vector<float> values = {0.0f, -0.0f, 1.0f,   -1.5f,         inf,
                                      -inf, NAN,   1e-42f, 3.4028235e38f, -3e38f};
   const auto count = static_cast<int32_t>(values.size());
-  RunOnAllLevels([&] {
-    const TestImage first(IMAGE_SGL, count * count, 1);
+  const TestImage first(IMAGE_SGL, count * count, 1);
     const TestImage second(IMAGE_SGL, count * count, 1);
     for (int32_t i = 0; i < count * count; i++) {
       first.Set<float>(i, 0, values[static_cast<size_t>(i / count)]);
@@ -195,8 +187,7 @@ TEST(Compare, FloatsKeepInfinitiesNanAndZeros) {
             << operation << " constant " << constant;
       }
     }
-  });
-}
+  }
 
 // Every exponent, subnormal numbers and sums beyond the type among them.
 TEST(Compare, MeanOfFloatsIsRoundedOnce) {
@@ -218,12 +209,10 @@ TEST(Compare, MeanOfFloatsIsRoundedOnce) {
     std::memcpy(second.At<float>(x, 0), &b, 4);
   }
   const TestImage expected = ImagesResult(0, first, second);
-  RunOnAllLevels([&] {
-    TestImage destination(IMAGE_SGL, 0, 0);
+  TestImage destination(IMAGE_SGL, 0, 0);
     ASSERT_EQ(ZEL_Compare(first, second, destination, 0, 0), 0);
     ASSERT_EQ(Difference(destination, expected), "");
-  });
-  for (const float constant : {0.1f, -3.4e-38f, 1.4e-45f, 9e29f, 1.1e30f, -3.4e38f}) {
+    for (const float constant : {0.1f, -3.4e-38f, 1.4e-45f, 9e29f, 1.1e30f, -3.4e38f}) {
     TestImage destination(IMAGE_SGL, 0, 0);
     ASSERT_EQ(ZEL_Compare(first, 0, destination, 0, constant), 0);
     ASSERT_EQ(Difference(destination, ConstantResult(0, first, constant, true)), "") << constant;

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "core/heap.h"
-#include "core/processor.h"
 #include "tests/support/test_image.h"
 
 namespace {
@@ -134,18 +133,9 @@ TestImage MaskFor(int32_t width, int32_t height, int32_t offsetX, int32_t offset
   return mask;
 }
 
-class EqualizeAtEachLevel : public testing::TestWithParam<zel::ProcessorLevel> {
- protected:
-  void SetUp() override {
-    if (!zel::ProcessorLevelForce(GetParam())) GTEST_SKIP() << "not on this processor";
-  }
-};
 
-INSTANTIATE_TEST_SUITE_P(Levels, EqualizeAtEachLevel,
-                         testing::Values(zel::ProcessorLevel::Baseline, zel::ProcessorLevel::V3,
-                                         zel::ProcessorLevel::V4));
 
-TEST_P(EqualizeAtEachLevel, SpreadsTheLevelsByTheHistogram) {
+TEST(EqualizePixels, SpreadsTheLevelsByTheHistogram) {
   const std::vector<std::pair<float, float>> ranges = {
       {0.0f, 0.0f},       {10.5f, 200.9f},        {-100.0f, 50.0f},      {100.0f, 20.0f},
       {5000.0f, 6000.0f}, {NOT_A_NUMBER, 100.0f}, {20.0f, NOT_A_NUMBER}, {-ENDLESS, ENDLESS},
@@ -171,7 +161,7 @@ TEST_P(EqualizeAtEachLevel, SpreadsTheLevelsByTheHistogram) {
   }
 }
 
-TEST_P(EqualizeAtEachLevel, HistogramAndExtremesGoByTheMask) {
+TEST(EqualizePixels, HistogramAndExtremesGoByTheMask) {
   for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
     for (const int32_t offset : {0, 4, -6, 900}) {
       const TestImage mask = MaskFor(50, 6, offset, 1);
@@ -189,7 +179,7 @@ TEST_P(EqualizeAtEachLevel, HistogramAndExtremesGoByTheMask) {
   }
 }
 
-TEST_P(EqualizeAtEachLevel, TakesAGivenHistogramOfAnyShape) {
+TEST(EqualizePixels, TakesAGivenHistogramOfAnyShape) {
   Random random(6);
   for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
     for (int32_t round = 0; round < 60; round++) {

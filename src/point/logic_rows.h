@@ -1,7 +1,7 @@
 // The row routines of bitwise operators and of masking.
 #pragma once
 
-#include "core/processor.h"
+#include "engine/levels.h"
 #include "point/plane.h"
 
 namespace zel {

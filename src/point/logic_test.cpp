@@ -3,7 +3,7 @@
 #include <cstring>
 #include <functional>
 
-#include "core/processor.h"
+#include "platform/processor.h"
 #include "point/operator_test.h"
 #include "point/operators.h"
 #include "tests/support/test_image.h"
@@ -14,7 +14,6 @@ using test::Border;
 using test::ODD_SIZES;
 using test::Operands;
 using test::PixelDifference;
-using test::RunOnAllLevels;
 using test::TestImage;
 
 enum class Logic { And, NotAnd, Or, NotOr, Xor, NotXor, Diff };
@@ -118,13 +117,11 @@ TEST(Logic, ImagesOfAllTypesAndSizesAreCombinedBitByBit) {
         const auto surroundings = destination.Surroundings();
         seed++;
         const TestImage expected = ImagesResult(operation, first, second);
-        RunOnAllLevels([&] {
-          ASSERT_EQ(Call(operation, first, second, destination, 5), 0);
+        ASSERT_EQ(Call(operation, first, second, destination, 5), 0);
           ASSERT_EQ(PixelDifference(destination, expected), "")
               << static_cast<int>(operation) << " type " << type;
           ASSERT_EQ(destination.Surroundings(), surroundings);
-        });
-      }
+              }
     }
   }
 }
@@ -139,13 +136,11 @@ TEST(Logic, ConstantsActByAsManyLowBitsAsAPixelHas) {
             const TestImage first(type, width, 2, Border(width), static_cast<uint64_t>(width));
             TestImage destination(type, 1, 1, 2, 3);
             const TestImage expected = ConstantResult(operation, first, constant);
-            RunOnAllLevels([&] {
-              zel::MmxForce(mmx);
+            zel::MmxForce(mmx);
               ASSERT_EQ(Call(operation, first, 0, destination, constant), 0);
               ASSERT_EQ(PixelDifference(destination, expected), "")
                   << static_cast<int>(operation) << " type " << type << " constant " << constant;
-            });
-          }
+                      }
         }
       }
     }
@@ -229,8 +224,7 @@ zel::RowOperation OperationOn(const TestImage& first, const TestImage& second,
 }
 
 TEST(LogicEngine, ConstantIfZeroWritesTheConstantWhereThePixelIsZero) {
-  RunOnAllLevels([] {
-    for (const int32_t type : TYPES) {
+  for (const int32_t type : TYPES) {
       const TestImage image(type, 37, 3, 1, 5);
       for (int32_t x = 0; x < 37; x += 2) {
         std::memset(image.At<uint8_t>(x, 1), 0, static_cast<size_t>(image.Info().pixelBytes));
@@ -248,8 +242,7 @@ TEST(LogicEngine, ConstantIfZeroWritesTheConstantWhereThePixelIsZero) {
       ASSERT_EQ(PixelDifference(destination, expected), "") << type;
       ASSERT_EQ(destination.Surroundings(), surroundings);
     }
-  });
-}
+  }
 
 TEST(OperatorEngines, RefuseTypesAndCodesThatAreNotTheirs) {
   const TestImage bytes(IMAGE_U8, 8, 2);

@@ -1,7 +1,7 @@
 // Tables over pixel values: what is mapped, how a table is applied, and the user's own tables.
 #include "point/lookup.h"
 
-#include "core/arrays.h"
+#include "engine/array_convert.h"
 #include "core/heap.h"
 #include "point/lookup_rows.h"
 #include "point/threshold_rows.h"

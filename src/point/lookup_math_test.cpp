@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "core/heap.h"
-#include "core/processor.h"
 #include "tests/support/test_image.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <bit>
 #include <cstring>
 
-#if defined(ZEL_X86_LEVELS)
+#if defined(ZEL_VECTORS)
 #include <immintrin.h>
 #endif
 
@@ -159,7 +159,7 @@ void MapU8(const LookupOperation& operation, const uint8_t* table) {
 
 #endif
 
-#if defined(ZEL_X86_LEVELS)
+#if defined(ZEL_VECTORS)
 
 // Pixels come and go in groups, so that the table's own loads are the bound.
 constexpr int64_t WORD_GROUP = 8;

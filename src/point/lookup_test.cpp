@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "core/heap.h"
-#include "core/processor.h"
 #include "tests/support/test_image.h"
 
 namespace {
@@ -60,18 +59,9 @@ TestImage RandomMask(int32_t width, int32_t height, int32_t offsetX, int32_t off
   return mask;
 }
 
-class LookupAtEachLevel : public testing::TestWithParam<zel::ProcessorLevel> {
- protected:
-  void SetUp() override {
-    if (!zel::ProcessorLevelForce(GetParam())) GTEST_SKIP() << "not on this processor";
-  }
-};
 
-INSTANTIATE_TEST_SUITE_P(Levels, LookupAtEachLevel,
-                         testing::Values(zel::ProcessorLevel::Baseline, zel::ProcessorLevel::V3,
-                                         zel::ProcessorLevel::V4));
 
-TEST_P(LookupAtEachLevel, MapsEveryPixelThroughTheTable) {
+TEST(LookupPixels, MapsEveryPixelThroughTheTable) {
   for (const int32_t type : {IMAGE_U8, IMAGE_I16}) {
     for (const size_t count : {size_t{0}, size_t{10}, size_t{255}, size_t{256}, size_t{300},
                                size_t{40000}, size_t{65536}, size_t{70000}}) {
@@ -95,7 +85,7 @@ TEST_P(LookupAtEachLevel, MapsEveryPixelThroughTheTable) {
   }
 }
 
-TEST_P(LookupAtEachLevel, EveryLevelFindsItsEntry) {
+TEST(LookupPixels, EveryLevelFindsItsEntry) {
   const TestImage all(IMAGE_U8, 256, 2, 0);
   for (int32_t x = 0; x < 256; x++) {
     all.Set(x, 0, static_cast<uint8_t>(x));
@@ -110,7 +100,7 @@ TEST_P(LookupAtEachLevel, EveryLevelFindsItsEntry) {
 }
 
 // Tables that keep one range take another way.
-TEST_P(LookupAtEachLevel, TablesOfOneRangeMapLikeOthers) {
+TEST(LookupPixels, TablesOfOneRangeMapLikeOthers) {
   const TestImage all(IMAGE_U8, 256, 1, 0);
   for (int32_t x = 0; x < 256; x++) all.Set(x, 0, static_cast<uint8_t>(x));
   std::vector<std::vector<int16_t>> tables;
@@ -136,7 +126,7 @@ TEST_P(LookupAtEachLevel, TablesOfOneRangeMapLikeOthers) {
   }
 }
 
-TEST_P(LookupAtEachLevel, MaskedOutPixelsKeepTheSourcesValue) {
+TEST(LookupPixels, MaskedOutPixelsKeepTheSourcesValue) {
   const std::vector<int16_t> entries = RandomTable(65536, 4);
   for (const int32_t type : {IMAGE_U8, IMAGE_I16}) {
     for (const auto& [width, height] : test::ODD_SIZES) {
@@ -160,7 +150,7 @@ TEST_P(LookupAtEachLevel, MaskedOutPixelsKeepTheSourcesValue) {
   }
 }
 
-TEST_P(LookupAtEachLevel, TheMaskMayBeTheDestination) {
+TEST(LookupPixels, TheMaskMayBeTheDestination) {
   const std::vector<int16_t> entries = RandomTable(256, 4);
   for (const int32_t offset : {0, 2, -3, 5000}) {
     const TestImage source(IMAGE_U8, 70, 5, 1, 6);

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "core/processor.h"
+#include "platform/processor.h"
 #include "point/operator_test.h"
 #include "tests/support/test_image.h"
 
@@ -12,7 +12,6 @@ namespace {
 using test::Border;
 using test::ODD_SIZES;
 using test::PixelDifference;
-using test::RunOnAllLevels;
 using test::TestImage;
 
 TestImage MaskOf(int32_t width, int32_t height, int32_t border, uint64_t seed) {
@@ -56,16 +55,14 @@ TEST(Mask, SelectsPixelsOfAllTypesAndSizesAndClearsTheBorder) {
       const TestImage mask = MaskOf(width, height, Border(seed + 1), seed + 1);
       seed++;
       const TestImage expected = Masked(source, mask);
-      RunOnAllLevels([&] {
-        for (const int32_t mmx : {0, 1}) {
+      for (const int32_t mmx : {0, 1}) {
           zel::MmxForce(mmx);
           TestImage destination(type, 2, 2, Border(seed + 2), seed + 2);
           ASSERT_EQ(ZEL_Mask(source, mask, destination), 0);
           ASSERT_EQ(PixelDifference(destination, expected), "") << type;
           ASSERT_TRUE(IsAllZero(destination.Surroundings()));
         }
-      });
-    }
+          }
   }
 }
 

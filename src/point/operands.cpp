@@ -6,7 +6,7 @@
 
 #include "core/images.h"
 #include "core/kernels.h"
-#include "core/processor.h"
+#include "platform/processor.h"
 #include "point/lookup_rows.h"
 
 namespace zel {

@@ -3,10 +3,8 @@
 
 #include <cmath>
 #include <cstdint>
-#include <functional>
 #include <string>
 
-#include "core/processor.h"
 #include "tests/support/test_image.h"
 
 namespace test {
@@ -112,14 +110,6 @@ inline void SprinkleZeros(const TestImage& image, uint64_t seed) {
       if (random.Next() % 5 == 0 || x + y == 0) row.Set(x, 0.0);
     }
   }
-}
-
-inline void RunOnAllLevels(const std::function<void()>& run) {
-  for (const auto level :
-       {zel::ProcessorLevel::Baseline, zel::ProcessorLevel::V3, zel::ProcessorLevel::V4}) {
-    if (zel::ProcessorLevelForce(level)) run();
-  }
-  zel::ProcessorLevelForce(zel::ProcessorLevel::Unknown);
 }
 
 // Two images of one type, the same ones for the same width.

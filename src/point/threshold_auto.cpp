@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "statistics/histogram.h"
-#include "core/arrays.h"
+#include "engine/array_convert.h"
 #include "core/kernels.h"
 #include "core/numbers.h"
 #include "point/threshold_rows.h"

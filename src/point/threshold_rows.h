@@ -1,7 +1,7 @@
 // Row loops of the thresholds, one table of them for each processor level.
 #pragma once
 
-#include "core/processor.h"
+#include "engine/levels.h"
 #include "point/lookup.h"
 
 namespace zel {

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "core/heap.h"
-#include "core/processor.h"
 #include "tests/support/test_image.h"
 
 namespace {
@@ -86,18 +85,9 @@ const std::vector<Limits> LIMITS = {
     {128.0f, 128.0f, 0.0f},        {-0.5f, 0.5f, 1e10f},
 };
 
-class AtEachLevel : public testing::TestWithParam<zel::ProcessorLevel> {
- protected:
-  void SetUp() override {
-    if (!zel::ProcessorLevelForce(GetParam())) GTEST_SKIP() << "not on this processor";
-  }
-};
 
-INSTANTIATE_TEST_SUITE_P(Levels, AtEachLevel,
-                         testing::Values(zel::ProcessorLevel::Baseline, zel::ProcessorLevel::V3,
-                                         zel::ProcessorLevel::V4));
 
-TEST_P(AtEachLevel, ThresholdKeepsOneRangeAndClearsTheRest) {
+TEST(ThresholdPixels, ThresholdKeepsOneRangeAndClearsTheRest) {
   for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
     for (const auto& [width, height] : test::ODD_SIZES) {
       for (const Limits& limits : LIMITS) {
@@ -122,7 +112,7 @@ TEST_P(AtEachLevel, ThresholdKeepsOneRangeAndClearsTheRest) {
   }
 }
 
-TEST_P(AtEachLevel, MultiThresholdGoesByTheLastClassOnIntegersAndByTheFirstOnFloats) {
+TEST(ThresholdPixels, MultiThresholdGoesByTheLastClassOnIntegersAndByTheFirstOnFloats) {
   for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
     for (const int32_t count : {1, 2, 5, 16, 17, 40}) {
       for (const auto& [width, height] : test::ODD_SIZES) {
@@ -152,7 +142,7 @@ TEST_P(AtEachLevel, MultiThresholdGoesByTheLastClassOnIntegersAndByTheFirstOnFlo
   }
 }
 
-TEST_P(AtEachLevel, FloatClassesGoOnPastAZeroAndStopAtNaN) {
+TEST(ThresholdPixels, FloatClassesGoOnPastAZeroAndStopAtNaN) {
   const TestImage image(IMAGE_SGL, 5, 1);
   const float pixels[] = {1.0f, 2.0f, 3.0f, NOT_A_NUMBER, 4.0f};
   for (int32_t x = 0; x < 5; x++) image.Set(x, 0, pixels[x]);

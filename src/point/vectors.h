@@ -1,6 +1,7 @@
 // For row sources only: vectors of the level's width, for what the compiler does not find in plain
-// loops: saturating sums, high halves of products, reciprocals, and packing. ZEL_VECTORS is defined
-// where there are any, ZEL_BYTE_SUMS where they can add neighbouring bytes.
+// loops: saturating sums, high halves of products, reciprocals, and packing. The build defines
+// ZEL_VECTORS for the levels that have any; ZEL_BYTE_SUMS is defined where they can add neighbouring
+// bytes.
 #pragma once
 
 #include <cstdint>
@@ -9,11 +10,9 @@
 #include "core/numbers.h"
 
 #if defined(ZEL_LEVEL_v4) || defined(ZEL_LEVEL_v3)
-#define ZEL_VECTORS 1
 #define ZEL_BYTE_SUMS 1
 #include <immintrin.h>
-#elif defined(__SSE2__)
-#define ZEL_VECTORS 1
+#elif defined(ZEL_VECTORS)
 #include <emmintrin.h>
 #endif
 

@@ -3,7 +3,6 @@
 #include <cmath>
 #include <limits>
 
-#include "core/processor.h"
 #include "tests/support/test_image.h"
 
 namespace {
@@ -54,18 +53,9 @@ void ExpectSame(const Centre& actual, const Centre& expected) {
       << actual.y << " instead of " << expected.y;
 }
 
-class CentroidAtLevel : public testing::TestWithParam<zel::ProcessorLevel> {
- protected:
-  void SetUp() override {
-    if (!zel::ProcessorLevelForce(GetParam())) GTEST_SKIP() << "not on this processor";
-  }
-};
 
-INSTANTIATE_TEST_SUITE_P(Levels, CentroidAtLevel,
-                         testing::Values(zel::ProcessorLevel::Baseline, zel::ProcessorLevel::V3,
-                                         zel::ProcessorLevel::V4));
 
-TEST_P(CentroidAtLevel, FollowsTheRuleForAllTypesSizesAndMasks) {
+TEST(CentroidPixels, FollowsTheRuleForAllTypesSizesAndMasks) {
   for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
     for (const auto& [width, height] : test::ODD_SIZES) {
       for (const uint64_t seed : {1u, 2u}) {
@@ -85,7 +75,7 @@ TEST_P(CentroidAtLevel, FollowsTheRuleForAllTypesSizesAndMasks) {
   }
 }
 
-TEST_P(CentroidAtLevel, ExtremeWordsInLongRowsAreSummedExactly) {
+TEST(CentroidPixels, ExtremeWordsInLongRowsAreSummedExactly) {
   const TestImage image(IMAGE_I16, 5000, 3);
   for (int32_t y = 0; y < 3; y++) {
     for (int32_t x = 0; x < 5000; x++) image.Set<int16_t>(x, y, INT16_MIN);

@@ -8,7 +8,6 @@
 #include <optional>
 #include <vector>
 
-#include "core/processor.h"
 #include "tests/support/test_image.h"
 
 namespace {
@@ -174,18 +173,9 @@ TestImage PlacedMask(int32_t width, int32_t height, int32_t x, int32_t y, uint64
   return mask;
 }
 
-class HistogramAtLevel : public testing::TestWithParam<zel::ProcessorLevel> {
- protected:
-  void SetUp() override {
-    if (!zel::ProcessorLevelForce(GetParam())) GTEST_SKIP() << "not on this processor";
-  }
-};
 
-INSTANTIATE_TEST_SUITE_P(Levels, HistogramAtLevel,
-                         testing::Values(zel::ProcessorLevel::Baseline, zel::ProcessorLevel::V3,
-                                         zel::ProcessorLevel::V4));
 
-TEST_P(HistogramAtLevel, FollowsTheRuleForAllTypesSizesAndMasks) {
+TEST(HistogramPixels, FollowsTheRuleForAllTypesSizesAndMasks) {
   struct Case {
     int32_t classes;
     float min, max;
@@ -212,7 +202,7 @@ TEST_P(HistogramAtLevel, FollowsTheRuleForAllTypesSizesAndMasks) {
   }
 }
 
-TEST_P(HistogramAtLevel, CountsLevelsOfLongRowsOfOneValue) {
+TEST(HistogramPixels, CountsLevelsOfLongRowsOfOneValue) {
   for (const uint8_t value : {uint8_t{0}, uint8_t{7}, uint8_t{255}}) {
     const TestImage image(IMAGE_U8, 3001, 5);
     for (int32_t y = 0; y < 5; y++) std::memset(image.At<uint8_t>(0, y), value, 3001);
@@ -220,7 +210,7 @@ TEST_P(HistogramAtLevel, CountsLevelsOfLongRowsOfOneValue) {
   }
 }
 
-TEST_P(HistogramAtLevel, SquaresBeyondExactIntegersAreRoundedInOrder) {
+TEST(HistogramPixels, SquaresBeyondExactIntegersAreRoundedInOrder) {
   const TestImage image(IMAGE_I16, 40000, 240);
   for (int32_t y = 0; y < 240; y++) {
     auto* row = image.At<int16_t>(0, y);
@@ -378,7 +368,7 @@ TEST(Histogram, AnswersAlsoInAFreshWorld) {
   EXPECT_EQ(ZEL_Histogram(1, 0, 1, 0, 0, nullptr, nullptr), -200);
 }
 
-TEST_P(HistogramAtLevel, MinMaxFollowsTheRuleForAllTypesSizesAndMasks) {
+TEST(HistogramPixels, MinMaxFollowsTheRuleForAllTypesSizesAndMasks) {
   for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
     for (const auto& [width, height] : test::ODD_SIZES) {
       for (uint64_t seed = 1; seed < 6; seed++) {
@@ -406,7 +396,7 @@ TEST_P(HistogramAtLevel, MinMaxFollowsTheRuleForAllTypesSizesAndMasks) {
   }
 }
 
-TEST_P(HistogramAtLevel, FloatsOfWideRowsFollowTheRuleInAnyRange) {
+TEST(HistogramPixels, FloatsOfWideRowsFollowTheRuleInAnyRange) {
   test::Random random(5);
   for (const int32_t width : {256, 300, 1025, 2200}) {
     const TestImage image(IMAGE_SGL, width, 9, 1, static_cast<uint64_t>(width));

@@ -1,6 +1,8 @@
 // The grey profile along a line and its statistics.
 #include "statistics/line_profile.h"
 
+#include "engine/array_convert.h"
+
 #include <cmath>
 
 #include "statistics/pixel_sums.h"

@@ -1,7 +1,7 @@
 // Grey profiles along lines, for other rooms that read images through them.
 #pragma once
 
-#include "core/arrays.h"
+#include "core/rectangles.h"
 #include "core/handles.h"
 
 namespace zel {

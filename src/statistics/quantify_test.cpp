@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "core/heap.h"
-#include "core/processor.h"
 #include "tests/support/test_image.h"
 
 namespace {
@@ -118,18 +117,9 @@ void Check(const TestImage& image, const TestImage* mask) {
   ZEL_free(regions);
 }
 
-class QuantifyAtLevel : public testing::TestWithParam<zel::ProcessorLevel> {
- protected:
-  void SetUp() override {
-    if (!zel::ProcessorLevelForce(GetParam())) GTEST_SKIP() << "not on this processor";
-  }
-};
 
-INSTANTIATE_TEST_SUITE_P(Levels, QuantifyAtLevel,
-                         testing::Values(zel::ProcessorLevel::Baseline, zel::ProcessorLevel::V3,
-                                         zel::ProcessorLevel::V4));
 
-TEST_P(QuantifyAtLevel, FollowsTheRuleForAllTypesSizesAndLabels) {
+TEST(QuantifyPixels, FollowsTheRuleForAllTypesSizesAndLabels) {
   for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
     for (const auto& [width, height] : test::ODD_SIZES) {
       const TestImage image(type, width, height, 2, 5);
@@ -151,7 +141,7 @@ TEST_P(QuantifyAtLevel, FollowsTheRuleForAllTypesSizesAndLabels) {
   }
 }
 
-TEST_P(QuantifyAtLevel, SquaresBeyondExactIntegersAreRoundedInOrder) {
+TEST(QuantifyPixels, SquaresBeyondExactIntegersAreRoundedInOrder) {
   const TestImage image(IMAGE_I16, 40000, 240);
   for (int32_t y = 0; y < 240; y++) {
     auto* row = image.At<int16_t>(0, y);
@@ -164,7 +154,7 @@ TEST_P(QuantifyAtLevel, SquaresBeyondExactIntegersAreRoundedInOrder) {
 }
 
 // Images whose sums are rounded in ways that depend on the order of the pixels.
-TEST_P(QuantifyAtLevel, FloatSumsAreThoseOfOnePixelAfterTheOther) {
+TEST(QuantifyPixels, FloatSumsAreThoseOfOnePixelAfterTheOther) {
   test::Random random(12);
   const auto power = [&](int32_t low, int32_t high) {
     return std::ldexp(1.0f, random.Between(low, high));

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "statistics/pixel_sums.h"
-#include "core/processor.h"
+#include "engine/levels.h"
 
 namespace zel {
 

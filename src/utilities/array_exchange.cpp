@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "core/arrays.h"
+#include "engine/array_convert.h"
 #include "core/heap.h"
 #include "core/kernels.h"
 #include "core/numbers.h"

@@ -1,7 +1,7 @@
 // Row routines that fill the pixels which a mask selects.
 #pragma once
 
-#include "core/processor.h"
+#include "engine/levels.h"
 
 namespace zel {
 

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "core/arrays.h"
+#include "core/rectangles.h"
 #include "core/handles.h"
 
 namespace zel {

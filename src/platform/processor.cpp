@@ -1,17 +1,11 @@
 // Finding out what the processor can do.
-#include "core/processor.h"
-
-#include <cstdlib>
-#include <cstring>
+#include "platform/processor.h"
 
 #if defined(__x86_64__) || defined(__i386__)
 #include <cpuid.h>
 #endif
 
 namespace zel {
-
-ProcessorLevel processorLevel = ProcessorLevel::Unknown;
-
 namespace {
 
 constexpr int32_t UNKNOWN = -1;
@@ -30,7 +24,7 @@ uint32_t MmxDetect() {
 #endif
 }
 
-#if defined(ZEL_X86_LEVELS)
+#if defined(__x86_64__)
 // What the compiler may use at the level v3 and has no portable name for: a virtual machine may
 // hide each of these by itself.
 bool HasMoveHalfFloatAndZeroCount() {
@@ -46,24 +40,20 @@ bool HasMoveHalfFloatAndZeroCount() {
   if ((c & moveBigEndianBit) == 0 || (c & halfFloatBit) == 0) return false;
   return __get_cpuid(extendedFeatures, &a, &b, &c, &d) != 0 && (c & leadingZerosBit) != 0;
 }
-#endif
 
-ProcessorLevel BestLevel() {
-#if defined(ZEL_X86_LEVELS)
-  if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma") &&
-      __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2") &&
-      __builtin_cpu_supports("popcnt") && HasMoveHalfFloatAndZeroCount()) {
-    if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
-        __builtin_cpu_supports("avx512cd") && __builtin_cpu_supports("avx512dq") &&
-        __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512vbmi") &&
-        __builtin_cpu_supports("avx512vbmi2")) {
-      return ProcessorLevel::V4;
-    }
-    return ProcessorLevel::V3;
-  }
-#endif
-  return ProcessorLevel::Baseline;
+bool HasV3() {
+  return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma") &&
+         __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2") &&
+         __builtin_cpu_supports("popcnt") && HasMoveHalfFloatAndZeroCount();
 }
+
+bool HasV4() {
+  return HasV3() && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
+         __builtin_cpu_supports("avx512cd") && __builtin_cpu_supports("avx512dq") &&
+         __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512vbmi") &&
+         __builtin_cpu_supports("avx512vbmi2");
+}
+#endif
 
 }  // namespace
 
@@ -76,19 +66,12 @@ void MmxForce(int32_t value) {
   mmxPresent = value == 0 || value == 1 ? value : UNKNOWN;
 }
 
-ProcessorLevel ProcessorLevelDetect() {
-  const ProcessorLevel best = BestLevel();
-  const char* wanted = std::getenv("ORLUNE_PTK_LEVEL");
-  if (!wanted) return best;
-  if (std::strcmp(wanted, "baseline") == 0) return ProcessorLevel::Baseline;
-  if (std::strcmp(wanted, "v3") == 0 && best >= ProcessorLevel::V3) return ProcessorLevel::V3;
-  return best;
-}
-
-bool ProcessorLevelForce(ProcessorLevel level) {
-  if (level > BestLevel()) return false;
-  processorLevel = level;
-  return true;
+ProcessorFeatures ProcessorFeaturesAsk() {
+#if defined(__x86_64__)
+  return {.plain = true, .baseline = true, .v3 = HasV3(), .v4 = HasV4()};
+#else
+  return {.plain = true, .baseline = false, .v3 = false, .v4 = false};
+#endif
 }
 
 }  // namespace zel

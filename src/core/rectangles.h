@@ -1,9 +1,8 @@
-// What frames convert between callers and kernels: numeric arrays, rectangles and lines.
+// Rectangles and lines of callers and of kernels.
 #pragma once
 
 #include <cstdint>
 
-#include "core/status.h"
 #include "orlune_ptk.h"
 
 namespace zel {
@@ -31,16 +30,5 @@ void PointsFromLine(const KernelLine* line, ApiPoint* start, ApiPoint* end);
 // The second rectangle's edges where they lie within the first, both ends included; else the
 // first one's. A second rectangle beyond the first therefore gives the whole first one.
 void RectClip(const PlacedRect& first, const PlacedRect& second, PlacedRect* clipped);
-
-// Bytes of an element; its bits too where asked for. 0 for an unknown type.
-int32_t ArrayTypeBits(int32_t arrayType, int32_t* bits);
-
-// Each element goes through a 64-bit float; integers take the low bits of the cut value, without
-// saturation. An unknown type reads and writes nothing. A count below 1 converts nothing.
-void ArrayConvert(const void* source, int32_t sourceType, void* destination,
-                  int32_t destinationType, int64_t count);
-
-// The ArrayType of a scalar image type's pixels; -1 for other types.
-int32_t NativeArrayType(int32_t imageType);
 
 }  // namespace zel

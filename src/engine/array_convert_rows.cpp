@@ -1,5 +1,5 @@
 // The conversion of one element for each pair of numeric types, and the table of the loops.
-#include "core/array_rows.h"
+#include "engine/array_convert_rows.h"
 
 #include "core/numbers.h"
 

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "core/processor.h"
+#include "engine/levels.h"
 
 namespace zel {
 

@@ -1,0 +1,61 @@
+// The point walk: rows joined, parts on cache lines, and bands for the threads.
+#include "engine/point.h"
+
+namespace zel {
+namespace {
+
+constexpr int64_t CACHE_LINE = 64;
+
+// The pixels of a long row before the first result on the boundary of a cache line: blocks come
+// from the heap at the same offset to a boundary mostly, so that all operands are then on theirs.
+int32_t ColumnsToCacheLine(const PixelView& result) {
+  constexpr int64_t longRow = 16384;
+  if (result.RowBytes() < longRow) return 0;
+  const auto over = static_cast<int64_t>(reinterpret_cast<uintptr_t>(result.origin)) % CACHE_LINE;
+  return over == 0 ? 0 : static_cast<int32_t>((CACHE_LINE - over) / result.pixelBytes);
+}
+
+bool HasNoGaps(const PixelView& view) {
+  return view.pitch == view.RowBytes();
+}
+
+}  // namespace
+
+PointViews PointColumns(const PointViews& views, int32_t first, int32_t end) {
+  return {.first = views.first.Columns(first, end),
+          .second = views.second.Columns(first, end),
+          .result = views.result.Columns(first, end),
+          .mask = views.mask.Columns(first)};
+}
+
+PointViews RowsJoin(const PointViews& views) {
+  const int32_t width = views.result.width;
+  const bool isOneRow = HasNoGaps(views.result) && HasNoGaps(views.first) &&
+                        (!views.second.origin || HasNoGaps(views.second)) &&
+                        (views.mask.SelectsAll() || views.mask.pitch == width);
+  if (!isOneRow) return views;
+  PointViews joined = views;
+  const auto join = [](PixelView* view) {
+    view->width *= view->height;  // below 2^31, as the bytes of a block are
+    view->height = 1;
+  };
+  join(&joined.first);
+  join(&joined.second);
+  join(&joined.result);
+  return joined;
+}
+
+void PointWalk(const PointViews& views, const PointWork& work) {
+  if (views.result.IsEmpty()) return;
+  const PointViews joined = RowsJoin(views);
+  const int32_t width = joined.result.width;
+  const int32_t head = joined.result.height == 1 ? ColumnsToCacheLine(joined.result) : 0;
+  if (head == 0) {
+    work.run(work, joined);
+    return;
+  }
+  work.run(work, PointColumns(joined, 0, head));
+  work.run(work, PointColumns(joined, head, width));
+}
+
+}  // namespace zel

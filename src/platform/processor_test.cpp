@@ -1,0 +1,29 @@
+#include "platform/processor.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace zel;
+
+TEST(Processor, TheFlagCanBeForcedAndAskedAgain) {
+  const uint32_t told = MmxAvailable();
+#if defined(__x86_64__)
+  EXPECT_EQ(told, 1u);
+#endif
+  MmxForce(0);
+  EXPECT_EQ(MmxAvailable(), 0u);
+  MmxForce(1);
+  EXPECT_EQ(MmxAvailable(), 1u);
+  MmxForce(-1);
+  EXPECT_EQ(MmxAvailable(), told);
+}
+
+TEST(Processor, AHigherLevelHasTheLowerOnes) {
+  const ProcessorFeatures features = ProcessorFeaturesAsk();
+  EXPECT_TRUE(features.plain);
+  EXPECT_LE(features.v4, features.v3);
+  EXPECT_LE(features.v3, features.baseline);
+}
+
+}  // namespace
