@@ -34,4 +34,7 @@ constexpr IntegerLimits LimitsOf(int32_t type) {
 template <class T>
 constexpr IntegerLimits LIMITS_OF = LimitsOf(sizeof(T) == 1 ? IMAGE_U8 : IMAGE_I16);
 
+constexpr int32_t LEVELS_U8 = 256;  // values that a pixel can have
+constexpr int32_t LEVELS_I16 = 65536;
+
 }  // namespace zel

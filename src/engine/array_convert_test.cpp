@@ -7,7 +7,6 @@
 #include <limits>
 #include <vector>
 
-
 namespace {
 
 using namespace zel;

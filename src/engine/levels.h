@@ -41,10 +41,10 @@ bool LevelForce(int32_t level);
 
 // Declares a table of row routines that a *_rows.cpp defines once for each level, in the namespace
 // zel::ZEL_LEVEL, and the function of the same name that answers the one in use.
-#define ZEL_ROW_TABLE(Type, name)                                      \
-  ZEL_FOR_EACH_LEVEL(ZEL_TABLE_OF_LEVEL, Type, name)                   \
-  [[maybe_unused]] static inline const Type& name() {                  \
-    static constexpr const Type* tables[] = {                          \
-        ZEL_FOR_EACH_LEVEL(ZEL_ADDRESS_OF_TABLE, Type, name)};         \
-    return *tables[LevelInUse()];                                      \
+#define ZEL_ROW_TABLE(Type, name)                              \
+  ZEL_FOR_EACH_LEVEL(ZEL_TABLE_OF_LEVEL, Type, name)           \
+  [[maybe_unused]] static inline const Type& name() {          \
+    static constexpr const Type* tables[] = {                  \
+        ZEL_FOR_EACH_LEVEL(ZEL_ADDRESS_OF_TABLE, Type, name)}; \
+    return *tables[LevelInUse()];                              \
   }

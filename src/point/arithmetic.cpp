@@ -3,198 +3,208 @@
 #include <cmath>
 
 #include "point/arithmetic_rows.h"
-#include "point/operands.h"
+#include "point/operators.h"
 
 namespace zel {
 namespace {
 
-void AddConstantRun(int32_t type, int64_t constant, Plane* plane) {
-  plane->constant = SumWithConstant(type, constant);
-  PlaneRun(arithmeticRows().addConstant[type], plane);
-}
-
-// NaN counts as 0, as it does when a result is cut.
+// NaN counts as 0, as it does when a result is truncated.
 double LimitedFactor(double factor, double limit) {
   return std::isnan(factor) ? 0.0 : std::clamp(factor, -limit, limit);
 }
 
-// Grouped columns of U8 take the cut constant, read as an unsigned number of at most 255; the
+void AddConstant(const PointViews& views, int64_t constant) {
+  const int32_t type = views.first.type;
+  PointWalk(views, arithmeticRows().addConstant[type], SumWithConstant(type, constant));
+}
+
+// Grouped columns of U8 take the truncated constant, read as an unsigned number of at most 255; the
 // remaining ones its absolute value as it is.
-void MultiplyConstantRun(const RowOperation& operation, Plane* plane) {
+void MultiplyConstant(const PointViews& views, float constant) {
   const ArithmeticRows& rows = arithmeticRows();
-  const double factor = LimitedFactor(static_cast<double>(operation.constantFloat), SCALE_LIMIT);
-  if (operation.type1 == IMAGE_I16) {
-    plane->constant.factor = factor;
-    PlaneRun(rows.scale[IMAGE_I16], plane);
-    return;
-  }
-  plane->constant.factor = std::fabs(factor);
-  plane->constant.value =
-      static_cast<int32_t>(std::min(static_cast<uint32_t>(operation.constantInt), 255u));
-  const int64_t grouped = GroupedColumns(*plane);
-  Plane groups = PlaneColumns(*plane, 0, grouped);
-  Plane rest = PlaneColumns(*plane, grouped, plane->width);
-  PlaneRun(rows.multiplyByte, &groups);
-  if (rest.width < GROUP_COLUMNS) {
-    PlaneRun(rows.scale[IMAGE_U8], &rest);
+  OperatorConstant prepared{};
+  prepared.factor = LimitedFactor(static_cast<double>(constant), SCALE_LIMIT);
+  if (views.first.type == IMAGE_I16) return PointWalk(views, rows.scale[IMAGE_I16], prepared);
+
+  prepared.factor = std::fabs(prepared.factor);
+  const auto truncated = static_cast<uint32_t>(CutSaturated(static_cast<double>(constant)));
+  prepared.value = static_cast<int32_t>(std::min<uint32_t>(truncated, UINT8_MAX));
+  const int32_t width = views.result.width;
+  const int32_t grouped = GroupedColumns(width);
+  PointWalk(PointColumns(views, 0, grouped), rows.multiplyByte, prepared);
+  const PointViews rest = PointColumns(views, grouped, width);
+  if (rest.result.width < GROUP_COLUMNS) {
+    PointWalk(rest, rows.scale[IMAGE_U8], prepared);
   } else {
-    PlaneRunByTable(rows.scale[IMAGE_U8], rest);
+    PointWalkByTable(rest, rows.scale[IMAGE_U8], prepared);
   }
 }
 
-// Division by a constant is a product with a reciprocal that is a little too large: whole quotients
-// come out no smaller than they are, and no other quotient of a 16-bit pixel and a 24-bit divisor
-// is so near to the next whole number that it would reach it.
-void DivideConstantRun(const RowOperation& operation, Plane* plane) {
+// Division by a constant is a product with a reciprocal that is a little too large: by more than
+// the roundings (2^-52), so that whole quotients come out no smaller than they are, and by too
+// little for any other quotient of a 16-bit pixel and a 24-bit divisor to reach the next whole
+// number, which is at least 2^-40 of itself away.
+constexpr double RECIPROCAL_EXCESS = 0x1p-45;
+
+void DivideByConstant(const PointViews& views, float constant) {
   const ArithmeticRows& rows = arithmeticRows();
-  const auto constant = static_cast<double>(operation.constantFloat);
-  const double divisor = constant == 0.0 ? 1.0 : constant;
-  const double reciprocal = LimitedFactor((1.0 + 1.0 / 35184372088832.0) / divisor, SCALE_LIMIT);
-  if (operation.type1 == IMAGE_I16) {
-    plane->constant.factor = reciprocal;
-    PlaneRun(rows.scale[IMAGE_I16], plane);
-  } else {
-    plane->constant.factor = std::fabs(reciprocal);
-    PlaneRunByTable(rows.scale[IMAGE_U8], *plane);
-  }
+  const double divisor = constant == 0.0f ? 1.0 : static_cast<double>(constant);
+  OperatorConstant prepared{};
+  prepared.factor = LimitedFactor((1.0 + RECIPROCAL_EXCESS) / divisor, SCALE_LIMIT);
+  if (views.first.type == IMAGE_I16) return PointWalk(views, rows.scale[IMAGE_I16], prepared);
+  prepared.factor = std::fabs(prepared.factor);
+  PointWalkByTable(views, rows.scale[IMAGE_U8], prepared);
 }
 
-void ModuloConstantRun(const RowOperation& operation, Plane* plane) {
+void ModuloByConstant(const PointViews& views, int64_t constant) {
   const ArithmeticRows& rows = arithmeticRows();
-  const int64_t constant = operation.constantInt;
   const int64_t divisor = constant < 0 ? -constant : constant;
-  if (operation.type1 == IMAGE_I16) {
+  OperatorConstant prepared{};
+  if (views.first.type == IMAGE_I16) {
     // The sign of the divisor doesn't matter; one above every pixel leaves the pixels.
-    plane->constant.value = Clamped(divisor, 1, INT16_MAX + 2);
-    PlaneRun(rows.moduloConstant[IMAGE_I16], plane);
+    prepared.value = Clamped(divisor, 1, INT16_MAX + 2);
+    return PointWalk(views, rows.moduloConstant[IMAGE_I16], prepared);
+  }
+  prepared.value = std::max(static_cast<int32_t>(divisor & UINT8_MAX), 1);
+  PointWalkByTable(views, rows.moduloConstant[IMAGE_U8], prepared);
+}
+
+OperatorConstant FloatOf(float constant) {
+  OperatorConstant prepared{};
+  prepared.real = constant;
+  return prepared;
+}
+
+// A divisor of 0 divides as 1.
+OperatorConstant FloatDivisor(float constant) {
+  return FloatOf(constant == 0.0f ? 1.0f : constant);
+}
+
+// One operator: its routines, and what it does with a constant on integer pixels.
+struct Operator {
+  OperandOrder order;
+  PairRoutines ArithmeticRows::*images;
+  OperatorRoutine ArithmeticRows::*floats;
+  OperatorConstant (*floatConstant)(float constant);
+  void (*integerConstant)(const PointViews& views, float constant);
+};
+
+int64_t Truncated(float constant) {
+  return CutSaturated(static_cast<double>(constant));
+}
+
+constexpr Operator ADD = {.order = OperandOrder::MAY_CHANGE,
+                          .images = &ArithmeticRows::add,
+                          .floats = &ArithmeticRows::addFloat,
+                          .floatConstant = &FloatOf,
+                          .integerConstant = [](const PointViews& views, float constant) {
+                            AddConstant(views, Truncated(constant));
+                          }};
+
+constexpr Operator SUBTRACT = {.order = OperandOrder::MATTERS,
+                               .images = &ArithmeticRows::subtract,
+                               .floats = &ArithmeticRows::subtractFloat,
+                               .floatConstant = &FloatOf,
+                               .integerConstant = [](const PointViews& views, float constant) {
+                                 AddConstant(views, -Truncated(constant));
+                               }};
+
+constexpr Operator MULTIPLY = {.order = OperandOrder::MAY_CHANGE,
+                               .images = &ArithmeticRows::multiply,
+                               .floats = &ArithmeticRows::multiplyFloat,
+                               .floatConstant = &FloatOf,
+                               .integerConstant = &MultiplyConstant};
+
+constexpr Operator DIVIDE = {.order = OperandOrder::MATTERS,
+                             .images = &ArithmeticRows::divide,
+                             .floats = &ArithmeticRows::divideFloat,
+                             .floatConstant = &FloatDivisor,
+                             .integerConstant = &DivideByConstant};
+
+constexpr Operator MODULO = {.order = OperandOrder::MATTERS,
+                             .images = &ArithmeticRows::modulo,
+                             .floats = &ArithmeticRows::moduloFloat,
+                             .floatConstant = &FloatDivisor,
+                             .integerConstant = [](const PointViews& views, float constant) {
+                               ModuloByConstant(views, Truncated(constant));
+                             }};
+
+Status Calculate(const Operator& calculation, ImageRef first, ImageRef second, ImageRef destination,
+                 float constant) {
+  OperatorOperands operands;
+  const Status status =
+      ScalarOperandsSettle(first, second, destination, calculation.order, &operands);
+  if (status != STATUS_OK || operands.isDone) return status;
+
+  const ArithmeticRows& rows = arithmeticRows();
+  const PointViews& views = operands.views;
+  if (operands.hasSecond) {
+    PointWalk(views, (rows.*calculation.images).For(views), OperatorConstant{});
+  } else if (views.first.type == IMAGE_SGL) {
+    PointWalk(views, rows.*calculation.floats, calculation.floatConstant(constant));
   } else {
-    plane->constant.value = std::max(static_cast<int32_t>(divisor & 0xFF), 1);
-    PlaneRunByTable(rows.moduloConstant[IMAGE_U8], *plane);
+    calculation.integerConstant(views, constant);
   }
+  return STATUS_OK;
 }
 
-void FloatConstantRun(const RowOperation& operation, ArithmeticOperation arithmetic, Plane* plane) {
-  const float constant = operation.constantFloat;
-  const bool divides = arithmetic == ARITHMETIC_DIVIDE || arithmetic == ARITHMETIC_MODULO;
-  plane->constant.real = divides && constant == 0.0f ? 1.0f : constant;
-  PlaneRun(arithmeticRows().floatConstant[arithmetic], plane);
+OperatorConstant MulDivConstant(int32_t type, float constant) {
+  OperatorConstant prepared{};
+  prepared.factor = static_cast<double>(constant);
+  if (type == IMAGE_U8) {
+    prepared.factor = LimitedFactor(std::fabs(prepared.factor), FACTOR_LIMIT_U8);
+  } else if (type == IMAGE_I16) {
+    prepared.factor = LimitedFactor(prepared.factor, FACTOR_LIMIT_I16);
+    prepared.value = CutSaturated(static_cast<double>(constant));
+  }
+  return prepared;
 }
 
-void ConstantRun(const RowOperation& operation, ArithmeticOperation arithmetic, Plane* plane) {
-  if (operation.type1 == IMAGE_SGL) {
-    FloatConstantRun(operation, arithmetic, plane);
-    return;
+// There is no form of it without a second image, whose absence is told after all other failures.
+Status MulDiv(ImageRef first, ImageRef second, ImageRef destination, float constant) {
+  OperatorOperands operands;
+  if (second == 0) {
+    const Status status =
+        OperandsSettle(first, second, destination, OperandOrder::MATTERS, &operands);
+    return status != STATUS_OK ? status : STATUS_SECOND_IMAGE_MISSING;
   }
-  switch (arithmetic) {
-    case ARITHMETIC_ADD:
-      AddConstantRun(operation.type1, operation.constantInt, plane);
-      break;
-    case ARITHMETIC_SUBTRACT:
-      AddConstantRun(operation.type1, -int64_t{operation.constantInt}, plane);
-      break;
-    case ARITHMETIC_MULTIPLY:
-      MultiplyConstantRun(operation, plane);
-      break;
-    case ARITHMETIC_DIVIDE:
-      DivideConstantRun(operation, plane);
-      break;
-    default:
-      ModuloConstantRun(operation, plane);
-      break;
-  }
-}
-
-void MulDivConstant(const RowOperation& operation, PlaneConstant* constant) {
-  const auto factor = static_cast<double>(operation.constantFloat);
-  switch (operation.type1) {
-    case IMAGE_U8:
-      constant->factor = LimitedFactor(std::fabs(factor), FACTOR_LIMIT_U8);
-      break;
-    case IMAGE_I16:
-      constant->factor = LimitedFactor(factor, FACTOR_LIMIT_I16);
-      constant->value = operation.constantInt;
-      break;
-    default:
-      constant->factor = factor;
-      break;
-  }
-}
-
-// There is no form of it without a second image.
-void MulDivKernel(ImageRef first, ImageRef second, ImageRef destination, const float* constant,
-                  Status* status) {
-  if (second != 0) {
-    OperatorKernel(first, second, destination, OPERATION_MULDIV, false, constant,
-                   &ArithmeticDispatch, status);
-    return;
-  }
-  bool swapAllowed = false;
-  bool isImage = false;
-  bool skip = false;
-  OperandPrepare(first, second, destination, &swapAllowed, &isImage, &skip, status);
-  if (*status == STATUS_OK) *status = STATUS_SECOND_IMAGE_MISSING;
+  const Status status =
+      ScalarOperandsSettle(first, second, destination, OperandOrder::MATTERS, &operands);
+  if (status != STATUS_OK || operands.isDone) return status;
+  const PointViews& views = operands.views;
+  PointWalk(views, arithmeticRows().mulDiv.For(views), MulDivConstant(views.first.type, constant));
+  return STATUS_OK;
 }
 
 }  // namespace
-
-void ArithmeticDispatch(const RowOperation& operation, Status* status) {
-  if (operation.code < OPERATION_ADD || operation.code > OPERATION_MULDIV) {
-    *status = STATUS_INTERNAL;
-    return;
-  }
-  const auto arithmetic = static_cast<ArithmeticOperation>((operation.code - OPERATION_ADD) / 2);
-  Plane plane{};
-  if (!ScalarPlaneOf(operation, &plane, status)) return;
-
-  if (OperationHasConstant(operation.code)) {
-    ConstantRun(operation, arithmetic, &plane);
-    return;
-  }
-  if (arithmetic == ARITHMETIC_MULDIV) MulDivConstant(operation, &plane.constant);
-  const int32_t pair = ScalarPair(operation.type1, operation.type2);
-  PlaneRun(arithmeticRows().images[arithmetic].byPair[pair], &plane);
-}
-
 }  // namespace zel
 
 int32_t ZEL_Add(ImageRef first, ImageRef second, ImageRef destination, float constant) {
-  zel::Status status = zel::STATUS_OK;
-  zel::OperatorKernel(first, second, destination, zel::OPERATION_ADD, true, &constant,
-                      &zel::ArithmeticDispatch, &status);
-  return ZEL_ProcessError("ZEL_Add", status);
+  return ZEL_ProcessError("ZEL_Add",
+                          zel::Calculate(zel::ADD, first, second, destination, constant));
 }
 
 // The misspelt name is what programs in the field look for.
 int32_t ZEL_Subtract(ImageRef first, ImageRef second, ImageRef destination, float constant) {
-  zel::Status status = zel::STATUS_OK;
-  zel::OperatorKernel(first, second, destination, zel::OPERATION_SUBTRACT, false, &constant,
-                      &zel::ArithmeticDispatch, &status);
-  return ZEL_ProcessError("ZEL_Substract", status);
+  return ZEL_ProcessError("ZEL_Substract",
+                          zel::Calculate(zel::SUBTRACT, first, second, destination, constant));
 }
 
 int32_t ZEL_Multiply(ImageRef first, ImageRef second, ImageRef destination, float constant) {
-  zel::Status status = zel::STATUS_OK;
-  zel::OperatorKernel(first, second, destination, zel::OPERATION_MULTIPLY, true, &constant,
-                      &zel::ArithmeticDispatch, &status);
-  return ZEL_ProcessError("ZEL_Multiply", status);
+  return ZEL_ProcessError("ZEL_Multiply",
+                          zel::Calculate(zel::MULTIPLY, first, second, destination, constant));
 }
 
 int32_t ZEL_Divide(ImageRef first, ImageRef second, ImageRef destination, float constant) {
-  zel::Status status = zel::STATUS_OK;
-  zel::OperatorKernel(first, second, destination, zel::OPERATION_DIVIDE, false, &constant,
-                      &zel::ArithmeticDispatch, &status);
-  return ZEL_ProcessError("ZEL_Divide", status);
+  return ZEL_ProcessError("ZEL_Divide",
+                          zel::Calculate(zel::DIVIDE, first, second, destination, constant));
 }
 
 int32_t ZEL_Modulo(ImageRef first, ImageRef second, ImageRef destination, float constant) {
-  zel::Status status = zel::STATUS_OK;
-  zel::OperatorKernel(first, second, destination, zel::OPERATION_MODULO, false, &constant,
-                      &zel::ArithmeticDispatch, &status);
-  return ZEL_ProcessError("ZEL_Modulo", status);
+  return ZEL_ProcessError("ZEL_Modulo",
+                          zel::Calculate(zel::MODULO, first, second, destination, constant));
 }
 
 int32_t ZEL_MulDiv(ImageRef first, ImageRef second, ImageRef destination, float constant) {
-  zel::Status status = zel::STATUS_OK;
-  zel::MulDivKernel(first, second, destination, &constant, &status);
-  return ZEL_ProcessError("ZEL_MulDiv", status);
+  return ZEL_ProcessError("ZEL_MulDiv", zel::MulDiv(first, second, destination, constant));
 }

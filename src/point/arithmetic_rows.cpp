@@ -31,9 +31,8 @@ ZEL_INLINE T Larger(T a, T b) {
 // Cut toward zero, then limited. The value has to fit 32 bits.
 template <class T>
 ZEL_INLINE T CutTo(double value) {
-  constexpr int32_t low = sizeof(T) == 1 ? 0 : INT16_MIN;
-  constexpr int32_t high = sizeof(T) == 1 ? UINT8_MAX : INT16_MAX;
-  return static_cast<T>(Smaller(Larger(static_cast<int32_t>(value), low), high));
+  constexpr IntegerLimits limits = LIMITS_OF<T>;
+  return static_cast<T>(Smaller(Larger(static_cast<int32_t>(value), limits.low), limits.high));
 }
 
 struct Add {
@@ -111,9 +110,9 @@ struct Modulo {
 // first x factor / second, cut and limited. The product is exact in 64-bit floats, and a quotient
 // below a whole number is never rounded up to it, so cutting the product first changes nothing.
 // Products beyond 16 bits give 255 whatever they are divided by.
-void MulDivBytes(const Plane& plane) {
-  const double factor = plane.constant.factor;
-  ForPixelPairs<uint8_t, uint8_t, uint8_t>(plane, [=](uint8_t a, uint8_t b) {
+void MulDivBytes(const PointViews& views, const OperatorConstant& constant) {
+  const double factor = constant.factor;
+  CombineSamePlace<uint8_t, uint8_t, uint8_t>(views, [=](uint8_t a, uint8_t b) {
     const auto product = static_cast<int32_t>(static_cast<double>(a) * factor);
     const auto dividend = static_cast<float>(Smaller(product, UINT16_MAX));
     const auto quotient = static_cast<int32_t>(dividend / static_cast<float>(b == 0 ? 1 : b));
@@ -125,9 +124,10 @@ void MulDivBytes(const Plane& plane) {
 // The same by sizes and signs. A quotient within the limit is at most one off in single precision,
 // which its rest tells.
 template <class Product>
-ZEL_INLINE void DivideProducts(const Plane& plane, Product product) {
-  const int32_t factorSign = plane.constant.factor < 0.0 ? -1 : 0;
-  ForPixelPairs<int16_t, int16_t, int16_t>(plane, [=](int16_t a, int16_t b) {
+ZEL_INLINE void DivideProducts(const PointViews& views, const OperatorConstant& constant,
+                               Product product) {
+  const int32_t factorSign = constant.factor < 0.0 ? -1 : 0;
+  CombineSamePlace<int16_t, int16_t, int16_t>(views, [=](int16_t a, int16_t b) {
     const int32_t dividend = product(a < 0 ? -a : a);
     const int32_t size = b < 0 ? -b : b;
     const int32_t divisor = b == 0 ? 1 : size;
@@ -143,32 +143,35 @@ ZEL_INLINE void DivideProducts(const Plane& plane, Product product) {
   });
 }
 
+// Products from here on give the limit of a word whatever word they are divided by.
+constexpr double PRODUCT_LIMIT = 0x1p30;
+
 // The 24 bits of the factor in two halves, whose products with a pixel fit 32 bits; cutting the
 // lower product to the unit of the upper one first changes nothing.
-void MulDivWords(const Plane& plane) {
+void MulDivWords(const PointViews& views, const OperatorConstant& constant) {
   constexpr int32_t factorBits = 24;
   constexpr int32_t halfBits = 12;
-  const double factor = std::fabs(plane.constant.factor);
+  const double factor = std::fabs(constant.factor);
   int32_t exponent = 0;
   const auto mantissa = static_cast<int32_t>(std::ldexp(std::frexp(factor, &exponent), factorBits));
   if (exponent <= halfBits) {
     const int32_t upper = mantissa >> halfBits;
     const int32_t lower = mantissa & ((1 << halfBits) - 1);
     const int32_t shift = Smaller(halfBits - exponent, 31);
-    DivideProducts(plane,
+    DivideProducts(views, constant,
                    [=](int32_t a) { return (a * upper + ((a * lower) >> halfBits)) >> shift; });
   } else {
-    // Products from 2^30 on give the limit whatever they are divided by.
-    DivideProducts(
-        plane, [=](int32_t a) { return static_cast<int32_t>(Smaller(a * factor, 1073741824.0)); });
+    DivideProducts(views, constant, [=](int32_t a) {
+      return static_cast<int32_t>(Smaller(a * factor, PRODUCT_LIMIT));
+    });
   }
 }
 
 // The one integer case: the low 16 bits of the quotient, without saturation. Products stay below
 // 2^47, so 64-bit floats hold them and their cut quotients exactly.
-void MulDivWordsByBytes(const Plane& plane) {
-  const auto factor = static_cast<double>(plane.constant.value);
-  ForPixelPairs<int16_t, uint8_t, int16_t>(plane, [=](int16_t a, uint8_t b) {
+void MulDivWordsByBytes(const PointViews& views, const OperatorConstant& constant) {
+  const auto factor = static_cast<double>(constant.value);
+  CombineSamePlace<int16_t, uint8_t, int16_t>(views, [=](int16_t a, uint8_t b) {
     const double divisor = b == 0 ? 1.0 : static_cast<double>(b);
     const double quotient = std::trunc(static_cast<double>(a) * factor / divisor);
     const double above = std::floor(quotient * (1.0 / 65536.0)) * 65536.0;
@@ -178,59 +181,62 @@ void MulDivWordsByBytes(const Plane& plane) {
 }
 
 template <class Second>
-void MulDivFloats(const Plane& plane) {
-  const double factor = plane.constant.factor;
-  ForPixelPairs<float, Second, float>(plane, [=](float a, Second b) {
+void MulDivFloats(const PointViews& views, const OperatorConstant& constant) {
+  const double factor = constant.factor;
+  CombineSamePlace<float, Second, float>(views, [=](float a, Second b) {
     const double quotient = static_cast<double>(a) * factor / static_cast<double>(b);
     return b == Second{0} ? a : static_cast<float>(quotient);
   });
 }
 
 template <class T>
-void AddConstant(const Plane& plane) {
-  const auto low = static_cast<T>(plane.constant.low);
-  const auto high = static_cast<T>(plane.constant.high);
-  const auto value = static_cast<T>(static_cast<uint32_t>(plane.constant.value));
-  ForPixels<T, T>(plane, [=](T a) {
+void AddConstant(const PointViews& views, const OperatorConstant& constant) {
+  const auto low = static_cast<T>(constant.low);
+  const auto high = static_cast<T>(constant.high);
+  const auto value = static_cast<T>(static_cast<uint32_t>(constant.value));
+  MapSamePlace<T, T>(views, [=](T a) {
     return static_cast<T>(static_cast<uint32_t>(Smaller(Larger(a, low), high)) +
                           static_cast<uint32_t>(value));
   });
 }
 
 template <class T>
-void Scale(const Plane& plane) {
-  const double factor = plane.constant.factor;
-  ForPixels<T, T>(plane, [=](T a) { return CutTo<T>(static_cast<double>(a) * factor); });
+void Scale(const PointViews& views, const OperatorConstant& constant) {
+  const double factor = constant.factor;
+  MapSamePlace<T, T>(views, [=](T a) { return CutTo<T>(static_cast<double>(a) * factor); });
 }
 
-// The reciprocal is a little too large: by enough that whole quotients are not cut below
-// themselves, and by too little for any other quotient of 16 bits to reach the next whole number.
+// The reciprocal of a divisor is a little too large: by more than the roundings (2^-23), so that
+// whole quotients are not truncated below themselves, and by too little for any other quotient of a
+// 16-bit pixel to reach the next whole number, which is at least 2^-15 of itself away.
+constexpr float RECIPROCAL_EXCESS = 0x1p-19f;
+
 template <class T>
-void ModuloConstant(const Plane& plane) {
-  const int32_t divisor = plane.constant.value;
-  const float reciprocal = (1.0f + 1.0f / 524288.0f) / static_cast<float>(divisor);
-  ForPixels<T, T>(plane, [=](T a) {
+void ModuloConstant(const PointViews& views, const OperatorConstant& constant) {
+  const int32_t divisor = constant.value;
+  const float reciprocal = (1.0f + RECIPROCAL_EXCESS) / static_cast<float>(divisor);
+  MapSamePlace<T, T>(views, [=](T a) {
     const auto quotient = static_cast<int32_t>(static_cast<float>(a) * reciprocal);
     return static_cast<T>(a - quotient * divisor);
   });
 }
 
-void MultiplyByte(const Plane& plane) {
-  const auto factor = static_cast<uint8_t>(plane.constant.value);
-  ForPixels<uint8_t, uint8_t>(plane, [=](uint8_t a) { return Multiply()(a, factor); });
+void MultiplyByte(const PointViews& views, const OperatorConstant& constant) {
+  const auto factor = static_cast<uint8_t>(constant.value);
+  MapSamePlace<uint8_t, uint8_t>(views, [=](uint8_t a) { return Multiply()(a, factor); });
 }
 
 #if defined(ZEL_VECTORS)
 
 // Pixels of one type in vectors, the rest of a row by the plain rule.
 template <class T, class Rule, Vector (*Step)(Vector a, Vector b)>
-void VectorImages(const Plane& plane) {
+void VectorImages(const PointViews& views, const OperatorConstant& constant) {
   constexpr int64_t lanes = sizeof(Vector) / sizeof(T);
-  const int64_t width = plane.width;
-  for (int64_t y = 0; y < plane.height; y++) {
-    const auto* a = reinterpret_cast<const T*>(plane.first + y * plane.firstPitch);
-    const auto* b = reinterpret_cast<const T*>(plane.second + y * plane.secondPitch);
-    auto* to = reinterpret_cast<T*>(plane.result + y * plane.resultPitch);
+  const int64_t width = views.result.width;
+  for (int64_t y = 0; y < views.result.height; y++) {
+    const auto* a = views.first.Row<const T>(y);
+    const auto* b = views.second.Row<const T>(y);
+    auto* to = views.result.Row<T>(y);
     int64_t x = 0;
     for (; x + lanes <= width; x += lanes) Store(to + x, Step(Load(a + x), Load(b + x)));
 #pragma GCC ivdep
@@ -240,14 +246,14 @@ void VectorImages(const Plane& plane) {
 
 // Bytes are divided in 32 bits.
 template <class Rule>
-void DivideBytes(const Plane& plane) {
+void DivideBytes(const PointViews& views, const OperatorConstant& constant) {
   constexpr bool modulo = std::is_same_v<Rule, Modulo>;
   constexpr int64_t lanes = sizeof(Vector) / 4;
-  const int64_t width = plane.width;
-  for (int64_t y = 0; y < plane.height; y++) {
-    const uint8_t* a = plane.first + y * plane.firstPitch;
-    const uint8_t* b = plane.second + y * plane.secondPitch;
-    uint8_t* to = plane.result + y * plane.resultPitch;
+  const int64_t width = views.result.width;
+  for (int64_t y = 0; y < views.result.height; y++) {
+    const uint8_t* a = views.first.Row<const uint8_t>(y);
+    const uint8_t* b = views.second.Row<const uint8_t>(y);
+    uint8_t* to = views.result.Row<uint8_t>(y);
     int64_t x = 0;
     for (; x + 4 * lanes <= width; x += 4 * lanes) {
       Vector words[2];
@@ -270,10 +276,10 @@ void DivideBytes(const Plane& plane) {
 }
 
 template <class Rule>
-constexpr PairRoutines WithVectors(PlaneRoutine bytes, PlaneRoutine words) {
+constexpr PairRoutines WithVectors(OperatorRoutine bytes, OperatorRoutine words) {
   PairRoutines routines = IMAGES<Rule>;
-  routines.byPair[ScalarPair(0, 0)] = bytes;
-  routines.byPair[ScalarPair(1, 1)] = words;
+  routines.u8 = bytes;
+  routines.i16 = words;
   return routines;
 }
 
@@ -299,25 +305,33 @@ constexpr PairRoutines MODULO = IMAGES<Modulo>;
 
 #endif
 
-constexpr PairRoutines MULDIV = {{
-    &MulDivBytes,
-    &MulDivWordsByBytes,
-    &MulDivWords,
-    &MulDivFloats<uint8_t>,
-    &MulDivFloats<int16_t>,
-    &MulDivFloats<float>,
-}};
+constexpr PairRoutines MULDIV = {
+    .u8 = &MulDivBytes,
+    .i16U8 = &MulDivWordsByBytes,
+    .i16 = &MulDivWords,
+    .sglU8 = &MulDivFloats<uint8_t>,
+    .sglI16 = &MulDivFloats<int16_t>,
+    .sgl = &MulDivFloats<float>,
+};
 
 }  // namespace
 
 extern const ArithmeticRows arithmeticRows = {
-    {ADD, SUBTRACT, MULTIPLY, DIVIDE, MODULO, MULDIV},
-    {&AddConstant<uint8_t>, &AddConstant<int16_t>},
-    {&Scale<uint8_t>, &Scale<int16_t>},
-    {&ModuloConstant<uint8_t>, &ModuloConstant<int16_t>},
-    &MultiplyByte,
-    {&FloatConstant<Add>, &FloatConstant<Subtract>, &FloatConstant<Multiply>,
-     &FloatConstant<Divide>, &FloatConstant<Modulo>},
+    .add = ADD,
+    .subtract = SUBTRACT,
+    .multiply = MULTIPLY,
+    .divide = DIVIDE,
+    .modulo = MODULO,
+    .mulDiv = MULDIV,
+    .addConstant = {&AddConstant<uint8_t>, &AddConstant<int16_t>},
+    .scale = {&Scale<uint8_t>, &Scale<int16_t>},
+    .moduloConstant = {&ModuloConstant<uint8_t>, &ModuloConstant<int16_t>},
+    .multiplyByte = &MultiplyByte,
+    .addFloat = &FloatConstant<Add>,
+    .subtractFloat = &FloatConstant<Subtract>,
+    .multiplyFloat = &FloatConstant<Multiply>,
+    .divideFloat = &FloatConstant<Divide>,
+    .moduloFloat = &FloatConstant<Modulo>,
 };
 
 }  // namespace zel::ZEL_LEVEL

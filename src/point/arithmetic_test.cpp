@@ -151,67 +151,67 @@ constexpr float CONSTANTS[] = {
 
 TEST(Arithmetic, ImagesOfAllTypePairsAndSizesFollowTheRules) {
   for (const Arithmetic operation : ALL) {
-      for (int32_t type1 = IMAGE_U8; type1 <= IMAGE_SGL; type1++) {
-        for (int32_t type2 = IMAGE_U8; type2 <= type1; type2++) {
-          uint64_t seed = 1;
-          for (const auto& [width, height] : ODD_SIZES) {
-            const TestImage first(type1, width, height, Border(seed), seed);
-            const TestImage second(type2, width, height, Border(seed + 1), seed + 50);
-            test::SprinkleZeros(second, seed);
-            TestImage destination(type1, 3, 3, Border(seed + 2), seed + 70);
-            seed++;
-            const float constant = CONSTANTS[seed % std::size(CONSTANTS)];
-            const TestImage expected = ImagesResult(operation, first, second, constant);
-            ASSERT_EQ(Call(operation, first, second, destination, constant), 0);
-            ASSERT_EQ(Difference(destination, expected), "")
-                << static_cast<int>(operation) << " types " << type1 << ' ' << type2;
-          }
+    for (int32_t type1 = IMAGE_U8; type1 <= IMAGE_SGL; type1++) {
+      for (int32_t type2 = IMAGE_U8; type2 <= type1; type2++) {
+        uint64_t seed = 1;
+        for (const auto& [width, height] : ODD_SIZES) {
+          const TestImage first(type1, width, height, Border(seed), seed);
+          const TestImage second(type2, width, height, Border(seed + 1), seed + 50);
+          test::SprinkleZeros(second, seed);
+          TestImage destination(type1, 3, 3, Border(seed + 2), seed + 70);
+          seed++;
+          const float constant = CONSTANTS[seed % std::size(CONSTANTS)];
+          const TestImage expected = ImagesResult(operation, first, second, constant);
+          ASSERT_EQ(Call(operation, first, second, destination, constant), 0);
+          ASSERT_EQ(Difference(destination, expected), "")
+              << static_cast<int>(operation) << " types " << type1 << ' ' << type2;
         }
       }
     }
   }
+}
 
 TEST(Arithmetic, ConstantsOfAllTypesFollowTheRulesColumnByColumn) {
   for (const int32_t mmx : {0, 1}) {
-      zel::MmxForce(mmx);
-      for (const Arithmetic operation : ALL) {
-        if (operation == Arithmetic::MulDiv) continue;
-        for (int32_t type = IMAGE_U8; type <= IMAGE_SGL; type++) {
-          for (const float constant : CONSTANTS) {
-            for (const int32_t width : {1, 7, 8, 9, 15, 16, 17, 31, 33, 66}) {
-              const TestImage first(type, width, 3, Border(width), static_cast<uint64_t>(width));
-              TestImage destination(type, width, 3, 1, 9);
-              const auto surroundings = destination.Surroundings();
-              const TestImage expected = ConstantResult(operation, first, constant, mmx != 0);
-              ASSERT_EQ(Call(operation, first, 0, destination, constant), 0);
-              ASSERT_EQ(Difference(destination, expected), "")
-                  << static_cast<int>(operation) << " type " << type << " constant " << constant;
-              ASSERT_EQ(destination.Surroundings(), surroundings);
-            }
+    zel::MmxForce(mmx);
+    for (const Arithmetic operation : ALL) {
+      if (operation == Arithmetic::MulDiv) continue;
+      for (int32_t type = IMAGE_U8; type <= IMAGE_SGL; type++) {
+        for (const float constant : CONSTANTS) {
+          for (const int32_t width : {1, 7, 8, 9, 15, 16, 17, 31, 33, 66}) {
+            const TestImage first(type, width, 3, Border(width), static_cast<uint64_t>(width));
+            TestImage destination(type, width, 3, 1, 9);
+            const auto surroundings = destination.Surroundings();
+            const TestImage expected = ConstantResult(operation, first, constant, mmx != 0);
+            ASSERT_EQ(Call(operation, first, 0, destination, constant), 0);
+            ASSERT_EQ(Difference(destination, expected), "")
+                << static_cast<int>(operation) << " type " << type << " constant " << constant;
+            ASSERT_EQ(destination.Surroundings(), surroundings);
           }
         }
       }
     }
   }
+}
 
 TEST(Arithmetic, EveryPairOfBytesFollowsTheRules) {
   const TestImage first(IMAGE_U8, 256, 256);
-    const TestImage second(IMAGE_U8, 256, 256);
-    for (int32_t y = 0; y < 256; y++) {
-      for (int32_t x = 0; x < 256; x++) {
-        first.Set<uint8_t>(x, y, static_cast<uint8_t>(y));
-        second.Set<uint8_t>(x, y, static_cast<uint8_t>(x));
-      }
-    }
-    TestImage destination(IMAGE_U8, 0, 0);
-    for (const Arithmetic operation : ALL) {
-      for (const float constant : {1.0f, -3.3f, 0.29f, 117.25f, 1e-3f, 1e9f, INFINITY, NAN}) {
-        ASSERT_EQ(Call(operation, first, second, destination, constant), 0);
-        ASSERT_EQ(Difference(destination, ImagesResult(operation, first, second, constant)), "")
-            << static_cast<int>(operation) << " constant " << constant;
-      }
+  const TestImage second(IMAGE_U8, 256, 256);
+  for (int32_t y = 0; y < 256; y++) {
+    for (int32_t x = 0; x < 256; x++) {
+      first.Set<uint8_t>(x, y, static_cast<uint8_t>(y));
+      second.Set<uint8_t>(x, y, static_cast<uint8_t>(x));
     }
   }
+  TestImage destination(IMAGE_U8, 0, 0);
+  for (const Arithmetic operation : ALL) {
+    for (const float constant : {1.0f, -3.3f, 0.29f, 117.25f, 1e-3f, 1e9f, INFINITY, NAN}) {
+      ASSERT_EQ(Call(operation, first, second, destination, constant), 0);
+      ASSERT_EQ(Difference(destination, ImagesResult(operation, first, second, constant)), "")
+          << static_cast<int>(operation) << " constant " << constant;
+    }
+  }
+}
 
 // All 16-bit dividends against divisors around every power of two.
 TEST(Arithmetic, WordsAreDividedExactly) {
@@ -239,10 +239,10 @@ TEST(Arithmetic, WordsAreDividedExactly) {
       const TestImage byImage = ImagesResult(operation, first, second, 0);
       const TestImage byConstant = ConstantResult(operation, first, constant, true);
       ASSERT_EQ(Call(operation, first, second, destination, 0), 0);
-        ASSERT_EQ(Difference(destination, byImage), "") << divisor;
-        ASSERT_EQ(Call(operation, first, 0, destination, constant), 0);
-        ASSERT_EQ(Difference(destination, byConstant), "") << "constant " << divisor;
-          }
+      ASSERT_EQ(Difference(destination, byImage), "") << divisor;
+      ASSERT_EQ(Call(operation, first, 0, destination, constant), 0);
+      ASSERT_EQ(Difference(destination, byConstant), "") << "constant " << divisor;
+    }
   }
 }
 
@@ -296,8 +296,8 @@ TEST(Arithmetic, WordsAreMultipliedAndDividedExactly) {
       const float constant = std::ldexp(mantissa, exponent);
       const TestImage expected = ImagesResult(Arithmetic::MulDiv, first, second, constant);
       ASSERT_EQ(ZEL_MulDiv(first, second, destination, constant), 0);
-        ASSERT_EQ(Difference(destination, expected), "") << constant;
-          }
+      ASSERT_EQ(Difference(destination, expected), "") << constant;
+    }
   }
 }
 
@@ -307,23 +307,23 @@ TEST(Arithmetic, FloatsKeepInfinitiesNanAndZeros) {
                                      -inf, NAN,   1e-42f, 3e38f, -3e38f};
   const auto count = static_cast<int32_t>(values.size());
   const TestImage first(IMAGE_SGL, count * count, 1);
-    const TestImage second(IMAGE_SGL, count * count, 1);
-    for (int32_t i = 0; i < count * count; i++) {
-      first.Set<float>(i, 0, values[static_cast<size_t>(i / count)]);
-      second.Set<float>(i, 0, values[static_cast<size_t>(i % count)]);
-    }
-    TestImage destination(IMAGE_SGL, 0, 0);
-    for (const Arithmetic operation : ALL) {
-      for (const float constant : values) {
-        ASSERT_EQ(Call(operation, first, second, destination, constant), 0);
-        ASSERT_EQ(Difference(destination, ImagesResult(operation, first, second, constant)), "");
-        if (operation == Arithmetic::MulDiv) continue;
-        ASSERT_EQ(Call(operation, first, 0, destination, constant), 0);
-        ASSERT_EQ(Difference(destination, ConstantResult(operation, first, constant, true)), "")
-            << static_cast<int>(operation) << " constant " << constant;
-      }
+  const TestImage second(IMAGE_SGL, count * count, 1);
+  for (int32_t i = 0; i < count * count; i++) {
+    first.Set<float>(i, 0, values[static_cast<size_t>(i / count)]);
+    second.Set<float>(i, 0, values[static_cast<size_t>(i % count)]);
+  }
+  TestImage destination(IMAGE_SGL, 0, 0);
+  for (const Arithmetic operation : ALL) {
+    for (const float constant : values) {
+      ASSERT_EQ(Call(operation, first, second, destination, constant), 0);
+      ASSERT_EQ(Difference(destination, ImagesResult(operation, first, second, constant)), "");
+      if (operation == Arithmetic::MulDiv) continue;
+      ASSERT_EQ(Call(operation, first, 0, destination, constant), 0);
+      ASSERT_EQ(Difference(destination, ConstantResult(operation, first, constant, true)), "")
+          << static_cast<int>(operation) << " constant " << constant;
     }
   }
+}
 
 TEST(Arithmetic, InfiniteAndNanConstantsOnIntegers) {
   const float inf = std::numeric_limits<float>::infinity();

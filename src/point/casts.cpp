@@ -1,224 +1,179 @@
 // Conversions between pixel types: in place, into another image, through a table, and by a shift.
-#include <algorithm>
 #include <cstring>
 
-#include "engine/array_convert.h"
 #include "core/heap.h"
-#include "core/kernels.h"
 #include "core/numbers.h"
+#include "engine/array_convert.h"
+#include "engine/operands.h"
 #include "point/casts_rows.h"
-#include "point/operands.h"
 
 namespace zel {
 namespace {
 
-constexpr uint32_t ENTRIES_U8 = 256;
-constexpr uint32_t ENTRIES_I16 = 65536;
+constexpr uint32_t ENTRIES_U8 = LEVELS_U8;
+constexpr uint32_t ENTRIES_I16 = LEVELS_I16;
 constexpr int32_t MAX_SHIFT = 8;
 
-Plane PlaneOfImages(const Image& source, const Image& destination) {
-  const PixelGrid read = PixelGridOf(source);
-  const PixelGrid write = PixelGridOf(destination);
-  int32_t readBytes = 1;
-  int32_t writeBytes = 1;
-  PixelSize(source.type, &readBytes);
-  PixelSize(destination.type, &writeBytes);
-  Plane plane{};
-  plane.first = plane.second = read.origin;
-  plane.firstPitch = plane.secondPitch = read.pitch;
-  plane.firstBytes = plane.secondBytes = readBytes;
-  plane.result = write.origin;
-  plane.resultPitch = write.pitch;
-  plane.resultBytes = writeBytes;
-  plane.width = read.width;
-  plane.height = read.height;
-  return plane;
+PointViews ViewsOf(const Image& source, const Image& destination) {
+  return {.first = ViewOf(source), .second = {}, .result = ViewOf(destination), .mask = {}};
 }
 
 // Gives a destination the border and the size of the source, so that both have one line layout for
 // pixels of one size. Without memory it keeps its own.
-Status LayoutLikeSource(const Image& source, ImageRef destination, Image* record) {
-  const int32_t border = record->border;
-  record->border = source.border;
-  const Status status = ImageSetSize(destination, source.width, source.height);
-  if (status != STATUS_OK) record->border = border;
+Status LayoutLikeSource(const Image& source, Image* destination) {
+  const int32_t border = destination->border;
+  destination->border = source.border;
+  const Status status = ImageLayoutSize(destination, source.width, source.height, true);
+  if (status != STATUS_OK) destination->border = border;
   return status;
 }
 
-void ImageConvertPixels(ImageRef source, ImageRef destination, Status* status) {
-  const Image* from = ImageLookup(source, status);
-  if (!from || destination == 0 || destination == source) return;
-  Image* to = ImageLookup(destination, status);
-  if (!to) return;
-  if (!TypeHasPixels(from->type)) {
-    *status = STATUS_BAD_OPERAND_TYPE;
-    return;
-  }
-  if (!TypeHasPixels(to->type)) {
-    *status = STATUS_OPERAND_TYPE_DIFFERS;
-    return;
-  }
-  *status = ImageCopyInfo(source, destination);
-  if (*status == STATUS_OK) *status = LayoutLikeSource(*from, destination, to);
-  if (*status != STATUS_OK || from->width == 0) return;
+Status ConvertPixels(const Image& source, Image* destination) {
+  if (!TypeHasPixels(source.type)) return STATUS_BAD_OPERAND_TYPE;
+  if (!TypeHasPixels(destination->type)) return STATUS_OPERAND_TYPE_DIFFERS;
+  Status status = ImageCopyInfo(source, destination);
+  if (status == STATUS_OK) status = LayoutLikeSource(source, destination);
+  if (status != STATUS_OK || source.width == 0) return status;
 
-  Plane plane = PlaneOfImages(*from, *to);
-  if (from->type == to->type) {
+  const PointViews views = ViewsOf(source, *destination);
+  if (source.type == destination->type) {
     // Whole lines, from pixel (0, 0) on: the pixels of the border that lie between them come along.
-    std::memcpy(plane.result, plane.first,
-                static_cast<size_t>(plane.firstPitch) * static_cast<size_t>(plane.height));
+    std::memcpy(views.result.origin, views.first.origin,
+                static_cast<size_t>(views.first.pitch) * static_cast<size_t>(views.first.height));
   } else {
-    PlaneRun(castRows().convert[from->type][to->type], &plane);
+    PointWalk(views, castRows().From(source.type).To(destination->type), NoRule());
   }
-}
-
-// The reference names the converted pixels only when all went well.
-void CastKernel(ImageRef image, const int32_t* type, Status* status) {
-  const Image* from = ImageLookup(image, status);
-  if (!from || from->type == *type) return;
-  if (*type < IMAGE_U8 || *type > IMAGE_OPAQUE) {
-    *status = STATUS_BAD_LAYOUT_TYPE;
-  } else if (!TypeHasPixels(from->type)) {
-    *status = STATUS_BAD_OPERAND_TYPE;
-  } else if (!TypeHasPixels(*type)) {
-    *status = STATUS_OPERAND_TYPE_DIFFERS;
-  }
-  if (*status != STATUS_OK) return;
-
-  Image like = *from;
-  like.type = static_cast<int16_t>(*type);
-  ReplacementImage replacement(status);
-  if (!replacement.Create(image, like)) return;
-  ImageConvertPixels(image, replacement.reference(), status);
-  if (*status == STATUS_OK) replacement.Written();
-}
-
-// Brings a table to the wanted length; entries beyond the given ones hold their own index.
-Status TableComplete(Handle table, uint32_t entries) {
-  uint32_t count = 0;
-  Status status = VectorCount(table, &count);
-  if (status != STATUS_OK || count == entries) return status;
-  status = VectorResize(table, sizeof(float), entries);
-  if (status != STATUS_OK) return status;
-  auto* values = VectorData<float>(table);
-  for (uint32_t i = count; i < entries; i++) values[i] = static_cast<float>(i);
   return STATUS_OK;
 }
 
-// Integer results take the low bits of the cut entries, worked out once for each entry.
-template <class T>
-bool TableCut(const float* values, uint32_t entries, WorkArray<T>* cut) {
-  if (!cut->Allocate(entries)) return false;
-  for (uint32_t i = 0; i < entries; i++) (*cut)[i] = CutLow<T>(static_cast<double>(values[i]));
-  return true;
+Status Convert(ImageRef source, ImageRef destination) {
+  Image* from = nullptr;
+  Status status = ImageLookup(source, &from);
+  if (status != STATUS_OK || destination == 0 || destination == source) return status;
+  Image* to = nullptr;
+  status = ImageLookup(destination, &to);
+  return status != STATUS_OK ? status : ConvertPixels(*from, to);
 }
 
-void ConvertByLookupKernel(ImageRef source, ImageRef destination, const Handle* table,
-                           Status* status) {
-  const Image* from = ImageLookup(source, status);
-  if (!from || destination == 0 || destination == source) return;
-  const Image* to = ImageLookup(destination, status);
-  if (!to) return;
-  if (!TypeIsInteger(from->type)) {
-    *status = STATUS_BAD_TYPE;
-    return;
+// The reference names the converted pixels only when all went well.
+Status Cast(ImageRef image, int32_t type) {
+  Image* from = nullptr;
+  Status status = ImageLookup(image, &from);
+  if (status != STATUS_OK || from->type == type) return status;
+  if (type < IMAGE_U8 || type > IMAGE_OPAQUE) return STATUS_BAD_LAYOUT_TYPE;
+  if (!TypeHasPixels(from->type)) return STATUS_BAD_OPERAND_TYPE;
+  if (!TypeHasPixels(type)) return STATUS_OPERAND_TYPE_DIFFERS;
+
+  Image like = *from;
+  like.type = static_cast<int16_t>(type);
+  ReplacementImage replacement;
+  status = replacement.Create(image, like);
+  if (status == STATUS_OK) status = ConvertPixels(*from, replacement.image());
+  if (status == STATUS_OK) replacement.Written();
+  return status;
+}
+
+// A caller's table in 32-bit floats, brought to the wanted length: entries beyond the given ones
+// hold their own index.
+struct FloatTable {
+  WorkArray<float> values;
+  uint32_t entries;
+
+  Status Create(int32_t arrayType, const void* array, int32_t count) {
+    if (!values.AllocateZeroed(entries)) return STATUS_MEMORY_FULL;
+    const auto given = static_cast<uint32_t>(Clamped(count, 0, static_cast<int32_t>(entries)));
+    ArrayConvert(array, arrayType, values.data(), ARRAY_SGL, given);
+    for (uint32_t i = given; i < entries; i++) values[i] = static_cast<float>(i);
+    return STATUS_OK;
   }
+};
+
+// Integer results take the low bits of the truncated entries, worked out once for each entry.
+template <class T>
+Status MapTruncated(const PointViews& views, const FloatTable& table,
+                    PointRoutine<ValueTable<T>> routine) {
+  WorkArray<T> low;
+  if (!low.Allocate(table.entries)) return STATUS_MEMORY_FULL;
+  for (uint32_t i = 0; i < table.entries; i++) {
+    low[i] = CutLow<T>(static_cast<double>(table.values[i]));
+  }
+  PointWalk(views, routine, ValueTable<T>{low.data()});
+  return STATUS_OK;
+}
+
+Status MapBytes(const PointViews& views, const FloatTable& table) {
+  const CastRows& rows = castRows();
+  if (views.result.type == IMAGE_I16) return MapTruncated(views, table, rows.bytesToWords);
+  PointWalk(views, rows.bytesToFloats, ValueTable<float>{table.values.data()});
+  return STATUS_OK;
+}
+
+Status MapWords(const PointViews& views, const FloatTable& table) {
+  const CastRows& rows = castRows();
+  if (views.result.type == IMAGE_U8) return MapTruncated(views, table, rows.wordsToBytes);
+  PointWalk(views, rows.wordsToFloats, ValueTable<float>{table.values.data()});
+  return STATUS_OK;
+}
+
+Status ConvertByLookup(ImageRef source, ImageRef destination, int32_t arrayType, const void* array,
+                       int32_t count) {
+  Image* from = nullptr;
+  Status status = ImageLookup(source, &from);
+  if (status != STATUS_OK || destination == 0 || destination == source) return status;
+  Image* to = nullptr;
+  status = ImageLookup(destination, &to);
+  if (status != STATUS_OK) return status;
+  if (!TypeIsInteger(from->type)) return STATUS_BAD_TYPE;
   const bool fromBytes = from->type == IMAGE_U8;
   if (to->type != IMAGE_SGL && to->type != (fromBytes ? IMAGE_I16 : IMAGE_U8)) {
-    *status = STATUS_DESTINATION_TYPE_DIFFERS;
-    return;
+    return STATUS_DESTINATION_TYPE_DIFFERS;
   }
-  const uint32_t entries = fromBytes ? ENTRIES_U8 : ENTRIES_I16;
-  *status = TableComplete(*table, entries);
-  if (*status != STATUS_OK) return;
 
-  const CastRows& rows = castRows();
-  const auto* values = VectorData<float>(*table);
-  WorkArray<uint8_t> bytes;
-  WorkArray<int16_t> words;
-  const void* results = values;
-  PlaneRoutine routine = fromBytes ? rows.bytesToFloats : rows.wordsToFloats;
-  bool enoughMemory = true;
-  if (to->type == IMAGE_U8) {
-    enoughMemory = TableCut(values, entries, &bytes);
-    results = bytes.data();
-    routine = rows.wordsToBytes;
-  } else if (to->type == IMAGE_I16) {
-    enoughMemory = TableCut(values, entries, &words);
-    results = words.data();
-    routine = rows.bytesToWords;
-  }
-  if (!enoughMemory) {
-    *status = STATUS_MEMORY_FULL;
-    return;
-  }
-  DestinationLikeSource(source, destination, status);
-  if (*status != STATUS_OK) return;
-  Plane plane = PlaneOfImages(*from, *to);
-  plane.table = results;
-  PlaneRun(routine, &plane);
+  FloatTable table{.values = {}, .entries = fromBytes ? ENTRIES_U8 : ENTRIES_I16};
+  status = table.Create(arrayType, array, count);
+  if (status == STATUS_OK) status = ImageCopyInfo(*from, to);
+  if (status == STATUS_OK) status = ImageLayoutSize(to, from->width, from->height, true);
+  if (status != STATUS_OK) return status;
+  const PointViews views = ViewsOf(*from, *to);
+  return fromBytes ? MapBytes(views, table) : MapWords(views, table);
 }
 
-void Shift16To8Kernel(ImageRef source, ImageRef destination, const int32_t* shift, Status* status) {
-  const Image* from = ImageLookup(source, status);
-  if (!from) return;
-  if (from->type != IMAGE_I16) {
-    *status = STATUS_BAD_TYPE;
-    return;
-  }
-  const Image* to = ImageLookup(destination == 0 ? source : destination, status);
-  if (!to) return;
-  if (to->type != IMAGE_U8) {
-    *status = STATUS_BAD_TYPE;
-    return;
-  }
-  DestinationLikeSource(source, destination, status);
-  if (*status != STATUS_OK) return;
-  Plane plane = PlaneOfImages(*from, *to);
-  plane.constant.value = std::clamp(*shift, 0, MAX_SHIFT);
-  PlaneRun(castRows().shift, &plane);
+Status Shift16To8(ImageRef source, ImageRef destination, int32_t shift) {
+  Image* from = nullptr;
+  Status status = ImageLookup(source, &from);
+  if (status != STATUS_OK) return status;
+  if (from->type != IMAGE_I16) return STATUS_BAD_TYPE;
+  Image* to = nullptr;
+  status = ImageLookup(destination == 0 ? source : destination, &to);
+  if (status != STATUS_OK) return status;
+  if (to->type != IMAGE_U8) return STATUS_BAD_TYPE;
+  status = ImageCopyInfo(*from, to);
+  if (status == STATUS_OK) status = ImageLayoutSize(to, from->width, from->height, true);
+  if (status != STATUS_OK) return status;
+  PointWalk(ViewsOf(*from, *to), castRows().shift, BitShift{Clamped(shift, 0, MAX_SHIFT)});
+  return STATUS_OK;
 }
 
 }  // namespace
 }  // namespace zel
 
 int32_t ZEL_Cast(ImageRef image, int32_t type) {
-  zel::Status status = zel::STATUS_OK;
-  zel::CastKernel(image, &type, &status);
-  return ZEL_ProcessError("ZEL_Cast", status);
+  return ZEL_ProcessError("ZEL_Cast", zel::Cast(image, type));
 }
 
 int32_t ZEL_Convert(ImageRef source, ImageRef destination) {
-  zel::Status status = zel::STATUS_OK;
-  zel::ImageConvertPixels(source, destination, &status);
-  return ZEL_ProcessError("ZEL_Convert", status);
+  return ZEL_ProcessError("ZEL_Convert", zel::Convert(source, destination));
 }
 
 int32_t ZEL_ConvertByLookup(ImageRef source, ImageRef destination, int32_t arrayType,
                             const void* array, int32_t count) {
-  zel::Status status = zel::STATUS_OK;
-  zel::ScopedVector table;
-  // Entries beyond the longest table are never looked at.
-  const int32_t entries = std::clamp(count, 0, static_cast<int32_t>(zel::ENTRIES_I16));
-  if (!array && entries > 0) {
-    status = zel::STATUS_NULL_POINTER;
-  } else {
-    status = table.Create();
-  }
-  if (status == zel::STATUS_OK) {
-    status = zel::VectorResize(table.handle(), sizeof(float), static_cast<uint64_t>(entries));
-  }
-  if (status == zel::STATUS_OK) {
-    const zel::Handle handle = table.handle();
-    zel::ArrayConvert(array, arrayType, zel::VectorData<float>(handle), ARRAY_SGL, entries);
-    zel::ConvertByLookupKernel(source, destination, &handle, &status);
-  }
+  const zel::Status status =
+      array || count < 1 ? zel::ConvertByLookup(source, destination, arrayType, array, count)
+                         : zel::STATUS_NULL_POINTER;
   return ZEL_ProcessError("ZEL_ConvertByLookup", status);
 }
 
 // The name in the report has a small t.
 int32_t ZEL_Shift16To8(ImageRef source, ImageRef destination, int32_t shift) {
-  zel::Status status = zel::STATUS_OK;
-  zel::Shift16To8Kernel(source, destination, &shift, &status);
-  return ZEL_ProcessError("ZEL_Shift16to8", status);
+  return ZEL_ProcessError("ZEL_Shift16to8", zel::Shift16To8(source, destination, shift));
 }

@@ -103,8 +103,8 @@ struct ToRgb {
 };
 
 template <class From, class Rule>
-void Convert(const Plane& plane) {
-  ForPixels<From, typename Rule::Pixel>(plane, Rule());
+void Convert(const PointViews& views, const NoRule&) {
+  MapSamePlace<From, typename Rule::Pixel>(views, Rule());
 }
 
 // Pixels of 4 bytes become narrower in groups of four vectors, the rest of a row by the plain rule.
@@ -136,17 +136,18 @@ struct ColoursToMean {
 #endif
 
 template <class Groups>
-void Narrow(const Plane& plane) {
+void Narrow(const PointViews& views, const NoRule&) {
   using From = typename Groups::From;
   using To = typename Groups::Rule::Pixel;
   constexpr int64_t lanes = sizeof(Vector) / sizeof(From);
   const Groups groups;
   const typename Groups::Rule rule;
-  for (int64_t y = 0; y < plane.height; y++) {
-    const auto* from = reinterpret_cast<const From*>(plane.first + y * plane.firstPitch);
-    auto* to = reinterpret_cast<To*>(plane.result + y * plane.resultPitch);
+  const int64_t width = views.result.width;
+  for (int64_t y = 0; y < views.result.height; y++) {
+    const auto* from = views.first.Row<const From>(y);
+    auto* to = views.result.Row<To>(y);
     int64_t x = 0;
-    for (; x + 4 * lanes <= plane.width; x += 4 * lanes) {
+    for (; x + 4 * lanes <= width; x += 4 * lanes) {
       const Vector a = groups.Cut(Load(from + x));
       const Vector b = groups.Cut(Load(from + x + lanes));
       const Vector c = groups.Cut(Load(from + x + 2 * lanes));
@@ -160,58 +161,71 @@ void Narrow(const Plane& plane) {
         Store(to + x + 2 * lanes, high);
       }
     }
-    for (; x < plane.width; x++) to[x] = rule(from[x]);
+    for (; x < width; x++) to[x] = rule(from[x]);
   }
 }
 
-constexpr PlaneRoutine FLOATS_TO_BYTES = &Narrow<FloatsToBytes>;
-constexpr PlaneRoutine FLOATS_TO_WORDS = &Narrow<FloatsToWords>;
+constexpr CastRoutine FLOATS_TO_BYTES = &Narrow<FloatsToBytes>;
+constexpr CastRoutine FLOATS_TO_WORDS = &Narrow<FloatsToWords>;
 #else
-constexpr PlaneRoutine FLOATS_TO_BYTES = &Convert<float, ToByte>;
-constexpr PlaneRoutine FLOATS_TO_WORDS = &Convert<float, ToWord>;
+constexpr CastRoutine FLOATS_TO_BYTES = &Convert<float, ToByte>;
+constexpr CastRoutine FLOATS_TO_WORDS = &Convert<float, ToWord>;
 #endif
 
 #if defined(ZEL_BYTE_SUMS)
-constexpr PlaneRoutine COLOURS_TO_BYTES = &Narrow<ColoursToMean<ToByte>>;
-constexpr PlaneRoutine COLOURS_TO_WORDS = &Narrow<ColoursToMean<ToWord>>;
+constexpr CastRoutine COLOURS_TO_BYTES = &Narrow<ColoursToMean<ToByte>>;
+constexpr CastRoutine COLOURS_TO_WORDS = &Narrow<ColoursToMean<ToWord>>;
 #else
-constexpr PlaneRoutine COLOURS_TO_BYTES = &Convert<Rgb, ToByte>;
-constexpr PlaneRoutine COLOURS_TO_WORDS = &Convert<Rgb, ToWord>;
+constexpr CastRoutine COLOURS_TO_BYTES = &Convert<Rgb, ToByte>;
+constexpr CastRoutine COLOURS_TO_WORDS = &Convert<Rgb, ToWord>;
 #endif
 
-void Shift(const Plane& plane) {
-  const int32_t shift = plane.constant.value;
-  ForPixels<int16_t, uint8_t>(plane, [=](int16_t value) {
+void Shift(const PointViews& views, const BitShift& given) {
+  const int32_t shift = given.bits;
+  MapSamePlace<int16_t, uint8_t>(views, [=](int16_t value) {
     return static_cast<uint8_t>(static_cast<int16_t>(value >> shift));
   });
 }
 
 template <class From, class To>
-void Lookup(const Plane& plane) {
-  const auto* table = static_cast<const To*>(plane.table);
-  ForPixels<From, To>(plane, [=](From level) { return table[level]; });
+void Lookup(const PointViews& views, const ValueTable<To>& table) {
+  const To* values = table.values;
+  MapSamePlace<From, To>(views, [=](From level) { return values[level]; });
 }
 
 }  // namespace
 
 extern const CastRows castRows = {
-    {
-        {nullptr, &Convert<uint8_t, ToWord>, &Convert<uint8_t, ToFloat>,
-         &Convert<uint8_t, ToComplex>, &Convert<uint8_t, ToRgb>},
-        {&Convert<int16_t, ToByte>, nullptr, &Convert<int16_t, ToFloat>,
-         &Convert<int16_t, ToComplex>, &Convert<int16_t, ToRgb>},
-        {FLOATS_TO_BYTES, FLOATS_TO_WORDS, nullptr, &Convert<float, ToComplex>,
-         &Convert<float, ToRgb>},
-        {&Convert<Complex, ToByte>, &Convert<Complex, ToWord>, &Convert<Complex, ToFloat>, nullptr,
-         &Convert<Complex, ToRgb>},
-        {COLOURS_TO_BYTES, COLOURS_TO_WORDS, &Convert<Rgb, ToFloat>, &Convert<Rgb, ToComplex>,
-         nullptr},
-    },
-    &Shift,
-    &Lookup<uint8_t, int16_t>,
-    &Lookup<uint8_t, float>,
-    &Lookup<uint16_t, uint8_t>,
-    &Lookup<uint16_t, float>,
+    .fromU8 = {.toU8 = nullptr,
+               .toI16 = &Convert<uint8_t, ToWord>,
+               .toSgl = &Convert<uint8_t, ToFloat>,
+               .toComplex = &Convert<uint8_t, ToComplex>,
+               .toRgb = &Convert<uint8_t, ToRgb>},
+    .fromI16 = {.toU8 = &Convert<int16_t, ToByte>,
+                .toI16 = nullptr,
+                .toSgl = &Convert<int16_t, ToFloat>,
+                .toComplex = &Convert<int16_t, ToComplex>,
+                .toRgb = &Convert<int16_t, ToRgb>},
+    .fromSgl = {.toU8 = FLOATS_TO_BYTES,
+                .toI16 = FLOATS_TO_WORDS,
+                .toSgl = nullptr,
+                .toComplex = &Convert<float, ToComplex>,
+                .toRgb = &Convert<float, ToRgb>},
+    .fromComplex = {.toU8 = &Convert<Complex, ToByte>,
+                    .toI16 = &Convert<Complex, ToWord>,
+                    .toSgl = &Convert<Complex, ToFloat>,
+                    .toComplex = nullptr,
+                    .toRgb = &Convert<Complex, ToRgb>},
+    .fromRgb = {.toU8 = COLOURS_TO_BYTES,
+                .toI16 = COLOURS_TO_WORDS,
+                .toSgl = &Convert<Rgb, ToFloat>,
+                .toComplex = &Convert<Rgb, ToComplex>,
+                .toRgb = nullptr},
+    .shift = &Shift,
+    .bytesToWords = &Lookup<uint8_t, int16_t>,
+    .bytesToFloats = &Lookup<uint8_t, float>,
+    .wordsToBytes = &Lookup<uint16_t, uint8_t>,
+    .wordsToFloats = &Lookup<uint16_t, float>,
 };
 
 }  // namespace zel::ZEL_LEVEL

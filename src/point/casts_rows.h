@@ -2,21 +2,44 @@
 #pragma once
 
 #include "engine/levels.h"
-#include "point/plane.h"
+#include "engine/point.h"
 
 namespace zel {
 
-constexpr int32_t PIXEL_TYPES = 5;
+using CastRoutine = PointRoutine<NoRule>;
+
+// From one type to each other one; null for the type itself.
+struct CastsFrom {
+  CastRoutine toU8, toI16, toSgl, toComplex, toRgb;
+
+  CastRoutine To(int32_t type) const {
+    const CastRoutine routines[] = {toU8, toI16, toSgl, toComplex, toRgb};
+    return routines[type];
+  }
+};
+
+// The values that a lookup gives, indexed by the pixel read as unsigned.
+template <class T>
+struct ValueTable {
+  const T* values;
+};
+
+struct BitShift {
+  int32_t bits;  // to the right
+};
 
 struct CastRows {
-  PlaneRoutine convert[PIXEL_TYPES][PIXEL_TYPES];  // by the types of source and result; null
-                                                   // between equal types
-  PlaneRoutine shift;  // I16 to U8: shifted right by PlaneConstant::value, low bits kept
-  // Through Plane::table, of values of the result's type, I16 read as unsigned.
-  PlaneRoutine bytesToWords;
-  PlaneRoutine bytesToFloats;
-  PlaneRoutine wordsToBytes;
-  PlaneRoutine wordsToFloats;
+  CastsFrom fromU8, fromI16, fromSgl, fromComplex, fromRgb;
+  PointRoutine<BitShift> shift;  // I16 to U8, low bits kept
+  PointRoutine<ValueTable<int16_t>> bytesToWords;
+  PointRoutine<ValueTable<float>> bytesToFloats;
+  PointRoutine<ValueTable<uint8_t>> wordsToBytes;
+  PointRoutine<ValueTable<float>> wordsToFloats;
+
+  const CastsFrom& From(int32_t type) const {
+    const CastsFrom* const sources[] = {&fromU8, &fromI16, &fromSgl, &fromComplex, &fromRgb};
+    return *sources[type];
+  }
 };
 ZEL_ROW_TABLE(CastRows, castRows)
 

@@ -102,10 +102,10 @@ TEST(Convert, AllPairsOfTypesAndSizesFollowTheMatrix) {
         const TestImage expected = Converted(source, to);
         const auto before = source.Block();
         TestImage destination(to, 3, 2, Border(seed + 1), seed + 9);
-          ASSERT_EQ(ZEL_Convert(source, destination), 0);
-          ASSERT_EQ(Difference(destination, expected), "") << from << " to " << to;
-          ASSERT_EQ(destination.Info().border, source.Info().border);
-                ASSERT_EQ(source.Block(), before);
+        ASSERT_EQ(ZEL_Convert(source, destination), 0);
+        ASSERT_EQ(Difference(destination, expected), "") << from << " to " << to;
+        ASSERT_EQ(destination.Info().border, source.Info().border);
+        ASSERT_EQ(source.Block(), before);
         seed++;
       }
     }
@@ -124,9 +124,9 @@ TEST(Convert, EverySumOfColoursIsAThirdExactly) {
   for (const int32_t to : {IMAGE_U8, IMAGE_I16, IMAGE_SGL, IMAGE_COMPLEX}) {
     const TestImage expected = Converted(source, to);
     TestImage destination(to, 0, 0);
-      ASSERT_EQ(ZEL_Convert(source, destination), 0);
-      ASSERT_EQ(Difference(destination, expected), "");
-      }
+    ASSERT_EQ(ZEL_Convert(source, destination), 0);
+    ASSERT_EQ(Difference(destination, expected), "");
+  }
 }
 
 TEST(Convert, EveryWordIsLimitedToAByte) {
@@ -160,14 +160,14 @@ TEST(Convert, FloatsAreCutAndLimitedAndComplexMagnitudesWrap) {
     }
   }
   for (int32_t to = IMAGE_U8; to <= IMAGE_RGB; to++) {
-      TestImage destination(to, 0, 0);
-      ASSERT_EQ(ZEL_Convert(floats, destination), 0);
-      ASSERT_EQ(Difference(destination, Converted(floats, to)), "") << "to " << to;
-      TestImage other(to, 0, 0);
-      ASSERT_EQ(ZEL_Convert(complex, other), 0);
-      ASSERT_EQ(Difference(other, Converted(complex, to)), "") << "complex to " << to;
-    }
+    TestImage destination(to, 0, 0);
+    ASSERT_EQ(ZEL_Convert(floats, destination), 0);
+    ASSERT_EQ(Difference(destination, Converted(floats, to)), "") << "to " << to;
+    TestImage other(to, 0, 0);
+    ASSERT_EQ(ZEL_Convert(complex, other), 0);
+    ASSERT_EQ(Difference(other, Converted(complex, to)), "") << "complex to " << to;
   }
+}
 
 TEST(Convert, KnownPixels) {
   const TestImage complex(IMAGE_COMPLEX, 2, 1);
@@ -286,36 +286,35 @@ TEST(Cast, FailuresLeaveTheImage) {
 
 TEST(ConvertByLookup, BytesAndWordsGoThroughTheTable) {
   std::vector<float> table(65536);
-    test::Random random(5);
-    for (float& value : table) value = random.Float(-70000.0f, 70000.0f);
-    for (const int32_t from : {IMAGE_U8, IMAGE_I16}) {
-      for (const int32_t to : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
-        if (from == to) continue;
-        const TestImage source(from, 67, 9, 1, 4);
-        TestImage destination(to, 67, 9, 3, 4);
-        const auto surroundings = destination.Surroundings();
-        ASSERT_EQ(ZEL_ConvertByLookup(source, destination, ARRAY_SGL, table.data(),
-                                      from == IMAGE_U8 ? 256 : 65536),
-                  0);
-        ASSERT_EQ(destination.Surroundings(), surroundings);
-        for (int32_t y = 0; y < 9; y++) {
-          for (int32_t x = 0; x < 67; x++) {
-            const size_t level = from == IMAGE_U8
-                                     ? source.Get<uint8_t>(x, y)
-                                     : static_cast<uint16_t>(source.Get<int16_t>(x, y));
-            const auto cut = static_cast<int64_t>(table[level]);
-            if (to == IMAGE_U8) {
-              ASSERT_EQ(destination.Get<uint8_t>(x, y), cut & 255);
-            } else if (to == IMAGE_I16) {
-              ASSERT_EQ(static_cast<uint16_t>(destination.Get<int16_t>(x, y)), cut & 0xFFFF);
-            } else {
-              ASSERT_EQ(destination.Get<float>(x, y), table[level]);
-            }
+  test::Random random(5);
+  for (float& value : table) value = random.Float(-70000.0f, 70000.0f);
+  for (const int32_t from : {IMAGE_U8, IMAGE_I16}) {
+    for (const int32_t to : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
+      if (from == to) continue;
+      const TestImage source(from, 67, 9, 1, 4);
+      TestImage destination(to, 67, 9, 3, 4);
+      const auto surroundings = destination.Surroundings();
+      ASSERT_EQ(ZEL_ConvertByLookup(source, destination, ARRAY_SGL, table.data(),
+                                    from == IMAGE_U8 ? 256 : 65536),
+                0);
+      ASSERT_EQ(destination.Surroundings(), surroundings);
+      for (int32_t y = 0; y < 9; y++) {
+        for (int32_t x = 0; x < 67; x++) {
+          const size_t level = from == IMAGE_U8 ? source.Get<uint8_t>(x, y)
+                                                : static_cast<uint16_t>(source.Get<int16_t>(x, y));
+          const auto cut = static_cast<int64_t>(table[level]);
+          if (to == IMAGE_U8) {
+            ASSERT_EQ(destination.Get<uint8_t>(x, y), cut & 255);
+          } else if (to == IMAGE_I16) {
+            ASSERT_EQ(static_cast<uint16_t>(destination.Get<int16_t>(x, y)), cut & 0xFFFF);
+          } else {
+            ASSERT_EQ(destination.Get<float>(x, y), table[level]);
           }
         }
       }
     }
   }
+}
 
 TEST(ConvertByLookup, ShortTablesContinueWithTheirIndex) {
   const TestImage bytes(IMAGE_U8, 256, 1);
@@ -373,22 +372,22 @@ TEST(ConvertByLookup, WrongArgumentsGiveTheirNumbers) {
 
 TEST(Shift16To8, ShiftsArithmeticallyAndKeepsTheLowByte) {
   for (const int32_t shift : {-3, 0, 1, 4, 7, 8, 9, 100}) {
-      for (const auto& [width, height] : ODD_SIZES) {
-        const TestImage source(IMAGE_I16, width, height, Border(width), 5);
-        TestImage destination(IMAGE_U8, width, height, 2, 6);
-        const auto surroundings = destination.Surroundings();
-        ASSERT_EQ(ZEL_Shift16To8(source, destination, shift), 0);
-        const int32_t used = shift < 0 ? 0 : shift > 8 ? 8 : shift;
-        for (int32_t y = 0; y < height; y++) {
-          for (int32_t x = 0; x < width; x++) {
-            const double shifted = std::floor(source.Get<int16_t>(x, y) / std::exp2(used));
-            ASSERT_EQ(destination.Get<uint8_t>(x, y), static_cast<int32_t>(shifted) & 255);
-          }
+    for (const auto& [width, height] : ODD_SIZES) {
+      const TestImage source(IMAGE_I16, width, height, Border(width), 5);
+      TestImage destination(IMAGE_U8, width, height, 2, 6);
+      const auto surroundings = destination.Surroundings();
+      ASSERT_EQ(ZEL_Shift16To8(source, destination, shift), 0);
+      const int32_t used = shift < 0 ? 0 : shift > 8 ? 8 : shift;
+      for (int32_t y = 0; y < height; y++) {
+        for (int32_t x = 0; x < width; x++) {
+          const double shifted = std::floor(source.Get<int16_t>(x, y) / std::exp2(used));
+          ASSERT_EQ(destination.Get<uint8_t>(x, y), static_cast<int32_t>(shifted) & 255);
         }
-        ASSERT_EQ(destination.Surroundings(), surroundings);
       }
+      ASSERT_EQ(destination.Surroundings(), surroundings);
     }
-    const TestImage known(IMAGE_I16, 1, 1);
+  }
+  const TestImage known(IMAGE_I16, 1, 1);
   known.Set<int16_t>(0, 0, 0x1234);
   TestImage destination(IMAGE_U8, 0, 0);
   ASSERT_EQ(ZEL_Shift16To8(known, destination, 4), 0);

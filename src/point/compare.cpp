@@ -1,110 +1,132 @@
 // Mean, minimum, maximum, and pixels kept or cleared by comparison.
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
-#include "core/numbers.h"
 #include "point/compare_rows.h"
-#include "point/operands.h"
+#include "point/operators.h"
 
 namespace zel {
 namespace {
 
-constexpr int32_t LAST_OPERATOR = 7;
+OperatorConstant ValueOf(int32_t value) {
+  OperatorConstant constant{};
+  constant.value = value;
+  return constant;
+}
 
 // Grouped columns of U8 take the low 8 bits of the constant, the remaining ones the constant.
-void MeanConstantRun(int32_t type, int32_t constant, const Plane& plane) {
+void MeanWithConstant(const PointViews& views, int32_t constant) {
   const CompareRows& rows = compareRows();
-  const int64_t grouped = type == IMAGE_U8 ? GroupedColumns(plane) : 0;
-  Plane groups = PlaneColumns(plane, 0, grouped);
-  groups.constant.value = constant & 0xFF;
-  PlaneRun(rows.constant[COMPARE_MEAN][IMAGE_U8], &groups);
+  const int32_t type = views.first.type;
+  const int32_t width = views.result.width;
+  const int32_t grouped = type == IMAGE_U8 ? GroupedColumns(width) : 0;
+  PointWalk(PointColumns(views, 0, grouped), rows.mean.constant[IMAGE_U8],
+            ValueOf(constant & UINT8_MAX));
 
   // (a + c) >> 1 is ((a + odd bit of c) >> 1) + (c >> 1), whatever the signs.
-  Plane rest = PlaneColumns(plane, grouped, plane.width);
-  rest.constant = SumWithConstant(type, constant >> 1);
-  rest.constant.odd = constant & 1;
-  PlaneRun(rows.meanConstant[type], &rest);
+  OperatorConstant half = SumWithConstant(type, constant >> 1);
+  half.odd = constant & 1;
+  PointWalk(PointColumns(views, grouped, width), rows.meanConstant[type], half);
 }
 
-// The range of pixels that a comparison with a constant keeps. Where it keeps none, the range of
-// 0 alone has the same results.
-void KeepConstantRun(int32_t type, CompareOperation compare, int64_t constant, Plane* plane) {
-  const int64_t least = type == IMAGE_U8 ? 0 : INT16_MIN;
-  const int64_t most = type == IMAGE_U8 ? UINT8_MAX : INT16_MAX;
-  int64_t low = least;
-  int64_t high = most;
-  if (compare == COMPARE_KEEP_NOT_BELOW) low = std::max(low, constant);
-  if (compare == COMPARE_KEEP_ABOVE) low = std::max(low, constant + 1);
-  if (compare == COMPARE_KEEP_BELOW) high = std::min(high, constant - 1);
-  if (compare == COMPARE_KEEP_NOT_ABOVE) high = std::min(high, constant);
-  if (low > high) low = high = 0;
-  plane->constant.low = static_cast<int32_t>(low);
-  plane->constant.high = static_cast<int32_t>(high);
-  PlaneRun(compareRows().keepRange[type], plane);
+void SmallerOrLargerThanConstant(const PointViews& views, int32_t constant,
+                                 const CompareRoutines& routines) {
+  const int32_t type = views.first.type;
+  const auto [least, most] = LimitsOf(type);
+  PointWalk(views, routines.constant[type], ValueOf(std::clamp(constant, least, most)));
 }
 
-void IntegerConstantRun(int32_t type, CompareOperation compare, int32_t constant, Plane* plane) {
-  const int32_t least = type == IMAGE_U8 ? 0 : INT16_MIN;
-  const int32_t most = type == IMAGE_U8 ? UINT8_MAX : INT16_MAX;
+void KeepDifferentFromConstant(const PointViews& views, int32_t constant) {
+  const int32_t type = views.first.type;
+  const auto [least, most] = LimitsOf(type);
   const bool inRange = constant >= least && constant <= most;
-  switch (compare) {
-    case COMPARE_MEAN:
-      MeanConstantRun(type, constant, *plane);
-      return;
-    case COMPARE_MINIMUM:
-    case COMPARE_MAXIMUM:
-      plane->constant.value = std::clamp(constant, least, most);
-      break;
-    case COMPARE_KEEP_DIFFERENT:
-      // No pixel equals a constant out of range: clearing those that are 0 keeps all as they are.
-      plane->constant.value = inRange ? constant : 0;
-      break;
-    default:
-      KeepConstantRun(type, compare, constant, plane);
-      return;
-  }
-  PlaneRun(compareRows().constant[compare][type], plane);
+  // No pixel equals a constant out of range: clearing those that are 0 keeps all as they are.
+  PointWalk(views, compareRows().keepDifferent.constant[type], ValueOf(inRange ? constant : 0));
 }
 
-void CompareKernel(ImageRef first, ImageRef second, ImageRef destination, const int32_t* operation,
-                   const float* constant, Status* status) {
-  const int32_t compare = std::clamp(*operation, 0, LAST_OPERATOR);
-  const auto code = static_cast<int16_t>(OPERATION_MEAN + 2 * compare);
-  OperatorKernel(first, second, destination, code, false, constant, &CompareDispatch, status);
+// Pixels from one value to another are kept. Where that is none, the range of 0 alone has the same
+// results.
+void KeepFromTo(const PointViews& views, int64_t low, int64_t high) {
+  const int32_t type = views.first.type;
+  const auto [least, most] = LimitsOf(type);
+  OperatorConstant range{};
+  range.low = static_cast<int32_t>(std::max<int64_t>(low, least));
+  range.high = static_cast<int32_t>(std::min<int64_t>(high, most));
+  if (low > most || high < least) range.low = range.high = 0;
+  PointWalk(views, compareRows().keepRange[type], range);
+}
+
+// One comparison: its routines, and what it does with a constant on integer pixels.
+struct Comparison {
+  CompareRoutines CompareRows::*routines;
+  void (*integerConstant)(const PointViews& views, int32_t constant);
+};
+
+// In the order of the numbers that callers pass.
+constexpr Comparison COMPARISONS[] = {
+    {.routines = &CompareRows::mean, .integerConstant = &MeanWithConstant},
+    {.routines = &CompareRows::minimum,
+     .integerConstant =
+         [](const PointViews& views, int32_t c) {
+           SmallerOrLargerThanConstant(views, c, compareRows().minimum);
+         }},
+    {.routines = &CompareRows::maximum,
+     .integerConstant =
+         [](const PointViews& views, int32_t c) {
+           SmallerOrLargerThanConstant(views, c, compareRows().maximum);
+         }},
+    {.routines = &CompareRows::keepNotBelow,
+     .integerConstant = [](const PointViews& views,
+                           int32_t c) { KeepFromTo(views, c, INT32_MAX); }},
+    {.routines = &CompareRows::keepAbove,
+     .integerConstant = [](const PointViews& views,
+                           int32_t c) { KeepFromTo(views, int64_t{c} + 1, INT32_MAX); }},
+    {.routines = &CompareRows::keepDifferent, .integerConstant = &KeepDifferentFromConstant},
+    {.routines = &CompareRows::keepBelow,
+     .integerConstant = [](const PointViews& views,
+                           int32_t c) { KeepFromTo(views, INT32_MIN, int64_t{c} - 1); }},
+    {.routines = &CompareRows::keepNotAbove,
+     .integerConstant = [](const PointViews& views,
+                           int32_t c) { KeepFromTo(views, INT32_MIN, c); }},
+};
+constexpr int32_t LAST_COMPARISON = static_cast<int32_t>(std::size(COMPARISONS)) - 1;
+
+void FloatConstantWalk(const PointViews& views, const CompareRoutines& routines, float constant) {
+  const CompareRows& rows = compareRows();
+  // No sum with a constant below this is beyond the type.
+  constexpr float sumStaysInRange = 1e30f;
+  const bool isPlainMean = &routines == &rows.mean && std::fabs(constant) < sumStaysInRange;
+  OperatorConstant prepared{};
+  prepared.real = constant;
+  PointWalk(views, isPlainMean ? rows.halfOfSum : routines.floatConstant, prepared);
+}
+
+Status Compare(ImageRef first, ImageRef second, ImageRef destination, int32_t operation,
+               float constant) {
+  OperatorOperands operands;
+  const Status status =
+      ScalarOperandsSettle(first, second, destination, OperandOrder::MATTERS, &operands);
+  if (status != STATUS_OK || operands.isDone) return status;
+
+  const Comparison& comparison = COMPARISONS[std::clamp(operation, 0, LAST_COMPARISON)];
+  const CompareRoutines& routines = compareRows().*comparison.routines;
+  const PointViews& views = operands.views;
+  if (operands.hasSecond) {
+    PointWalk(views, routines.images.For(views), OperatorConstant{});
+  } else if (views.first.type == IMAGE_SGL) {
+    FloatConstantWalk(views, routines, constant);
+  } else {
+    comparison.integerConstant(views, CutSaturated(static_cast<double>(constant)));
+  }
+  return STATUS_OK;
 }
 
 }  // namespace
-
-void CompareDispatch(const RowOperation& operation, Status* status) {
-  if (operation.code < OPERATION_MEAN || operation.code >= OPERATION_ADD) {
-    *status = STATUS_INTERNAL;
-    return;
-  }
-  const auto compare = static_cast<CompareOperation>(operation.code / 2);
-  Plane plane{};
-  if (!ScalarPlaneOf(operation, &plane, status)) return;
-
-  const CompareRows& rows = compareRows();
-  const int32_t type = operation.type1;
-  if (!OperationHasConstant(operation.code)) {
-    PlaneRun(rows.images[compare].byPair[ScalarPair(type, operation.type2)], &plane);
-  } else if (type == IMAGE_SGL) {
-    // No sum with a constant below this is beyond the type.
-    constexpr float sumStaysInRange = 1e30f;
-    const float constant = operation.constantFloat;
-    const bool isPlainMean = compare == COMPARE_MEAN && std::fabs(constant) < sumStaysInRange;
-    plane.constant.real = constant;
-    PlaneRun(isPlainMean ? rows.halfOfSum : rows.constant[compare][IMAGE_SGL], &plane);
-  } else {
-    IntegerConstantRun(type, compare, operation.constantInt, &plane);
-  }
-}
-
 }  // namespace zel
 
 int32_t ZEL_Compare(ImageRef first, ImageRef second, ImageRef destination, int32_t operation,
                     float constant) {
-  zel::Status status = zel::STATUS_OK;
-  zel::CompareKernel(first, second, destination, &operation, &constant, &status);
-  return ZEL_ProcessError("ZEL_Compare", status);
+  return ZEL_ProcessError("ZEL_Compare",
+                          zel::Compare(first, second, destination, operation, constant));
 }

@@ -83,28 +83,28 @@ struct KeepNotAbove {
 };
 
 template <class T, class Rule>
-void Constant(const Plane& plane) {
-  const auto b = static_cast<T>(plane.constant.value);
-  ForPixels<T, T>(plane, [=](T a) { return Rule()(a, b); });
+void Constant(const PointViews& views, const OperatorConstant& constant) {
+  const auto b = static_cast<T>(constant.value);
+  MapSamePlace<T, T>(views, [=](T a) { return Rule()(a, b); });
 }
 
 template <class T>
-void KeepRange(const Plane& plane) {
-  const auto low = static_cast<T>(plane.constant.low);
-  const auto high = static_cast<T>(plane.constant.high);
-  ForPixels<T, T>(plane, [=](T a) {
+void KeepRange(const PointViews& views, const OperatorConstant& constant) {
+  const auto low = static_cast<T>(constant.low);
+  const auto high = static_cast<T>(constant.high);
+  MapSamePlace<T, T>(views, [=](T a) {
     const T raised = a < low ? T{0} : a;
     return a > high ? T{0} : raised;
   });
 }
 
 template <class T>
-void MeanConstant(const Plane& plane) {
-  const auto low = static_cast<T>(plane.constant.low);
-  const auto high = static_cast<T>(plane.constant.high);
-  const auto value = static_cast<T>(static_cast<uint32_t>(plane.constant.value));
-  const auto odd = static_cast<T>(plane.constant.odd);
-  ForPixels<T, T>(plane, [=](T a) {
+void MeanConstant(const PointViews& views, const OperatorConstant& constant) {
+  const auto low = static_cast<T>(constant.low);
+  const auto high = static_cast<T>(constant.high);
+  const auto value = static_cast<T>(static_cast<uint32_t>(constant.value));
+  const auto odd = static_cast<T>(constant.odd);
+  MapSamePlace<T, T>(views, [=](T a) {
     const auto half = static_cast<T>(static_cast<T>(a >> 1) + static_cast<T>(a & odd));
     const T raised = half > low ? half : low;
     const T limited = raised < high ? raised : high;
@@ -112,25 +112,35 @@ void MeanConstant(const Plane& plane) {
   });
 }
 
+template <class Rule>
+constexpr CompareRoutines ROUTINES = {
+    .images = IMAGES<Rule>,
+    .constant = {&Constant<uint8_t, Rule>, &Constant<int16_t, Rule>},
+    .floatConstant = &FloatConstant<Rule>,
+};
+
+// Integers are compared with a constant by the range of pixels that are kept.
+template <class Rule>
+constexpr CompareRoutines ORDERED = {
+    .images = IMAGES<Rule>,
+    .constant = {},
+    .floatConstant = &FloatConstant<Rule>,
+};
+
 }  // namespace
 
 extern const CompareRows compareRows = {
-    {IMAGES<Mean>, IMAGES<Minimum>, IMAGES<Maximum>, IMAGES<KeepNotBelow>, IMAGES<KeepAbove>,
-     IMAGES<KeepDifferent>, IMAGES<KeepBelow>, IMAGES<KeepNotAbove>},
-    {
-        {&Constant<uint8_t, Mean>, &Constant<int16_t, Mean>, &FloatConstant<Mean>},
-        {&Constant<uint8_t, Minimum>, &Constant<int16_t, Minimum>, &FloatConstant<Minimum>},
-        {&Constant<uint8_t, Maximum>, &Constant<int16_t, Maximum>, &FloatConstant<Maximum>},
-        {nullptr, nullptr, &FloatConstant<KeepNotBelow>},
-        {nullptr, nullptr, &FloatConstant<KeepAbove>},
-        {&Constant<uint8_t, KeepDifferent>, &Constant<int16_t, KeepDifferent>,
-         &FloatConstant<KeepDifferent>},
-        {nullptr, nullptr, &FloatConstant<KeepBelow>},
-        {nullptr, nullptr, &FloatConstant<KeepNotAbove>},
-    },
-    &FloatConstant<HalfOfSum>,
-    {&KeepRange<uint8_t>, &KeepRange<int16_t>},
-    {&MeanConstant<uint8_t>, &MeanConstant<int16_t>},
+    .mean = ROUTINES<Mean>,
+    .minimum = ROUTINES<Minimum>,
+    .maximum = ROUTINES<Maximum>,
+    .keepNotBelow = ORDERED<KeepNotBelow>,
+    .keepAbove = ORDERED<KeepAbove>,
+    .keepDifferent = ROUTINES<KeepDifferent>,
+    .keepBelow = ORDERED<KeepBelow>,
+    .keepNotAbove = ORDERED<KeepNotAbove>,
+    .halfOfSum = &FloatConstant<HalfOfSum>,
+    .keepRange = {&KeepRange<uint8_t>, &KeepRange<int16_t>},
+    .meanConstant = {&MeanConstant<uint8_t>, &MeanConstant<int16_t>},
 };
 
 }  // namespace zel::ZEL_LEVEL

@@ -2,33 +2,28 @@
 #pragma once
 
 #include "engine/levels.h"
-#include "point/plane.h"
+#include "point/operator_rules.h"
 
 namespace zel {
 
-enum CompareOperation : int32_t {
-  COMPARE_MEAN = 0,
-  COMPARE_MINIMUM = 1,
-  COMPARE_MAXIMUM = 2,
-  COMPARE_KEEP_NOT_BELOW = 3,
-  COMPARE_KEEP_ABOVE = 4,
-  COMPARE_KEEP_DIFFERENT = 5,
-  COMPARE_KEEP_BELOW = 6,
-  COMPARE_KEEP_NOT_ABOVE = 7,
-  COMPARE_COUNT = 8,
+// One comparison: its routines for two images, and with a constant in place of the second: value,
+// or real for floats.
+struct CompareRoutines {
+  PairRoutines images;
+  OperatorRoutine constant[INTEGER_TYPES];  // null where keepRange serves
+  OperatorRoutine floatConstant;
 };
 
 struct CompareRows {
-  PairRoutines images[COMPARE_COUNT];
-  // With PlaneConstant::value, or real for floats, in place of the second image; by scalar type.
-  // Of integers only mean, minimum, maximum and keep-different are here.
-  PlaneRoutine constant[COMPARE_COUNT][SCALAR_TYPES];
+  CompareRoutines mean, minimum, maximum;
+  // The first operand where the comparison with the second holds, else 0.
+  CompareRoutines keepNotBelow, keepAbove, keepDifferent, keepBelow, keepNotAbove;
   // floats: the mean with a constant so small that no sum is beyond the type
-  PlaneRoutine halfOfSum;
+  OperatorRoutine halfOfSum;
   // integers: pixels from low to high, 0 in place of others
-  PlaneRoutine keepRange[2];
+  OperatorRoutine keepRange[INTEGER_TYPES];
   // integers: half of the sum of pixel and odd (0 or 1), limited to low..high, plus value
-  PlaneRoutine meanConstant[2];
+  OperatorRoutine meanConstant[INTEGER_TYPES];
 };
 ZEL_ROW_TABLE(CompareRows, compareRows)
 

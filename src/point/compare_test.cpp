@@ -85,26 +85,26 @@ void Coarsen(const TestImage& image) {
 
 TEST(Compare, ImagesOfAllTypePairsAndSizesFollowTheRules) {
   for (int32_t operation = 0; operation < 8; operation++) {
-      for (int32_t type1 = IMAGE_U8; type1 <= IMAGE_SGL; type1++) {
-        for (int32_t type2 = IMAGE_U8; type2 <= type1; type2++) {
-          uint64_t seed = 1;
-          for (const auto& [width, height] : ODD_SIZES) {
-            const TestImage first(type1, width, height, Border(seed), seed);
-            const TestImage second(type2, width, height, Border(seed + 1), seed + 50);
-            Coarsen(first);
-            Coarsen(second);
-            TestImage destination(type1, width, height, Border(seed + 2), seed + 70);
-            const auto surroundings = destination.Surroundings();
-            seed++;
-            ASSERT_EQ(ZEL_Compare(first, second, destination, operation, 3.0f), 0);
-            ASSERT_EQ(Difference(destination, ImagesResult(operation, first, second)), "")
-                << operation << " types " << type1 << ' ' << type2;
-            ASSERT_EQ(destination.Surroundings(), surroundings);
-          }
+    for (int32_t type1 = IMAGE_U8; type1 <= IMAGE_SGL; type1++) {
+      for (int32_t type2 = IMAGE_U8; type2 <= type1; type2++) {
+        uint64_t seed = 1;
+        for (const auto& [width, height] : ODD_SIZES) {
+          const TestImage first(type1, width, height, Border(seed), seed);
+          const TestImage second(type2, width, height, Border(seed + 1), seed + 50);
+          Coarsen(first);
+          Coarsen(second);
+          TestImage destination(type1, width, height, Border(seed + 2), seed + 70);
+          const auto surroundings = destination.Surroundings();
+          seed++;
+          ASSERT_EQ(ZEL_Compare(first, second, destination, operation, 3.0f), 0);
+          ASSERT_EQ(Difference(destination, ImagesResult(operation, first, second)), "")
+              << operation << " types " << type1 << ' ' << type2;
+          ASSERT_EQ(destination.Surroundings(), surroundings);
         }
       }
     }
   }
+}
 
 TEST(Compare, EveryPairOfBytesFollowsTheRules) {
   const TestImage first(IMAGE_U8, 256, 256);
@@ -119,8 +119,8 @@ TEST(Compare, EveryPairOfBytesFollowsTheRules) {
   for (int32_t operation = 0; operation < 8; operation++) {
     const TestImage expected = ImagesResult(operation, first, second);
     ASSERT_EQ(ZEL_Compare(first, second, destination, operation, 0), 0);
-      ASSERT_EQ(Difference(destination, expected), "") << operation;
-      }
+    ASSERT_EQ(Difference(destination, expected), "") << operation;
+  }
 }
 
 TEST(Compare, ConstantsOfAllTypesFollowTheRulesColumnByColumn) {
@@ -131,27 +131,27 @@ TEST(Compare, ConstantsOfAllTypesFollowTheRulesColumnByColumn) {
       -32768.0f, -32769.0f, -65537.0f, -1e6f,    3e9f,     -3e9f,    INFINITY, -INFINITY, NAN,
   };
   for (const int32_t mmx : {0, 1}) {
-      zel::MmxForce(mmx);
-      for (int32_t operation = 0; operation < 8; operation++) {
-        for (int32_t type = IMAGE_U8; type <= IMAGE_SGL; type++) {
-          for (const float constant : constants) {
-            for (const int32_t width : {1, 7, 8, 9, 15, 16, 17, 31, 33, 70}) {
-              const TestImage first(type, width, 3, Border(width), static_cast<uint64_t>(width));
-              Coarsen(first);
-              const test::Row row(first, type, 0);
-              row.Set(0, 255.0);  // the extremes, whatever the random pixels are
-              if (type != IMAGE_U8) row.Set(width - 1, -32768.0);
-              TestImage destination(type, 2, 2, 1, 9);
-              ASSERT_EQ(ZEL_Compare(first, 0, destination, operation, constant), 0);
-              ASSERT_EQ(
-                  Difference(destination, ConstantResult(operation, first, constant, mmx != 0)), "")
-                  << operation << " type " << type << " constant " << constant;
-            }
+    zel::MmxForce(mmx);
+    for (int32_t operation = 0; operation < 8; operation++) {
+      for (int32_t type = IMAGE_U8; type <= IMAGE_SGL; type++) {
+        for (const float constant : constants) {
+          for (const int32_t width : {1, 7, 8, 9, 15, 16, 17, 31, 33, 70}) {
+            const TestImage first(type, width, 3, Border(width), static_cast<uint64_t>(width));
+            Coarsen(first);
+            const test::Row row(first, type, 0);
+            row.Set(0, 255.0);  // the extremes, whatever the random pixels are
+            if (type != IMAGE_U8) row.Set(width - 1, -32768.0);
+            TestImage destination(type, 2, 2, 1, 9);
+            ASSERT_EQ(ZEL_Compare(first, 0, destination, operation, constant), 0);
+            ASSERT_EQ(Difference(destination, ConstantResult(operation, first, constant, mmx != 0)),
+                      "")
+                << operation << " type " << type << " constant " << constant;
           }
         }
       }
     }
   }
+}
 
 TEST(Compare, ConstantOfTheMeanActsByItsLowByteInGroupedColumnsOnly) {
   const TestImage image(IMAGE_U8, 9, 1);
@@ -172,22 +172,22 @@ TEST(Compare, FloatsKeepInfinitiesNanAndZeros) {
                                      -inf, NAN,   1e-42f, 3.4028235e38f, -3e38f};
   const auto count = static_cast<int32_t>(values.size());
   const TestImage first(IMAGE_SGL, count * count, 1);
-    const TestImage second(IMAGE_SGL, count * count, 1);
-    for (int32_t i = 0; i < count * count; i++) {
-      first.Set<float>(i, 0, values[static_cast<size_t>(i / count)]);
-      second.Set<float>(i, 0, values[static_cast<size_t>(i % count)]);
-    }
-    TestImage destination(IMAGE_SGL, 0, 0);
-    for (int32_t operation = 0; operation < 8; operation++) {
-      ASSERT_EQ(ZEL_Compare(first, second, destination, operation, 0), 0);
-      ASSERT_EQ(Difference(destination, ImagesResult(operation, first, second)), "") << operation;
-      for (const float constant : values) {
-        ASSERT_EQ(ZEL_Compare(first, 0, destination, operation, constant), 0);
-        ASSERT_EQ(Difference(destination, ConstantResult(operation, first, constant, true)), "")
-            << operation << " constant " << constant;
-      }
+  const TestImage second(IMAGE_SGL, count * count, 1);
+  for (int32_t i = 0; i < count * count; i++) {
+    first.Set<float>(i, 0, values[static_cast<size_t>(i / count)]);
+    second.Set<float>(i, 0, values[static_cast<size_t>(i % count)]);
+  }
+  TestImage destination(IMAGE_SGL, 0, 0);
+  for (int32_t operation = 0; operation < 8; operation++) {
+    ASSERT_EQ(ZEL_Compare(first, second, destination, operation, 0), 0);
+    ASSERT_EQ(Difference(destination, ImagesResult(operation, first, second)), "") << operation;
+    for (const float constant : values) {
+      ASSERT_EQ(ZEL_Compare(first, 0, destination, operation, constant), 0);
+      ASSERT_EQ(Difference(destination, ConstantResult(operation, first, constant, true)), "")
+          << operation << " constant " << constant;
     }
   }
+}
 
 // Every exponent, subnormal numbers and sums beyond the type among them.
 TEST(Compare, MeanOfFloatsIsRoundedOnce) {
@@ -210,9 +210,9 @@ TEST(Compare, MeanOfFloatsIsRoundedOnce) {
   }
   const TestImage expected = ImagesResult(0, first, second);
   TestImage destination(IMAGE_SGL, 0, 0);
-    ASSERT_EQ(ZEL_Compare(first, second, destination, 0, 0), 0);
-    ASSERT_EQ(Difference(destination, expected), "");
-    for (const float constant : {0.1f, -3.4e-38f, 1.4e-45f, 9e29f, 1.1e30f, -3.4e38f}) {
+  ASSERT_EQ(ZEL_Compare(first, second, destination, 0, 0), 0);
+  ASSERT_EQ(Difference(destination, expected), "");
+  for (const float constant : {0.1f, -3.4e-38f, 1.4e-45f, 9e29f, 1.1e30f, -3.4e38f}) {
     TestImage destination(IMAGE_SGL, 0, 0);
     ASSERT_EQ(ZEL_Compare(first, 0, destination, 0, constant), 0);
     ASSERT_EQ(Difference(destination, ConstantResult(0, first, constant, true)), "") << constant;

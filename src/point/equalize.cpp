@@ -1,10 +1,10 @@
 // Equalisation: a lookup that spreads the levels of an image by its histogram.
 #include <cmath>
 
-#include "statistics/histogram.h"
 #include "core/heap.h"
 #include "point/lookup.h"
 #include "point/lookup_rows.h"
+#include "statistics/histogram.h"
 
 namespace zel {
 namespace {
@@ -91,75 +91,98 @@ void EqualizeTable(const ClassCounts& histogram, const Equalizer& equalizer,
   }
 }
 
-void EqualizeSgl(const LookupOperation& operation, const ClassCounts& histogram,
-                 const Equalizer& equalizer, const LookupLimits& limits, Status* status) {
-  WorkArray<float> values;
-  if (!values.AllocateZeroed(static_cast<uint64_t>(histogram.classes))) {
-    *status = STATUS_MEMORY_FULL;
-    return;
-  }
+// The values of the classes that the curve passes; 0 for the others.
+void EqualizeValues(const ClassCounts& histogram, const Equalizer& equalizer, float* values) {
   double sum = 0.0;
   for (int32_t c = equalizer.firstClass; c <= equalizer.lastClass; c++) {
     sum += histogram.counts[c];
-    values.data()[c] = static_cast<float>(equalizer.Value(sum, 0.0));
+    values[c] = static_cast<float>(equalizer.Value(sum, 0.0));
   }
-  lookupRows().curveSgl(operation, {.values = values.data(),
-                                    .classes = histogram.classes,
-                                    .first = histogram.first,
-                                    .width = histogram.width,
-                                    .rangeMin = limits.rangeMin,
-                                    .rangeMax = limits.rangeMax});
 }
 
-void EqualizeKernel(ImageRef source, ImageRef mask, ImageRef destination,
-                    const ClassCounts* histogram, const float* rangeMin, const float* rangeMax,
-                    Status* status) {
-  if (!ImageLookup(source, status)) return;
-  if (histogram->classes < 1) {
-    *status = STATUS_MEMORY_ERROR;
-    return;
+// What the curve is worked out in, made before the destination is settled: entries of 0.
+struct EqualizeTables {
+  uint16_t bytes[LEVELS_U8] = {};
+  WorkArray<uint16_t> words;  // of all levels
+  WorkArray<float> values;    // by class
+
+  Status Create(int32_t type, int32_t classes) {
+    const bool made = type == IMAGE_U8    ? true
+                      : type == IMAGE_I16 ? words.AllocateZeroed(LEVELS_I16)
+                                          : values.AllocateZeroed(static_cast<uint64_t>(classes));
+    return made ? STATUS_OK : STATUS_MEMORY_FULL;
   }
-  ReplacementImage replacement(status);
-  const LookupOperation operation =
-      LookupPrepare(source, mask, destination, &TypeIsScalar, &replacement, status);
-  if (operation.IsEmpty()) return;
-  const LookupLimits limits = LookupLimitsOf(operation, *rangeMin, *rangeMax, status);
-  const Equalizer equalizer = EqualizerOf(*histogram, limits);
-  if (operation.type == IMAGE_SGL) {
-    return EqualizeSgl(operation, *histogram, equalizer, limits, status);
+};
+
+Status EqualizeBy(const ClassCounts& histogram, float rangeMin, float rangeMax,
+                  Operands* operands) {
+  const int32_t type = operands->source().type;
+  EqualizeTables tables;
+  const Status status = tables.Create(type, histogram.classes);
+  if (status != STATUS_OK) return status;
+  const PointViews views = LookupSettle(operands);
+  if (views.result.IsEmpty()) return operands->status();
+
+  const LookupLimits limits = LookupLimitsOf(views.first, views.mask, rangeMin, rangeMax);
+  const Equalizer equalizer = EqualizerOf(histogram, limits);
+  if (type == IMAGE_SGL) {
+    EqualizeValues(histogram, equalizer, tables.values.data());
+    PointWalk(views, lookupRows().curveSgl,
+              ClassCurve{.values = tables.values.data(),
+                         .classes = histogram.classes,
+                         .first = histogram.first,
+                         .width = histogram.width,
+                         .rangeMin = limits.rangeMin,
+                         .rangeMax = limits.rangeMax});
+  } else if (!limits.IsEmpty()) {
+    uint16_t* table = type == IMAGE_U8 ? tables.bytes : tables.words.data();
+    EqualizeTable(histogram, equalizer, limits, table);
+    LookupApply(views, table);
   }
-  if (limits.IsEmpty()) return;
-  if (operation.type == IMAGE_U8) {
-    uint16_t table[LEVELS_U8] = {};
-    EqualizeTable(*histogram, equalizer, limits, table);
-    return LookupApply(operation, table, status);
-  }
-  WorkArray<uint16_t> table;
-  if (!table.AllocateZeroed(LEVELS_I16)) {
-    *status = STATUS_MEMORY_FULL;
-    return;
-  }
-  EqualizeTable(*histogram, equalizer, limits, table.data());
-  LookupApply(operation, table.data(), status);
+  return STATUS_OK;
 }
 
 // The histogram of the selected pixels over their whole range.
-void CountClasses(ImageRef source, ImageRef mask, uint32_t (&counts)[CLASSES],
-                  HistogramReport* report, Status* status) {
-  PixelRegion region{};
-  PixelRegionOf(source, mask, &region, status);
-  if (*status != STATUS_OK) return;
-  if (region.type == IMAGE_U8) {  // a class for each level; no other figures are asked for
+Status CountClasses(ImageRef source, ImageRef mask, uint32_t (&counts)[CLASSES],
+                    HistogramReport* report) {
+  Region region;
+  const Status status = RegionOf(source, mask, &region);
+  if (status != STATUS_OK) return status;
+  if (region.view.type == IMAGE_U8) {  // a class for each level; no other figures are asked for
     CountLevels(region, counts);
     report->interval = 1.0f;
-    return;
+    return STATUS_OK;
   }
   ScopedWrap wrap;
-  *status = wrap.Create(counts, sizeof(uint32_t), CLASSES, 0, 0);
-  if (*status != STATUS_OK) return;
-  const int32_t classes = CLASSES;
-  const float wholeRange = 0.0f;
-  HistogramKernel(source, mask, &classes, &wholeRange, &wholeRange, wrap.handle(), report, status);
+  const Status wrapped = wrap.Create(counts, sizeof(uint32_t), CLASSES, 0, 0);
+  if (wrapped != STATUS_OK) return wrapped;
+  return HistogramKernel(source, mask, CLASSES, 0.0f, 0.0f, wrap.handle(), report);
+}
+
+// Null for a histogram or its report: the call makes its own.
+Status Equalize(ImageRef source, ImageRef mask, ImageRef destination, const uint32_t* histogram,
+                int32_t count, const HistogramReport* report, float rangeMin, float rangeMax) {
+  uint32_t ownCounts[CLASSES] = {};
+  HistogramReport used{};
+  ClassCounts counts{histogram, count, 0.0, 0.0};
+  if (histogram && report) {
+    used = *report;
+    Image* image = nullptr;
+    const Status status = ImageLookup(source, &image);
+    if (status != STATUS_OK) return status;
+    if (count < 1) return STATUS_MEMORY_ERROR;
+  } else {
+    const Status status = CountClasses(source, mask, ownCounts, &used);
+    if (status != STATUS_OK) return status;
+    counts.counts = ownCounts;
+    counts.classes = CLASSES;
+  }
+  counts.first = static_cast<double>(used.start);
+  counts.width = static_cast<double>(used.interval);
+  Operands operands;
+  LookupCheck(source, mask, destination, &TypeIsScalar, &operands);
+  return operands.HasFailed() ? operands.status()
+                              : EqualizeBy(counts, rangeMin, rangeMax, &operands);
 }
 
 }  // namespace
@@ -168,21 +191,6 @@ void CountClasses(ImageRef source, ImageRef mask, uint32_t (&counts)[CLASSES],
 int32_t ZEL_Equalize(ImageRef source, ImageRef mask, ImageRef destination,
                      const uint32_t* histogram, int32_t count, const HistogramReport* report,
                      float rangeMin, float rangeMax) {
-  zel::Status status = zel::STATUS_OK;
-  uint32_t ownCounts[zel::CLASSES] = {};
-  HistogramReport used{};
-  zel::ClassCounts counts{histogram, count, 0.0, 0.0};
-  if (histogram && report) {
-    used = *report;
-  } else {
-    zel::CountClasses(source, mask, ownCounts, &used, &status);
-    counts.counts = ownCounts;
-    counts.classes = zel::CLASSES;
-  }
-  if (status == zel::STATUS_OK) {
-    counts.first = static_cast<double>(used.start);
-    counts.width = static_cast<double>(used.interval);
-    zel::EqualizeKernel(source, mask, destination, &counts, &rangeMin, &rangeMax, &status);
-  }
-  return ZEL_ProcessError("ZEL_Equalize", status);
+  return ZEL_ProcessError("ZEL_Equalize", zel::Equalize(source, mask, destination, histogram, count,
+                                                        report, rangeMin, rangeMax));
 }

@@ -133,8 +133,6 @@ TestImage MaskFor(int32_t width, int32_t height, int32_t offsetX, int32_t offset
   return mask;
 }
 
-
-
 TEST(EqualizePixels, SpreadsTheLevelsByTheHistogram) {
   const std::vector<std::pair<float, float>> ranges = {
       {0.0f, 0.0f},       {10.5f, 200.9f},        {-100.0f, 50.0f},      {100.0f, 20.0f},

@@ -1,125 +1,82 @@
 // Bitwise operators on whole pixels.
-#include "core/images.h"
 #include "point/logic_rows.h"
-#include "point/operands.h"
+#include "point/operators.h"
 
 namespace zel {
 namespace {
 
-constexpr bool LogicHasConstant(int16_t code) {
-  return code % 2 == 0 || code == OPERATION_CONSTANT_IF_ZERO;
+// One bitwise operation: its routine for two images, and what it does with a constant.
+struct BitOperation {
+  PointRoutine<NoRule> LogicRows::*images;
+  BitConstant (*withConstant)(uint32_t constant);
+};
+
+constexpr uint32_t ALL_BITS = 0xFFFFFFFF;
+
+constexpr BitOperation AND = {&LogicRows::bitAnd,
+                              [](uint32_t c) { return BitConstant{.keep = c, .flip = 0}; }};
+constexpr BitOperation NOT_AND = {
+    &LogicRows::notAnd, [](uint32_t c) { return BitConstant{.keep = c, .flip = ALL_BITS}; }};
+constexpr BitOperation OR = {&LogicRows::bitOr,
+                             [](uint32_t c) { return BitConstant{.keep = ~c, .flip = c}; }};
+constexpr BitOperation NOT_OR = {&LogicRows::notOr,
+                                 [](uint32_t c) { return BitConstant{.keep = ~c, .flip = ~c}; }};
+constexpr BitOperation XOR = {&LogicRows::bitXor,
+                              [](uint32_t c) { return BitConstant{.keep = ALL_BITS, .flip = c}; }};
+constexpr BitOperation NOT_XOR = {
+    &LogicRows::notXor, [](uint32_t c) { return BitConstant{.keep = ALL_BITS, .flip = ~c}; }};
+constexpr BitOperation DIFFERENCE = {&LogicRows::difference,
+                                     [](uint32_t c) { return BitConstant{.keep = ~c, .flip = 0}; }};
+
+PixelView AsBytes(const PixelView& view) {
+  PixelView bytes = view;
+  bytes.width *= view.pixelBytes;
+  bytes.pixelBytes = 1;
+  return bytes;
 }
 
-PixelWidth LogicPixelWidth(int32_t type) {
-  return type == IMAGE_U8 ? PIXEL_1 : type == IMAGE_I16 ? PIXEL_2 : PIXEL_4;
-}
+Status CombineBits(const BitOperation& operation, ImageRef first, ImageRef second,
+                   ImageRef destination, uint32_t constant) {
+  OperatorOperands operands;
+  const Status status = BitOperandsSettle(first, second, destination, &operands);
+  if (status != STATUS_OK || operands.isDone) return status;
 
-PlaneBits BitsOf(LogicOperation logic, uint32_t constant) {
-  constexpr uint32_t all = 0xFFFFFFFF;
-  switch (logic) {
-    case LOGIC_AND:
-      return {constant, 0};
-    case LOGIC_NOT_AND:
-      return {constant, all};
-    case LOGIC_OR:
-      return {~constant, constant};
-    case LOGIC_NOT_OR:
-      return {~constant, ~constant};
-    case LOGIC_XOR:
-      return {all, constant};
-    case LOGIC_NOT_XOR:
-      return {all, ~constant};
-    default:
-      return {~constant, 0};
+  const LogicRows& rows = logicRows();
+  const PointViews& views = operands.views;
+  if (operands.hasSecond) {
+    const PointViews bytes = {.first = AsBytes(views.first),
+                              .second = AsBytes(views.second),
+                              .result = AsBytes(views.result),
+                              .mask = {}};
+    PointWalk(bytes, rows.*operation.images, NoRule());
+  } else {
+    PointWalk(views, rows.keepAndFlip[PixelWidthOf(views.first)], operation.withConstant(constant));
   }
-}
-
-void LogicKernel(ImageRef first, ImageRef second, ImageRef destination, int16_t code,
-                 const uint32_t* constant, Status* status) {
-  bool isImage = false;
-  bool skip = false;
-  LogicOperandPrepare(first, second, destination, &isImage, &skip, status);
-  if (*status != STATUS_OK || skip) return;
-
-  RowOperation operation{};
-  OperandsRead(first, second, destination, &operation, status);
-  if (*status != STATUS_OK) return;
-  operation.code = isImage ? code : OperationWithConstant(code);
-  operation.constantInt = static_cast<int32_t>(*constant);
-  LogicDispatch(operation, status);
-}
-
-// The operation or its inverse.
-constexpr int16_t InvertedIf(int16_t invert, int16_t code, int16_t inverse) {
-  return invert != 0 ? inverse : code;
+  return STATUS_OK;
 }
 
 }  // namespace
-
-void LogicDispatch(const RowOperation& operation, Status* status) {
-  if (operation.code < OPERATION_AND || operation.code > OPERATION_CONSTANT_IF_ZERO) {
-    *status = STATUS_INTERNAL;
-    return;
-  }
-  const int32_t type = operation.type1;
-  if (operation.type2 != type) {
-    *status = STATUS_OPERAND_TYPE_DIFFERS;
-    return;
-  }
-  if (type != IMAGE_U8 && type != IMAGE_I16 && type != IMAGE_RGB) {
-    *status = STATUS_BAD_OPERAND_TYPE;
-    return;
-  }
-
-  const LogicRows& rows = logicRows();
-  Plane plane{};
-  const auto logic = static_cast<LogicOperation>((operation.code - OPERATION_AND) / 2);
-  const auto constant = static_cast<uint32_t>(operation.constantInt);
-  if (!LogicHasConstant(operation.code)) {
-    PlaneOf(operation, &plane);
-    plane.width *= plane.firstBytes;
-    plane.firstBytes = plane.secondBytes = plane.resultBytes = 1;
-    PlaneRun(rows.images[logic], &plane);
-    return;
-  }
-  PlaneOfFirst(operation, &plane);
-  if (operation.code == OPERATION_CONSTANT_IF_ZERO) {
-    plane.constant.bits.flip = constant;
-    PlaneRun(rows.constantIfZero[LogicPixelWidth(type)], &plane);
-  } else {
-    plane.constant.bits = BitsOf(logic, constant);
-    PlaneRun(rows.keepAndFlip[LogicPixelWidth(type)], &plane);
-  }
-}
-
 }  // namespace zel
 
 int32_t ZEL_And(ImageRef first, ImageRef second, ImageRef destination, int16_t invert,
                 uint32_t constant) {
-  zel::Status status = zel::STATUS_OK;
-  const int16_t code = zel::InvertedIf(invert, zel::OPERATION_AND, zel::OPERATION_NOT_AND);
-  zel::LogicKernel(first, second, destination, code, &constant, &status);
-  return ZEL_ProcessError("ZEL_And", status);
+  return ZEL_ProcessError("ZEL_And", zel::CombineBits(invert != 0 ? zel::NOT_AND : zel::AND, first,
+                                                      second, destination, constant));
 }
 
 int32_t ZEL_Or(ImageRef first, ImageRef second, ImageRef destination, int16_t invert,
                uint32_t constant) {
-  zel::Status status = zel::STATUS_OK;
-  const int16_t code = zel::InvertedIf(invert, zel::OPERATION_OR, zel::OPERATION_NOT_OR);
-  zel::LogicKernel(first, second, destination, code, &constant, &status);
-  return ZEL_ProcessError("ZEL_Or", status);
+  return ZEL_ProcessError("ZEL_Or", zel::CombineBits(invert != 0 ? zel::NOT_OR : zel::OR, first,
+                                                     second, destination, constant));
 }
 
 int32_t ZEL_Xor(ImageRef first, ImageRef second, ImageRef destination, int16_t invert,
                 uint32_t constant) {
-  zel::Status status = zel::STATUS_OK;
-  const int16_t code = zel::InvertedIf(invert, zel::OPERATION_XOR, zel::OPERATION_NOT_XOR);
-  zel::LogicKernel(first, second, destination, code, &constant, &status);
-  return ZEL_ProcessError("ZEL_Xor", status);
+  return ZEL_ProcessError("ZEL_Xor", zel::CombineBits(invert != 0 ? zel::NOT_XOR : zel::XOR, first,
+                                                      second, destination, constant));
 }
 
 int32_t ZEL_LogDiff(ImageRef first, ImageRef second, ImageRef destination, uint32_t constant) {
-  zel::Status status = zel::STATUS_OK;
-  zel::LogicKernel(first, second, destination, zel::OPERATION_LOGDIFF, &constant, &status);
-  return ZEL_ProcessError("ZEL_LogDiff", status);
+  return ZEL_ProcessError("ZEL_LogDiff",
+                          zel::CombineBits(zel::DIFFERENCE, first, second, destination, constant));
 }

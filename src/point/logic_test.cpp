@@ -118,10 +118,10 @@ TEST(Logic, ImagesOfAllTypesAndSizesAreCombinedBitByBit) {
         seed++;
         const TestImage expected = ImagesResult(operation, first, second);
         ASSERT_EQ(Call(operation, first, second, destination, 5), 0);
-          ASSERT_EQ(PixelDifference(destination, expected), "")
-              << static_cast<int>(operation) << " type " << type;
-          ASSERT_EQ(destination.Surroundings(), surroundings);
-              }
+        ASSERT_EQ(PixelDifference(destination, expected), "")
+            << static_cast<int>(operation) << " type " << type;
+        ASSERT_EQ(destination.Surroundings(), surroundings);
+      }
     }
   }
 }
@@ -137,10 +137,10 @@ TEST(Logic, ConstantsActByAsManyLowBitsAsAPixelHas) {
             TestImage destination(type, 1, 1, 2, 3);
             const TestImage expected = ConstantResult(operation, first, constant);
             zel::MmxForce(mmx);
-              ASSERT_EQ(Call(operation, first, 0, destination, constant), 0);
-              ASSERT_EQ(PixelDifference(destination, expected), "")
-                  << static_cast<int>(operation) << " type " << type << " constant " << constant;
-                      }
+            ASSERT_EQ(Call(operation, first, 0, destination, constant), 0);
+            ASSERT_EQ(PixelDifference(destination, expected), "")
+                << static_cast<int>(operation) << " type " << type << " constant " << constant;
+          }
         }
       }
     }
@@ -203,70 +203,6 @@ TEST(Logic, WrongImagesGiveTheirNumbers) {
     EXPECT_EQ(Call(operation, empty, bytes, destination, 0), 0);
     EXPECT_EQ(PixelDifference(destination, bytes), "");
   }
-}
-
-zel::RowOperation OperationOn(const TestImage& first, const TestImage& second,
-                              const TestImage& destination, int16_t code) {
-  const ImageInfo info = first.Info();
-  zel::RowOperation operation{};
-  operation.code = code;
-  operation.type1 = static_cast<int16_t>(info.type);
-  operation.type2 = static_cast<int16_t>(second.Info().type);
-  operation.source1 = info.firstPixel;
-  operation.source2 = second.Info().firstPixel;
-  operation.destination = destination.Info().firstPixel;
-  operation.stride1 = info.lineWidth;
-  operation.stride2 = second.Info().lineWidth;
-  operation.strideDestination = destination.Info().lineWidth;
-  operation.width = info.width;
-  operation.height = info.height;
-  return operation;
-}
-
-TEST(LogicEngine, ConstantIfZeroWritesTheConstantWhereThePixelIsZero) {
-  for (const int32_t type : TYPES) {
-      const TestImage image(type, 37, 3, 1, 5);
-      for (int32_t x = 0; x < 37; x += 2) {
-        std::memset(image.At<uint8_t>(x, 1), 0, static_cast<size_t>(image.Info().pixelBytes));
-      }
-      TestImage destination(type, 37, 3, 2, 6);
-      const auto surroundings = destination.Surroundings();
-      auto operation = OperationOn(image, image, destination, zel::OPERATION_CONSTANT_IF_ZERO);
-      const uint32_t constant = 0xA1B2C3D4;
-      operation.constantInt = static_cast<int32_t>(constant);
-      zel::Status status = 0;
-      zel::LogicDispatch(operation, &status);
-      ASSERT_EQ(status, 0);
-      const TestImage expected =
-          Result(image, [=](uint32_t a, int32_t, int32_t) { return a == 0 ? constant : 0; });
-      ASSERT_EQ(PixelDifference(destination, expected), "") << type;
-      ASSERT_EQ(destination.Surroundings(), surroundings);
-    }
-  }
-
-TEST(OperatorEngines, RefuseTypesAndCodesThatAreNotTheirs) {
-  const TestImage bytes(IMAGE_U8, 8, 2);
-  const TestImage words(IMAGE_I16, 8, 2);
-  const TestImage floats(IMAGE_SGL, 8, 2);
-  const TestImage rgb(IMAGE_RGB, 8, 2);
-  const auto run = [](auto engine, const TestImage& first, const TestImage& second, int16_t code) {
-    zel::Status status = 0;
-    engine(OperationOn(first, second, first, code), &status);
-    return status;
-  };
-  EXPECT_EQ(run(&zel::ArithmeticDispatch, bytes, words, zel::OPERATION_ADD), 305);
-  EXPECT_EQ(run(&zel::ArithmeticDispatch, words, floats, zel::OPERATION_ADD), 305);
-  EXPECT_EQ(run(&zel::ArithmeticDispatch, floats, rgb, zel::OPERATION_ADD), 305);
-  EXPECT_EQ(run(&zel::ArithmeticDispatch, rgb, bytes, zel::OPERATION_ADD), 302);
-  EXPECT_EQ(run(&zel::ArithmeticDispatch, bytes, words, zel::OPERATION_ADD + 1), 0);
-  EXPECT_EQ(run(&zel::ArithmeticDispatch, bytes, bytes, zel::OPERATION_AND), 1001);
-  EXPECT_EQ(run(&zel::CompareDispatch, bytes, words, zel::OPERATION_MINIMUM), 305);
-  EXPECT_EQ(run(&zel::CompareDispatch, rgb, rgb, zel::OPERATION_MINIMUM), 302);
-  EXPECT_EQ(run(&zel::CompareDispatch, bytes, bytes, zel::OPERATION_ADD), 1001);
-  EXPECT_EQ(run(&zel::LogicDispatch, bytes, words, zel::OPERATION_AND), 305);
-  EXPECT_EQ(run(&zel::LogicDispatch, floats, floats, zel::OPERATION_AND), 302);
-  EXPECT_EQ(run(&zel::LogicDispatch, bytes, bytes, zel::OPERATION_ADD), 1001);
-  EXPECT_EQ(run(&zel::MaskRows, bytes, words, 0), 302);
 }
 
 }  // namespace

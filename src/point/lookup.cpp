@@ -1,10 +1,11 @@
 // Tables over pixel values: what is mapped, how a table is applied, and the user's own tables.
 #include "point/lookup.h"
 
-#include "engine/array_convert.h"
 #include "core/heap.h"
+#include "engine/array_convert.h"
 #include "point/lookup_rows.h"
 #include "point/threshold_rows.h"
+#include "statistics/histogram.h"
 
 namespace zel {
 namespace {
@@ -26,168 +27,88 @@ bool TableIsRange(const uint8_t (&table)[LEVELS_U8], ThresholdRange<uint8_t>* ra
   return oneValue || ownValues;
 }
 
-void LookupApplyU8(const LookupOperation& operation, const uint16_t* table) {
+void LookupApplyU8(const PointViews& views, const uint16_t* table) {
   uint8_t bytes[LEVELS_U8];
   for (int32_t level = 0; level < LEVELS_U8; level++) {
     bytes[level] = static_cast<uint8_t>(table[level]);
   }
   ThresholdRange<uint8_t> range{};
-  if (!operation.mask && TableIsRange(bytes, &range)) {
-    thresholdRows().rangeU8(operation, range);
+  if (views.mask.SelectsAll() && TableIsRange(bytes, &range)) {
+    PointWalk(views, thresholdRows().rangeU8, range);
   } else {
-    lookupRows().mapU8(operation, bytes);
+    PointWalk(views, lookupRows().mapU8, ByteTable{bytes});
   }
 }
 
-// A caller's table as 16-bit entries, cut to the levels that there can be.
-struct UserTable {
-  const uint16_t* entries;
-  int32_t count;
-};
-
-// Arrays of 16-bit integers are used where they are, others converted. An unknown array type reads
-// as zeros.
-Status UserTableOf(int32_t arrayType, const void* array, int32_t count,
-                   WorkArray<uint16_t>* converted, UserTable* table) {
-  table->count = Clamped(count, 0, LEVELS_I16);
-  if (arrayType == ARRAY_I16 || arrayType == ARRAY_U16) {
-    table->entries = static_cast<const uint16_t*>(array);
-    return STATUS_OK;
+// A caller's array as a table of all levels: entries beyond the given ones hold their own index.
+// Arrays of 16-bit integers are taken as they are, others converted; an unknown array type reads as
+// zeros.
+Status TableOfArray(int32_t arrayType, const void* array, int32_t count, int32_t levels,
+                    WorkArray<uint16_t>* table) {
+  if (!table->AllocateZeroed(static_cast<uint64_t>(levels))) return STATUS_MEMORY_FULL;
+  const int32_t given = Clamped(count, 0, levels);
+  ArrayConvert(array, arrayType, table->data(), ARRAY_I16, given);
+  for (int32_t level = given; level < levels; level++) {
+    (*table)[static_cast<size_t>(level)] = static_cast<uint16_t>(level);
   }
-  if (!converted->AllocateZeroed(static_cast<uint64_t>(table->count))) return STATUS_MEMORY_FULL;
-  ArrayConvert(array, arrayType, converted->data(), ARRAY_I16, table->count);
-  table->entries = converted->data();
   return STATUS_OK;
 }
 
-void UserLookupU8(const LookupOperation& operation, const UserTable& user, Status* status) {
-  uint16_t table[LEVELS_U8];
-  for (int32_t level = 0; level < LEVELS_U8; level++) {
-    const auto entry = level < user.count ? static_cast<int16_t>(user.entries[level]) : level;
-    table[level] = static_cast<uint16_t>(Clamped(entry, 0, UINT8_MAX));
+// Results of bytes are limited, not cut to their low bits.
+void LimitToBytes(WorkArray<uint16_t>* table) {
+  for (size_t level = 0; level < LEVELS_U8; level++) {
+    const auto entry = static_cast<int16_t>((*table)[level]);
+    (*table)[level] = static_cast<uint16_t>(Clamped(entry, 0, UINT8_MAX));
   }
-  LookupApply(operation, table, status);
 }
 
-void UserLookupI16(const LookupOperation& operation, const UserTable& user, Status* status) {
-  if (user.count == LEVELS_I16) return LookupApply(operation, user.entries, status);
+Status UserLookup(ImageRef source, ImageRef mask, ImageRef destination, int32_t arrayType,
+                  const void* array, int32_t count) {
+  Operands operands;
+  LookupCheck(source, mask, destination, &TypeIsInteger, &operands);
+  if (operands.HasFailed()) return operands.status();
+  const bool isBytes = operands.source().type == IMAGE_U8;
   WorkArray<uint16_t> table;
-  if (!table.Allocate(LEVELS_I16)) {
-    *status = STATUS_MEMORY_FULL;
-    return;
-  }
-  for (int32_t level = 0; level < user.count; level++) {
-    table.data()[level] = user.entries[level];
-  }
-  for (int32_t level = user.count; level < LEVELS_I16; level++) {
-    table.data()[level] = static_cast<uint16_t>(level);
-  }
-  LookupApply(operation, table.data(), status);
-}
+  const Status status =
+      TableOfArray(arrayType, array, count, isBytes ? LEVELS_U8 : LEVELS_I16, &table);
+  if (status != STATUS_OK) return status;
+  if (isBytes) LimitToBytes(&table);
 
-void UserLookupKernel(ImageRef source, ImageRef mask, ImageRef destination, const UserTable* table,
-                      Status* status) {
-  ReplacementImage replacement(status);
-  const LookupOperation operation =
-      LookupPrepare(source, mask, destination, &TypeIsInteger, &replacement, status);
-  if (operation.IsEmpty()) return;
-  if (operation.type == IMAGE_U8) {
-    UserLookupU8(operation, *table, status);
-  } else {
-    UserLookupI16(operation, *table, status);
-  }
+  const PointViews views = LookupSettle(&operands);
+  LookupApply(views, table.data());
+  return operands.status();
 }
 
 }  // namespace
 
-LookupOperation LookupOfImages(const Image& source, const Image& destination) {
-  const PixelGrid from = PixelGridOf(source);
-  const PixelGrid to = PixelGridOf(destination);
-  return {.type = source.type,
-          .source = from.origin,
-          .sourcePitch = from.pitch,
-          .destination = to.origin,
-          .destinationPitch = to.pitch,
-          .mask = nullptr,
-          .maskPitch = 0,
-          .width = from.width,
-          .height = from.height};
+void LookupCheck(ImageRef source, ImageRef mask, ImageRef destination, TypeTest takesType,
+                 Operands* operands) {
+  operands->Source(source, takesType);
+  operands->Destination(destination);
+  operands->Mask(mask);
 }
 
-LookupOperation LookupAsOneRow(const LookupOperation& operation) {
-  int32_t pixelBytes = 0;
-  PixelSize(operation.type, &pixelBytes);
-  const int64_t rowBytes = int64_t{operation.width} * pixelBytes;
-  LookupOperation joined = operation;
-  if (operation.sourcePitch == rowBytes && operation.destinationPitch == rowBytes &&
-      (!operation.mask || operation.maskPitch == operation.width)) {
-    joined.width = operation.width * operation.height;  // below 2^31, as a block's bytes are
-    joined.height = 1;
-  }
-  return joined;
-}
-
-LookupOperation LookupPrepare(ImageRef source, ImageRef mask, ImageRef destination,
-                              bool (*takesType)(int32_t type), ReplacementImage* replacement,
-                              Status* status) {
-  const Image* from = ImageLookup(source, status);
-  if (!from) return {};
-  if (!takesType(from->type)) {
-    *status = STATUS_BAD_TYPE;
-    return {};
-  }
-  ImageRef target = DestinationOfSameType(source, destination, status);
-  if (*status != STATUS_OK) return {};
-  PlacedMask placed{};
-  const bool masked = mask != 0 && mask != source;
-  if (masked) MaskPlace(source, mask, &placed, status);
-  if (*status != STATUS_OK) return {};
-
-  if (masked) {
-    if (mask == target) {
-      if (!replacement->Create(target, *ImageLookup(target, status))) return {};
-      target = replacement->reference();
-    }
-    *status = ImageCopyPixels(source, target);
-    if (*status != STATUS_OK) return {};
-    replacement->Written();
-    if (placed.IsEmpty()) return {};
-    *status = ImageCopyInfo(source, target);
+PointViews LookupSettle(Operands* operands) {
+  if (operands->HasMask()) {
+    operands->WriteBeside(Operands::CAN_RUN_IN_PLACE);
+    operands->TakePixels();
+    if (operands->overlap().IsEmpty()) return {};
+    operands->TakeInfo();
   } else {
-    DestinationLikeSource(source, target, status);
+    operands->TakeInfo();
+    operands->TakeSize();
   }
-  if (*status != STATUS_OK) return {};
-
-  LookupOperation operation =
-      LookupOfImages(*ImageLookup(source, status), *ImageLookup(target, status));
-  if (masked) {
-    const OverlapRect& overlap = placed.overlap;
-    int32_t pixelBytes = 0;
-    PixelSize(operation.type, &pixelBytes);
-    const int64_t column = int64_t{overlap.imageX} * pixelBytes;
-    operation.source += overlap.imageY * operation.sourcePitch + column;
-    operation.destination += overlap.imageY * operation.destinationPitch + column;
-    operation.mask = placed.pixels;
-    operation.maskPitch = placed.pitch;
-    operation.width = overlap.width;
-    operation.height = overlap.height;
-  }
-  return LookupAsOneRow(operation);
+  if (operands->HasFailed()) return {};
+  return {.first = operands->From(),
+          .second = {},
+          .result = operands->To(),
+          .mask = operands->MaskOver()};
 }
 
-LookupLimits LookupLimitsOf(const LookupOperation& operation, float rangeMin, float rangeMax,
-                            Status* status) {
-  LookupLimits limits{0.0f, 255.0f, rangeMin, rangeMax};
-  if (operation.type != IMAGE_U8) {
-    const PixelRegion region{.pixels = operation.source,
-                             .pitch = operation.sourcePitch,
-                             .width = operation.width,
-                             .height = operation.height,
-                             .type = operation.type,
-                             .mask = operation.mask,
-                             .maskPitch = operation.maskPitch};
-    ImageMinMax(region, &limits.low, &limits.high, status);
-  }
+LookupLimits LookupLimitsOf(const PixelView& source, const MaskView& mask, float rangeMin,
+                            float rangeMax) {
+  LookupLimits limits{0.0f, static_cast<float>(UINT8_MAX), rangeMin, rangeMax};
+  if (source.type != IMAGE_U8) ImageMinMax({source, mask}, &limits.low, &limits.high);
   // NaN counts as out of the limits.
   const bool whole = rangeMin == 0.0f && rangeMax == 0.0f;
   if (whole || !(rangeMin >= limits.low)) limits.rangeMin = limits.low;
@@ -195,29 +116,18 @@ LookupLimits LookupLimitsOf(const LookupOperation& operation, float rangeMin, fl
   return limits;
 }
 
-void LookupApply(const LookupOperation& operation, const uint16_t* table, Status* status) {
-  switch (operation.type) {
-    case IMAGE_U8:
-      return LookupApplyU8(operation, table);
-    case IMAGE_I16:
-      return lookupRows().mapI16(operation, table);
-    default:
-      *status = STATUS_BAD_OPERAND_TYPE;
-  }
+void LookupApply(const PointViews& views, const uint16_t* table) {
+  if (views.result.IsEmpty()) return;
+  if (views.result.type == IMAGE_U8) return LookupApplyU8(views, table);
+  PointWalk(views, lookupRows().mapI16, WordTable{table});
 }
 
 }  // namespace zel
 
 int32_t ZEL_UserLookup(ImageRef source, ImageRef mask, ImageRef destination, int32_t arrayType,
                        const void* array, int32_t count) {
-  zel::Status status = array || count < 1 ? zel::STATUS_OK : zel::STATUS_NULL_POINTER;
-  zel::WorkArray<uint16_t> converted;
-  zel::UserTable table{};
-  if (status == zel::STATUS_OK) {
-    status = zel::UserTableOf(arrayType, array, count, &converted, &table);
-  }
-  if (status == zel::STATUS_OK) {
-    zel::UserLookupKernel(source, mask, destination, &table, &status);
-  }
+  const zel::Status status =
+      array || count < 1 ? zel::UserLookup(source, mask, destination, arrayType, array, count)
+                         : zel::STATUS_NULL_POINTER;
   return ZEL_ProcessError("ZEL_UserLookup", status);
 }

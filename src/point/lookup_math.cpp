@@ -178,27 +178,23 @@ LevelLaw LevelLawOf(const MathLaw& law, const LookupLimits& limits) {
   return levels;
 }
 
-void MathLookupU8(const LookupOperation& operation, const LevelLaw& levels, Status* status) {
+void LevelsMapU8(const PointViews& views, const LevelLaw& levels) {
   uint16_t table[LEVELS_U8];
   for (int32_t level = 0; level < LEVELS_U8; level++) table[level] = levels.Entry(level);
-  LookupApply(operation, table, status);
+  LookupApply(views, table);
 }
 
-void MathLookupI16(const LookupOperation& operation, const LevelLaw& levels,
-                   const LookupLimits& limits, Status* status) {
-  WorkArray<uint16_t> table;
-  if (!table.AllocateZeroed(LEVELS_I16)) {
-    *status = STATUS_MEMORY_FULL;
-    return;
-  }
+// The law is worked out for levels that can occur: those between the extremes, or those of the
+// pixels where these are fewer. All entries of the table are 0 before.
+void LevelsMapI16(const PointViews& views, const LevelLaw& levels, const LookupLimits& limits,
+                  uint16_t* table) {
   const auto lowest = static_cast<int64_t>(limits.low);
   const auto highest = static_cast<int64_t>(limits.high);
-  // The law is worked out for levels that can occur: those between the extremes, or those of the
-  // pixels where these are fewer.
-  if (int64_t{operation.width} * operation.height < highest - lowest) {
-    for (int64_t y = 0; y < operation.height; y++) {
-      const auto* row = operation.SourceRow<int16_t>(y);
-      for (int64_t x = 0; x < operation.width; x++) {
+  const PixelView& source = views.first;
+  if (int64_t{source.width} * source.height < highest - lowest) {
+    for (int64_t y = 0; y < source.height; y++) {
+      const auto* row = source.Row<const int16_t>(y);
+      for (int64_t x = 0; x < source.width; x++) {
         table[static_cast<uint16_t>(row[x])] = levels.Entry(row[x]);
       }
     }
@@ -207,46 +203,57 @@ void MathLookupI16(const LookupOperation& operation, const LevelLaw& levels,
       table[static_cast<uint16_t>(level)] = levels.Entry(level);
     }
   }
-  LookupApply(operation, table.data(), status);
+  LookupApply(views, table);
 }
 
-float MathSgl(const MathLaw& law, const LookupLimits& limits, float pixel) {
-  if (pixel <= limits.rangeMin) return 0.0f;
-  if (pixel > limits.rangeMax) return limits.high;
-  const float value =
-      LawStored(law, static_cast<double>(pixel), static_cast<double>(limits.rangeMin), limits.low);
-  return !(value >= limits.low) ? limits.low : !(value <= limits.high) ? limits.high : value;
-}
+struct FloatLaw {
+  MathLaw law;
+  LookupLimits limits;
 
-void MathLookupSgl(const LookupOperation& operation, const MathLaw& law,
-                   const LookupLimits& limits) {
-  for (int64_t y = 0; y < operation.height; y++) {
-    const auto* from = operation.SourceRow<float>(y);
-    auto* to = operation.DestinationRow<float>(y);
-    const uint8_t* mask = operation.mask ? operation.MaskRow(y) : nullptr;
-    for (int64_t x = 0; x < operation.width; x++) {
-      to[x] = !mask || mask[x] != 0 ? MathSgl(law, limits, from[x]) : from[x];
+  float Value(float pixel) const {
+    if (pixel <= limits.rangeMin) return 0.0f;
+    if (pixel > limits.rangeMax) return limits.high;
+    const float value = LawStored(law, static_cast<double>(pixel),
+                                  static_cast<double>(limits.rangeMin), limits.low);
+    return !(value >= limits.low) ? limits.low : !(value <= limits.high) ? limits.high : value;
+  }
+};
+
+void LawOverFloats(const PointViews& views, const FloatLaw& law) {
+  for (int64_t y = 0; y < views.result.height; y++) {
+    const auto* from = views.first.Row<const float>(y);
+    auto* to = views.result.Row<float>(y);
+    const uint8_t* mask = views.mask.Row(y);
+    for (int64_t x = 0; x < views.result.width; x++) {
+      to[x] = !mask || mask[x] != 0 ? law.Value(from[x]) : from[x];
     }
   }
 }
 
-void MathLookupKernel(ImageRef source, ImageRef mask, ImageRef destination,
-                      const int32_t* operation, const float* x, const float* rangeMin,
-                      const float* rangeMax, Status* status) {
-  ReplacementImage replacement(status);
-  const LookupOperation lookup =
-      LookupPrepare(source, mask, destination, &TypeIsScalar, &replacement, status);
-  if (lookup.IsEmpty()) return;
-  const LookupLimits limits = LookupLimitsOf(lookup, *rangeMin, *rangeMax, status);
-  const MathLaw law = LawOf(*operation, *x, limits);
-  if (lookup.type == IMAGE_SGL) return MathLookupSgl(lookup, law, limits);
-  if (limits.IsEmpty()) return;
-  const LevelLaw levels = LevelLawOf(law, limits);
-  if (lookup.type == IMAGE_U8) {
-    MathLookupU8(lookup, levels, status);
-  } else {
-    MathLookupI16(lookup, levels, limits, status);
+Status MathLookup(ImageRef source, ImageRef mask, ImageRef destination, int32_t operation, float x,
+                  float rangeMin, float rangeMax) {
+  Operands operands;
+  LookupCheck(source, mask, destination, &TypeIsScalar, &operands);
+  if (operands.HasFailed()) return operands.status();
+  const int32_t type = operands.source().type;
+  WorkArray<uint16_t> table;
+  if (type == IMAGE_I16 && !table.AllocateZeroed(LEVELS_I16)) return STATUS_MEMORY_FULL;
+
+  const PointViews views = LookupSettle(&operands);
+  if (views.result.IsEmpty()) return operands.status();
+  const LookupLimits limits = LookupLimitsOf(views.first, views.mask, rangeMin, rangeMax);
+  const MathLaw law = LawOf(operation, x, limits);
+  if (type == IMAGE_SGL) {
+    PointWalk(views, &LawOverFloats, FloatLaw{law, limits});
+  } else if (!limits.IsEmpty()) {
+    const LevelLaw levels = LevelLawOf(law, limits);
+    if (type == IMAGE_U8) {
+      LevelsMapU8(views, levels);
+    } else {
+      LevelsMapI16(views, levels, limits, table.data());
+    }
   }
+  return STATUS_OK;
 }
 
 }  // namespace
@@ -254,7 +261,6 @@ void MathLookupKernel(ImageRef source, ImageRef mask, ImageRef destination,
 
 int32_t ZEL_MathLookup(ImageRef source, ImageRef mask, ImageRef destination, int32_t operation,
                        float x, float rangeMin, float rangeMax) {
-  zel::Status status = zel::STATUS_OK;
-  zel::MathLookupKernel(source, mask, destination, &operation, &x, &rangeMin, &rangeMax, &status);
-  return ZEL_ProcessError("ZEL_MathLookup", status);
+  return ZEL_ProcessError("ZEL_MathLookup", zel::MathLookup(source, mask, destination, operation, x,
+                                                            rangeMin, rangeMax));
 }

@@ -29,25 +29,25 @@ ZEL_INLINE void MapPixels(const T* from, T* to, const uint8_t* mask, int64_t beg
 #if defined(ZEL_LEVEL_v4)
 
 // 256 bytes in four registers.
-struct ByteTable {
+struct ShuffleTable {
   __m512i parts[4];
 };
 
-ByteTable ByteTableOf(const uint8_t* table) {
-  ByteTable loaded;
+ShuffleTable ShuffleTableOf(const uint8_t* table) {
+  ShuffleTable loaded;
   for (int32_t i = 0; i < 4; i++) loaded.parts[i] = _mm512_loadu_si512(table + 64 * i);
   return loaded;
 }
 
 // Each permutation takes the low 7 bits of a level from 128 entries; the top bit chooses the half.
-ZEL_INLINE __m512i Mapped(const ByteTable& table, __m512i levels) {
+ZEL_INLINE __m512i Mapped(const ShuffleTable& table, __m512i levels) {
   const __m512i lower = _mm512_permutex2var_epi8(table.parts[0], levels, table.parts[1]);
   const __m512i upper = _mm512_permutex2var_epi8(table.parts[2], levels, table.parts[3]);
   return _mm512_mask_blend_epi8(_mm512_movepi8_mask(levels), lower, upper);
 }
 
 ZEL_INLINE void MapGroup(const uint8_t* from, uint8_t* to, const uint8_t* mask, __mmask64 columns,
-                         const ByteTable& table) {
+                         const ShuffleTable& table) {
   const __m512i levels = _mm512_maskz_loadu_epi8(columns, from);
   __mmask64 selected = columns;
   if (mask) {
@@ -58,16 +58,15 @@ ZEL_INLINE void MapGroup(const uint8_t* from, uint8_t* to, const uint8_t* mask, 
   _mm512_mask_storeu_epi8(to, columns, results);
 }
 
-void MapU8(const LookupOperation& operation, const uint8_t* bytes) {
-  const ByteTable table = ByteTableOf(bytes);
-  const int64_t width = operation.width;
+void MapU8(const PointViews& views, const ByteTable& given) {
+  const ShuffleTable table = ShuffleTableOf(given.entries);
+  const int64_t width = views.result.width;
   const int64_t grouped = width & ~int64_t{63};
   const __mmask64 remaining = (uint64_t{1} << (width - grouped)) - 1;
-  for (int64_t y = 0; y < operation.height; y++) {
-    const auto* from = operation.SourceRow<uint8_t>(y);
-    auto* to = operation.DestinationRow<uint8_t>(y);
-    if (operation.mask) {
-      const uint8_t* mask = operation.MaskRow(y);
+  for (int64_t y = 0; y < views.result.height; y++) {
+    const auto* from = views.first.Row<const uint8_t>(y);
+    auto* to = views.result.Row<uint8_t>(y);
+    if (const uint8_t* mask = views.mask.Row(y)) {
       for (int64_t x = 0; x < grouped; x += 64) {
         MapGroup(from + x, to + x, mask + x, ~uint64_t{0}, table);
       }
@@ -89,12 +88,12 @@ void MapU8(const LookupOperation& operation, const uint8_t* bytes) {
 // bit is set. Shuffle k of a half sees level - 16 k, so that all shuffles up to the level's row
 // answer; each holds the difference (exclusive or) to the row before it, so that together they
 // answer the entry. A saturating subtraction keeps the levels of the other half negative.
-struct ByteTable {
+struct ShuffleTable {
   __m256i differences[16];
 };
 
-ByteTable ByteTableOf(const uint8_t* table) {
-  ByteTable loaded;
+ShuffleTable ShuffleTableOf(const uint8_t* table) {
+  ShuffleTable loaded;
   __m256i before = _mm256_setzero_si256();
   for (int32_t k = 0; k < 16; k++) {
     const __m256i row =
@@ -105,7 +104,7 @@ ByteTable ByteTableOf(const uint8_t* table) {
   return loaded;
 }
 
-ZEL_INLINE __m256i Mapped(const ByteTable& table, __m256i levels) {
+ZEL_INLINE __m256i Mapped(const ShuffleTable& table, __m256i levels) {
   const __m256i step = _mm256_set1_epi8(16);
   __m256i lower = levels;
   __m256i upper = _mm256_xor_si256(levels, _mm256_set1_epi8(-128));
@@ -127,14 +126,14 @@ ZEL_INLINE void Store(uint8_t* at, __m256i bytes) {
   _mm256_storeu_si256(reinterpret_cast<__m256i*>(at), bytes);
 }
 
-void MapU8(const LookupOperation& operation, const uint8_t* bytes) {
-  const ByteTable table = ByteTableOf(bytes);
-  const int64_t width = operation.width;
+void MapU8(const PointViews& views, const ByteTable& given) {
+  const ShuffleTable table = ShuffleTableOf(given.entries);
+  const int64_t width = views.result.width;
   const int64_t grouped = width & ~int64_t{31};
-  for (int64_t y = 0; y < operation.height; y++) {
-    const auto* from = operation.SourceRow<uint8_t>(y);
-    auto* to = operation.DestinationRow<uint8_t>(y);
-    const uint8_t* mask = operation.mask ? operation.MaskRow(y) : nullptr;
+  for (int64_t y = 0; y < views.result.height; y++) {
+    const auto* from = views.first.Row<const uint8_t>(y);
+    auto* to = views.result.Row<uint8_t>(y);
+    const uint8_t* mask = views.mask.Row(y);
     if (mask) {
       for (int64_t x = 0; x < grouped; x += 32) {
         const __m256i levels = Load(from + x);
@@ -144,16 +143,16 @@ void MapU8(const LookupOperation& operation, const uint8_t* bytes) {
     } else {
       for (int64_t x = 0; x < grouped; x += 32) Store(to + x, Mapped(table, Load(from + x)));
     }
-    MapPixels(from, to, mask, grouped, width, bytes);
+    MapPixels(from, to, mask, grouped, width, given.entries);
   }
 }
 
 #else
 
-void MapU8(const LookupOperation& operation, const uint8_t* table) {
-  for (int64_t y = 0; y < operation.height; y++) {
-    MapPixels(operation.SourceRow<uint8_t>(y), operation.DestinationRow<uint8_t>(y),
-              operation.mask ? operation.MaskRow(y) : nullptr, 0, operation.width, table);
+void MapU8(const PointViews& views, const ByteTable& table) {
+  for (int64_t y = 0; y < views.result.height; y++) {
+    MapPixels(views.first.Row<const uint8_t>(y), views.result.Row<uint8_t>(y), views.mask.Row(y), 0,
+              views.result.width, table.entries);
   }
 }
 
@@ -188,12 +187,13 @@ ZEL_INLINE void MapWords(const uint16_t* from, uint16_t* to, const uint16_t* tab
 
 #endif
 
-void MapI16(const LookupOperation& operation, const uint16_t* table) {
-  const int64_t width = operation.width;
-  for (int64_t y = 0; y < operation.height; y++) {
-    const auto* from = operation.SourceRow<uint16_t>(y);
-    auto* to = operation.DestinationRow<uint16_t>(y);
-    const uint8_t* mask = operation.mask ? operation.MaskRow(y) : nullptr;
+void MapI16(const PointViews& views, const WordTable& given) {
+  const uint16_t* table = given.entries;
+  const int64_t width = views.result.width;
+  for (int64_t y = 0; y < views.result.height; y++) {
+    const auto* from = views.first.Row<const uint16_t>(y);
+    auto* to = views.result.Row<uint16_t>(y);
+    const uint8_t* mask = views.mask.Row(y);
     const int64_t grouped = mask ? 0 : width & ~(WORD_GROUP - 1);
     for (int64_t x = 0; x < grouped; x += WORD_GROUP) MapWords(from + x, to + x, table);
     MapPixels(from, to, mask, grouped, width, table);
@@ -203,18 +203,18 @@ void MapI16(const LookupOperation& operation, const uint16_t* table) {
 // The class numbers of a group of pixels are worked out side by side before the values are fetched.
 constexpr int32_t GROUP = 128;
 
-void CurveSgl(const LookupOperation& operation, const ClassCurve& curve) {
+void CurveSgl(const PointViews& views, const ClassCurve& curve) {
   const double first = curve.first;
   const double classWidth = curve.width;
   const double lastClass = curve.classes - 1;
   const float rangeMin = curve.rangeMin;
   const float rangeMax = curve.rangeMax;
-  for (int64_t y = 0; y < operation.height; y++) {
-    const auto* from = operation.SourceRow<float>(y);
-    auto* to = operation.DestinationRow<float>(y);
-    const uint8_t* mask = operation.mask ? operation.MaskRow(y) : nullptr;
-    for (int32_t x = 0; x < operation.width; x += GROUP) {
-      const int32_t size = operation.width - x < GROUP ? operation.width - x : GROUP;
+  for (int64_t y = 0; y < views.result.height; y++) {
+    const auto* from = views.first.Row<const float>(y);
+    auto* to = views.result.Row<float>(y);
+    const uint8_t* mask = views.mask.Row(y);
+    for (int32_t x = 0; x < views.result.width; x += GROUP) {
+      const int32_t size = views.result.width - x < GROUP ? views.result.width - x : GROUP;
       float pixels[GROUP];
       int32_t classes[GROUP];
       uint32_t inside[GROUP];

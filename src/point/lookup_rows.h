@@ -1,12 +1,20 @@
-// Row loops of the lookups, one table of them for each processor level.
+// Row loops of the lookups, one table of them for each processor level. All of them heed the mask:
+// pixels with a mask byte of 0 are copied.
 #pragma once
 
 #include "engine/levels.h"
-#include "point/lookup.h"
+#include "engine/point.h"
 
 namespace zel {
 
-// Values by classes of equal width: the class of a pixel is (pixel - first) / width, cut and
+struct ByteTable {
+  const uint8_t* entries;  // LEVELS_U8
+};
+struct WordTable {
+  const uint16_t* entries;  // LEVELS_I16, indexed by the pixel read as unsigned
+};
+
+// Values by classes of equal width: the class of a pixel is (pixel - first) / width, truncated and
 // limited to the classes there are.
 struct ClassCurve {
   const float* values;
@@ -17,11 +25,10 @@ struct ClassCurve {
 };
 
 struct LookupRows {
-  void (*mapU8)(const LookupOperation& operation, const uint8_t* table);
-  void (*mapI16)(const LookupOperation& operation, const uint16_t* table);
-  void (*curveSgl)(const LookupOperation& operation, const ClassCurve& curve);
+  PointRoutine<ByteTable> mapU8;
+  PointRoutine<WordTable> mapI16;
+  PointRoutine<ClassCurve> curveSgl;
 };
-
 ZEL_ROW_TABLE(LookupRows, lookupRows)
 
 }  // namespace zel

@@ -59,8 +59,6 @@ TestImage RandomMask(int32_t width, int32_t height, int32_t offsetX, int32_t off
   return mask;
 }
 
-
-
 TEST(LookupPixels, MapsEveryPixelThroughTheTable) {
   for (const int32_t type : {IMAGE_U8, IMAGE_I16}) {
     for (const size_t count : {size_t{0}, size_t{10}, size_t{255}, size_t{256}, size_t{300},

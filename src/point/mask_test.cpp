@@ -56,13 +56,13 @@ TEST(Mask, SelectsPixelsOfAllTypesAndSizesAndClearsTheBorder) {
       seed++;
       const TestImage expected = Masked(source, mask);
       for (const int32_t mmx : {0, 1}) {
-          zel::MmxForce(mmx);
-          TestImage destination(type, 2, 2, Border(seed + 2), seed + 2);
-          ASSERT_EQ(ZEL_Mask(source, mask, destination), 0);
-          ASSERT_EQ(PixelDifference(destination, expected), "") << type;
-          ASSERT_TRUE(IsAllZero(destination.Surroundings()));
-        }
-          }
+        zel::MmxForce(mmx);
+        TestImage destination(type, 2, 2, Border(seed + 2), seed + 2);
+        ASSERT_EQ(ZEL_Mask(source, mask, destination), 0);
+        ASSERT_EQ(PixelDifference(destination, expected), "") << type;
+        ASSERT_TRUE(IsAllZero(destination.Surroundings()));
+      }
+    }
   }
 }
 

@@ -1,33 +1,33 @@
 // For row sources only: the routines of one rule for all pairs of scalar types.
 #pragma once
 
-#include "point/plane.h"
+#include "point/operator_rules.h"
 
 namespace zel::ZEL_LEVEL {
 namespace {
 
 // The result has the first operand's type; the second is widened to it.
 template <class First, class Second, class Rule>
-void Images(const Plane& plane) {
-  ForPixelPairs<First, Second, First>(
-      plane, [](First a, Second b) { return Rule()(a, static_cast<First>(b)); });
+void Images(const PointViews& views, const OperatorConstant&) {
+  CombineSamePlace<First, Second, First>(
+      views, [](First a, Second b) { return Rule()(a, static_cast<First>(b)); });
 }
 
 template <class Rule>
-constexpr PairRoutines IMAGES = {{
-    &Images<uint8_t, uint8_t, Rule>,
-    &Images<int16_t, uint8_t, Rule>,
-    &Images<int16_t, int16_t, Rule>,
-    &Images<float, uint8_t, Rule>,
-    &Images<float, int16_t, Rule>,
-    &Images<float, float, Rule>,
-}};
+constexpr PairRoutines IMAGES = {
+    .u8 = &Images<uint8_t, uint8_t, Rule>,
+    .i16U8 = &Images<int16_t, uint8_t, Rule>,
+    .i16 = &Images<int16_t, int16_t, Rule>,
+    .sglU8 = &Images<float, uint8_t, Rule>,
+    .sglI16 = &Images<float, int16_t, Rule>,
+    .sgl = &Images<float, float, Rule>,
+};
 
-// With PlaneConstant::real in place of the second operand.
+// With OperatorConstant::real in place of the second operand.
 template <class Rule>
-void FloatConstant(const Plane& plane) {
-  const float constant = plane.constant.real;
-  ForPixels<float, float>(plane, [=](float a) { return Rule()(a, constant); });
+void FloatConstant(const PointViews& views, const OperatorConstant& given) {
+  const float constant = given.real;
+  MapSamePlace<float, float>(views, [=](float a) { return Rule()(a, constant); });
 }
 
 }  // namespace

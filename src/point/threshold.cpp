@@ -15,10 +15,9 @@ constexpr int32_t COMPARED_CLASSES = 16;
 
 template <class T>
 ThresholdRange<T> IntegerRange(float min, float max, float newValue, bool keep) {
-  constexpr int32_t lowest = std::is_signed_v<T> ? INT16_MIN : 0;
-  constexpr int32_t highest = std::is_signed_v<T> ? INT16_MAX : UINT8_MAX;
+  constexpr IntegerLimits limits = LIMITS_OF<T>;
   const auto limited = [](float value) {
-    return static_cast<T>(CutLimited(static_cast<double>(value), lowest, highest));
+    return static_cast<T>(CutLimited(static_cast<double>(value), limits.low, limits.high));
   };
   return {limited(min), limited(max), limited(newValue), keep};
 }
@@ -28,38 +27,29 @@ ThresholdRange<T> IntegerRange(const ThresholdClass& given) {
   return IntegerRange<T>(given.rangeMin, given.rangeMax, given.newValue, given.useNew == 0);
 }
 
-// Steps that both thresholds begin with; the pixels to map, or none after a failure.
-LookupOperation ThresholdPrepare(ImageRef source, ImageRef destination, Status* status) {
-  const Image* from = ImageLookup(source, status);
-  if (!from) return {};
-  if (!TypeIsScalar(from->type)) {
-    *status = STATUS_BAD_TYPE;
-    return {};
-  }
-  const ImageRef target = DestinationOfSameType(source, destination, status);
-  if (*status != STATUS_OK) return {};
-  DestinationLikeSource(source, target, status);
-  if (*status != STATUS_OK) return {};
-  from = ImageLookup(source, status);
-  return LookupOfImages(*from, *ImageLookup(target, status));
+void ThresholdCheck(ImageRef source, ImageRef destination, Operands* operands) {
+  LookupCheck(source, 0, destination, &TypeIsScalar, operands);
 }
 
-void ThresholdKernel(ImageRef source, ImageRef destination, const float* rangeMin,
-                     const float* rangeMax, const float* newValue, const int16_t* useNew,
-                     Status* status) {
-  const LookupOperation operation = LookupAsOneRow(ThresholdPrepare(source, destination, status));
-  if (operation.IsEmpty()) return;
-  const bool keep = *useNew == 0;
-  switch (operation.type) {
+Status Threshold(ImageRef source, ImageRef destination, float rangeMin, float rangeMax,
+                 float newValue, bool keep) {
+  Operands operands;
+  ThresholdCheck(source, destination, &operands);
+  const PointViews views = LookupSettle(&operands);
+  if (operands.HasFailed()) return operands.status();
+  const ThresholdRows& rows = thresholdRows();
+  switch (views.result.type) {
     case IMAGE_U8:
-      return thresholdRows().rangeU8(operation,
-                                     IntegerRange<uint8_t>(*rangeMin, *rangeMax, *newValue, keep));
+      PointWalk(views, rows.rangeU8, IntegerRange<uint8_t>(rangeMin, rangeMax, newValue, keep));
+      break;
     case IMAGE_I16:
-      return thresholdRows().rangeI16(operation,
-                                      IntegerRange<int16_t>(*rangeMin, *rangeMax, *newValue, keep));
+      PointWalk(views, rows.rangeI16, IntegerRange<int16_t>(rangeMin, rangeMax, newValue, keep));
+      break;
     default:
-      return thresholdRows().rangeSgl(operation, {*rangeMin, *rangeMax, *newValue, keep});
+      PointWalk(views, rows.rangeSgl, ThresholdRange<float>{rangeMin, rangeMax, newValue, keep});
+      break;
   }
+  return STATUS_OK;
 }
 
 // Writes the classes into a table in order, so that the last one decides.
@@ -74,43 +64,53 @@ void TableOfClasses(const ThresholdClass* classes, int32_t count, uint16_t* tabl
   }
 }
 
-void MultiThresholdI16(const LookupOperation& operation, const ThresholdClass* classes,
-                       int32_t count, Status* status) {
-  if (count <= COMPARED_CLASSES) {
-    ThresholdRange<int16_t> ranges[COMPARED_CLASSES];
-    for (int32_t c = 0; c < count; c++) ranges[c] = IntegerRange<int16_t>(classes[c]);
-    thresholdRows().rangesI16(operation, ranges, count);
-    return;
-  }
-  WorkArray<uint16_t> table;
-  if (!table.AllocateZeroed(LEVELS_I16)) {
-    *status = STATUS_MEMORY_FULL;
-    return;
-  }
-  TableOfClasses<int16_t>(classes, count, table.data());
-  LookupApply(operation, table.data(), status);
+// What several classes make of pixels, prepared before the destination is settled.
+struct Classes {
+  const ThresholdClass* given;
+  int32_t count;
+  WorkArray<uint16_t> table;  // of all levels, where integers go by one
+
+  bool AreCompared() const { return count <= COMPARED_CLASSES; }
+};
+
+Status ClassesPrepare(int32_t type, Classes* classes) {
+  if (type == IMAGE_SGL || (type == IMAGE_I16 && classes->AreCompared())) return STATUS_OK;
+  const bool isBytes = type == IMAGE_U8;
+  if (!classes->table.AllocateZeroed(isBytes ? LEVELS_U8 : LEVELS_I16)) return STATUS_MEMORY_FULL;
+  (isBytes ? &TableOfClasses<uint8_t> : &TableOfClasses<int16_t>)(classes->given, classes->count,
+                                                                  classes->table.data());
+  return STATUS_OK;
 }
 
-void MultiThresholdKernel(ImageRef source, ImageRef destination, const int32_t* count,
-                          const ThresholdClass* classes, Status* status) {
-  const LookupOperation operation = LookupAsOneRow(ThresholdPrepare(source, destination, status));
-  if (*status != STATUS_OK) return;
-  if (*count < 1) {
-    if (destination != 0) *status = ImageCopyPixels(source, destination);
-    return;
+void CompareWithClasses(const PointViews& views, const Classes& classes) {
+  ThresholdRange<int16_t> ranges[COMPARED_CLASSES];
+  for (int32_t c = 0; c < classes.count; c++) ranges[c] = IntegerRange<int16_t>(classes.given[c]);
+  PointWalk(views, thresholdRows().rangesI16, WordRanges{ranges, classes.count});
+}
+
+Status MultiThreshold(ImageRef source, ImageRef destination, const ThresholdClass* given,
+                      int32_t count) {
+  Operands operands;
+  ThresholdCheck(source, destination, &operands);
+  if (operands.HasFailed()) return operands.status();
+  const int32_t type = operands.source().type;
+  Classes classes{.given = given, .count = count, .table = {}};
+  if (count > 0) {
+    const Status status = ClassesPrepare(type, &classes);
+    if (status != STATUS_OK) return status;
   }
-  if (operation.IsEmpty()) return;
-  switch (operation.type) {
-    case IMAGE_U8: {
-      uint16_t table[LEVELS_U8] = {};
-      TableOfClasses<uint8_t>(classes, *count, table);
-      return LookupApply(operation, table, status);
-    }
-    case IMAGE_I16:
-      return MultiThresholdI16(operation, classes, *count, status);
-    default:
-      return thresholdRows().classesSgl(operation, classes, *count);
+  const PointViews views = LookupSettle(&operands);
+  if (operands.HasFailed()) return operands.status();
+  if (count < 1) {
+    operands.TakePixels();
+  } else if (type == IMAGE_SGL) {
+    PointWalk(views, thresholdRows().classesSgl, FloatClasses{given, count});
+  } else if (type == IMAGE_I16 && classes.AreCompared()) {
+    CompareWithClasses(views, classes);
+  } else {
+    LookupApply(views, classes.table.data());
   }
+  return operands.status();
 }
 
 }  // namespace
@@ -118,16 +118,14 @@ void MultiThresholdKernel(ImageRef source, ImageRef destination, const int32_t* 
 
 int32_t ZEL_Threshold(ImageRef source, ImageRef destination, float rangeMin, float rangeMax,
                       float newValue, int16_t useNew) {
-  zel::Status status = zel::STATUS_OK;
-  zel::ThresholdKernel(source, destination, &rangeMin, &rangeMax, &newValue, &useNew, &status);
-  return ZEL_ProcessError("ZEL_Threshold", status);
+  return ZEL_ProcessError("ZEL_Threshold", zel::Threshold(source, destination, rangeMin, rangeMax,
+                                                          newValue, useNew == 0));
 }
 
 int32_t ZEL_MultiThreshold(ImageRef source, ImageRef destination, int32_t count,
                            const ThresholdClass* classes) {
-  zel::Status status = classes || count < 1 ? zel::STATUS_OK : zel::STATUS_NULL_POINTER;
-  if (status == zel::STATUS_OK) {
-    zel::MultiThresholdKernel(source, destination, &count, classes, &status);
-  }
+  const zel::Status status = classes || count < 1
+                                 ? zel::MultiThreshold(source, destination, classes, count)
+                                 : zel::STATUS_NULL_POINTER;
   return ZEL_ProcessError("ZEL_MultiThreshold", status);
 }

@@ -2,11 +2,10 @@
 #include <cmath>
 #include <cstring>
 
-#include "statistics/histogram.h"
-#include "engine/array_convert.h"
-#include "core/kernels.h"
 #include "core/numbers.h"
+#include "engine/array_convert.h"
 #include "point/threshold_rows.h"
+#include "statistics/histogram.h"
 
 namespace zel {
 namespace {
@@ -24,16 +23,14 @@ struct LevelTable {
   uint16_t classes[LEVELS_U8];
 };
 
-void HistogramOf(ImageRef image, LevelCounts& counts, uint64_t* total, Status* status) {
-  PixelRegion region{};
-  PixelRegionOf(image, 0, &region, status);
-  if (*status != STATUS_OK) return;
-  if (region.type != IMAGE_U8) {
-    *status = STATUS_BAD_TYPE;
-    return;
-  }
+Status HistogramOf(ImageRef image, LevelCounts& counts, uint64_t* total) {
+  Region region;
+  const Status status = RegionOf(image, 0, &region);
+  if (status != STATUS_OK) return status;
+  if (region.view.type != IMAGE_U8) return STATUS_BAD_TYPE;
   CountLevels(region, counts);
-  *total = static_cast<uint64_t>(region.width) * static_cast<uint64_t>(region.height);
+  *total = static_cast<uint64_t>(region.view.width) * static_cast<uint64_t>(region.view.height);
+  return STATUS_OK;
 }
 
 // Pixels of a run of levels: how many, and the sum of their levels.
@@ -253,19 +250,19 @@ int32_t ThresholdBy(int32_t method, const LevelCounts& counts) {
   }
 }
 
-void AutoBThresholdKernel(ImageRef image, const int32_t* method, LevelTable* lookup,
-                          int32_t* threshold, Status* status) {
-  lookup->count = 0;
-  if (*method < AUTOB_CLUSTERING || *method > AUTOB_INTERCLASS) return;
+// An unknown method finds nothing, and does not fail.
+Status AutoBThreshold(ImageRef image, int32_t method, LevelTable* lookup, int32_t* threshold) {
+  if (method < AUTOB_CLUSTERING || method > AUTOB_INTERCLASS) return STATUS_OK;
   LevelCounts counts;
   uint64_t total = 0;
-  HistogramOf(image, counts, &total, status);
-  if (*status != STATUS_OK) return;
-  *threshold = ThresholdBy(*method, counts);
+  const Status status = HistogramOf(image, counts, &total);
+  if (status != STATUS_OK) return status;
+  *threshold = ThresholdBy(method, counts);
   lookup->count = LEVELS_U8;
   for (int32_t level = 0; level < LEVELS_U8; level++) {
     lookup->classes[level] = level < *threshold ? 0 : 1;
   }
+  return STATUS_OK;
 }
 
 // Bounds of `classes` classes: bounds[k] is where class k begins, up to bounds[classes].
@@ -369,23 +366,20 @@ void ClassesOfBounds(const ClassBounds& found, LevelTable* lookup, ThresholdClas
   }
 }
 
-// classes: room for CLASSES_MAX, all bytes 0.
-void AutoMThresholdKernel(ImageRef image, const int32_t* count, LevelTable* lookup,
-                          ThresholdClass* classes, Status* status) {
-  lookup->count = 0;
-  if (*count < CLASSES_MIN || *count > CLASSES_MAX) return;
+// classes: room for CLASSES_MAX, all bytes 0. Another number of classes finds nothing, and does not
+// fail.
+Status AutoMThreshold(ImageRef image, int32_t count, LevelTable* lookup, ThresholdClass* classes) {
+  if (count < CLASSES_MIN || count > CLASSES_MAX) return STATUS_OK;
   LevelCounts counts;
   uint64_t total = 0;
-  HistogramOf(image, counts, &total, status);
-  if (*status != STATUS_OK) return;
-  if (total == 0) {
-    *status = STATUS_SIZE_DIFFERS;
-    return;
-  }
+  const Status status = HistogramOf(image, counts, &total);
+  if (status != STATUS_OK) return status;
+  if (total == 0) return STATUS_SIZE_DIFFERS;
   ClassBounds found{};
-  found.classes = *count;
+  found.classes = count;
   BoundsOf(counts, total, &found);
   ClassesOfBounds(found, lookup, classes);
+  return STATUS_OK;
 }
 
 // The table as the caller wants it; nothing where none was made.
@@ -398,10 +392,9 @@ void LookupDeliver(const LevelTable& lookup, int32_t arrayType, void* array) {
 
 int32_t ZEL_AutoBThreshold(ImageRef image, int32_t method, int32_t arrayType, void* lookup,
                            int32_t* threshold) {
-  zel::Status status = zel::STATUS_OK;
   zel::LevelTable table{};
   int32_t found = 0;
-  zel::AutoBThresholdKernel(image, &method, &table, &found, &status);
+  const zel::Status status = zel::AutoBThreshold(image, method, &table, &found);
   zel::LookupDeliver(table, arrayType, lookup);
   if (threshold && table.count != 0) *threshold = found;
   return ZEL_ProcessError("ZEL_AutoBThreshold", status);
@@ -409,11 +402,10 @@ int32_t ZEL_AutoBThreshold(ImageRef image, int32_t method, int32_t arrayType, vo
 
 int32_t ZEL_AutoMThreshold(ImageRef image, int32_t count, int32_t arrayType, void* lookup,
                            ThresholdClass* classes) {
-  zel::Status status = zel::STATUS_OK;
   zel::LevelTable table{};
   ThresholdClass found[zel::CLASSES_MAX];
   std::memset(found, 0, sizeof found);  // the bytes behind the fields too
-  zel::AutoMThresholdKernel(image, &count, &table, found, &status);
+  const zel::Status status = zel::AutoMThreshold(image, count, &table, found);
   zel::LookupDeliver(table, arrayType, lookup);
   if (classes && table.count != 0) {
     std::memcpy(classes, found, static_cast<size_t>(count) * sizeof(ThresholdClass));

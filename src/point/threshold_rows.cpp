@@ -13,59 +13,45 @@ namespace {
 constexpr int32_t GROUP = 512;
 constexpr int32_t FILLED = 32;
 
-ZEL_INLINE int32_t GroupSize(const LookupOperation& operation, int64_t x) {
-  return operation.width - x < GROUP ? static_cast<int32_t>(operation.width - x) : GROUP;
+ZEL_INLINE int32_t GroupSize(int64_t width, int64_t x) {
+  return width - x < GROUP ? static_cast<int32_t>(width - x) : GROUP;
 }
 
 template <class T, bool keep>
-ZEL_INLINE void IntegerRange(const LookupOperation& operation, T lowest, T highest, T replacement) {
+ZEL_INLINE void IntegerRange(const PointViews& views, T lowest, T highest, T replacement) {
   using Unsigned = std::make_unsigned_t<T>;
   const auto low = static_cast<Unsigned>(lowest);
   const auto value = static_cast<Unsigned>(replacement);
   const auto span = static_cast<Unsigned>(highest - lowest);
-  const int64_t width = operation.width;
-  for (int64_t y = 0; y < operation.height; y++) {
-    const auto* from = operation.SourceRow<Unsigned>(y);
-    auto* to = operation.DestinationRow<Unsigned>(y);
-#pragma GCC ivdep
-    for (int64_t x = 0; x < width; x++) {
-      const Unsigned pixel = from[x];
-      // One unsigned comparison tests both ends.
-      const bool inside = static_cast<Unsigned>(pixel - low) <= span;
-      to[x] = inside ? (keep ? pixel : value) : Unsigned{0};
-    }
-  }
+  MapSamePlace<Unsigned, Unsigned>(views, [=](Unsigned pixel) {
+    // One unsigned comparison tests both ends.
+    const bool inside = static_cast<Unsigned>(pixel - low) <= span;
+    return inside ? (keep ? pixel : value) : Unsigned{0};
+  });
 }
 
 template <class T>
-void RangeOfIntegers(const LookupOperation& operation, const ThresholdRange<T>& range) {
+void RangeOfIntegers(const PointViews& views, const ThresholdRange<T>& range) {
   if (range.low > range.high) {
-    IntegerRange<T, false>(operation, T{0}, T{0}, T{0});
+    IntegerRange<T, false>(views, T{0}, T{0}, T{0});
   } else if (range.keep) {
-    IntegerRange<T, true>(operation, range.low, range.high, T{0});
+    IntegerRange<T, true>(views, range.low, range.high, T{0});
   } else {
-    IntegerRange<T, false>(operation, range.low, range.high, range.value);
+    IntegerRange<T, false>(views, range.low, range.high, range.value);
   }
 }
 
-void RangeSgl(const LookupOperation& operation, const ThresholdRange<float>& range) {
+void RangeSgl(const PointViews& views, const ThresholdRange<float>& range) {
   const float low = range.low;
   const float high = range.high;
   const uint32_t value = range.keep ? 0 : std::bit_cast<uint32_t>(range.value);
   const uint32_t kept = range.keep ? ~0u : 0;
-  const int64_t width = operation.width;
-  for (int64_t y = 0; y < operation.height; y++) {
-    const auto* from = operation.SourceRow<float>(y);
-    auto* to = operation.DestinationRow<float>(y);
-#pragma GCC ivdep
-    for (int64_t x = 0; x < width; x++) {
-      const float pixel = from[x];
-      const uint32_t above = pixel >= low ? ~0u : 0;
-      const uint32_t below = pixel <= high ? ~0u : 0;
-      const uint32_t result = (std::bit_cast<uint32_t>(pixel) & kept) | value;
-      to[x] = std::bit_cast<float>(result & above & below);
-    }
-  }
+  MapSamePlace<float, float>(views, [=](float pixel) {
+    const uint32_t above = pixel >= low ? ~0u : 0;
+    const uint32_t below = pixel <= high ? ~0u : 0;
+    const uint32_t result = (std::bit_cast<uint32_t>(pixel) & kept) | value;
+    return std::bit_cast<float>(result & above & below);
+  });
 }
 
 // Settles a group of pixels by one more range: those within it take its value, whatever they had.
@@ -83,18 +69,20 @@ ZEL_INLINE void RangeOverGroup(const int16_t* pixels, int16_t* results, int32_t 
   }
 }
 
-void RangesI16(const LookupOperation& operation, const ThresholdRange<int16_t>* ranges,
-               int32_t count) {
-  for (int64_t y = 0; y < operation.height; y++) {
-    const auto* from = operation.SourceRow<int16_t>(y);
-    auto* to = operation.DestinationRow<int16_t>(y);
-    for (int64_t x = 0; x < operation.width; x += GROUP) {
-      const int32_t size = GroupSize(operation, x);
+void RangesI16(const PointViews& views, const WordRanges& given) {
+  const int64_t width = views.result.width;
+  for (int64_t y = 0; y < views.result.height; y++) {
+    const auto* from = views.first.Row<const int16_t>(y);
+    auto* to = views.result.Row<int16_t>(y);
+    for (int64_t x = 0; x < width; x += GROUP) {
+      const int32_t size = GroupSize(width, x);
       const int32_t filled = (size + FILLED - 1) & -FILLED;
       int16_t pixels[GROUP] = {};
       int16_t results[GROUP] = {};
       std::memcpy(pixels, from + x, static_cast<size_t>(size) * sizeof(int16_t));
-      for (int32_t c = 0; c < count; c++) RangeOverGroup(pixels, results, filled, ranges[c]);
+      for (int32_t c = 0; c < given.count; c++) {
+        RangeOverGroup(pixels, results, filled, given.ranges[c]);
+      }
       std::memcpy(to + x, results, static_cast<size_t>(size) * sizeof(int16_t));
     }
   }
@@ -120,17 +108,20 @@ ZEL_INLINE void ClassOverGroup(const float* pixels, uint32_t* results, int32_t f
   }
 }
 
-void ClassesSgl(const LookupOperation& operation, const ThresholdClass* classes, int32_t count) {
-  for (int64_t y = 0; y < operation.height; y++) {
-    const auto* from = operation.SourceRow<float>(y);
-    auto* to = operation.DestinationRow<float>(y);
-    for (int64_t x = 0; x < operation.width; x += GROUP) {
-      const int32_t size = GroupSize(operation, x);
+void ClassesSgl(const PointViews& views, const FloatClasses& given) {
+  const int64_t width = views.result.width;
+  for (int64_t y = 0; y < views.result.height; y++) {
+    const auto* from = views.first.Row<const float>(y);
+    auto* to = views.result.Row<float>(y);
+    for (int64_t x = 0; x < width; x += GROUP) {
+      const int32_t size = GroupSize(width, x);
       const int32_t filled = (size + FILLED - 1) & -FILLED;
       float pixels[GROUP] = {};
       uint32_t results[GROUP] = {};
       std::memcpy(pixels, from + x, static_cast<size_t>(size) * sizeof(float));
-      for (int32_t c = 0; c < count; c++) ClassOverGroup(pixels, results, filled, classes[c]);
+      for (int32_t c = 0; c < given.count; c++) {
+        ClassOverGroup(pixels, results, filled, given.classes[c]);
+      }
       std::memcpy(to + x, results, static_cast<size_t>(size) * sizeof(float));
     }
   }

@@ -2,7 +2,8 @@
 #pragma once
 
 #include "engine/levels.h"
-#include "point/lookup.h"
+#include "engine/point.h"
+#include "orlune_ptk.h"
 
 namespace zel {
 
@@ -25,20 +26,26 @@ struct SplitDeviations {
   double* sumsFrom;
 };
 
-// All image loops take every pixel of the operation: masks are not looked at.
-struct ThresholdRows {
-  void (*rangeU8)(const LookupOperation& operation, const ThresholdRange<uint8_t>& range);
-  void (*rangeI16)(const LookupOperation& operation, const ThresholdRange<int16_t>& range);
-  void (*rangeSgl)(const LookupOperation& operation, const ThresholdRange<float>& range);
-  // A pixel in several ranges goes by the last of them.
-  void (*rangesI16)(const LookupOperation& operation, const ThresholdRange<int16_t>* ranges,
-                    int32_t count);
-  // A pixel in several classes goes by the first of them that makes it other than 0.
-  void (*classesSgl)(const LookupOperation& operation, const ThresholdClass* classes,
-                     int32_t count);
-  void (*deviations)(const SplitDeviations& splits);
+// A pixel in several ranges goes by the last of them.
+struct WordRanges {
+  const ThresholdRange<int16_t>* ranges;
+  int32_t count;
 };
 
+// A pixel in several classes goes by the first of them that makes it other than 0.
+struct FloatClasses {
+  const ThresholdClass* classes;
+  int32_t count;
+};
+
+struct ThresholdRows {
+  PointRoutine<ThresholdRange<uint8_t>> rangeU8;
+  PointRoutine<ThresholdRange<int16_t>> rangeI16;
+  PointRoutine<ThresholdRange<float>> rangeSgl;
+  PointRoutine<WordRanges> rangesI16;
+  PointRoutine<FloatClasses> classesSgl;
+  void (*deviations)(const SplitDeviations& splits);
+};
 ZEL_ROW_TABLE(ThresholdRows, thresholdRows)
 
 }  // namespace zel

@@ -85,8 +85,6 @@ const std::vector<Limits> LIMITS = {
     {128.0f, 128.0f, 0.0f},        {-0.5f, 0.5f, 1e10f},
 };
 
-
-
 TEST(ThresholdPixels, ThresholdKeepsOneRangeAndClearsTheRest) {
   for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
     for (const auto& [width, height] : test::ODD_SIZES) {

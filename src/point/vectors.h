@@ -1,7 +1,7 @@
 // For row sources only: vectors of the level's width, for what the compiler does not find in plain
 // loops: saturating sums, high halves of products, reciprocals, and packing. The build defines
-// ZEL_VECTORS for the levels that have any; ZEL_BYTE_SUMS is defined where they can add neighbouring
-// bytes.
+// ZEL_VECTORS for the levels that have any; ZEL_BYTE_SUMS is defined where they can add
+// neighbouring bytes.
 #pragma once
 
 #include <cstdint>

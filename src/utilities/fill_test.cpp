@@ -66,24 +66,24 @@ TEST(Fill, OtherTypesFillFromTheStartOfEachLine) {
 }
 
 TEST(Fill, MaskSelectsThePixelsOfEveryType) {
-    for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL, IMAGE_COMPLEX, IMAGE_RGB}) {
-      for (const auto& [width, height] : test::ODD_SIZES) {
-        const TestImage image(type, width, height, 2, 3);
-        const TestImage expected(type, width, height, 2, 3);
-        const TestImage mask(IMAGE_U8, width + 1, height, 0, 8);
-        for (int32_t x = 0; x <= width && height > 0; x += 3) mask.Set<uint8_t>(x, 0, 0);
-        ASSERT_EQ(ZEL_SetImageOffset(mask, -2, 1), 0);
-        const auto pixel = PixelBytesOf(type);
-        for (int32_t y = 1; y < height; y++) {
-          for (int32_t x = 0; x < width - 1; x++) {
-            if (mask.Get<uint8_t>(x + 2, y - 1) == 0) continue;
-            std::memcpy(expected.At<uint8_t>(x, y), pixel.data(), pixel.size());
-          }
+  for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL, IMAGE_COMPLEX, IMAGE_RGB}) {
+    for (const auto& [width, height] : test::ODD_SIZES) {
+      const TestImage image(type, width, height, 2, 3);
+      const TestImage expected(type, width, height, 2, 3);
+      const TestImage mask(IMAGE_U8, width + 1, height, 0, 8);
+      for (int32_t x = 0; x <= width && height > 0; x += 3) mask.Set<uint8_t>(x, 0, 0);
+      ASSERT_EQ(ZEL_SetImageOffset(mask, -2, 1), 0);
+      const auto pixel = PixelBytesOf(type);
+      for (int32_t y = 1; y < height; y++) {
+        for (int32_t x = 0; x < width - 1; x++) {
+          if (mask.Get<uint8_t>(x + 2, y - 1) == 0) continue;
+          std::memcpy(expected.At<uint8_t>(x, y), pixel.data(), pixel.size());
         }
-        ASSERT_EQ(Fill(image, mask), 0);
-        ASSERT_EQ(image.Block(), expected.Block()) << "type " << type << ", width " << width;
       }
+      ASSERT_EQ(Fill(image, mask), 0);
+      ASSERT_EQ(image.Block(), expected.Block()) << "type " << type << ", width " << width;
     }
+  }
 }
 
 TEST(Fill, MaskBesideTheImageLeavesItAlone) {
