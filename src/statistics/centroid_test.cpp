@@ -53,8 +53,6 @@ void ExpectSame(const Centre& actual, const Centre& expected) {
       << actual.y << " instead of " << expected.y;
 }
 
-
-
 TEST(CentroidPixels, FollowsTheRuleForAllTypesSizesAndMasks) {
   for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
     for (const auto& [width, height] : test::ODD_SIZES) {

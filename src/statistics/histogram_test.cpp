@@ -173,8 +173,6 @@ TestImage PlacedMask(int32_t width, int32_t height, int32_t x, int32_t y, uint64
   return mask;
 }
 
-
-
 TEST(HistogramPixels, FollowsTheRuleForAllTypesSizesAndMasks) {
   struct Case {
     int32_t classes;

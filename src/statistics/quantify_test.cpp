@@ -117,8 +117,6 @@ void Check(const TestImage& image, const TestImage* mask) {
   ZEL_free(regions);
 }
 
-
-
 TEST(QuantifyPixels, FollowsTheRuleForAllTypesSizesAndLabels) {
   for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
     for (const auto& [width, height] : test::ODD_SIZES) {
