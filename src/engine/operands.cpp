@@ -41,12 +41,15 @@ Status MaskPlace(const Image& image, ImageRef mask, PlacedMask* placed) {
 
 Status RegionOf(ImageRef image, ImageRef mask, Region* region) {
   Image* record = nullptr;
-  Status status = ImageLookup(image, &record);
-  if (status != STATUS_OK) return status;
-  *region = {ViewOf(*record), {}};
-  if (mask == 0 || mask == image) return STATUS_OK;
+  const Status status = ImageLookup(image, &record);
+  return status != STATUS_OK ? status : RegionOf(*record, mask == image ? 0 : mask, region);
+}
+
+Status RegionOf(const Image& image, ImageRef mask, Region* region) {
+  *region = {ViewOf(image), {}};
+  if (mask == 0) return STATUS_OK;
   PlacedMask placed{};
-  status = MaskPlace(*record, mask, &placed);
+  const Status status = MaskPlace(image, mask, &placed);
   if (status == STATUS_OK) *region = {region->view.Part(placed.overlap), placed.view};
   return status;
 }

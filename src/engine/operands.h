@@ -68,6 +68,8 @@ struct Region {
   MaskView mask;
 };
 Status RegionOf(ImageRef image, ImageRef mask, Region* region);
+// The same for a record; only a mask of 0 is no mask.
+Status RegionOf(const Image& image, ImageRef mask, Region* region);
 
 // Source, mask and destination of an operation that keeps the pixel type. The steps are called in
 // the order in which their failures count; after a failure the others do nothing, and status()

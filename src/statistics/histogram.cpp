@@ -2,12 +2,11 @@
 #include "statistics/histogram.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 
-#include "statistics/histogram_rows.h"
-#include "core/kernels.h"
 #include "core/numbers.h"
+#include "statistics/histogram_rows.h"
+#include "statistics/min_max.h"
 
 namespace zel {
 namespace {
@@ -26,18 +25,19 @@ ClassMap ClassMapOf(double min, double max, int32_t classes) {
   return map;
 }
 
-void ReportWrite(const ClassMap& map, const PixelSums& sums, HistogramReport* report) {
-  *report = {};
-  if (sums.count == 0) return;
+HistogramReport ReportOf(const ClassMap& map, const PixelSums& sums) {
+  HistogramReport report{};
+  if (sums.count == 0) return report;
   const auto count = static_cast<double>(sums.count);
-  report->min = sums.min;
-  report->max = sums.max;
-  report->start = static_cast<float>(map.min);
-  report->interval =
+  report.min = sums.min;
+  report.max = sums.max;
+  report.start = static_cast<float>(map.min);
+  report.interval =
       map.classes == 1 ? EXTREME_NONE : static_cast<float>(ExtentOf(map) / map.classes);
-  report->mean = static_cast<float>(sums.sum / count);
-  report->stdDev = static_cast<float>(DeviationOf(sums.squares, count, report->mean));
-  report->nbPixels = static_cast<uint32_t>(sums.count);
+  report.mean = static_cast<float>(sums.sum / count);
+  report.stdDev = static_cast<float>(DeviationOf(sums.squares, count, report.mean));
+  report.nbPixels = static_cast<uint32_t>(sums.count);
+  return report;
 }
 
 // COUNT_TABLES tables of counters, which are folded into one at the end.
@@ -82,8 +82,7 @@ void SumLevels(const uint32_t* counts, int32_t low, int32_t high, PixelSums* sum
   sums->squares = static_cast<double>(squares);
 }
 
-void CountBytes(const PixelRegion& region, const ClassMap& map, uint32_t* counters,
-                PixelSums* sums) {
+void CountBytes(const Region& region, const ClassMap& map, uint32_t* counters, PixelSums* sums) {
   uint32_t counts[LEVELS_U8];
   CountLevels(region, counts);
   const auto low = static_cast<int32_t>(map.min);
@@ -100,33 +99,32 @@ void CountBytes(const PixelRegion& region, const ClassMap& map, uint32_t* counte
 }
 
 // The squares of many large words are rounded as they come, pixel after pixel.
-void SumWordsInOrder(const PixelRegion& region, const ClassMap& map, PixelSums* sums) {
+void SumWordsInOrder(const Region& region, const ClassMap& map, PixelSums* sums) {
   *sums = {};
-  for (int32_t y = 0; y < region.height; y++) {
-    const auto* row = reinterpret_cast<const int16_t*>(region.pixels + y * region.pitch);
-    const uint8_t* mask = region.mask ? region.mask + y * region.maskPitch : nullptr;
-    for (int32_t x = 0; x < region.width; x++) {
+  for (int32_t y = 0; y < region.view.height; y++) {
+    const auto* row = region.view.Row<const int16_t>(y);
+    const uint8_t* mask = region.mask.Row(y);
+    for (int32_t x = 0; x < region.view.width; x++) {
       const bool counted = (!mask || mask[x] != 0) && row[x] >= map.min && row[x] <= map.max;
       if (counted) PixelSumsAdd(sums, row[x]);
     }
   }
 }
 
-void CountPixels(const PixelRegion& region, const ClassMap& map, uint32_t* counters,
-                 PixelSums* sums) {
+void CountPixels(const Region& region, const ClassMap& map, uint32_t* counters, PixelSums* sums) {
   const HistogramRows& rows = histogramRows();
-  const bool words = region.type == IMAGE_I16;
+  const PixelView& view = region.view;
+  const bool words = view.type == IMAGE_I16;
   const ClassRow classesOf = words ? rows.classesOfWords : rows.classesOfFloats;
   const SumRow sum = words ? rows.sumWords : rows.sumFloats;
-  const int64_t pixelBytes = words ? 2 : 4;
   CountTables tables(map.classes + 1);
   uint16_t classes[CLASS_RUN];
-  for (int32_t y = 0; y < region.height; y++) {
-    const uint8_t* row = region.pixels + y * region.pitch;
-    const uint8_t* mask = region.mask ? region.mask + y * region.maskPitch : nullptr;
-    for (int32_t x = 0; x < region.width; x += CLASS_RUN) {
-      const int32_t run = std::min(CLASS_RUN, region.width - x);
-      const uint8_t* pixels = row + x * pixelBytes;
+  for (int32_t y = 0; y < view.height; y++) {
+    const auto* row = view.Row<uint8_t>(y);
+    const uint8_t* mask = region.mask.Row(y);
+    for (int32_t x = 0; x < view.width; x += CLASS_RUN) {
+      const int32_t run = std::min(CLASS_RUN, view.width - x);
+      const uint8_t* pixels = row + int64_t{x} * view.pixelBytes;
       classesOf(pixels, mask ? mask + x : nullptr, run, map, classes);
       sum(pixels, classes, run, map, tables.counters(), sums);
     }
@@ -136,28 +134,69 @@ void CountPixels(const PixelRegion& region, const ClassMap& map, uint32_t* count
   if (!sums->SquaresAreExact() && words) SumWordsInOrder(region, map, sums);
 }
 
-}  // namespace
+// Both ends of the values that are counted. What callers leave at 0 is all levels of bytes, and
+// what occurs of the others; ends for integers are whole.
+struct CountedRange {
+  double low, high;
+};
 
-double DeviationOf(double squares, double count, float mean) {
-  const auto wide = static_cast<double>(mean);
-  const double variance = squares / count - wide * wide;
-  return variance < 0.0 ? 0.0 : std::sqrt(variance);
+CountedRange RangeOfBytes(double low, double high) {
+  constexpr IntegerLimits limits = LimitsOf(IMAGE_U8);
+  if (low <= limits.low) low = limits.low;
+  if (high == 0 || high > limits.high) high = limits.high;
+  return {low, high};
 }
 
-void CountLevels(const PixelRegion& region, uint32_t (&counts)[LEVELS_U8]) {
+CountedRange RangeOfWords(double low, double high) {
+  constexpr IntegerLimits limits = LimitsOf(IMAGE_I16);
+  return {low < limits.low ? limits.low : low, high > limits.high ? limits.high : high};
+}
+
+Status RangeFind(const Region& region, float min, float max, CountedRange* range) {
+  const int16_t type = region.view.type;
+  const double low = CutSaturated(static_cast<double>(min));
+  const double high = CutSaturated(static_cast<double>(max));
+  const bool isGiven = type == IMAGE_I16 ? low != 0 || high != 0 : min != 0.0f || max != 0.0f;
+  if (type == IMAGE_U8) {
+    *range = RangeOfBytes(low, high);
+  } else if (isGiven && type == IMAGE_I16) {
+    *range = RangeOfWords(low, high);
+  } else if (isGiven) {
+    *range = {static_cast<double>(min), static_cast<double>(max)};
+  } else {
+    float lowest = 0;
+    float highest = 0;
+    const Status status = ImageMinMax(region, &lowest, &highest);
+    *range = {static_cast<double>(lowest), static_cast<double>(highest)};
+    return status;
+  }
+  return STATUS_OK;
+}
+
+// All levels of bytes, each in a class of its own, whatever the way to the range was.
+bool CountsEveryLevel(const PixelView& view, const CountedRange& range, int32_t classes) {
+  constexpr IntegerLimits limits = LimitsOf(IMAGE_U8);
+  return view.type == IMAGE_U8 && classes == LEVELS_U8 && range.low == limits.low &&
+         range.high == limits.high;
+}
+
+}  // namespace
+
+void CountLevels(const Region& region, uint32_t (&counts)[LEVELS_U8]) {
   const HistogramRows& rows = histogramRows();
+  const PixelView& view = region.view;
   // Under a mask a counter more takes the pixels that are left out.
-  CountTables tables(LEVELS_U8 + (region.mask ? 1 : 0));
+  CountTables tables(LEVELS_U8 + (region.mask.SelectsAll() ? 0 : 1));
   uint16_t levels[CLASS_RUN];
-  for (int32_t y = 0; y < region.height; y++) {
-    const uint8_t* row = region.pixels + y * region.pitch;
-    if (!region.mask) {
-      rows.countLevels(row, region.width, tables.counters());
+  for (int32_t y = 0; y < view.height; y++) {
+    const auto* row = view.Row<uint8_t>(y);
+    const uint8_t* mask = region.mask.Row(y);
+    if (!mask) {
+      rows.countLevels(row, view.width, tables.counters());
       continue;
     }
-    const uint8_t* mask = region.mask + y * region.maskPitch;
-    for (int32_t x = 0; x < region.width; x += CLASS_RUN) {
-      const int32_t run = std::min(CLASS_RUN, region.width - x);
+    for (int32_t x = 0; x < view.width; x += CLASS_RUN) {
+      const int32_t run = std::min(CLASS_RUN, view.width - x);
       rows.levelsUnderMask(row + x, mask + x, run, levels);
       rows.countNumbers(levels, run, LEVELS_U8 + 1, tables.counters());
     }
@@ -165,58 +204,41 @@ void CountLevels(const PixelRegion& region, uint32_t (&counts)[LEVELS_U8]) {
   tables.Fold(LEVELS_U8, counts);
 }
 
-void HistogramKernel(ImageRef image, ImageRef mask, const int32_t* nbClasses, const float* min,
-                     const float* max, Handle histogram, HistogramReport* report, Status* status) {
-  PixelRegion region{};
-  PixelRegionOf(image, mask, &region, status);
-  if (*status != STATUS_OK) return;
-  if (!TypeIsScalar(region.type)) {
-    *status = STATUS_BAD_TYPE;
-    return;
-  }
+Status Histogram(ImageRef image, ImageRef mask, int32_t nbClasses, float min, float max,
+                 Handle histogram, HistogramReport* report) {
+  Region region{};
+  Status status = RegionOf(image, mask, &region);
+  if (status != STATUS_OK) return status;
+  const int16_t type = region.view.type;
+  if (!TypeIsScalar(type)) return STATUS_BAD_TYPE;
 
-  int32_t classes = Clamped(*nbClasses, 1, CLASSES_MAX);
-  double low = CutSaturated(static_cast<double>(*min));
-  double high = CutSaturated(static_cast<double>(*max));
-  bool everyLevel = false;
-  if (region.type == IMAGE_U8) {
-    if (low < 1) low = 0;
-    if (high == 0 || high > 255) high = 255;
-    if (classes > LEVELS_U8) classes = LEVELS_U8;
-    everyLevel = classes == LEVELS_U8 && low == 0 && high == 255;
-  } else if (region.type == IMAGE_I16 ? low == 0 && high == 0 : *min == 0.0f && *max == 0.0f) {
-    float lowest = 0;
-    float highest = 0;
-    ImageMinMax(region, &lowest, &highest, status);
-    low = static_cast<double>(lowest);
-    high = static_cast<double>(highest);
-  } else if (region.type == IMAGE_I16) {
-    if (low < INT16_MIN) low = INT16_MIN;
-    if (high > INT16_MAX) high = INT16_MAX;
-  } else {
-    low = static_cast<double>(*min);
-    high = static_cast<double>(*max);
-  }
+  CountedRange range{};
+  status = RangeFind(region, min, max, &range);
+  if (status != STATUS_OK) return status;
+  const int32_t classes = Clamped(nbClasses, 1, type == IMAGE_U8 ? LEVELS_U8 : CLASSES_MAX);
+  status = VectorResize(histogram, sizeof(uint32_t), static_cast<uint64_t>(classes));
+  if (status != STATUS_OK) return status;
 
-  *status = VectorResize(histogram, sizeof(uint32_t), static_cast<uint64_t>(classes));
-  if (*status != STATUS_OK) return;
   auto* counters = VectorData<uint32_t>(histogram);
-  const ClassMap map = ClassMapOf(low, high, classes);
+  const ClassMap map = ClassMapOf(range.low, range.high, classes);
+  const bool everyLevel = CountsEveryLevel(region.view, range, classes);
   PixelSums sums;
   if (everyLevel) {
     uint32_t counts[LEVELS_U8];
     CountLevels(region, counts);
     SumLevels(counts, 0, LEVELS_U8 - 1, &sums);
     std::memcpy(counters, counts, sizeof(counts));
-  } else if (high - low < 0) {
+  } else if (range.high - range.low < 0) {
     std::memset(counters, 0, static_cast<size_t>(classes) * sizeof(uint32_t));
-  } else if (region.type == IMAGE_U8) {
+  } else if (type == IMAGE_U8) {
     CountBytes(region, map, counters, &sums);
   } else {
     CountPixels(region, map, counters, &sums);
   }
-  ReportWrite(map, sums, report);
+  if (!report) return STATUS_OK;
+  *report = ReportOf(map, sums);
   if (everyLevel) report->interval = 1.0f;  // also when nothing is counted
+  return STATUS_OK;
 }
 
 }  // namespace zel
@@ -226,13 +248,11 @@ int32_t ZEL_Histogram(ImageRef image, ImageRef mask, int32_t nbClasses, float mi
   // Counters that nobody asked for. A caller's array is never used beyond the most classes.
   uint32_t unused[zel::CLASSES_MAX];
   const int32_t room = histogram ? zel::Clamped(nbClasses, 0, zel::CLASSES_MAX) : zel::CLASSES_MAX;
-  HistogramReport result{};
   zel::ScopedWrap counters;
   zel::Status status = counters.Create(histogram ? histogram : unused, sizeof(uint32_t),
                                        static_cast<uint32_t>(room), 0, 0);
   if (status == zel::STATUS_OK) {
-    zel::HistogramKernel(image, mask, &nbClasses, &min, &max, counters.handle(), &result, &status);
+    status = zel::Histogram(image, mask, nbClasses, min, max, counters.handle(), report);
   }
-  if (status == zel::STATUS_OK && report) *report = result;
   return ZEL_ProcessError("ZEL_Histogram", status);
 }

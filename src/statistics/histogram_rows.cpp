@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "core/pixel_types.h"
 #include "statistics/float_sums.h"
 
 #if defined(ZEL_LEVEL_v3) || defined(ZEL_LEVEL_v4)
@@ -136,19 +137,21 @@ void SumWords(const void* row, const uint16_t* classes, int32_t width, const Cla
   const auto* pixels = static_cast<const int16_t*>(row);
   const auto none = static_cast<uint16_t>(map.classes);
   // Of the pixels that are left out: 0 for the sums, the far end for the extremes.
+  constexpr auto least = static_cast<int16_t>(LIMITS_OF<int16_t>.low);
+  constexpr auto most = static_cast<int16_t>(LIMITS_OF<int16_t>.high);
   int16_t values[CLASS_RUN];
   int16_t lows[CLASS_RUN];
   int16_t highs[CLASS_RUN];
   for (int32_t x = 0; x < width; x++) {
     const int32_t keep = classes[x] != none ? 0xFFFF : 0;
     values[x] = static_cast<int16_t>(pixels[x] & keep);
-    lows[x] = static_cast<int16_t>((pixels[x] & keep) | (INT16_MAX & ~keep));
-    highs[x] = static_cast<int16_t>((pixels[x] & keep) | (INT16_MIN & ~keep));
+    lows[x] = static_cast<int16_t>((pixels[x] & keep) | (most & ~keep));
+    highs[x] = static_cast<int16_t>((pixels[x] & keep) | (least & ~keep));
   }
   int32_t sum = 0;
   uint64_t squares = 0;
-  int16_t min = INT16_MAX;
-  int16_t max = INT16_MIN;
+  int16_t min = most;
+  int16_t max = least;
   for (int32_t x = 0; x < width; x++) {
     sum += values[x];
     squares += static_cast<uint32_t>(values[x] * values[x]);
@@ -194,8 +197,12 @@ void SumFloats(const void* row, const uint16_t* classes, int32_t width, const Cl
 
 }  // namespace
 
-extern const HistogramRows histogramRows = {&CountLevels,      &LevelsUnderMask, &CountNumbers,
-                                            &Classes<int16_t>, &Classes<float>,  &SumWords,
-                                            &SumFloats};
+extern const HistogramRows histogramRows = {.countLevels = &CountLevels,
+                                            .levelsUnderMask = &LevelsUnderMask,
+                                            .countNumbers = &CountNumbers,
+                                            .classesOfWords = &Classes<int16_t>,
+                                            .classesOfFloats = &Classes<float>,
+                                            .sumWords = &SumWords,
+                                            .sumFloats = &SumFloats};
 
 }  // namespace zel::ZEL_LEVEL

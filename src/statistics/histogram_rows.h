@@ -1,8 +1,8 @@
 // Row routines of the histogram: pixels to class numbers, and class numbers counted.
 #pragma once
 
-#include "statistics/pixel_sums.h"
 #include "engine/levels.h"
+#include "statistics/pixel_sums.h"
 
 namespace zel {
 

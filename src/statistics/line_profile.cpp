@@ -1,12 +1,11 @@
 // The grey profile along a line and its statistics.
 #include "statistics/line_profile.h"
 
-#include "engine/array_convert.h"
-
 #include <cmath>
 
+#include "core/images.h"
+#include "engine/array_convert.h"
 #include "statistics/pixel_sums.h"
-#include "core/kernels.h"
 #include "utilities/lines.h"
 
 namespace zel {
@@ -29,7 +28,7 @@ uint32_t SumOf(uint32_t sum, uint8_t sample) {
 
 template <class T, class Sum>
 ProfileSums Sample(const Image& image, const KernelLine& line, float* samples, int64_t count) {
-  const T* pixel = PixelGridOf(image).At<T>(line.startX, line.startY);
+  const T* pixel = ViewOf(image).At<T>(line.startX, line.startY);
   const int64_t lineWidth = image.lineWidth;
   LineSteps steps(line);
   Sum sum = 0;
@@ -64,17 +63,17 @@ LineProfileReport ReportOf(const KernelLine& line, const ProfileSums& sums, int6
 
 }  // namespace
 
-void LineProfileKernel(ImageRef reference, const KernelRect* line, LineProfileResult* out,
-                       Status* status) {
-  const Image* image = ImageLookup(reference, status);
-  if (!image) return;
+Status LineProfileKernel(ImageRef reference, const KernelRect* line, LineProfileResult* out) {
+  Image* image = nullptr;
+  Status status = ImageLookup(reference, &image);
+  if (status != STATUS_OK) return status;
   KernelLine clipped{line->left, line->top, line->right, line->bottom};
   const bool visible = LineClipToSize(image->width, image->height, &clipped);
   const int64_t count = visible ? LineSteps(clipped).points() : 0;
-  *status = VectorResize(out->profile, sizeof(float), static_cast<uint64_t>(count));
-  if (*status != STATUS_OK) return;
+  status = VectorResize(out->profile, sizeof(float), static_cast<uint64_t>(count));
+  if (status != STATUS_OK) return status;
   out->report = {};
-  if (!visible) return;
+  if (!visible) return STATUS_OK;
 
   auto* samples = VectorData<float>(out->profile);
   ProfileSums sums{};
@@ -89,10 +88,10 @@ void LineProfileKernel(ImageRef reference, const KernelRect* line, LineProfileRe
       sums = Sample<float, float>(*image, clipped, samples, count);
       break;
     default:
-      *status = STATUS_BAD_TYPE;
-      return;
+      return STATUS_BAD_TYPE;
   }
   out->report = ReportOf(clipped, sums, count);
+  return STATUS_OK;
 }
 
 }  // namespace zel
@@ -104,7 +103,7 @@ int32_t ZEL_LineProfile(ImageRef image, int32_t startX, int32_t startY, int32_t 
   zel::ScopedVector samples;
   zel::Status status = samples.Create();
   zel::LineProfileResult result{samples.handle(), {}};
-  if (status == zel::STATUS_OK) zel::LineProfileKernel(image, &line, &result, &status);
+  if (status == zel::STATUS_OK) status = zel::LineProfileKernel(image, &line, &result);
   if (status == zel::STATUS_OK) {
     const int32_t count = result.report.nbPixels;
     if (profile) {

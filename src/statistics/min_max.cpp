@@ -1,28 +1,25 @@
 // The smallest and the largest pixel of a region.
-#include "statistics/histogram.h"
+#include "statistics/min_max.h"
+
 #include "statistics/sums_rows.h"
-#include "core/kernels.h"
 
 namespace zel {
 
-void ImageMinMax(const PixelRegion& region, float* min, float* max, Status* status) {
-  if (!TypeIsScalar(region.type)) {
-    *status = STATUS_BAD_OPERAND_TYPE;
-    return;
-  }
+Status ImageMinMax(const Region& region, float* min, float* max) {
+  const PixelView& view = region.view;
+  if (!TypeIsScalar(view.type)) return STATUS_BAD_OPERAND_TYPE;
   // What stands for "none": the ends of the type, of 32 bits for words.
-  constexpr float lowest[] = {UINT8_MAX, 0x1p31f, EXTREME_NONE};
-  constexpr float highest[] = {0, -0x1p31f, -EXTREME_NONE};
-  float low = lowest[region.type];
-  float high = highest[region.type];
-  const ExtremesRow extremesOf = sumsRows().extremes[region.type];
-  for (int32_t y = 0; y < region.height; y++) {
-    extremesOf(region.pixels + y * region.pitch,
-               region.mask ? region.mask + y * region.maskPitch : nullptr, region.width, &low,
-               &high);
+  constexpr float lowest[] = {LimitsOf(IMAGE_U8).high, 0x1p31f, EXTREME_NONE};
+  constexpr float highest[] = {LimitsOf(IMAGE_U8).low, -0x1p31f, -EXTREME_NONE};
+  float low = lowest[view.type];
+  float high = highest[view.type];
+  const ExtremesRow extremesOf = sumsRows().extremes[view.type];
+  for (int32_t y = 0; y < view.height; y++) {
+    extremesOf(view.Row<void>(y), region.mask.Row(y), view.width, &low, &high);
   }
   *min = low;
   *max = high;
+  return STATUS_OK;
 }
 
 }  // namespace zel

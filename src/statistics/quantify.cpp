@@ -1,9 +1,8 @@
 // Statistics of an image and of the regions that a label mask names.
 #include <cstring>
 
-#include "statistics/histogram.h"
+#include "engine/operands.h"
 #include "statistics/sums_rows.h"
-#include "core/kernels.h"
 
 namespace zel {
 namespace {
@@ -28,25 +27,22 @@ int32_t LabelRunEnd(const uint8_t* labels, int32_t x, int32_t width) {
   return x;
 }
 
-void SumLabels(const PixelRegion& region, AddRow add, PixelSums (&regions)[LABELS]) {
-  int32_t pixelBytes = 0;
-  PixelSize(region.type, &pixelBytes);
-  for (int32_t y = 0; y < region.height; y++) {
-    const uint8_t* row = region.pixels + y * region.pitch;
-    const uint8_t* labels = region.mask + y * region.maskPitch;
-    for (int32_t x = 0; x < region.width;) {
-      const int32_t end = LabelRunEnd(labels, x, region.width);
-      if (labels[x] != 0) add(row + int64_t{x} * pixelBytes, end - x, &regions[labels[x]]);
+void SumLabels(const Region& region, AddRow add, PixelSums (&regions)[LABELS]) {
+  const PixelView& view = region.view;
+  for (int32_t y = 0; y < view.height; y++) {
+    const auto* row = view.Row<uint8_t>(y);
+    const uint8_t* labels = region.mask.Row(y);
+    for (int32_t x = 0; x < view.width;) {
+      const int32_t end = LabelRunEnd(labels, x, view.width);
+      if (labels[x] != 0) add(row + int64_t{x} * view.pixelBytes, end - x, &regions[labels[x]]);
       x = end;
     }
   }
 }
 
-PixelSums SumAll(const PixelRegion& region, AddRow add) {
+PixelSums SumAll(const PixelView& view, AddRow add) {
   PixelSums sums;
-  for (int32_t y = 0; y < region.height; y++) {
-    add(region.pixels + y * region.pitch, region.width, &sums);
-  }
+  for (int32_t y = 0; y < view.height; y++) add(view.Row<void>(y), view.width, &sums);
   return sums;
 }
 
@@ -68,27 +64,28 @@ QuantifyReport ReportOf(const PixelSums& sums, const Scale& scale) {
   return report;
 }
 
-PixelSums SumsOfImage(const PixelRegion& region) {
+PixelSums SumsOfImage(const PixelView& view) {
   PixelSums sums;
-  if (!TypeIsScalar(region.type)) {
-    sums.count = int64_t{region.width} * region.height;  // counted, but not summed
+  if (!TypeIsScalar(view.type)) {
+    sums.count = int64_t{view.width} * view.height;  // counted, but not summed
     return sums;
   }
-  sums = SumAll(region, sumsRows().add[region.type]);
+  sums = SumAll(view, sumsRows().add[view.type]);
   // The squares of many large words are rounded as they come, pixel after pixel.
-  if (region.type == IMAGE_I16 && !sums.SquaresAreExact()) sums = SumAll(region, &AddWordsInOrder);
+  if (view.type == IMAGE_I16 && !sums.SquaresAreExact()) sums = SumAll(view, &AddWordsInOrder);
   return sums;
 }
 
 // Sums and reports of the regions; returns the highest label.
-int32_t LabelsReport(const PixelRegion& region, const Scale& scale, PixelSums* global,
+int32_t LabelsReport(const Region& region, const Scale& scale, PixelSums* global,
                      QuantifyReport (&reports)[LABELS]) {
   PixelSums regions[LABELS];
-  if (TypeIsScalar(region.type) && region.mask) {
-    SumLabels(region, sumsRows().add[region.type], regions);
+  const int16_t type = region.view.type;
+  if (TypeIsScalar(type) && !region.view.IsEmpty()) {
+    SumLabels(region, sumsRows().add[type], regions);
     bool exact = true;
     for (const PixelSums& sums : regions) exact = exact && sums.SquaresAreExact();
-    if (region.type == IMAGE_I16 && !exact) {
+    if (type == IMAGE_I16 && !exact) {
       for (PixelSums& sums : regions) sums = {};
       SumLabels(region, &AddWordsInOrder, regions);
     }
@@ -109,34 +106,39 @@ int32_t LabelsReport(const PixelRegion& region, const Scale& scale, PixelSums* g
   return highest;
 }
 
-// `regionReports` is a vector of QuantifyReport that the call sizes, or 0.
-void QuantifyKernel(ImageRef reference, ImageRef mask, QuantifyReport* globalReport,
-                    Handle regionReports, int32_t* nbRegions, Status* status) {
-  PixelRegion region{};
-  PixelRegionOf(reference, mask, &region, status);
-  const Image* image = *status == STATUS_OK ? ImageLookup(reference, status) : nullptr;
-  if (!image) return;
+// `regionReports` is a vector of QuantifyReport that the call sizes, or 0. Both outputs may be
+// null.
+Status Quantify(ImageRef reference, ImageRef mask, QuantifyReport* globalReport,
+                Handle regionReports, int32_t* nbRegions) {
+  Image* image = nullptr;
+  Status status = ImageLookup(reference, &image);
+  if (status != STATUS_OK) return status;
+  const bool isMasked = mask != 0 && mask != reference;
+  Region region{};
+  status = RegionOf(*image, isMasked ? mask : 0, &region);
+  if (status != STATUS_OK) return status;
   const Scale scale{static_cast<double>(image->xStep), static_cast<double>(image->yStep),
                     static_cast<double>(image->width) * image->height};
 
   PixelSums global;
   QuantifyReport reports[LABELS];
   int32_t highest = 0;
-  if (mask != 0 && mask != reference) {
+  if (isMasked) {
     highest = LabelsReport(region, scale, &global, reports);
   } else {
-    global = SumsOfImage(region);
+    global = SumsOfImage(region.view);
   }
   if (regionReports != 0) {
     const auto count = static_cast<size_t>(highest);
-    *status = VectorResize(regionReports, sizeof(QuantifyReport), count);
-    if (*status != STATUS_OK) return;
+    status = VectorResize(regionReports, sizeof(QuantifyReport), count);
+    if (status != STATUS_OK) return status;
     if (count != 0) {
       std::memcpy(VectorData<void>(regionReports), reports + 1, count * sizeof(QuantifyReport));
     }
   }
-  *nbRegions = highest;
-  *globalReport = ReportOf(global, scale);
+  if (nbRegions) *nbRegions = highest;
+  if (globalReport) *globalReport = ReportOf(global, scale);
+  return STATUS_OK;
 }
 
 }  // namespace
@@ -144,17 +146,14 @@ void QuantifyKernel(ImageRef reference, ImageRef mask, QuantifyReport* globalRep
 
 int32_t ZEL_Quantify(ImageRef image, ImageRef mask, QuantifyReport* globalReport,
                      QuantifyReport** regionReports, int32_t* nbRegions) {
-  QuantifyReport unused{};
-  int32_t regions = 0;
+  if (nbRegions) *nbRegions = 0;
   zel::ScopedWrap records;
   zel::Status status = zel::STATUS_OK;
   if (regionReports) status = records.Create(*regionReports, sizeof(QuantifyReport), 0, 0, 1);
   if (status == zel::STATUS_OK) {
-    zel::QuantifyKernel(image, mask, globalReport ? globalReport : &unused, records.handle(),
-                        &regions, &status);
+    status = zel::Quantify(image, mask, globalReport, records.handle(), nbRegions);
   }
   // Whatever the status: the block may have moved.
   if (records.handle() != 0) *regionReports = static_cast<QuantifyReport*>(records.Release());
-  if (nbRegions) *nbRegions = regions;
   return ZEL_ProcessError("ZEL_Quantify", status);
 }

@@ -1,6 +1,7 @@
 // Sums, squares, extremes and moments of rows of pixels.
 #include "statistics/sums_rows.h"
 
+#include "core/pixel_types.h"
 #include "statistics/float_sums.h"
 
 namespace zel::ZEL_LEVEL {
@@ -18,8 +19,8 @@ template <class T>
 void ExtremesOfIntegers(const void* row, const uint8_t* mask, int32_t width, float* min,
                         float* max) {
   const auto* pixels = static_cast<const T*>(row);
-  constexpr T least = static_cast<T>(sizeof(T) == 1 ? 0 : INT16_MIN);
-  constexpr T most = static_cast<T>(sizeof(T) == 1 ? UINT8_MAX : INT16_MAX);
+  constexpr T least = static_cast<T>(LIMITS_OF<T>.low);
+  constexpr T most = static_cast<T>(LIMITS_OF<T>.high);
   T low = most;
   T high = least;
   if (!mask) {
@@ -163,8 +164,8 @@ void Moments(const void* row, const uint8_t* mask, int32_t width, int32_t y, Mom
 }  // namespace
 
 extern const SumsRows sumsRows = {
-    {&ExtremesOfIntegers<uint8_t>, &ExtremesOfIntegers<int16_t>, &ExtremesOfFloats},
-    {&AddIntegers<uint8_t, uint32_t>, &AddIntegers<int16_t, uint64_t>, &AddFloats},
-    {&Moments<uint8_t>, &Moments<int16_t>}};
+    .extremes = {&ExtremesOfIntegers<uint8_t>, &ExtremesOfIntegers<int16_t>, &ExtremesOfFloats},
+    .add = {&AddIntegers<uint8_t, uint32_t>, &AddIntegers<int16_t, uint64_t>, &AddFloats},
+    .moments = {&Moments<uint8_t>, &Moments<int16_t>}};
 
 }  // namespace zel::ZEL_LEVEL

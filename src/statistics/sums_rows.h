@@ -1,8 +1,8 @@
 // Row routines that sum up pixels.
 #pragma once
 
-#include "statistics/pixel_sums.h"
 #include "engine/levels.h"
+#include "statistics/pixel_sums.h"
 
 namespace zel {
 
