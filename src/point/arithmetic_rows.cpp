@@ -230,7 +230,7 @@ void MultiplyByte(const PointViews& views, const OperatorConstant& constant) {
 
 // Pixels of one type in vectors, the rest of a row by the plain rule.
 template <class T, class Rule, Vector (*Step)(Vector a, Vector b)>
-void VectorImages(const PointViews& views, const OperatorConstant& constant) {
+void VectorImages(const PointViews& views, const OperatorConstant&) {
   constexpr int64_t lanes = sizeof(Vector) / sizeof(T);
   const int64_t width = views.result.width;
   for (int64_t y = 0; y < views.result.height; y++) {
@@ -246,7 +246,7 @@ void VectorImages(const PointViews& views, const OperatorConstant& constant) {
 
 // Bytes are divided in 32 bits.
 template <class Rule>
-void DivideBytes(const PointViews& views, const OperatorConstant& constant) {
+void DivideBytes(const PointViews& views, const OperatorConstant&) {
   constexpr bool modulo = std::is_same_v<Rule, Modulo>;
   constexpr int64_t lanes = sizeof(Vector) / 4;
   const int64_t width = views.result.width;

@@ -156,7 +156,7 @@ Status CountClasses(ImageRef source, ImageRef mask, uint32_t (&counts)[CLASSES],
   ScopedWrap wrap;
   const Status wrapped = wrap.Create(counts, sizeof(uint32_t), CLASSES, 0, 0);
   if (wrapped != STATUS_OK) return wrapped;
-  return HistogramKernel(source, mask, CLASSES, 0.0f, 0.0f, wrap.handle(), report);
+  return Histogram(source, mask, CLASSES, 0.0f, 0.0f, wrap.handle(), report);
 }
 
 // Null for a histogram or its report: the call makes its own.

@@ -6,6 +6,7 @@
 #include "point/lookup_rows.h"
 #include "point/threshold_rows.h"
 #include "statistics/histogram.h"
+#include "statistics/min_max.h"
 
 namespace zel {
 namespace {

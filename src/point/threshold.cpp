@@ -2,7 +2,6 @@
 #include <type_traits>
 
 #include "core/heap.h"
-#include "core/numbers.h"
 #include "point/lookup.h"
 #include "point/threshold_rows.h"
 
@@ -15,9 +14,9 @@ constexpr int32_t COMPARED_CLASSES = 16;
 
 template <class T>
 ThresholdRange<T> IntegerRange(float min, float max, float newValue, bool keep) {
-  constexpr IntegerLimits limits = LIMITS_OF<T>;
   const auto limited = [](float value) {
-    return static_cast<T>(CutLimited(static_cast<double>(value), limits.low, limits.high));
+    return static_cast<T>(
+        CutLimited(static_cast<double>(value), LIMITS_OF<T>.low, LIMITS_OF<T>.high));
   };
   return {limited(min), limited(max), limited(newValue), keep};
 }

@@ -11,7 +11,6 @@
 namespace zel {
 
 // How often each level occurs among the selected pixels of a U8 region.
-constexpr int32_t LEVELS_U8 = 256;
 void CountLevels(const Region& region, uint32_t (&counts)[LEVELS_U8]);
 
 // What ZEL_Histogram does. `histogram` names a vector of uint32_t that the call sizes, or a
