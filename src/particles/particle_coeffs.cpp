@@ -276,28 +276,25 @@ bool Measures::Value(uint32_t measure, float* value) const {
   return true;
 }
 
-void ParticleCoeffsKernel(ImageRef image, const uint32_t* measures, uint32_t nbMeasures,
-                          const ParticleReport* reports, int32_t nbReports, float* coefficients,
-                          Status* status) {
-  const Image* from = ImageLookup(image, status);
-  if (!from) return;
-  if (from->width == 0 || from->height == 0) {
-    *status = STATUS_SIZE_DIFFERS;
-    return;
-  }
+Status ParticleCoeffs(ImageRef reference, const uint32_t* measures, uint32_t nbMeasures,
+                      const ParticleReport* reports, int32_t nbReports, float* coefficients) {
+  if (nbMeasures == 0 || nbReports <= 0) return STATUS_OK;
+  if (!measures || !reports || !coefficients) return STATUS_NULL_POINTER;
+  Image* image = nullptr;
+  const Status status = ImageLookup(reference, &image);
+  if (status != STATUS_OK) return status;
+  if (image->width == 0 || image->height == 0) return STATUS_SIZE_DIFFERS;
   const auto step = [](float value) { return value == 0.0f ? 1.0 : static_cast<double>(value); };
-  const MeasuredImage measured = {static_cast<double>(from->width),
-                                  static_cast<double>(from->height), step(from->xStep),
-                                  step(from->yStep)};
+  const MeasuredImage measured = {static_cast<double>(image->width),
+                                  static_cast<double>(image->height), step(image->xStep),
+                                  step(image->yStep)};
   for (int32_t i = 0; i < nbReports; i++) {
     const Measures values(reports[i], measured);
     for (uint32_t j = 0; j < nbMeasures; j++) {
-      if (!values.Value(measures[j], coefficients++)) {
-        *status = STATUS_BAD_MEASURE;
-        return;
-      }
+      if (!values.Value(measures[j], coefficients++)) return STATUS_BAD_MEASURE;
     }
   }
+  return STATUS_OK;
 }
 
 }  // namespace
@@ -305,11 +302,7 @@ void ParticleCoeffsKernel(ImageRef image, const uint32_t* measures, uint32_t nbM
 
 int32_t ZEL_ParticleCoeffs(ImageRef image, const uint32_t* measures, uint32_t nbMeasures,
                            ParticleReport* reports, int32_t nbReports, float* coefficients) {
-  if (nbMeasures == 0 || nbReports <= 0) return 0;
-  if (!measures || !reports || !coefficients) {
-    return ZEL_ProcessError("ZEL_ParticleCoeffs", zel::STATUS_NULL_POINTER);
-  }
-  zel::Status status = 0;
-  zel::ParticleCoeffsKernel(image, measures, nbMeasures, reports, nbReports, coefficients, &status);
-  return ZEL_ProcessError("ZEL_ParticleCoeffs", status);
+  return ZEL_ProcessError(
+      "ZEL_ParticleCoeffs",
+      zel::ParticleCoeffs(image, measures, nbMeasures, reports, nbReports, coefficients));
 }
