@@ -7,6 +7,9 @@
 
 namespace zel {
 
+constexpr bool TypeIsU8(int32_t type) {
+  return type == IMAGE_U8;
+}
 constexpr bool TypeIsInteger(int32_t type) {
   return type == IMAGE_U8 || type == IMAGE_I16;
 }

@@ -28,21 +28,23 @@ PointViews PointColumns(const PointViews& views, int32_t first, int32_t end) {
           .mask = views.mask.Columns(first)};
 }
 
+PixelView RowsJoin(const PixelView& view) {
+  if (!HasNoGaps(view)) return view;
+  PixelView joined = view;
+  joined.width *= joined.height;  // below 2^31, as the bytes of a block are
+  joined.height = 1;
+  return joined;
+}
+
 PointViews RowsJoin(const PointViews& views) {
-  const int32_t width = views.result.width;
   const bool isOneRow = HasNoGaps(views.result) && HasNoGaps(views.first) &&
                         (!views.second.origin || HasNoGaps(views.second)) &&
-                        (views.mask.SelectsAll() || views.mask.pitch == width);
+                        (views.mask.SelectsAll() || views.mask.pitch == views.result.width);
   if (!isOneRow) return views;
-  PointViews joined = views;
-  const auto join = [](PixelView* view) {
-    view->width *= view->height;  // below 2^31, as the bytes of a block are
-    view->height = 1;
-  };
-  join(&joined.first);
-  join(&joined.second);
-  join(&joined.result);
-  return joined;
+  return {.first = RowsJoin(views.first),
+          .second = RowsJoin(views.second),
+          .result = RowsJoin(views.result),
+          .mask = views.mask};
 }
 
 void PointWalk(const PointViews& views, const PointWork& work) {

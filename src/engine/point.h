@@ -31,6 +31,7 @@ void PointWalk(const PointViews& views, PointRoutine<Rule> routine, const Rule& 
 // The whole rows of an operation joined into one where none of its operands has a gap between them;
 // unchanged otherwise. For passes that own their walk.
 PointViews RowsJoin(const PointViews& views);
+PixelView RowsJoin(const PixelView& view);
 
 // The columns from `first` up to and without `end` of all operands.
 PointViews PointColumns(const PointViews& views, int32_t first, int32_t end);

@@ -39,32 +39,26 @@ void ParticlesSum(const ParticleRuns& particles, double pixelArea, BasicParticle
   }
 }
 
-void BasicParticleKernel(ImageRef image, uint16_t* connectivity8, Handle reports,
-                         int32_t* nbReports, Status* status) {
-  *connectivity8 = *connectivity8 != 0;
-  const Image* from = ImageLookup(image, status);
-  if (!from) return;
-  if (from->type != IMAGE_U8) {
-    *status = STATUS_BAD_TYPE;
-  } else if (from->border < ParticleBorder(*connectivity8 != 0)) {
-    *status = STATUS_BORDER_TOO_SMALL;
-  }
-  if (*status == STATUS_OK) *status = BorderZero(image);
-  if (*status != STATUS_OK) return;
+Status BasicParticle(ImageRef reference, bool connectivity8, Handle reports, int32_t* nbReports) {
+  Image* image = nullptr;
+  Status status = ParticleImageLookup(reference, &TypeIsU8, connectivity8, &image);
+  if (status == STATUS_OK) status = BorderZero(reference);
+  if (status != STATUS_OK) return status;
 
   ParticleRuns particles;
-  ParticleRunsFind(PixelGridOf(*from), from->type, *connectivity8 != 0, &particles, status);
-  if (*status != STATUS_OK) return;
-  *status =
-      VectorResize(reports, sizeof(BasicParticleReport), static_cast<uint64_t>(particles.count));
-  if (*status != STATUS_OK) {
+  status = ParticleRunsFind(ViewOf(*image), connectivity8, &particles);
+  if (status != STATUS_OK) return status;
+  const auto count = static_cast<uint64_t>(particles.count);
+  status = VectorResize(reports, sizeof(BasicParticleReport), count);
+  if (status != STATUS_OK) {
     // The caller's table is emptied, not left with records of another image.
     VectorResize(reports, sizeof(BasicParticleReport), 0);
-    return;
+    return status;
   }
-  ParticlesSum(particles, static_cast<double>(from->xStep) * static_cast<double>(from->yStep),
+  ParticlesSum(particles, static_cast<double>(image->xStep) * static_cast<double>(image->yStep),
                VectorData<BasicParticleReport>(reports));
   *nbReports = particles.count;
+  return STATUS_OK;
 }
 
 }  // namespace
@@ -72,6 +66,6 @@ void BasicParticleKernel(ImageRef image, uint16_t* connectivity8, Handle reports
 
 int32_t ZEL_BasicParticle(ImageRef image, uint16_t connectivity8, BasicParticleReport** reports,
                           int32_t* nbReports) {
-  return zel::ParticleExport("ZEL_BasicParticle", zel::BasicParticleKernel, image, connectivity8,
+  return zel::ParticleExport("ZEL_BasicParticle", &zel::BasicParticle, image, connectivity8,
                              reports, nbReports);
 }

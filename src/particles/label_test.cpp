@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "particles/particle_scan.h"
 #include "core/kernels.h"
+#include "particles/particle_scan.h"
 #include "tests/reference/particles.h"
 #include "tests/support/refused_memory.h"
 

@@ -247,29 +247,21 @@ void ParticleSweep::Write(ParticleReport* reports) const {
   }
 }
 
-void MeasureParticles(ImageRef image, uint16_t* connectivity8, Handle reports, int32_t* nbReports,
-                      Status* status) {
-  *connectivity8 = *connectivity8 != 0;
-  const Image* from = ImageLookup(image, status);
-  if (!from) return;
-  if (from->type != IMAGE_U8) {
-    *status = STATUS_BAD_TYPE;
-  } else if (from->border < ParticleBorder(*connectivity8 != 0)) {
-    *status = STATUS_BORDER_TOO_SMALL;
-  }
-  if (*status != STATUS_OK) return;
+Status MeasureParticles(ImageRef reference, bool connectivity8, Handle reports,
+                        int32_t* nbReports) {
+  Image* image = nullptr;
+  Status status = ParticleImageLookup(reference, &TypeIsU8, connectivity8, &image);
+  if (status != STATUS_OK) return status;
 
   PixelBits bits;
-  ParticleSweep sweep(bits, *connectivity8 != 0, from->xStep, from->yStep);
-  if (!bits.Create(PixelGridOf(*from), from->type) || !sweep.Sweep()) {
-    *status = STATUS_MEMORY_FULL;
-    return;
-  }
+  ParticleSweep sweep(bits, connectivity8, image->xStep, image->yStep);
+  if (!bits.Create(ViewOf(*image)) || !sweep.Sweep()) return STATUS_MEMORY_FULL;
   const uint32_t particles = sweep.CountParticles();
-  *status = VectorResize(reports, sizeof(ParticleReport), particles);
-  if (*status != STATUS_OK) return;
+  status = VectorResize(reports, sizeof(ParticleReport), particles);
+  if (status != STATUS_OK) return status;
   sweep.Write(VectorData<ParticleReport>(reports));
   *nbReports = static_cast<int32_t>(particles);
+  return STATUS_OK;
 }
 
 }  // namespace
@@ -277,6 +269,6 @@ void MeasureParticles(ImageRef image, uint16_t* connectivity8, Handle reports, i
 
 int32_t ZEL_Particle(ImageRef image, uint16_t connectivity8, ParticleReport** reports,
                      int32_t* nbReports) {
-  return zel::ParticleExport("ZEL_Particle", zel::MeasureParticles, image, connectivity8, reports,
+  return zel::ParticleExport("ZEL_Particle", &zel::MeasureParticles, image, connectivity8, reports,
                              nbReports);
 }

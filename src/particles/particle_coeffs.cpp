@@ -1,6 +1,7 @@
 // The numbered measures of particles, computed from their reports.
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "core/images.h"
 
@@ -24,57 +25,58 @@ double SquareRoot(double value) {
   return value > 0.0 ? std::sqrt(value) : 0.0;
 }
 
+double Rounded(double value) {
+  return static_cast<double>(static_cast<float>(value));
+}
+
+// One past the last pixel; sums beyond 32 bits wrap, as the rectangle's own do.
+int32_t End(int32_t start, int32_t length) {
+  return static_cast<int32_t>(static_cast<uint32_t>(start) + static_cast<uint32_t>(length));
+}
+
 // A report with its image. Everything is computed in 64-bit floats; a measure is rounded to 32 bits
 // once, and measures that build on others take the rounded ones.
-class Measures {
- public:
-  Measures(const ParticleReport& report, const MeasuredImage& image)
-      : report_(report),
-        image_(image),
-        area_(report.area),
-        holesArea_(report.holesArea),
-        calibratedArea_(static_cast<double>(report.calibratedArea)),
-        perimeter_(static_cast<double>(report.perimeter)),
-        width_(report.rect.width),
-        height_(report.rect.height),
-        meanX_(static_cast<double>(report.sumX) / area_),
-        meanY_(static_cast<double>(report.sumY) / area_) {}
+struct Measures {
+  const ParticleReport& report;
+  const MeasuredImage& image;
+  double area = report.area;
+  double holesArea = report.holesArea;
+  double calibratedArea = static_cast<double>(report.calibratedArea);
+  double perimeter = static_cast<double>(report.perimeter);
+  double width = report.rect.width;  // of the rectangle, in pixels
+  double height = report.rect.height;
+  double meanX = static_cast<double>(report.sumX) / area;
+  double meanY = static_cast<double>(report.sumY) / area;
+  double imageArea = image.width * image.height;
 
   // False for a number that is no measure.
   bool Value(uint32_t measure, float* value) const;
 
- private:
-  double Of(uint32_t measure) const {
+  // Of a number that is one.
+  double Of(ParticleMeasure measure) const {
     float value = 0.0f;
     Value(measure, &value);
     return static_cast<double>(value);
+  }
+  // The dividend alone where the divisor is 0.
+  double GuardedRatio(ParticleMeasure dividend, ParticleMeasure divisor) const {
+    const double by = Of(divisor);
+    return by == 0.0 ? Of(dividend) : Of(dividend) / by;
   }
   double MaxIntercept() const;
   double Orientation() const;
   double EllipseAxis(double sign) const;
   double RectangleSide(double sign) const;
   double TypeFactor() const;
-
-  static double Rounded(double value) { return static_cast<double>(static_cast<float>(value)); }
-  // One past the last pixel; sums beyond 32 bits wrap, as the rectangle's own do.
-  static int32_t End(int32_t start, int32_t length) {
-    return static_cast<int32_t>(static_cast<uint32_t>(start) + static_cast<uint32_t>(length));
-  }
-
-  const ParticleReport& report_;
-  const MeasuredImage& image_;
-  double area_, holesArea_, calibratedArea_, perimeter_;
-  double width_, height_;  // of the rectangle, in pixels
-  double meanX_, meanY_;
 };
 
 // Blends the rectangle's diagonal with its longer side by how much of the width the longest run
 // fills.
 double Measures::MaxIntercept() const {
-  const double filled = report_.longestSegment / width_;
+  const double filled = report.longestSegment / width;
   const double blend = Rounded(filled * Rounded(filled));
-  const double diagonal = std::sqrt(width_ * width_ + height_ * height_);
-  return diagonal * (1.0 - blend) + blend * std::max(width_, height_);
+  const double diagonal = std::sqrt(width * width + height * height);
+  return diagonal * (1.0 - blend) + blend * std::max(width, height);
 }
 
 // In degrees. With equal moments along both axes the sign of the mixed one decides.
@@ -91,213 +93,136 @@ double Measures::Orientation() const {
 
 // Of the ellipse of equal area and perimeter.
 double Measures::EllipseAxis(double sign) const {
-  const double p = calibratedArea_ * 2.0 * ONE_BY_PI;
-  const double q = Rounded(perimeter_ * perimeter_ * HALF_BY_PI_SQUARED);
+  const double p = calibratedArea * 2.0 * ONE_BY_PI;
+  const double q = Rounded(perimeter * perimeter * HALF_BY_PI_SQUARED);
   return SquareRoot(p + q) + sign * SquareRoot(q - p);
 }
 
 // Of the rectangle of equal area and perimeter.
 double Measures::RectangleSide(double sign) const {
-  const double root = SquareRoot(perimeter_ * perimeter_ - 16.0 * calibratedArea_);
-  return (perimeter_ + sign * root) * 0.25;
+  const double root = SquareRoot(perimeter * perimeter - 16.0 * calibratedArea);
+  return (perimeter + sign * root) * 0.25;
 }
 
 double Measures::TypeFactor() const {
   const double product = Of(MEASURE_INERTIA_YY) * Of(MEASURE_INERTIA_XX);
   if (!(product > 0.0)) return 0.0;
-  const double factor = area_ * area_ / (std::sqrt(product) * FOUR_PI);
+  const double factor = area * area / (std::sqrt(product) * FOUR_PI);
   return factor > 1.0 ? 1.0 : factor;
 }
 
-bool Measures::Value(uint32_t measure, float* value) const {
-  const double xStep = image_.xStep;
-  const double yStep = image_.yStep;
-  const double imageArea = image_.width * image_.height;
-  const auto ratioGuarded = [&](uint32_t dividend, uint32_t divisor) {
-    const double by = Of(divisor);
-    return by == 0.0 ? Of(dividend) : Of(dividend) / by;
-  };
-  double result = 0.0;
-  switch (measure) {
-    case MEASURE_AREA_PIXELS:
-      result = area_;
-      break;
-    case MEASURE_AREA_CALIBRATED:
-      result = calibratedArea_;
-      break;
-    case MEASURE_NUMBER_OF_HOLES:
-      result = report_.nbHoles;
-      break;
-    case MEASURE_HOLES_AREA_CALIBRATED:
-      result = holesArea_ * xStep * yStep;
-      break;
-    case MEASURE_TOTAL_AREA_CALIBRATED:
-      result = (holesArea_ + area_) * xStep * yStep;
-      break;
-    case MEASURE_IMAGE_AREA_CALIBRATED:
-      result = imageArea * xStep * yStep;
-      break;
-    case MEASURE_TOTAL_AREA_PERCENT:
-      result = (holesArea_ + area_) / imageArea * 100.0;
-      break;
-    case MEASURE_AREA_PERCENT:
-      result = area_ / imageArea * 100.0;
-      break;
-    case MEASURE_CENTRE_OF_MASS_X:
-      result = meanX_;
-      break;
-    case MEASURE_CENTRE_OF_MASS_Y:
-      result = meanY_;
-      break;
-    case MEASURE_LEFT:
-      result = report_.rect.left;
-      break;
-    case MEASURE_TOP:
-      result = report_.rect.top;
-      break;
-    case MEASURE_RIGHT:
-      result = End(report_.rect.left, report_.rect.width);
-      break;
-    case MEASURE_BOTTOM:
-      result = End(report_.rect.top, report_.rect.height);
-      break;
-    case MEASURE_WIDTH_CALIBRATED:
-      result = width_ * xStep;
-      break;
-    case MEASURE_HEIGHT_CALIBRATED:
-      result = height_ * yStep;
-      break;
-    case MEASURE_LONGEST_SEGMENT:
-      result = report_.longestSegment;
-      break;
-    case MEASURE_LONGEST_SEGMENT_X:
-      result = report_.longestSegmentX;
-      break;
-    case MEASURE_LONGEST_SEGMENT_Y:
-      result = report_.longestSegmentY;
-      break;
-    case MEASURE_PERIMETER:
-      result = perimeter_;
-      break;
-    case MEASURE_HOLES_PERIMETER:
-      result = static_cast<double>(report_.holesPerimeter);
-      break;
-    case MEASURE_SUM_X:
-      result = static_cast<double>(report_.sumX);
-      break;
-    case MEASURE_SUM_Y:
-      result = static_cast<double>(report_.sumY);
-      break;
-    case MEASURE_SUM_XX:
-      result = static_cast<double>(report_.sumXX);
-      break;
-    case MEASURE_SUM_YY:
-      result = static_cast<double>(report_.sumYY);
-      break;
-    case MEASURE_SUM_XY:
-      result = static_cast<double>(report_.sumXY);
-      break;
-    case MEASURE_PROJECTION_X:
-      result = report_.projectionX;
-      break;
-    case MEASURE_NUMBER_OF_RUNS:
-      result = report_.nbRuns;
-      break;
-    case MEASURE_INERTIA_XX:
-      result = static_cast<double>(report_.sumXX) - meanX_ * Rounded(meanX_) * area_;
-      break;
-    case MEASURE_INERTIA_YY:
-      result = static_cast<double>(report_.sumYY) - meanY_ * Rounded(meanY_) * area_;
-      break;
-    case MEASURE_INERTIA_XY:
-      result = static_cast<double>(report_.sumXY) - meanX_ * Rounded(meanY_) * area_;
-      break;
-    case MEASURE_MEAN_CHORD_X:
-      result = area_ / report_.nbRuns;
-      break;
-    case MEASURE_MEAN_CHORD_Y:
-      result = area_ / report_.projectionX;
-      break;
-    case MEASURE_MAX_INTERCEPT:
-      result = MaxIntercept();
-      break;
-    case MEASURE_MEAN_PERPENDICULAR_INTERCEPT:
-      result = area_ / Of(MEASURE_MAX_INTERCEPT);
-      break;
-    case MEASURE_ORIENTATION:
-      result = Orientation();
-      break;
-    case MEASURE_INTERCEPT_ELLIPSE_MINOR_AXIS:
-      result = area_ / (Of(MEASURE_MAX_INTERCEPT) * PI) * 4.0;
-      break;
-    case MEASURE_ELLIPSE_MAJOR_AXIS:
-      result = EllipseAxis(1.0);
-      break;
-    case MEASURE_ELLIPSE_MINOR_AXIS:
-      result = EllipseAxis(-1.0);
-      break;
-    case MEASURE_ELLIPSE_RATIO:
-      result = ratioGuarded(MEASURE_ELLIPSE_MAJOR_AXIS, MEASURE_ELLIPSE_MINOR_AXIS);
-      break;
-    case MEASURE_RECTANGLE_LONG_SIDE:
-      result = RectangleSide(1.0);
-      break;
-    case MEASURE_RECTANGLE_SHORT_SIDE:
-      result = RectangleSide(-1.0);
-      break;
-    case MEASURE_RECTANGLE_RATIO:
-      result = Of(MEASURE_RECTANGLE_LONG_SIDE) / Of(MEASURE_RECTANGLE_SHORT_SIDE);
-      break;
-    case MEASURE_ELONGATION_FACTOR:
-      result = ratioGuarded(MEASURE_MAX_INTERCEPT, MEASURE_MEAN_PERPENDICULAR_INTERCEPT);
-      break;
-    case MEASURE_COMPACTNESS_FACTOR:
-      result = area_ / (width_ * height_);
-      break;
-    case MEASURE_HEYWOOD_CIRCULARITY:
-      result = perimeter_ / (std::sqrt(calibratedArea_ * PI) * 2.0);
-      break;
-    case MEASURE_TYPE_FACTOR:
-      result = TypeFactor();
-      break;
-    case MEASURE_HYDRAULIC_RADIUS:
-      result = calibratedArea_ / perimeter_;
-      break;
-    case MEASURE_WADDEL_DIAMETER:
-      result = std::sqrt(calibratedArea_ * ONE_BY_PI) * 2.0;
-      break;
-    case MEASURE_DIAGONAL_CALIBRATED:
-      result = std::sqrt(width_ * xStep * (width_ * xStep) + height_ * yStep * (height_ * yStep));
-      break;
-    default:
-      return false;
+// One row a measure, in the order of their numbers.
+using M = const Measures&;
+using Formula = double (*)(M m);
+struct MeasureFormula {
+  ParticleMeasure measure;
+  Formula value;
+};
+constexpr MeasureFormula FORMULAS[] = {
+    {MEASURE_AREA_PIXELS, [](M m) { return m.area; }},
+    {MEASURE_AREA_CALIBRATED, [](M m) { return m.calibratedArea; }},
+    {MEASURE_NUMBER_OF_HOLES, [](M m) -> double { return m.report.nbHoles; }},
+    {MEASURE_HOLES_AREA_CALIBRATED,
+     [](M m) { return m.holesArea * m.image.xStep * m.image.yStep; }},
+    {MEASURE_TOTAL_AREA_CALIBRATED,
+     [](M m) { return (m.holesArea + m.area) * m.image.xStep * m.image.yStep; }},
+    {MEASURE_IMAGE_AREA_CALIBRATED,
+     [](M m) { return m.imageArea * m.image.xStep * m.image.yStep; }},
+    {MEASURE_TOTAL_AREA_PERCENT, [](M m) { return (m.holesArea + m.area) / m.imageArea * 100.0; }},
+    {MEASURE_AREA_PERCENT, [](M m) { return m.area / m.imageArea * 100.0; }},
+    {MEASURE_CENTRE_OF_MASS_X, [](M m) { return m.meanX; }},
+    {MEASURE_CENTRE_OF_MASS_Y, [](M m) { return m.meanY; }},
+    {MEASURE_LEFT, [](M m) -> double { return m.report.rect.left; }},
+    {MEASURE_TOP, [](M m) -> double { return m.report.rect.top; }},
+    {MEASURE_RIGHT, [](M m) -> double { return End(m.report.rect.left, m.report.rect.width); }},
+    {MEASURE_BOTTOM, [](M m) -> double { return End(m.report.rect.top, m.report.rect.height); }},
+    {MEASURE_WIDTH_CALIBRATED, [](M m) { return m.width * m.image.xStep; }},
+    {MEASURE_HEIGHT_CALIBRATED, [](M m) { return m.height * m.image.yStep; }},
+    {MEASURE_LONGEST_SEGMENT, [](M m) -> double { return m.report.longestSegment; }},
+    {MEASURE_LONGEST_SEGMENT_X, [](M m) -> double { return m.report.longestSegmentX; }},
+    {MEASURE_LONGEST_SEGMENT_Y, [](M m) -> double { return m.report.longestSegmentY; }},
+    {MEASURE_PERIMETER, [](M m) { return m.perimeter; }},
+    {MEASURE_HOLES_PERIMETER, [](M m) { return double{m.report.holesPerimeter}; }},
+    {MEASURE_SUM_X, [](M m) { return double{m.report.sumX}; }},
+    {MEASURE_SUM_Y, [](M m) { return double{m.report.sumY}; }},
+    {MEASURE_SUM_XX, [](M m) { return double{m.report.sumXX}; }},
+    {MEASURE_SUM_YY, [](M m) { return double{m.report.sumYY}; }},
+    {MEASURE_SUM_XY, [](M m) { return double{m.report.sumXY}; }},
+    {MEASURE_PROJECTION_X, [](M m) -> double { return m.report.projectionX; }},
+    {MEASURE_NUMBER_OF_RUNS, [](M m) -> double { return m.report.nbRuns; }},
+    {MEASURE_INERTIA_XX,
+     [](M m) { return double{m.report.sumXX} - m.meanX * Rounded(m.meanX) * m.area; }},
+    {MEASURE_INERTIA_YY,
+     [](M m) { return double{m.report.sumYY} - m.meanY * Rounded(m.meanY) * m.area; }},
+    {MEASURE_INERTIA_XY,
+     [](M m) { return double{m.report.sumXY} - m.meanX * Rounded(m.meanY) * m.area; }},
+    {MEASURE_MEAN_CHORD_X, [](M m) { return m.area / m.report.nbRuns; }},
+    {MEASURE_MEAN_CHORD_Y, [](M m) { return m.area / m.report.projectionX; }},
+    {MEASURE_MAX_INTERCEPT, [](M m) { return m.MaxIntercept(); }},
+    {MEASURE_MEAN_PERPENDICULAR_INTERCEPT,
+     [](M m) { return m.area / m.Of(MEASURE_MAX_INTERCEPT); }},
+    {MEASURE_ORIENTATION, [](M m) { return m.Orientation(); }},
+    {MEASURE_INTERCEPT_ELLIPSE_MINOR_AXIS,
+     [](M m) { return m.area / (m.Of(MEASURE_MAX_INTERCEPT) * PI) * 4.0; }},
+    {MEASURE_ELLIPSE_MAJOR_AXIS, [](M m) { return m.EllipseAxis(1.0); }},
+    {MEASURE_ELLIPSE_MINOR_AXIS, [](M m) { return m.EllipseAxis(-1.0); }},
+    {MEASURE_ELLIPSE_RATIO,
+     [](M m) { return m.GuardedRatio(MEASURE_ELLIPSE_MAJOR_AXIS, MEASURE_ELLIPSE_MINOR_AXIS); }},
+    {MEASURE_RECTANGLE_LONG_SIDE, [](M m) { return m.RectangleSide(1.0); }},
+    {MEASURE_RECTANGLE_SHORT_SIDE, [](M m) { return m.RectangleSide(-1.0); }},
+    {MEASURE_RECTANGLE_RATIO,
+     [](M m) { return m.Of(MEASURE_RECTANGLE_LONG_SIDE) / m.Of(MEASURE_RECTANGLE_SHORT_SIDE); }},
+    {MEASURE_ELONGATION_FACTOR,
+     [](M m) {
+       return m.GuardedRatio(MEASURE_MAX_INTERCEPT, MEASURE_MEAN_PERPENDICULAR_INTERCEPT);
+     }},
+    {MEASURE_COMPACTNESS_FACTOR, [](M m) { return m.area / (m.width * m.height); }},
+    {MEASURE_HEYWOOD_CIRCULARITY,
+     [](M m) { return m.perimeter / (std::sqrt(m.calibratedArea * PI) * 2.0); }},
+    {MEASURE_TYPE_FACTOR, [](M m) { return m.TypeFactor(); }},
+    {MEASURE_HYDRAULIC_RADIUS, [](M m) { return m.calibratedArea / m.perimeter; }},
+    {MEASURE_WADDEL_DIAMETER, [](M m) { return std::sqrt(m.calibratedArea * ONE_BY_PI) * 2.0; }},
+    {MEASURE_DIAGONAL_CALIBRATED,
+     [](M m) {
+       return std::sqrt(m.width * m.image.xStep * (m.width * m.image.xStep) +
+                        m.height * m.image.yStep * (m.height * m.image.yStep));
+     }},
+};
+
+constexpr bool RowsAreInOrder() {
+  uint32_t row = 0;
+  for (const MeasureFormula& formula : FORMULAS) {
+    if (formula.measure != row++) return false;
   }
-  *value = static_cast<float>(result);
+  return true;
+}
+static_assert(RowsAreInOrder());
+
+bool Measures::Value(uint32_t measure, float* value) const {
+  if (measure >= std::size(FORMULAS)) return false;
+  *value = static_cast<float>(FORMULAS[measure].value(*this));
   return true;
 }
 
-void ParticleCoeffsKernel(ImageRef image, const uint32_t* measures, uint32_t nbMeasures,
-                          const ParticleReport* reports, int32_t nbReports, float* coefficients,
-                          Status* status) {
-  const Image* from = ImageLookup(image, status);
-  if (!from) return;
-  if (from->width == 0 || from->height == 0) {
-    *status = STATUS_SIZE_DIFFERS;
-    return;
-  }
+Status ParticleCoeffs(ImageRef reference, const uint32_t* measures, uint32_t nbMeasures,
+                      const ParticleReport* reports, int32_t nbReports, float* coefficients) {
+  if (nbMeasures == 0 || nbReports <= 0) return STATUS_OK;
+  if (!measures || !reports || !coefficients) return STATUS_NULL_POINTER;
+  Image* image = nullptr;
+  const Status status = ImageLookup(reference, &image);
+  if (status != STATUS_OK) return status;
+  if (image->width == 0 || image->height == 0) return STATUS_SIZE_DIFFERS;
   const auto step = [](float value) { return value == 0.0f ? 1.0 : static_cast<double>(value); };
-  const MeasuredImage measured = {static_cast<double>(from->width),
-                                  static_cast<double>(from->height), step(from->xStep),
-                                  step(from->yStep)};
+  const MeasuredImage measured = {static_cast<double>(image->width),
+                                  static_cast<double>(image->height), step(image->xStep),
+                                  step(image->yStep)};
   for (int32_t i = 0; i < nbReports; i++) {
-    const Measures values(reports[i], measured);
+    const Measures values{reports[i], measured};
     for (uint32_t j = 0; j < nbMeasures; j++) {
-      if (!values.Value(measures[j], coefficients++)) {
-        *status = STATUS_BAD_MEASURE;
-        return;
-      }
+      if (!values.Value(measures[j], coefficients++)) return STATUS_BAD_MEASURE;
     }
   }
+  return STATUS_OK;
 }
 
 }  // namespace
@@ -305,11 +230,7 @@ void ParticleCoeffsKernel(ImageRef image, const uint32_t* measures, uint32_t nbM
 
 int32_t ZEL_ParticleCoeffs(ImageRef image, const uint32_t* measures, uint32_t nbMeasures,
                            ParticleReport* reports, int32_t nbReports, float* coefficients) {
-  if (nbMeasures == 0 || nbReports <= 0) return 0;
-  if (!measures || !reports || !coefficients) {
-    return ZEL_ProcessError("ZEL_ParticleCoeffs", zel::STATUS_NULL_POINTER);
-  }
-  zel::Status status = 0;
-  zel::ParticleCoeffsKernel(image, measures, nbMeasures, reports, nbReports, coefficients, &status);
-  return ZEL_ProcessError("ZEL_ParticleCoeffs", status);
+  return ZEL_ProcessError(
+      "ZEL_ParticleCoeffs",
+      zel::ParticleCoeffs(image, measures, nbMeasures, reports, nbReports, coefficients));
 }

@@ -1,4 +1,5 @@
 // Particle reports kept or dropped by ranges of their fields.
+#include <algorithm>
 #include <cstdint>
 
 #include "core/status.h"
@@ -95,24 +96,19 @@ int32_t Discriminate(const ParticleCriterion* criteria, uint32_t nbCriteria,
   return kept;
 }
 
-void ParticleDiscrimKernel(const ParticleCriterion* criteria, uint32_t nbCriteria,
-                           ParticleReport* reports, int32_t nbReports, int32_t* nbKept,
-                           Status* status) {
-  *nbKept = 0;
-  if (nbReports <= 0) return;
-  if (!reports || (!criteria && nbCriteria != 0)) {
-    *status = STATUS_NULL_POINTER;
-    return;
-  }
-  if (nbCriteria == 0) {
+// nbKept may be null; nothing is written to it on failure.
+Status ParticleDiscrim(const ParticleCriterion* criteria, uint32_t nbCriteria,
+                       ParticleReport* reports, int32_t nbReports, int32_t* nbKept) {
+  int32_t kept = 0;
+  if (nbReports > 0) {
+    if (!reports || (!criteria && nbCriteria != 0)) return STATUS_NULL_POINTER;
     // One criterion is taken to be there, unless its number says that there is none.
-    if (!criteria || criteria->measure == NO_CRITERION) {
-      *nbKept = nbReports;
-      return;
-    }
-    nbCriteria = 1;
+    const bool hasNone = nbCriteria == 0 && (!criteria || criteria->measure == NO_CRITERION);
+    kept =
+        hasNone ? nbReports : Discriminate(criteria, std::max(nbCriteria, 1u), reports, nbReports);
   }
-  *nbKept = Discriminate(criteria, nbCriteria, reports, nbReports);
+  if (nbKept) *nbKept = kept;
+  return STATUS_OK;
 }
 
 }  // namespace
@@ -120,9 +116,6 @@ void ParticleDiscrimKernel(const ParticleCriterion* criteria, uint32_t nbCriteri
 
 int32_t ZEL_ParticleDiscrim(ImageRef, const ParticleCriterion* criteria, uint32_t nbCriteria,
                             ParticleReport* reports, int32_t nbReports, int32_t* nbKept) {
-  zel::Status status = 0;
-  int32_t kept = 0;
-  zel::ParticleDiscrimKernel(criteria, nbCriteria, reports, nbReports, &kept, &status);
-  if (status == 0 && nbKept) *nbKept = kept;
-  return ZEL_ProcessError("ZEL_ParticleDiscrim", status);
+  return ZEL_ProcessError("ZEL_ParticleDiscrim",
+                          zel::ParticleDiscrim(criteria, nbCriteria, reports, nbReports, nbKept));
 }

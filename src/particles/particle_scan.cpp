@@ -1,8 +1,6 @@
 // Particles put together from runs: each run joins the runs of the row above that it touches.
 #include "particles/particle_scan.h"
 
-#include "core/kernels.h"
-
 namespace zel {
 namespace {
 
@@ -32,72 +30,84 @@ uint32_t RowJoin(const Run* above, const uint32_t* aboveLabels, const Run* run, 
   return provisional;
 }
 
+PixelView ViewOf(const ParticleScanRequest& request, int32_t type, void* pixels, uint32_t pitch) {
+  const int32_t pixelBytes = PixelBytesOf(type);
+  return {.origin = static_cast<uint8_t*>(pixels),
+          .pitch = int64_t{pitch} * pixelBytes,
+          .width = static_cast<int32_t>(request.width),
+          .height = static_cast<int32_t>(request.height),
+          .type = static_cast<int16_t>(type),
+          .pixelBytes = static_cast<int16_t>(pixelBytes)};
+}
+
 }  // namespace
 
-void ParticleRunsFind(const PixelGrid& grid, int32_t type, bool connectivity8,
-                      ParticleRuns* particles, Status* status) {
+Status ParticleImageLookup(ImageRef reference, TypeTest takesType, bool connectivity8,
+                           Image** image) {
+  const Status status = ImageLookup(reference, image);
+  if (status != STATUS_OK) return status;
+  if (!takesType((*image)->type)) return STATUS_BAD_TYPE;
+  return (*image)->border < ParticleBorder(connectivity8) ? STATUS_BORDER_TOO_SMALL : STATUS_OK;
+}
+
+Status ParticleRunsFind(const PixelView& view, bool connectivity8, ParticleRuns* particles) {
   const RunTable& runs = particles->runs;
-  if (!particles->runs.Extract(grid, type) || !particles->labels.Allocate(runs.size()) ||
+  if (!particles->runs.Extract(view) || !particles->labels.Allocate(runs.size()) ||
       !particles->numbers.Create(runs.size())) {
-    *status = STATUS_MEMORY_FULL;
-    return;
+    return STATUS_MEMORY_FULL;
   }
   // Columns that two runs may lie apart and still touch.
   const int32_t reach = connectivity8 ? 1 : 0;
   uint32_t* labels = particles->labels.data();
   uint32_t provisional = 0;
-  for (int32_t y = 0; y < grid.height; y++) {
+  for (int32_t y = 0; y < view.height; y++) {
     const uint32_t above = runs.RowBegin(y - 1);
     const uint32_t row = runs.RowBegin(y);
     provisional += RowJoin(runs.data() + above, labels + above, runs.data() + row, labels + row,
                            reach, &particles->numbers);
-    if (provisional > PROVISIONAL_LABEL_LIMIT) {
-      *status = STATUS_MEMORY_FULL;
-      return;
-    }
+    if (provisional > PROVISIONAL_LABEL_LIMIT) return STATUS_MEMORY_FULL;
   }
   particles->count = static_cast<int32_t>(particles->numbers.Renumber());
+  return STATUS_OK;
 }
 
-void ParticleScan(const ParticleScanRequest* request, ImageRef source, ImageRef labels,
-                  Handle* table, const int16_t* connectivity8, int32_t* nbParticles,
-                  Status* status) {
-  if (!TypeIsInteger(request->sourceType) || request->labelType != IMAGE_I16) {
-    *status = STATUS_BAD_TYPE;
-    return;
+void LabelsWrite(const ParticleRuns& particles, const PixelView& view) {
+  const auto write = view.type == IMAGE_U8 ? runRows().labelsU8 : runRows().labelsI16;
+  const uint32_t* numbers = particles.numbers.Numbers();
+  for (int32_t y = 0; y < view.height; y++) {
+    const uint32_t row = particles.runs.RowBegin(y);
+    write(view.Row<void>(y), view.width, particles.runs.data() + row, particles.labels.data() + row,
+          numbers);
   }
-  *status = BorderZero(source);
-  if (*status == STATUS_OK) *status = BorderZero(labels);
-  if (*status == STATUS_OK) *status = HandleAlloc(table, sizeof(EquivalenceTable));
-  if (*status != STATUS_OK) return;
+}
 
-  const auto width = static_cast<int32_t>(request->width);
-  const auto height = static_cast<int32_t>(request->height);
-  const int64_t sourceBytes = request->sourceType == IMAGE_U8 ? 1 : 2;
-  const PixelGrid from = {static_cast<uint8_t*>(request->source),
-                          request->sourcePitch * sourceBytes, width, height};
-  const PixelGrid to = {static_cast<uint8_t*>(request->labels), request->labelPitch * int64_t{2},
-                        width, height};
+Status ParticleScan(const ParticleScanRequest& request, ImageRef source, ImageRef labels,
+                    Handle* table, bool connectivity8, int32_t* nbParticles) {
+  if (!TypeIsInteger(request.sourceType) || request.labelType != IMAGE_I16) {
+    return STATUS_BAD_TYPE;
+  }
+  Status status = BorderZero(source);
+  if (status == STATUS_OK) status = BorderZero(labels);
+  if (status == STATUS_OK) status = HandleAlloc(table, sizeof(EquivalenceTable));
+  if (status != STATUS_OK) return status;
+
   ParticleRuns particles;
-  ParticleRunsFind(from, request->sourceType, *connectivity8 != 0, &particles, status);
-  if (*status != STATUS_OK) {
+  status =
+      ParticleRunsFind(ViewOf(request, request.sourceType, request.source, request.sourcePitch),
+                       connectivity8, &particles);
+  if (status != STATUS_OK) {
     HandleFree(*table);
     *table = 0;
-    return;
+    return status;
   }
-
   // Runs know their particle's number before any label is written, so labels are numbers already.
-  const uint32_t* numbers = particles.numbers.Numbers();
-  for (int32_t y = 0; y < height; y++) {
-    const uint32_t row = particles.runs.RowBegin(y);
-    runRows().labelsI16(to.Row<uint8_t>(y), width, particles.runs.data() + row,
-                        particles.labels.data() + row, numbers);
-  }
+  LabelsWrite(particles, ViewOf(request, request.labelType, request.labels, request.labelPitch));
   auto* equivalence = VectorData<EquivalenceTable>(*table);
   for (int32_t n = 0; n <= particles.count; n++) {
     equivalence->numbers[n] = static_cast<uint16_t>(n);
   }
   *nbParticles = particles.count;
+  return STATUS_OK;
 }
 
 }  // namespace zel

@@ -3,9 +3,9 @@
 
 #include <cstdint>
 
-#include "particles/runs.h"
 #include "core/handles.h"
-#include "core/images.h"
+#include "engine/operands.h"
+#include "particles/runs.h"
 
 namespace zel {
 
@@ -19,6 +19,11 @@ constexpr int32_t ParticleBorder(bool connectivity8) {
   return connectivity8 ? 2 : 1;
 }
 
+// The image whose particles a call works on. STATUS_BAD_IMAGE, STATUS_BAD_TYPE and
+// STATUS_BORDER_TOO_SMALL.
+Status ParticleImageLookup(ImageRef reference, TypeTest takesType, bool connectivity8,
+                           Image** image);
+
 // The particles of an image as runs.
 struct ParticleRuns {
   RunTable runs;
@@ -29,8 +34,10 @@ struct ParticleRuns {
 
 // Particles are numbered from 1 in raster order of their first pixels. STATUS_MEMORY_FULL also
 // when there are too many provisional labels.
-void ParticleRunsFind(const PixelGrid& grid, int32_t type, bool connectivity8,
-                      ParticleRuns* particles, Status* status);
+Status ParticleRunsFind(const PixelView& view, bool connectivity8, ParticleRuns* particles);
+
+// Writes every pixel of a U8 or I16 image: the low bits of its particle's number, or 0.
+void LabelsWrite(const ParticleRuns& particles, const PixelView& view);
 
 // What a caller prepares for ParticleScan.
 struct ParticleScanRequest {
@@ -53,8 +60,7 @@ struct EquivalenceTable {
 // on entry. On success it is the number of particles, and *table a block with an EquivalenceTable
 // which the caller frees. STATUS_BAD_TYPE for other types; STATUS_MEMORY_FULL as above, with the
 // label image's pixels untouched.
-void ParticleScan(const ParticleScanRequest* request, ImageRef source, ImageRef labels,
-                  Handle* table, const int16_t* connectivity8, int32_t* nbParticles,
-                  Status* status);
+Status ParticleScan(const ParticleScanRequest& request, ImageRef source, ImageRef labels,
+                    Handle* table, bool connectivity8, int32_t* nbParticles);
 
 }  // namespace zel

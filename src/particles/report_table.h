@@ -7,8 +7,8 @@
 namespace zel {
 
 // Sizes the vector of reports and counts them; on failure the count is 0.
-using ParticleKernel = void (*)(ImageRef image, uint16_t* connectivity8, Handle reports,
-                                int32_t* nbReports, Status* status);
+using ParticleKernel = Status (*)(ImageRef image, bool connectivity8, Handle reports,
+                                  int32_t* nbReports);
 
 template <class Report>
 int32_t ParticleExport(const char* name, ParticleKernel kernel, ImageRef image,
@@ -18,7 +18,7 @@ int32_t ParticleExport(const char* name, ParticleKernel kernel, ImageRef image,
   ScopedWrap table;  // the caller's block, whatever its size: no report of it is read
   Status status = table.Create(*reports, sizeof(Report), 0, 0, 1);
   if (status == STATUS_OK) {
-    kernel(image, &connectivity8, table.handle(), &count, &status);
+    status = kernel(image, connectivity8 != 0, table.handle(), &count);
     *reports = static_cast<Report*>(table.Release());
   }
   if (nbReports) *nbReports = count;

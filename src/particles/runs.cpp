@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "orlune_ptk.h"
+
 namespace zel {
 namespace {
 
@@ -18,16 +20,16 @@ BitsOfRow BitsOfType(int32_t type) {
 
 }  // namespace
 
-bool PixelBits::Create(const PixelGrid& grid, int32_t type) {
-  width_ = grid.width;
-  height_ = grid.height;
+bool PixelBits::Create(const PixelView& view) {
+  width_ = view.width;
+  height_ = view.height;
   // A clear word before each row is also the frame behind the row above.
   pitch_ = WordsOfRow(width_) + 1;
   const int64_t words = (int64_t{height_} + 2) * pitch_ + 1;
   if (!words_.AllocateZeroed(static_cast<uint64_t>(words))) return false;
-  const BitsOfRow bitsOfRow = BitsOfType(type);
+  const BitsOfRow bitsOfRow = BitsOfType(view.type);
   for (int32_t y = 0; y < height_; y++) {
-    bitsOfRow(grid.Row<uint8_t>(y), width_, words_.data() + (int64_t{y} + 1) * pitch_ + 1);
+    bitsOfRow(view.Row<void>(y), width_, words_.data() + (int64_t{y} + 1) * pitch_ + 1);
   }
   return true;
 }
@@ -61,15 +63,15 @@ bool RunTable::AppendRow(const uint64_t* words) {
   return true;
 }
 
-bool RunTable::Extract(const PixelGrid& grid, int32_t type) {
+bool RunTable::Extract(const PixelView& view) {
   WorkArray<uint64_t> words;
-  if (!Start(grid.width, grid.height) ||
-      !words.Allocate(static_cast<uint64_t>(WordsOfRow(grid.width)))) {
+  if (!Start(view.width, view.height) ||
+      !words.Allocate(static_cast<uint64_t>(WordsOfRow(view.width)))) {
     return false;
   }
-  const BitsOfRow bitsOfRow = BitsOfType(type);
-  for (int32_t y = 0; y < grid.height; y++) {
-    bitsOfRow(grid.Row<uint8_t>(y), grid.width, words.data());
+  const BitsOfRow bitsOfRow = BitsOfType(view.type);
+  for (int32_t y = 0; y < view.height; y++) {
+    bitsOfRow(view.Row<void>(y), view.width, words.data());
     if (!AppendRow(words.data())) return false;
   }
   return true;

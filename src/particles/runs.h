@@ -3,9 +3,9 @@
 
 #include <cstdint>
 
-#include "particles/runs_rows.h"
 #include "core/heap.h"
-#include "core/images.h"
+#include "core/views.h"
+#include "particles/runs_rows.h"
 
 namespace zel {
 
@@ -13,7 +13,7 @@ namespace zel {
 // that is at least one pixel wide on each side.
 class PixelBits {
  public:
-  [[nodiscard]] bool Create(const PixelGrid& grid, int32_t type);
+  [[nodiscard]] bool Create(const PixelView& view);
 
   int32_t width() const { return width_; }
   int32_t height() const { return height_; }
@@ -33,7 +33,7 @@ class PixelBits {
 class RunTable {
  public:
   // False when there is no memory.
-  [[nodiscard]] bool Extract(const PixelGrid& grid, int32_t type);
+  [[nodiscard]] bool Extract(const PixelView& view);
   [[nodiscard]] bool Extract(const PixelBits& bits);
 
   int32_t height() const { return height_; }

@@ -249,6 +249,10 @@ void LabelsI16(void* row, int32_t width, const Run* runs, const uint32_t* labels
 
 }  // namespace
 
-extern const RunRows runRows = {BitsU8, BitsI16, Runs, LabelsU8, LabelsI16};
+extern const RunRows runRows = {.bitsU8 = &BitsU8,
+                                .bitsI16 = &BitsI16,
+                                .runs = &Runs,
+                                .labelsU8 = &LabelsU8,
+                                .labelsI16 = &LabelsI16};
 
 }  // namespace zel::ZEL_LEVEL

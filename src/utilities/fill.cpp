@@ -1,8 +1,8 @@
 // Images filled with one value, whole or under a mask, and images cleared.
 #include <cstring>
 
-#include "core/kernels.h"
 #include "core/numbers.h"
+#include "engine/operands.h"
 #include "utilities/fill_rows.h"
 
 namespace zel {
@@ -43,31 +43,23 @@ Pixel PixelOf(int32_t type, const FillValue& value) {
   }
 }
 
-void FillKernel(ImageRef reference, ImageRef mask, const FillValue* value, Status* status) {
-  const Image* image = ImageLookup(reference, status);
-  if (!image) return;
-  if (!TypeHasPixels(image->type)) {
-    *status = STATUS_BAD_TYPE;
-    return;
-  }
-  const Pixel pixel = PixelOf(image->type, *value);
-  if (mask == 0 || mask == reference) {
-    *status = ImageFillAll(reference, &pixel);
-    return;
-  }
-  PlacedMask placed{};
-  MaskPlace(reference, mask, &placed, status);
-  if (*status != STATUS_OK || placed.IsEmpty()) return;
+Status Fill(ImageRef reference, ImageRef mask, const FillValue& value) {
+  Image* image = nullptr;
+  Status status = ImageLookup(reference, &image);
+  if (status != STATUS_OK) return status;
+  if (!TypeHasPixels(image->type)) return STATUS_BAD_TYPE;
+  const Pixel pixel = PixelOf(image->type, value);
+  if (mask == 0 || mask == reference) return ImageFillAll(reference, &pixel);
 
-  const OverlapRect& overlap = placed.overlap;
-  const PixelGrid grid = PixelGridOf(*image);
-  int32_t pixelBytes = 0;
-  PixelSize(image->type, &pixelBytes);
-  const MaskedFillRow fillRow = fillRows().byType[image->type];
-  for (int64_t y = 0; y < overlap.height; y++) {
-    uint8_t* row = grid.Row<uint8_t>(overlap.imageY + y) + int64_t{overlap.imageX} * pixelBytes;
-    fillRow(row, placed.pixels + y * placed.pitch, &pixel, overlap.width);
+  Region region{};
+  status = RegionOf(*image, mask, &region);
+  if (status != STATUS_OK || region.view.IsEmpty()) return status;
+  const PixelView& view = region.view;
+  const MaskedFillRow fillRow = fillRows().byType[view.type];
+  for (int32_t y = 0; y < view.height; y++) {
+    fillRow(view.Row<void>(y), region.mask.Row(y), &pixel, view.width);
   }
+  return STATUS_OK;
 }
 
 }  // namespace
@@ -76,9 +68,7 @@ void FillKernel(ImageRef reference, ImageRef mask, const FillValue* value, Statu
 int32_t ZEL_FillImage(ImageRef image, ImageRef mask, float value, uint32_t rgbValue,
                       float complexReal, float complexImaginary) {
   const zel::FillValue values{value, rgbValue, {complexReal, complexImaginary}};
-  zel::Status status = zel::STATUS_OK;
-  zel::FillKernel(image, mask, &values, &status);
-  return ZEL_ProcessError("ZEL_FillImage", status);
+  return ZEL_ProcessError("ZEL_FillImage", zel::Fill(image, mask, values));
 }
 
 int32_t ZEL_ClearPixels(ImageRef image) {

@@ -18,7 +18,8 @@ void FillRow(void* row, const uint8_t* mask, const void* pixel, int32_t width) {
 
 }  // namespace
 
-extern const FillRows fillRows = {{&FillRow<uint8_t>, &FillRow<uint16_t>, &FillRow<uint32_t>,
-                                   &FillRow<uint64_t>, &FillRow<uint32_t>}};
+extern const FillRows fillRows = {.byType = {&FillRow<uint8_t>, &FillRow<uint16_t>,
+                                             &FillRow<uint32_t>, &FillRow<uint64_t>,
+                                             &FillRow<uint32_t>}};
 
 }  // namespace zel::ZEL_LEVEL

@@ -2,117 +2,99 @@
 #include <algorithm>
 #include <cstring>
 
-#include "core/kernels.h"
+#include "engine/operands.h"
 
 namespace zel {
 namespace {
 
-void FieldCheck(ImageRef field, int32_t frameType, Status* status) {
-  if (*status != STATUS_OK || field == 0) return;
-  const Image* image = ImageLookup(field, status);
-  if (image && image->type != frameType) *status = STATUS_DESTINATION_TYPE_DIFFERS;
+// The images of one call. A field may be null, the other one, or the frame itself.
+struct InterlaceImages {
+  Image* frame;
+  Image* even;  // its rows are the rows 0, 2, .. of the frame
+  Image* odd;
+};
+
+Status FieldLookup(ImageRef reference, const Image& frame, Image** field) {
+  *field = nullptr;
+  if (reference == 0) return STATUS_OK;
+  const Status status = ImageLookup(reference, field);
+  if (status != STATUS_OK) return status;
+  return (*field)->type == frame.type ? STATUS_OK : STATUS_DESTINATION_TYPE_DIFFERS;
 }
 
-// An image that a resize of the frame does not disturb: the field, or a copy of one that is the
-// frame itself when its rows are going to move.
-ImageRef FieldBeside(ImageRef field, ImageRef frame, bool rowsMove, ScratchImage* copy,
-                     Status* status) {
-  if (*status != STATUS_OK || field != frame || !rowsMove) return field;
-  const Image* image = ImageLookup(field, status);
-  if (!image) return field;
-  *status = copy->Create(image->type, image->width, image->height, 0);
-  if (*status == STATUS_OK) *status = ImageCopyPixels(field, copy->reference());
-  return copy->reference();
+Status CopyOf(const Image& image, ScratchImage* copy) {
+  const Status status = copy->Create(image.type, image.width, image.height, 0);
+  return status != STATUS_OK ? status : ImageCopyPixels(image, copy->image());
 }
 
-void CopyRow(const PixelGrid& from, int64_t fromRow, const PixelGrid& to, int64_t toRow,
-             size_t bytes) {
+void CopyRow(const PixelView& from, int64_t fromRow, const PixelView& to, int64_t toRow,
+             int64_t bytes) {
   // A field that is the frame has rows that stay where they are.
-  std::memmove(to.Row<uint8_t>(toRow), from.Row<uint8_t>(fromRow), bytes);
+  std::memmove(to.Row<void>(toRow), from.Row<void>(fromRow), static_cast<size_t>(bytes));
 }
 
-PixelGrid GridOf(ImageRef reference, Status* status) {
-  const Image* image = ImageLookup(reference, status);
-  return image ? PixelGridOf(*image) : PixelGrid{};
-}
+Status FieldsJoin(const InterlaceImages& images) {
+  Image* frame = images.frame;
+  const Image* even = images.even ? images.even : images.odd;
+  const Image* odd = images.odd ? images.odd : images.even;
+  const int32_t width = std::min(even->width, odd->width);
+  const int32_t height = std::min(even->height, odd->height);
+  // A field that is the frame itself is read from a copy when the frame's rows are going to move.
+  ScratchImage copy;
+  if (frame->width != width && (even == frame || odd == frame)) {
+    const Status status = CopyOf(*frame, &copy);
+    if (status != STATUS_OK) return status;
+    if (even == frame) even = copy.image();
+    if (odd == frame) odd = copy.image();
+  }
+  const Status status = ImageLayoutSize(frame, width, 2 * height, true);
+  if (status != STATUS_OK) return status;
 
-void FieldsJoin(ImageRef frame, ImageRef first, ImageRef second, size_t pixelBytes,
-                Status* status) {
-  const PixelGrid a = GridOf(first, status);
-  const PixelGrid b = GridOf(second, status);
-  const int32_t width = std::min(a.width, b.width);
-  const int32_t height = std::min(a.height, b.height);
-  const bool rowsMove = GridOf(frame, status).width != width;
-  ScratchImage firstCopy;
-  ScratchImage secondCopy;
-  const ImageRef firstField = FieldBeside(first, frame, rowsMove, &firstCopy, status);
-  const ImageRef secondField =
-      first == second ? firstField : FieldBeside(second, frame, rowsMove, &secondCopy, status);
-  if (*status == STATUS_OK) *status = ImageSetSize(frame, width, 2 * height);
-  if (*status != STATUS_OK) return;
-
-  const PixelGrid to = GridOf(frame, status);
-  const PixelGrid even = GridOf(firstField, status);
-  const PixelGrid odd = GridOf(secondField, status);
-  const size_t bytes = static_cast<size_t>(width) * pixelBytes;
+  const PixelView to = ViewOf(*frame);
+  const PixelView evenRows = ViewOf(*even);
+  const PixelView oddRows = ViewOf(*odd);
   // From the bottom, so that a field that is the frame is read before it is overwritten.
   for (int64_t y = to.height / 2 - 1; y >= 0; y--) {
-    CopyRow(odd, y, to, 2 * y + 1, bytes);
-    CopyRow(even, y, to, 2 * y, bytes);
+    CopyRow(oddRows, y, to, 2 * y + 1, to.RowBytes());
+    CopyRow(evenRows, y, to, 2 * y, to.RowBytes());
   }
+  return STATUS_OK;
 }
 
-void FrameSplit(ImageRef frame, ImageRef first, ImageRef second, size_t pixelBytes,
-                Status* status) {
-  const PixelGrid whole = GridOf(frame, status);
-  const int32_t height = whole.height / 2;
-  const ImageRef fields[] = {first, second};
-  for (const ImageRef field : fields) {
-    if (*status != STATUS_OK) return;
-    if (field != 0 && field != frame) *status = ImageSetSize(field, whole.width, height);
+Status FrameSplit(const InterlaceImages& images) {
+  Image* frame = images.frame;
+  const int32_t height = frame->height / 2;
+  for (Image* field : {images.even, images.odd}) {
+    if (!field || field == frame) continue;
+    const Status status = ImageLayoutSize(field, frame->width, height, true);
+    if (status != STATUS_OK) return status;
   }
-  if (*status != STATUS_OK) return;
 
-  const size_t bytes = static_cast<size_t>(whole.width) * pixelBytes;
-  const PixelGrid even = first != 0 ? GridOf(first, status) : PixelGrid{};
-  const PixelGrid odd = second != 0 ? GridOf(second, status) : PixelGrid{};
+  const PixelView whole = ViewOf(*frame);
+  const PixelView even = images.even ? ViewOf(*images.even) : PixelView{};
+  const PixelView odd = images.odd ? ViewOf(*images.odd) : PixelView{};
   for (int64_t y = 0; y < height; y++) {
-    if (first != 0) CopyRow(whole, 2 * y, even, y, bytes);
-    if (second != 0) CopyRow(whole, 2 * y + 1, odd, y, bytes);
+    if (images.even) CopyRow(whole, 2 * y, even, y, whole.RowBytes());
+    if (images.odd) CopyRow(whole, 2 * y + 1, odd, y, whole.RowBytes());
   }
   // Only now may the frame lose its lower half.
-  for (const ImageRef field : fields) {
-    if (field != 0 && field == frame && *status == STATUS_OK) {
-      *status = ImageSetSize(field, whole.width, height);
-    }
-  }
+  const bool isField = images.even == frame || images.odd == frame;
+  return isField ? ImageLayoutSize(frame, frame->width, height, true) : STATUS_OK;
 }
 
-void InterlaceKernel(ImageRef frame, ImageRef first, ImageRef second, const int32_t* mode,
-                     Status* status) {
-  const Image* image = ImageLookup(frame, status);
-  if (!image) return;
-  FieldCheck(first, image->type, status);
-  FieldCheck(second, image->type, status);
-  if (*status != STATUS_OK || (first == 0 && second == 0)) return;
-  int32_t pixelBytes = 0;
-  if (PixelSize(image->type, &pixelBytes) != STATUS_OK) {
-    *status = STATUS_BAD_TYPE;
-    return;
-  }
-  const auto bytes = static_cast<size_t>(pixelBytes);
-  if (*mode == 0) {
-    FieldsJoin(frame, first != 0 ? first : second, second != 0 ? second : first, bytes, status);
-  } else {
-    FrameSplit(frame, first, second, bytes, status);
-  }
+Status Interlace(ImageRef frame, ImageRef first, ImageRef second, int32_t mode) {
+  InterlaceImages images{};
+  Status status = ImageLookup(frame, &images.frame);
+  if (status == STATUS_OK) status = FieldLookup(first, *images.frame, &images.even);
+  if (status == STATUS_OK) status = FieldLookup(second, *images.frame, &images.odd);
+  if (status != STATUS_OK || (first == 0 && second == 0)) return status;
+  if (!TypeHasPixels(images.frame->type)) return STATUS_BAD_TYPE;
+  return mode == 0 ? FieldsJoin(images) : FrameSplit(images);
 }
 
 }  // namespace
 }  // namespace zel
 
 int32_t ZEL_Interlace(ImageRef frame, ImageRef firstField, ImageRef secondField, int32_t mode) {
-  zel::Status status = zel::STATUS_OK;
-  zel::InterlaceKernel(frame, firstField, secondField, &mode, &status);
-  return ZEL_ProcessError("ZEL_Interlace", status);
+  return ZEL_ProcessError("ZEL_Interlace", zel::Interlace(frame, firstField, secondField, mode));
 }

@@ -3,8 +3,9 @@
 
 #include <algorithm>
 
-#include "core/kernels.h"
+#include "core/images.h"
 #include "core/numbers.h"
+#include "core/pixel_types.h"
 #include "utilities/array_exchange.h"
 
 namespace zel {
@@ -79,9 +80,9 @@ bool LineClipToSize(int32_t width, int32_t height, KernelLine* line) {
 }
 
 Status LineClip(ImageRef reference, KernelLine* line, uint16_t* visible) {
-  Status status = STATUS_OK;
-  const Image* image = ImageLookup(reference, &status);
-  if (image) *visible = LineClipToSize(image->width, image->height, line) ? 1 : 0;
+  Image* image = nullptr;
+  const Status status = ImageLookup(reference, &image);
+  if (status == STATUS_OK) *visible = LineClipToSize(image->width, image->height, line) ? 1 : 0;
   return status;
 }
 
@@ -123,7 +124,7 @@ class LinePixels {
  public:
   LinePixels(const Image& image, const KernelLine& line)
       : steps_(line),
-        address_(PixelGridOf(image).At<T>(line.startX, line.startY)),
+        address_(ViewOf(image).At<T>(line.startX, line.startY)),
         lineWidth_(image.lineWidth) {}
 
   void Read(T* pixels, int64_t count) {
@@ -175,51 +176,55 @@ void LineFromArray(const Image& image, const KernelLine& line, int64_t count, in
   }
 }
 
-void GetLineKernel(ImageRef reference, const KernelLine* given, const int32_t* arrayType,
-                   void* array, int32_t* count, Status* status) {
-  const Image* image = ImageLookup(reference, status);
-  if (!image) return;
-  KernelLine line = *given;
-  if (!LineClipToSize(image->width, image->height, &line)) {
-    *count = 0;  // no failure, whatever the type
-    return;
+Status GetLine(ImageRef reference, KernelLine line, int32_t arrayType, void* array,
+               int32_t* count) {
+  if (!array) return STATUS_NULL_POINTER;
+  Image* image = nullptr;
+  const Status status = ImageLookup(reference, &image);
+  if (status != STATUS_OK) return status;
+  int64_t points = 0;  // a line outside is no failure, whatever the type
+  if (LineClipToSize(image->width, image->height, &line)) {
+    points = LineSteps(line).points();
+    switch (image->type) {
+      case IMAGE_U8:
+        LineToArray<uint8_t>(*image, line, points, arrayType, array);
+        break;
+      case IMAGE_I16:
+        LineToArray<int16_t>(*image, line, points, arrayType, array);
+        break;
+      case IMAGE_SGL:
+        LineToArray<float>(*image, line, points, arrayType, array);
+        break;
+      default:
+        return STATUS_BAD_TYPE;
+    }
   }
-  const int64_t points = LineSteps(line).points();
-  switch (image->type) {
-    case IMAGE_U8:
-      LineToArray<uint8_t>(*image, line, points, *arrayType, array);
-      break;
-    case IMAGE_I16:
-      LineToArray<int16_t>(*image, line, points, *arrayType, array);
-      break;
-    case IMAGE_SGL:
-      LineToArray<float>(*image, line, points, *arrayType, array);
-      break;
-    default:
-      *status = STATUS_BAD_TYPE;
-      return;
-  }
-  *count = static_cast<int32_t>(points);
+  if (count) *count = static_cast<int32_t>(points);
+  return STATUS_OK;
 }
 
-void SetLineKernel(ImageRef reference, const KernelLine* given, const int32_t* arrayType,
-                   const void* array, const int32_t* count, Status* status) {
-  const Image* image = ImageLookup(reference, status);
-  if (!image) return;
-  if (TypeIsScalar(image->type)) *status = ArrayCountCheck(image->type, *count);
-  if (*status != STATUS_OK) return;
-  KernelLine line = *given;
-  if (!LineClipToSize(image->width, image->height, &line)) return;
-  const int64_t written = std::min(LineSteps(line).points(), int64_t{*count});
+Status SetLine(ImageRef reference, KernelLine line, int32_t arrayType, const void* array,
+               int32_t count) {
+  if (!array && count > 0) return STATUS_NULL_POINTER;
+  Image* image = nullptr;
+  Status status = ImageLookup(reference, &image);
+  if (status == STATUS_OK && TypeIsScalar(image->type)) {
+    status = ArrayCountCheck(image->type, count);
+  }
+  if (status != STATUS_OK || !LineClipToSize(image->width, image->height, &line)) return status;
+  const int64_t written = std::min(LineSteps(line).points(), int64_t{count});
   switch (image->type) {
     case IMAGE_U8:
-      return LineFromArray<uint8_t>(*image, line, written, *arrayType, array);
+      LineFromArray<uint8_t>(*image, line, written, arrayType, array);
+      return STATUS_OK;
     case IMAGE_I16:
-      return LineFromArray<int16_t>(*image, line, written, *arrayType, array);
+      LineFromArray<int16_t>(*image, line, written, arrayType, array);
+      return STATUS_OK;
     case IMAGE_SGL:
-      return LineFromArray<float>(*image, line, written, *arrayType, array);
+      LineFromArray<float>(*image, line, written, arrayType, array);
+      return STATUS_OK;
     default:
-      *status = STATUS_BAD_TYPE;
+      return STATUS_BAD_TYPE;
   }
 }
 
@@ -229,18 +234,11 @@ void SetLineKernel(ImageRef reference, const KernelLine* given, const int32_t* a
 int32_t ZEL_GetLine(ImageRef image, int32_t startX, int32_t startY, int32_t endX, int32_t endY,
                     int32_t arrayType, void* array, int32_t* count) {
   const zel::KernelLine line{startX, startY, endX, endY};
-  zel::Status status = array ? zel::STATUS_OK : zel::STATUS_NULL_POINTER;
-  int32_t read = 0;
-  if (array) zel::GetLineKernel(image, &line, &arrayType, array, &read, &status);
-  if (status == zel::STATUS_OK && count) *count = read;
-  return ZEL_ProcessError("ZEL_GetLine", status);
+  return ZEL_ProcessError("ZEL_GetLine", zel::GetLine(image, line, arrayType, array, count));
 }
 
 int32_t ZEL_SetLine(ImageRef image, int32_t startX, int32_t startY, int32_t endX, int32_t endY,
                     int32_t arrayType, const void* array, int32_t count) {
   const zel::KernelLine line{startX, startY, endX, endY};
-  const bool missing = !array && count > 0;
-  zel::Status status = missing ? zel::STATUS_NULL_POINTER : zel::STATUS_OK;
-  if (!missing) zel::SetLineKernel(image, &line, &arrayType, array, &count, &status);
-  return ZEL_ProcessError("ZEL_SetLine", status);
+  return ZEL_ProcessError("ZEL_SetLine", zel::SetLine(image, line, arrayType, array, count));
 }

@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-#include "core/rectangles.h"
 #include "core/handles.h"
+#include "core/rectangles.h"
 
 namespace zel {
 
