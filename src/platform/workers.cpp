@@ -17,8 +17,9 @@ constexpr uint32_t OPEN = 1u << 31;
 // 20 us, and the machine may have recovered when the library has worked for a while.
 constexpr int32_t CALLS_WITHOUT_START = 1000;
 
-// The last worker is normally a part of a band behind the caller, far less than waking up takes.
-constexpr int32_t LOOKS_BEFORE_SLEEP = 50;
+// The last worker is normally a part of a band behind the caller: to look some 5 us long whether it
+// has ended costs less than to sleep and be woken.
+constexpr int32_t LOOKS_BEFORE_SLEEP = 100;
 
 struct Pool {
   std::atomic<bool> taken;  // by the one caller that may touch what follows
@@ -69,6 +70,13 @@ void CallWorkers(int32_t count) {
   ThreadsInUse().wake(&pool.calls, count);
 }
 
+// Signals of traps are for the caller's thread alone, and fatal where they are blocked.
+void ComputeAsCaller() {
+  std::fenv_t withTraps;
+  std::fesetenv(&pool.environment);
+  std::feholdexcept(&withTraps);
+}
+
 // The number of calls is read before the pass is looked at: a call that comes in between ends the
 // sleep at once.
 void* WorkerLive(void* number) {
@@ -77,7 +85,7 @@ void* WorkerLive(void* number) {
     const uint32_t calls = pool.calls.load();
     if (pool.ending.load()) return nullptr;
     if (PassEnter()) {
-      std::fesetenv(&pool.environment);
+      ComputeAsCaller();
       pool.pass(pool.context, worker);
       PassLeave();
     }
@@ -147,11 +155,11 @@ void WorkersRun(int32_t helpers, WorkerPass pass, void* context) {
 // At unloading too. A thread that computes at the end of the process keeps its workers.
 __attribute__((destructor)) void WorkersJoin() {
   if (pool.taken.exchange(true)) return;
+  pool.callsWithoutStart = 0;
   pool.ending.store(true);
   CallWorkers(pool.started);
   while (pool.started > 0) ThreadsInUse().join(pool.threads[--pool.started]);
   pool.ending.store(false);
-  pool.callsWithoutStart = 0;
   pool.taken.store(false);
 }
 
