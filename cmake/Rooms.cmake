@@ -106,11 +106,13 @@ function(ptk_add_libraries)
   if(PTK_SANITIZE STREQUAL "")
     target_link_options(orlune_ptk PRIVATE -Wl,--no-undefined)
   endif()
+  target_link_libraries(orlune_ptk PRIVATE Threads::Threads)
   target_include_directories(
     orlune_ptk INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
                          $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 
   add_library(orlune_internal STATIC ${contents})
+  target_link_libraries(orlune_internal PUBLIC Threads::Threads)
   target_include_directories(orlune_internal PUBLIC ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include
                                                     ${PROJECT_BINARY_DIR}/generated)
 endfunction()

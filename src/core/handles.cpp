@@ -6,6 +6,7 @@
 #include "core/heap.h"
 #include "core/images.h"
 #include "core/tables.h"
+#include "platform/workers.h"
 
 namespace zel {
 
@@ -296,6 +297,7 @@ Status CoreShutdown() {
   HeapFree(hookTable);
   hookTable = nullptr;
   hookRows = 0;
+  WorkersJoin();
 
   for (uint32_t row = 0; row < coreTables.imageCapacity; row++) {
     if (coreTables.images[row].reference != 0) ImageDestroy(coreTables.images[row].reference);

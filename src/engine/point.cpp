@@ -1,6 +1,8 @@
 // The point walk: rows joined, parts on cache lines, and bands for the threads.
 #include "engine/point.h"
 
+#include "engine/bands.h"
+
 namespace zel {
 namespace {
 
@@ -47,17 +49,42 @@ PointViews RowsJoin(const PointViews& views) {
           .mask = views.mask};
 }
 
+namespace {
+
+int64_t BytesOf(const PointViews& views) {
+  const int64_t bytesAPixel =
+      views.first.pixelBytes + views.second.pixelBytes + views.result.pixelBytes;
+  return bytesAPixel * views.result.width * views.result.height;
+}
+
+PointViews PointRows(const PointViews& views, int32_t first, int32_t end) {
+  return {.first = views.first.Rows(first, end),
+          .second = views.second.Rows(first, end),
+          .result = views.result.Rows(first, end),
+          .mask = views.mask.Rows(first)};
+}
+
+void LongRowWalk(const PointViews& views, const PointWork& work) {
+  const int32_t head = ColumnsToCacheLine(views.result);
+  if (head != 0) work.run(work, PointColumns(views, 0, head));
+  const PointViews rest = PointColumns(views, head, views.result.width);
+  BandsRun({.units = rest.result.width, .bytes = BytesOf(rest), .alignment = CACHE_LINE},
+           [&](const Band& band) {
+             work.run(work, PointColumns(rest, static_cast<int32_t>(band.begin),
+                                         static_cast<int32_t>(band.end)));
+           });
+}
+
+}  // namespace
+
 void PointWalk(const PointViews& views, const PointWork& work) {
   if (views.result.IsEmpty()) return;
   const PointViews joined = RowsJoin(views);
-  const int32_t width = joined.result.width;
-  const int32_t head = joined.result.height == 1 ? ColumnsToCacheLine(joined.result) : 0;
-  if (head == 0) {
-    work.run(work, joined);
-    return;
-  }
-  work.run(work, PointColumns(joined, 0, head));
-  work.run(work, PointColumns(joined, head, width));
+  if (joined.result.height == 1) return LongRowWalk(joined, work);
+  BandsRun({.units = joined.result.height, .bytes = BytesOf(joined)}, [&](const Band& band) {
+    work.run(work,
+             PointRows(joined, static_cast<int32_t>(band.begin), static_cast<int32_t>(band.end)));
+  });
 }
 
 }  // namespace zel
