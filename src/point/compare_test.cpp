@@ -213,9 +213,9 @@ TEST(Compare, MeanOfFloatsIsRoundedOnce) {
   ASSERT_EQ(ZEL_Compare(first, second, destination, 0, 0), 0);
   ASSERT_EQ(Difference(destination, expected), "");
   for (const float constant : {0.1f, -3.4e-38f, 1.4e-45f, 9e29f, 1.1e30f, -3.4e38f}) {
-    TestImage destination(IMAGE_SGL, 0, 0);
-    ASSERT_EQ(ZEL_Compare(first, 0, destination, 0, constant), 0);
-    ASSERT_EQ(Difference(destination, ConstantResult(0, first, constant, true)), "") << constant;
+    TestImage mean(IMAGE_SGL, 0, 0);
+    ASSERT_EQ(ZEL_Compare(first, 0, mean, 0, constant), 0);
+    ASSERT_EQ(Difference(mean, ConstantResult(0, first, constant, true)), "") << constant;
   }
 }
 

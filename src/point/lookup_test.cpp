@@ -264,13 +264,4 @@ TEST(Lookup, EveryRefusedAllocationGives101AndKeepsTheImages) {
   }
 }
 
-TEST(Lookup, LookupApplyRefusesOtherTypes) {
-  zel::LookupOperation operation{};
-  operation.type = IMAGE_SGL;
-  const uint16_t table[1] = {0};
-  zel::Status status = 0;
-  zel::LookupApply(operation, table, &status);
-  EXPECT_EQ(status, 302);
-}
-
 }  // namespace
