@@ -5,7 +5,8 @@
 #include <cstdlib>
 
 #include "core/heap.h"
-#include "core/kernels.h"
+#include "core/images.h"
+#include "core/pixel_types.h"
 
 namespace fuzz {
 namespace {

@@ -2,7 +2,7 @@
 // all pixel classes, byte orders and stretches.
 #include <vector>
 
-#include "files/files.h"
+#include "files/dispatch.h"
 #include "fuzz/target.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -32,8 +32,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     request.format = sized ? zel::FORMAT_RSTR : zel::FORMAT_RAW;
     request.options = &options;
     zel::FileContext context{};
-    zel::Status status = zel::STATUS_OK;
-    zel::FileReadKernel(image, "file", &request, &context, &status);
+    const zel::Status status = zel::FileReadKernel(image, "file", request, &context);
     fuzz::Require(status >= 0, "a negative status inside the library");
     fuzz::CheckImage(image);
     ZEL_Dispose(image);

@@ -7,12 +7,6 @@ namespace {
 // Sizes and offsets in the formats are signed 32-bit numbers.
 constexpr int64_t FILE_SIZE_LIMIT = 0x7FFFFFFF;
 
-// Rows without gaps between them are one row.
-ByteRows Joined(const ByteRows& rows) {
-  if (rows.pitch != rows.rowBytes) return rows;
-  return {rows.first, 0, rows.rowBytes * rows.rows, 1};
-}
-
 template <class Transfer>
 int64_t RowByRow(const ByteRows& rows, Transfer transfer) {
   int64_t done = 0;
@@ -45,9 +39,8 @@ Status FileRead(const OpenFile& file, void* bytes, int64_t count, int64_t* got) 
   return *got < 0 ? STATUS_FILE_READ : STATUS_OK;
 }
 
-Status FileReadRows(const OpenFile& file, const ByteRows& spread, int64_t* got) {
+Status FileReadRows(const OpenFile& file, const ByteRows& rows, int64_t* got) {
   const FileOperations& files = FilesInUse();
-  const ByteRows rows = Joined(spread);
   if (rows.rows == 1) return FileRead(file, rows.first, rows.rowBytes, got);
   const auto rowBytes = static_cast<size_t>(rows.rowBytes);
   *got = files.readRows ? files.readRows(file.number(), rows) : RowByRow(rows, [&](uint8_t* row) {
@@ -62,9 +55,8 @@ Status FileWrite(const OpenFile& file, const void* bytes, int64_t count) {
              : STATUS_FILE_WRITE;
 }
 
-Status FileWriteRows(const OpenFile& file, const ByteRows& spread) {
+Status FileWriteRows(const OpenFile& file, const ByteRows& rows) {
   const FileOperations& files = FilesInUse();
-  const ByteRows rows = Joined(spread);
   if (rows.rows == 1) return FileWrite(file, rows.first, rows.rowBytes);
   const auto rowBytes = static_cast<size_t>(rows.rowBytes);
   const int64_t done = files.writeRows ? files.writeRows(file.number(), rows)

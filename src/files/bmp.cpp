@@ -1,8 +1,9 @@
 // Uncompressed bitmaps: a header of 54 bytes, a colour table, and rows from the bottom to the top.
+#include "files/bmp.h"
+
 #include <algorithm>
 
 #include "files/bytes.h"
-#include "files/formats.h"
 #include "files/samples_rows.h"
 
 namespace zel {
@@ -43,9 +44,12 @@ Status ReadTable(const OpenFile& file, uint32_t entries, FileContext* context) {
   return STATUS_OK;
 }
 
-}  // namespace
+// Only with the file's own length behind the mark.
+bool IsBitmap(const uint8_t (&start)[SIGNATURE_BYTES], int64_t fileBytes) {
+  return start[0] == 'B' && start[1] == 'M' && LittleAt32(start + AT_FILE_SIZE) == fileBytes;
+}
 
-Status BmpReadHeader(const OpenFile& file, FileContext* context) {
+Status ReadHeader(const OpenFile& file, FileContext* context) {
   uint8_t header[HEADER_BYTES];
   const Status status = FileReadAt(file, 0, header, HEADER_BYTES, STATUS_BAD_FILE_HEADER);
   if (status != STATUS_OK) return status;
@@ -79,29 +83,29 @@ Status BmpReadHeader(const OpenFile& file, FileContext* context) {
   return context->tableWanted && entries > 0 ? ReadTable(file, entries, context) : STATUS_OK;
 }
 
-Status BmpReadData(const OpenFile& file, FileContext* context, PixelStream* stream) {
-  stream->grid = TurnedOver(stream->grid);
+Status ReadData(const OpenFile& file, const FileContext& context, PixelStream* stream) {
+  stream->view = TurnedOver(stream->view);
   // With 4 bits and an odd width the last pixel of a row is in no byte that is read, and the stride
   // may come out short: kept.
-  const int64_t width = context->width;
-  const int64_t rowBytes = context->pixelClass == CLASS_BITS4   ? width / 2
-                           : context->pixelClass == CLASS_RGB24 ? 3 * width
-                                                                : width;
+  const int64_t width = context.width;
+  const int64_t rowBytes = context.pixelClass == CLASS_BITS4   ? width / 2
+                           : context.pixelClass == CLASS_RGB24 ? 3 * width
+                                                               : width;
   const int64_t stride = RoundedUpTo4(rowBytes);
   // A row that the file's end cuts is not read at all.
-  const int64_t behindFirst = context->dataSize - context->dataOffset - rowBytes;
+  const int64_t behindFirst = context.dataSize - context.dataOffset - rowBytes;
   const int64_t rowsThere = behindFirst < 0 ? 0 : stride > 0 ? 1 + behindFirst / stride : INT32_MAX;
-  const int64_t rows = std::min<int64_t>(context->height, rowsThere);
-  if (context->height == 0) return STATUS_OK;
-  return PixelStreamRead(file, *context, {context->dataOffset, rowBytes, stride, rows, 0}, stream);
+  const int64_t rows = std::min<int64_t>(context.height, rowsThere);
+  if (context.height == 0) return STATUS_OK;
+  return PixelStreamRead(file, context, {context.dataOffset, rowBytes, stride, rows, 0}, stream);
 }
 
-Status BmpCheckImage(const FileContext& context) {
+Status CheckImage(const FileContext& context) {
   return context.imageType == IMAGE_U8 || context.imageType == IMAGE_RGB ? STATUS_OK
                                                                          : STATUS_BAD_FILE_HEADER;
 }
 
-Status BmpWriteHeader(const OpenFile& file, FileContext* context) {
+Status WriteHeader(const OpenFile& file, FileContext* context) {
   const bool colour = context->imageType == IMAGE_RGB;
   const int64_t width = context->width;
   const int64_t height = context->height;
@@ -134,22 +138,36 @@ Status BmpWriteHeader(const OpenFile& file, FileContext* context) {
   return FileWriteAt(file, 0, header, context->dataOffset, STATUS_BAD_FILE_HEADER);
 }
 
-Status BmpWriteData(const OpenFile& file, const FileContext& context, const PixelGrid& grid) {
+Status WriteData(const OpenFile& file, const FileContext& context, const PixelView& view) {
   if (FileSeek(file, context.dataOffset) != STATUS_OK) return STATUS_FILE_WRITE;
-  const PixelGrid turned = TurnedOver(grid);
+  const PixelView turned = TurnedOver(view);
   if (context.pixelClass == CLASS_RGB24) {
-    const int64_t rowBytes = 3 * int64_t{grid.width};
+    const int64_t rowBytes = 3 * int64_t{view.width};
     const auto padding = static_cast<int32_t>(RoundedUpTo4(rowBytes) - rowBytes);
-    const Status status = PixelRowsWrite(file, turned, {sampleRows().packBlueFirst, 4, 3, padding});
+    const Status status = PixelRowsWrite(
+        file, turned,
+        {.pack = sampleRows().packBlueFirst, .sampleBytes = 3, .rowPadding = padding});
     // A row that could not be written is not reported: kept. Want of memory is.
     return status == STATUS_FILE_WRITE ? STATUS_OK : status;
   }
-  const Status status = PixelRowsWrite(file, turned, {nullptr, 1, 1, 0});
+  const Status status = PixelRowsWrite(file, turned);
   if (status != STATUS_OK) return status;
-  const int64_t bytes = int64_t{grid.width} * grid.height;
+  const int64_t bytes = int64_t{view.width} * view.height;
   const int64_t missing = RoundedUpTo4(bytes) - bytes;
   constexpr uint8_t rounding[3] = {};
   return missing > 0 ? FileWrite(file, rounding, missing) : STATUS_OK;
 }
+
+}  // namespace
+
+const FormatOperations BMP_FORMAT = {.format = FORMAT_BMP,
+                                     .fileType = 3,
+                                     .recognises = &IsBitmap,
+                                     .readHeader = &ReadHeader,
+                                     .readData = &ReadData,
+                                     .checkImage = &CheckImage,
+                                     .writeHeader = &WriteHeader,
+                                     .writeData = &WriteData,
+                                     .sparesColourRows = true};
 
 }  // namespace zel

@@ -4,7 +4,7 @@
 #include <limits>
 #include <optional>
 
-#include "files/files.h"
+#include "files/dispatch.h"
 #include "tests/support/file_bytes.h"
 #include "tests/support/memory_files.h"
 #include "tests/support/test_image.h"
@@ -186,10 +186,7 @@ bool OrderIsIgnored(int32_t pixelClass, int32_t type) {
 
 int32_t ReadRaw(const TestImage& image, const zel::ReadOptions& options) {
   zel::FileContext context;
-  zel::Status status = 0;
-  const zel::ReadRequest request{.options = &options};
-  zel::FileReadKernel(image, "f", &request, &context, &status);
-  return status;
+  return zel::FileReadKernel(image, "f", {.options = &options}, &context);
 }
 
 Bytes DataOf(int32_t pixelClass, size_t size, uint64_t seed) {
@@ -312,10 +309,7 @@ TEST(Conversion, UnknownClassesAndMissingOptionsAre503) {
   EXPECT_EQ(ReadRaw(image, {1, -1, 0, 0, 0, 0, 1}), 503);
   for (const zel::FileFormat format : {zel::FORMAT_RAW, zel::FORMAT_RSTR}) {
     zel::FileContext context;
-    zel::Status status = 0;
-    const zel::ReadRequest request{.format = format};
-    zel::FileReadKernel(image, "f", &request, &context, &status);
-    EXPECT_EQ(status, 503);
+    EXPECT_EQ(zel::FileReadKernel(image, "f", {.format = format}, &context), 503);
   }
 }
 

@@ -1,85 +1,52 @@
 // From paths to formats and images, and back: recognition, the stages of a read and a write, and
 // the exports.
+#include "files/dispatch.h"
+
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 
-#include "core/kernels.h"
+#include "core/images.h"
+#include "core/pixel_types.h"
 #include "files/access.h"
-#include "files/bytes.h"
-#include "files/files.h"
-#include "files/formats.h"
+#include "files/bmp.h"
+#include "files/format.h"
+#include "files/native.h"
 #include "files/pixel_stream.h"
+#include "files/raster.h"
 #include "files/samples.h"
-#include "files/tiff_tags.h"
+#include "files/tiff.h"
 
 namespace zel {
 namespace {
 
-constexpr uint32_t TAG_NATIVE = 0x4F524C4E;  // "ORLN"
-constexpr int64_t SIGNATURE_BYTES = 6;
-constexpr int FORMATS = 6;
+constexpr const FormatOperations* FORMATS[] = {&NATIVE_FORMAT, &TIFF_FORMAT, &BMP_FORMAT,
+                                               &RASTER_FORMAT, &RAW_FORMAT};
 
-struct FormatOperations {
-  Status (*readHeader)(const OpenFile&, FileContext*);
-  Status (*readData)(const OpenFile&, FileContext*, PixelStream*);
-  Status (*checkImage)(const FileContext&);
-  Status (*writeHeader)(const OpenFile&, FileContext*);
-  Status (*writeData)(const OpenFile&, const FileContext&, const PixelGrid&);
-};
-
-Status NoHeader(const OpenFile&, FileContext*) {
-  return STATUS_OK;
+// The first format that fits; null for none.
+template <class Fits>
+const FormatOperations* FormatFind(Fits fits) {
+  const auto* const* found =
+      std::find_if(std::begin(FORMATS), std::end(FORMATS),
+                   [&](const FormatOperations* format) { return fits(*format); });
+  return found == std::end(FORMATS) ? nullptr : *found;
 }
 
-Status ReadRest(const OpenFile& file, FileContext* context, PixelStream* stream) {
-  return PixelStreamReadRest(file, *context, stream);
-}
-
-Status AnyImage(const FileContext&) {
-  return STATUS_OK;
-}
-
-// Rows from top to bottom without gaps. Colour pixels are reversed, fourth byte first.
-Status WriteRows(const OpenFile& file, const FileContext& context, const PixelGrid& grid) {
-  if (FileSeek(file, context.dataOffset) != STATUS_OK) return STATUS_FILE_WRITE;
-  int32_t pixelBytes = 0;
-  PixelSize(context.imageType, &pixelBytes);
-  const ElementMove pack = DirectReversal(context, context.imageType);
-  return PixelRowsWrite(file, grid, {pack, pixelBytes, pixelBytes, 0});
-}
-
-// By FileFormat. Without a header reader or writer there is none of the format.
-constexpr FormatOperations OPERATIONS[FORMATS] = {
-    {&NativeReadHeader, &ReadRest, &AnyImage, &NativeWriteHeader, &WriteRows},
-    {&TiffReadHeader, &TiffReadData, &TiffCheckImage, &TiffWriteHeader, &TiffWriteData},
-    {},
-    {&BmpReadHeader, &BmpReadData, &BmpCheckImage, &BmpWriteHeader, &BmpWriteData},
-    {&RasterReadHeader, &ReadRest, &AnyImage, &RasterWriteHeader, &WriteRows},
-    {&NoHeader, &ReadRest, nullptr, nullptr, nullptr},
-};
-
-const FormatOperations& OperationsOf(FileFormat format) {
-  static constexpr FormatOperations none{};
-  return format >= 0 && format < FORMATS ? OPERATIONS[format] : none;
+const FormatOperations* OperationsOf(FileFormat number) {
+  return FormatFind([=](const FormatOperations& format) { return format.format == number; });
 }
 
 // A file shorter than the signature is taken as going on with zeros.
 Status Recognise(const OpenFile& file, FileContext* context) {
-  uint8_t signature[SIGNATURE_BYTES] = {};
+  uint8_t start[SIGNATURE_BYTES] = {};
   int64_t got = 0;
-  if (FileSeek(file, 0) != STATUS_OK ||
-      FileRead(file, signature, SIGNATURE_BYTES, &got) != STATUS_OK) {
+  if (FileSeek(file, 0) != STATUS_OK || FileRead(file, start, SIGNATURE_BYTES, &got) != STATUS_OK) {
     return STATUS_BAD_FILE_HEADER;
   }
-  const auto startsWith = [&](const char* mark) { return std::memcmp(signature, mark, 2) == 0; };
-  if (BigAt32(signature) == TAG_NATIVE) {
-    context->format = FORMAT_NATIVE;
-  } else if (startsWith("BM") && LittleAt32(signature + 2) == context->dataSize) {
-    context->format = FORMAT_BMP;
-  } else if ((startsWith("II") && LittleAt16(signature + 2) == TIFF_MARK) ||
-             (startsWith("MM") && BigAt16(signature + 2) == TIFF_MARK)) {
-    context->format = FORMAT_TIFF;
-  }
+  const FormatOperations* found = FormatFind([&](const FormatOperations& format) {
+    return format.recognises && format.recognises(start, context->dataSize);
+  });
+  if (found) context->format = found->format;
   return STATUS_OK;
 }
 
@@ -90,8 +57,9 @@ Status HeaderStage(const char* path, OpenFile* file, FileContext* context) {
   if (status != STATUS_OK) return status;
   context->unit = UNIT_DEFAULT;
   context->ratioX = context->ratioY = 1.0f;
-  const auto readHeader = OperationsOf(context->format).readHeader;
-  return readHeader ? readHeader(*file, context) : STATUS_FILE_UNSUPPORTED;
+  const FormatOperations* format = OperationsOf(context->format);
+  if (!format) return STATUS_FILE_UNSUPPORTED;
+  return format->readHeader ? format->readHeader(*file, context) : STATUS_OK;
 }
 
 Status TakeReadOptions(const ReadRequest& request, FileContext* context) {
@@ -114,119 +82,115 @@ Status TakeReadOptions(const ReadRequest& request, FileContext* context) {
 
 // An odd width leaves one column of the image that the file knows nothing of. What lies behind the
 // end of the former block is zero already, in pages that nothing may have touched yet.
-void ClearLastColumn(const Image& image, int32_t pixelBytes, int64_t formerBytes) {
-  const PixelGrid grid = PixelGridOf(image);
+void ClearLastColumn(const Image& image, int64_t formerBytes) {
+  const PixelView view = ViewOf(image);
   const int64_t end = std::min<int64_t>(formerBytes, HandleByteSize(image.pixels));
   const uint8_t* formerEnd = VectorData<uint8_t>(image.pixels) + end;
-  for (int64_t y = 0; y < grid.height; y++) {
-    uint8_t* pixel = grid.Row<uint8_t>(y) + (int64_t{grid.width} - 1) * pixelBytes;
+  const PixelView column = view.Columns(view.width - 1, view.width);
+  for (int64_t y = 0; y < column.height; y++) {
+    auto* pixel = column.Row<uint8_t>(y);
     if (pixel >= formerEnd) return;
-    std::memset(pixel, 0, static_cast<size_t>(pixelBytes));
+    std::memset(pixel, 0, static_cast<size_t>(column.pixelBytes));
   }
 }
 
 Status PixelStage(const OpenFile& file, const Image& image, int64_t formerBytes,
                   FileContext* context) {
-  int32_t pixelBytes = 0;
-  Status status = PixelSize(image.type, &pixelBytes);
-  if (status != STATUS_OK) return status;
-  const PixelGrid whole = PixelGridOf(image);
-  PixelStream stream{whole, image.type, pixelBytes, {}};
+  if (!TypeHasPixels(image.type)) return STATUS_BAD_LAYOUT_TYPE;
+  PixelStream stream{ViewOf(image), {}};
   // A 0 x 0 image has none of the file's rows.
-  stream.grid.width = whole.width > 0 ? context->width : 0;
+  if (stream.view.width > 0) stream.view.width = context->width;
+  Status status = STATUS_OK;
   if (context->scaleToRange == 1) status = SampleRangeScan(file, context, &stream);
-  if (status == STATUS_OK) {
-    const auto readData = OperationsOf(context->format).readData;
-    status = readData ? readData(file, context, &stream) : STATUS_FILE_UNSUPPORTED;
-  }
-  if (stream.grid.width % 2 != 0) ClearLastColumn(image, pixelBytes, formerBytes);
+  if (status == STATUS_OK)
+    status = OperationsOf(context->format)->readData(file, *context, &stream);
+  if (stream.view.width % 2 != 0) ClearLastColumn(image, formerBytes);
   return status;
 }
 
-// Rows go to the file from their places, and a write that succeeds never touches the image. One
-// that fails among the pixels leaves the rows moved together: kept. Only colour bitmaps are spared,
-// and a write that found no memory and so has not begun.
-bool LeavesRowsTogether(const FileContext& context, Status status) {
-  const bool colourBitmap = context.format == FORMAT_BMP && context.imageType == IMAGE_RGB;
-  return status != STATUS_OK && status != STATUS_MEMORY_FULL && !colourBitmap;
+// A write that found no memory has not begun.
+bool LeavesRowsTogether(const FormatOperations& format, const Image& image, Status status) {
+  const bool isSpared = format.sparesColourRows && image.type == IMAGE_RGB;
+  return status != STATUS_OK && status != STATUS_MEMORY_FULL && !isSpared;
 }
 
-FileFormat FormatAsked(int32_t format) {
-  return format == 1 ? FORMAT_NATIVE : format == 2 ? FORMAT_TIFF : FORMAT_BMP;
+FileContext ContextOf(const Image& image, const WriteRequest& request) {
+  FileContext context{};
+  context.format = request.format;
+  context.imageType = image.type;
+  context.width = image.width;
+  context.height = image.height;
+  context.ratioX = image.xStep;
+  context.ratioY = image.yStep;
+  context.unit = image.unit;
+  context.tableCount = TABLE_ENTRIES;
+  for (uint32_t i = 0; i < TABLE_ENTRIES; i++) {
+    context.table[i] = i < request.tableCount ? request.table[i] & 0xFFFFFF : i * TABLE_GRAY_STEP;
+  }
+  const WriteOptions* options = request.options;
+  context.rowsPerStrip =
+      options ? std::clamp(options->rowsPerStrip, 1, std::max(image.height, 1)) : image.height;
+  context.littleEndian = options ? options->littleEndian : 1;
+  return context;
 }
 
-// The number that callers know a recognised format by.
-int32_t FileTypeOf(FileFormat format) {
-  return format == FORMAT_NATIVE ? 1 : format == FORMAT_TIFF ? 2 : 3;
+// By the number that callers know a format by; bitmaps for any other number.
+FileFormat FormatAsked(int32_t fileType) {
+  const FormatOperations* asked = FormatFind([=](const FormatOperations& format) {
+    return format.fileType != 0 && format.fileType == fileType;
+  });
+  return asked ? asked->format : FORMAT_BMP;
 }
 
 }  // namespace
 
-void FileInfoKernel(const char* path, FileContext* context, Status* status) {
+Status FileInfoKernel(const char* path, FileContext* context) {
   *context = {};
   context->format = FORMAT_UNKNOWN;
   OpenFile file;
-  *status = HeaderStage(path, &file, context);
+  return HeaderStage(path, &file, context);
 }
 
-void FileReadKernel(ImageRef reference, const char* path, const ReadRequest* request,
-                    FileContext* context, Status* status) {
+Status FileReadKernel(ImageRef reference, const char* path, const ReadRequest& request,
+                      FileContext* context) {
   *context = {};
-  Image* image = ImageLookup(reference, status);
-  if (!image) return;
-  *status = TakeReadOptions(*request, context);
-  if (*status != STATUS_OK) return;
+  Image* image = nullptr;
+  Status status = ImageLookup(reference, &image);
+  if (status == STATUS_OK) status = TakeReadOptions(request, context);
+  if (status != STATUS_OK) return status;
   context->width = image->width;
   context->height = image->height;
   OpenFile file;
-  *status = HeaderStage(path, &file, context);
-  if (*status != STATUS_OK) return;
+  status = HeaderStage(path, &file, context);
+  if (status != STATUS_OK) return status;
 
   image->unit = static_cast<int16_t>(context->unit);
   image->xStep = context->ratioX;
   image->yStep = context->ratioY;
   const int64_t formerBytes = HandleByteSize(image->pixels);
   const int32_t evenWidth = context->width + context->width % 2;
-  *status = ImageSetSize(reference, evenWidth, context->height);
-  if (*status == STATUS_OK) *status = PixelStage(file, *image, formerBytes, context);
+  status = ImageLayoutSize(image, evenWidth, context->height, true);
+  return status != STATUS_OK ? status : PixelStage(file, *image, formerBytes, context);
 }
 
-void FileWriteKernel(ImageRef reference, const char* path, const FileFormat* format,
-                     const RGBValue* table, const uint32_t* tableCount, const WriteOptions* options,
-                     Status* status) {
-  const Image* image = ImageLookup(reference, status);
-  if (!image) return;
-  FileContext context{};
-  context.format = *format;
-  context.imageType = image->type;
-  context.width = image->width;
-  context.height = image->height;
-  context.ratioX = image->xStep;
-  context.ratioY = image->yStep;
-  context.unit = image->unit;
-  context.tableCount = TABLE_ENTRIES;
-  for (uint32_t i = 0; i < TABLE_ENTRIES; i++) {
-    context.table[i] = i < *tableCount ? table[i] & 0xFFFFFF : i * TABLE_GRAY_STEP;
-  }
-  context.rowsPerStrip =
-      options ? std::clamp(options->rowsPerStrip, 1, std::max(image->height, 1)) : image->height;
-  context.littleEndian = options ? options->littleEndian : 1;
+Status FileWriteKernel(ImageRef reference, const char* path, const WriteRequest& request) {
+  Image* image = nullptr;
+  Status status = ImageLookup(reference, &image);
+  if (status != STATUS_OK) return status;
+  const FormatOperations* format = OperationsOf(request.format);
+  if (!format || !format->writeHeader) return STATUS_FILE_UNSUPPORTED;
+  FileContext context = ContextOf(*image, request);
+  if (format->checkImage) status = format->checkImage(context);
+  if (status != STATUS_OK) return status;
 
-  const FormatOperations& operations = OperationsOf(*format);
-  *status = operations.writeHeader ? operations.checkImage(context) : STATUS_FILE_UNSUPPORTED;
-  if (*status != STATUS_OK) return;
   OpenFile file;
-  *status = file.Open(path, FileOpenMode::WriteTruncate);
-  if (*status == STATUS_OK) *status = operations.writeHeader(file, &context);
-  if (*status != STATUS_OK) return;
-
-  const PixelGrid grid = PixelGridOf(*image);
-  *status = operations.writeData(file, context, grid);
-  if (LeavesRowsTogether(context, *status)) {
-    int32_t pixelBytes = 0;
-    PixelSize(image->type, &pixelBytes);
-    PixelRowsCompact(grid, pixelBytes);
-  }
+  status = file.Open(path, FileOpenMode::WriteTruncate);
+  if (status == STATUS_OK) status = format->writeHeader(file, &context);
+  if (status != STATUS_OK) return status;
+  const PixelView view = ViewOf(*image);
+  status = format->writeData(file, context, view);
+  if (LeavesRowsTogether(*format, *image, status)) PixelRowsCompact(view);
+  return status;
 }
 
 }  // namespace zel
@@ -234,24 +198,22 @@ void FileWriteKernel(ImageRef reference, const char* path, const FileFormat* for
 int32_t ZEL_PtkFileInfo(const char* path, FileInfo* info) {
   if (!info) return ZEL_ProcessError("ZEL_PtkFileInfo", zel::STATUS_NULL_POINTER);
   zel::FileContext context;
-  zel::Status status = zel::STATUS_OK;
-  zel::FileInfoKernel(path ? path : "", &context, &status);
+  const zel::Status status = zel::FileInfoKernel(path ? path : "", &context);
   // A file that cannot be read is an answer and no failure. The bits a pixel keep what they held.
   info->fileType = info->planes = info->width = info->height = 0;
   if (status == zel::STATUS_OK) {
     const zel::ClassLayout& layout = zel::ClassLayoutOf(context.pixelClass);
-    *info = {zel::FileTypeOf(context.format), layout.bitsPerPixel, layout.planes, context.width,
-             context.height};
+    *info = {zel::OperationsOf(context.format)->fileType, layout.bitsPerPixel, layout.planes,
+             context.width, context.height};
   }
   return ZEL_ProcessError("ZEL_PtkFileInfo", zel::STATUS_OK);
 }
 
 int32_t ZEL_ReadFile(ImageRef image, const char* path, int32_t wantTable, RGBValue* table,
                      int32_t* count) {
-  zel::Status status = zel::STATUS_OK;
   zel::FileContext context;
-  const zel::ReadRequest request{wantTable != 0};
-  zel::FileReadKernel(image, path ? path : "", &request, &context, &status);
+  const zel::ReadRequest request{.tableWanted = wantTable != 0};
+  const zel::Status status = zel::FileReadKernel(image, path ? path : "", request, &context);
   const bool hasTable = status == zel::STATUS_OK && wantTable != 0 && context.tableCount > 0;
   if (count) *count = hasTable || status != zel::STATUS_OK ? zel::TABLE_ENTRIES : 0;
   if (hasTable && table) {
@@ -264,10 +226,9 @@ int32_t ZEL_ReadFile(ImageRef image, const char* path, int32_t wantTable, RGBVal
 
 int32_t ZEL_WriteFile(ImageRef image, const char* path, int32_t format, const RGBValue* table,
                       int32_t count) {
-  zel::Status status = zel::STATUS_OK;
-  const zel::FileFormat asked = zel::FormatAsked(format);
   constexpr auto entries = static_cast<int32_t>(zel::TABLE_ENTRIES);
   const uint32_t given = table ? static_cast<uint32_t>(std::clamp(count, 0, entries)) : 0;
-  zel::FileWriteKernel(image, path ? path : "", &asked, table, &given, nullptr, &status);
-  return ZEL_ProcessError("ZEL_WriteFile", status);
+  const zel::WriteRequest request{
+      .format = zel::FormatAsked(format), .table = table, .tableCount = given};
+  return ZEL_ProcessError("ZEL_WriteFile", zel::FileWriteKernel(image, path ? path : "", request));
 }

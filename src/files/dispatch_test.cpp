@@ -1,3 +1,5 @@
+#include "files/dispatch.h"
+
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -5,7 +7,6 @@
 #include <filesystem>
 #include <fstream>
 
-#include "files/files.h"
 #include "tests/support/file_bytes.h"
 #include "tests/support/memory_files.h"
 #include "tests/support/test_image.h"

@@ -1,14 +1,18 @@
 // The native format: a big-endian header of 512 bytes with the calibration, then packed rows in
 // the order of the machine, but for colour.
+#include "files/native.h"
+
 #include <bit>
+#include <cstring>
 #include <iterator>
 
+#include "core/pixel_types.h"
 #include "files/bytes.h"
-#include "files/formats.h"
 
 namespace zel {
 namespace {
 
+constexpr uint8_t TAG[4] = {'O', 'R', 'L', 'N'};
 constexpr int64_t HEADER_BYTES = 512;
 constexpr uint32_t VERSION = 1;
 constexpr uint32_t FIXED_WORD = 2;
@@ -38,9 +42,11 @@ constexpr WrittenType WRITTEN[] = {{1, 8, 1, CLASS_U8},
                                    {5, 64, 2, CLASS_COMPLEX},
                                    {2, 32, 3, CLASS_RGB32}};
 
-}  // namespace
+bool IsNative(const uint8_t (&start)[SIGNATURE_BYTES], int64_t) {
+  return std::memcmp(start, TAG, sizeof(TAG)) == 0;
+}
 
-Status NativeReadHeader(const OpenFile& file, FileContext* context) {
+Status ReadHeader(const OpenFile& file, FileContext* context) {
   uint8_t header[HEADER_BYTES];
   const Status status = FileReadAt(file, 0, header, HEADER_BYTES, STATUS_BAD_FILE_HEADER);
   if (status != STATUS_OK) return status;
@@ -58,16 +64,15 @@ Status NativeReadHeader(const OpenFile& file, FileContext* context) {
   return STATUS_OK;
 }
 
-Status NativeWriteHeader(const OpenFile& file, FileContext* context) {
-  if (context->imageType < IMAGE_U8 || context->imageType > IMAGE_RGB) {
-    return STATUS_BAD_FILE_HEADER;
-  }
+Status WriteHeader(const OpenFile& file, FileContext* context) {
+  if (!TypeHasPixels(context->imageType)) return STATUS_BAD_FILE_HEADER;
   const WrittenType& type = WRITTEN[context->imageType];
   context->pixelClass = type.pixelClass;
   context->swapBytes = 0;
   context->dataOffset = HEADER_BYTES;
 
-  uint8_t header[HEADER_BYTES] = {'O', 'R', 'L', 'N'};
+  uint8_t header[HEADER_BYTES] = {};
+  std::memcpy(header, TAG, sizeof(TAG));
   BigPut16(header + AT_VERSION, VERSION);
   BigPut16(header + AT_TYPE_CODE, type.typeCode);
   BigPut16(header + AT_BITS, type.bits);
@@ -80,5 +85,17 @@ Status NativeWriteHeader(const OpenFile& file, FileContext* context) {
   BigPut32(header + AT_UNIT, static_cast<uint32_t>(context->unit) << 16);
   return FileWriteAt(file, 0, header, HEADER_BYTES, STATUS_BAD_FILE_HEADER);
 }
+
+}  // namespace
+
+const FormatOperations NATIVE_FORMAT = {.format = FORMAT_NATIVE,
+                                        .fileType = 1,
+                                        .recognises = &IsNative,
+                                        .readHeader = &ReadHeader,
+                                        .readData = &PixelStreamReadRest,
+                                        .checkImage = nullptr,
+                                        .writeHeader = &WriteHeader,
+                                        .writeData = &PixelRowsWriteAll,
+                                        .sparesColourRows = false};
 
 }  // namespace zel

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "engine/point.h"
 #include "files/samples.h"
 
 namespace zel {
@@ -24,20 +25,16 @@ struct PixelRows {
 // the start of the last one. Where rows follow each other without gaps it is a single one. Stops
 // when the visitor answers false.
 template <class Visit>
-void VisitRows(const PixelGrid& grid, int32_t pixelBytes, int64_t position, int64_t count,
-               Visit visit) {
-  if (grid.pitch == int64_t{grid.width} * pixelBytes) {
-    visit(PixelRows{grid.origin + position * pixelBytes, 0, count, 1});
-    return;
-  }
+void VisitRows(const PixelView& spread, int64_t position, int64_t count, Visit visit) {
+  const PixelView view = RowsJoin(spread);
   while (count > 0) {
-    const int64_t row = position / grid.width;
-    const int64_t column = position % grid.width;
-    const bool whole = column == 0 && count >= grid.width;
-    const int64_t rows = whole ? count / grid.width : 1;
-    const int64_t pixels = whole ? grid.width : std::min<int64_t>(count, grid.width - column);
-    uint8_t* first = grid.origin + row * grid.pitch + column * pixelBytes;
-    if (!visit(PixelRows{first, grid.pitch, pixels, rows})) return;
+    const int64_t row = position / view.width;
+    const int64_t column = position % view.width;
+    const bool whole = column == 0 && count >= view.width;
+    const int64_t rows = whole ? count / view.width : 1;
+    const int64_t pixels = whole ? view.width : std::min<int64_t>(count, view.width - column);
+    uint8_t* first = view.Row<uint8_t>(row) + column * view.pixelBytes;
+    if (!visit(PixelRows{first, view.pitch, pixels, rows})) return;
     position += rows * pixels;
     count -= rows * pixels;
   }
@@ -72,17 +69,17 @@ void ReverseInPlace(const PixelRows& rows, int32_t pixelBytes, int64_t bytes, El
 // Bytes that are pixels already go to their rows at once.
 Status ReadDirect(const OpenFile& file, const FileContext& context, const SampleRun& run,
                   PixelStream* stream) {
-  const int32_t pixelBytes = stream->pixelBytes;
+  const int32_t pixelBytes = stream->view.pixelBytes;
   int64_t position = run.position;
   int64_t left = std::min(run.rowBytes / pixelBytes, stream->Pixels() - position);
-  const ElementMove reverse = DirectReversal(context, stream->imageType);
+  const ElementMove reverse = DirectReversal(context, stream->view.type);
   // What has to be reversed is reversed while it is in the cache.
   const int64_t step = reverse ? CHUNK_BYTES / pixelBytes : left;
   Status status = STATUS_OK;
   bool more = true;
   while (more && left > 0) {
     const int64_t count = std::min(left, step);
-    VisitRows(stream->grid, pixelBytes, position, count, [&](const PixelRows& rows) {
+    VisitRows(stream->view, position, count, [&](const PixelRows& rows) {
       const int64_t wanted = rows.pixels * pixelBytes * rows.rows;
       int64_t got = 0;
       status =
@@ -102,7 +99,7 @@ void ConvertRun(const SampleConverter& converter, const uint8_t* samples, int64_
   count = std::min(count, stream->Pixels() - position);
   if (count <= 0) return;
   int64_t first = 0;
-  VisitRows(stream->grid, stream->pixelBytes, position, count, [&](const PixelRows& rows) {
+  VisitRows(stream->view, position, count, [&](const PixelRows& rows) {
     for (int64_t row = 0; row < rows.rows; row++) {
       converter.Convert(samples, first, rows.pixels, rows.first + row * rows.pitch);
       first += rows.pixels;
@@ -151,7 +148,7 @@ Status ReadConvertingRows(const OpenFile& file, const FileContext& context, cons
       if (i * run.stride + run.rowBytes > got) return STATUS_OK;
       uint8_t* samples = stream->buffer.data() + i * run.stride;
       SamplesReverse(context, samples, run.rowBytes);
-      ConvertRun(converter, samples, rowSamples, run.position + (row + i) * stream->grid.width,
+      ConvertRun(converter, samples, rowSamples, run.position + (row + i) * stream->view.width,
                  stream);
     }
   }
@@ -170,17 +167,17 @@ SampleRun Joined(const SampleRun& run, const ClassLayout& layout, int64_t width)
 
 }  // namespace
 
-PixelGrid TurnedOver(const PixelGrid& grid) {
-  PixelGrid turned = grid;
-  if (grid.height > 0) turned.origin = grid.origin + (grid.height - 1) * grid.pitch;
-  turned.pitch = -grid.pitch;
+PixelView TurnedOver(const PixelView& view) {
+  PixelView turned = view;
+  if (view.height > 0) turned.origin = view.Row<uint8_t>(view.height - 1);
+  turned.pitch = -view.pitch;
   return turned;
 }
 
 Status PixelStreamRead(const OpenFile& file, const FileContext& context, const SampleRun& asked,
                        PixelStream* stream) {
   const ClassLayout& layout = ClassLayoutOf(context.pixelClass);
-  SampleRun run = Joined(asked, layout, stream->grid.width);
+  SampleRun run = Joined(asked, layout, stream->view.width);
   if (FileSeek(file, run.offset) != STATUS_OK) return STATUS_FILE_READ;
   const int64_t room = stream->Pixels() - run.position;
   if (run.rows < 1 || room < 1) return STATUS_OK;
@@ -192,11 +189,11 @@ Status PixelStreamRead(const OpenFile& file, const FileContext& context, const S
         std::min({run.rowBytes, units * layout.unitBytes, RoundedDown(there, layout.unitBytes)});
   }
   if (run.rowBytes < layout.unitBytes) return STATUS_OK;
-  if (run.rows == 1 && SamplesAreDirect(context.pixelClass, stream->imageType)) {
+  if (run.rows == 1 && SamplesAreDirect(context.pixelClass, stream->view.type)) {
     return ReadDirect(file, context, run, stream);
   }
 
-  const SampleConverter converter(context, stream->imageType);
+  const SampleConverter converter(context, stream->view.type);
   if (!converter.HasEffect()) return STATUS_OK;
   const int64_t bytes = run.rows > 1 ? run.stride * run.rows : run.rowBytes;
   if (!BufferEnsure(std::min(bytes, CHUNK_BYTES), stream)) return STATUS_MEMORY_FULL;
@@ -206,7 +203,7 @@ Status PixelStreamRead(const OpenFile& file, const FileContext& context, const S
   }
   for (int64_t row = 0; row < run.rows; row++) {
     const SampleRun one{run.offset + row * run.stride, run.rowBytes, run.rowBytes, 1,
-                        run.position + row * stream->grid.width};
+                        run.position + row * stream->view.width};
     const Status status = PixelStreamRead(file, context, one, stream);
     if (status != STATUS_OK) return status;
   }
@@ -239,15 +236,17 @@ Status SampleRangeScan(const OpenFile& file, FileContext* context, PixelStream* 
   return STATUS_OK;
 }
 
-Status PixelRowsWrite(const OpenFile& file, const PixelGrid& grid, const PixelPacking& packing) {
-  if (grid.width < 1 || grid.height < 1) return STATUS_OK;
-  if (!packing.pack) {
-    return FileWriteRows(
-        file, {grid.origin, grid.pitch, int64_t{grid.width} * packing.pixelBytes, grid.height});
-  }
-  const int64_t rowBytes = int64_t{grid.width} * packing.sampleBytes + packing.rowPadding;
+Status PixelRowsWrite(const OpenFile& file, const PixelView& view) {
+  if (view.IsEmpty()) return STATUS_OK;
+  const PixelView rows = RowsJoin(view);
+  return FileWriteRows(file, {rows.origin, rows.pitch, rows.RowBytes(), rows.height});
+}
+
+Status PixelRowsWrite(const OpenFile& file, const PixelView& view, const PixelPacking& packing) {
+  if (view.IsEmpty()) return STATUS_OK;
+  const int64_t rowBytes = int64_t{view.width} * packing.sampleBytes + packing.rowPadding;
   WorkArray<uint8_t> buffer;
-  if (!buffer.Allocate(static_cast<uint64_t>(std::min(rowBytes * grid.height, CHUNK_BYTES)))) {
+  if (!buffer.Allocate(static_cast<uint64_t>(std::min(rowBytes * view.height, CHUNK_BYTES)))) {
     return STATUS_MEMORY_FULL;
   }
   int64_t filled = 0;
@@ -257,13 +256,13 @@ Status PixelRowsWrite(const OpenFile& file, const PixelGrid& grid, const PixelPa
     status = FileWrite(file, buffer.data(), filled);
     filled = 0;
   };
-  for (int64_t row = 0; row < grid.height; row++) {
-    for (int64_t column = 0; column < grid.width;) {
+  for (int64_t row = 0; row < view.height; row++) {
+    for (int64_t column = 0; column < view.width;) {
       flushUnlessRoom(packing.sampleBytes);
       if (status != STATUS_OK) return status;
       const int64_t count =
-          std::min<int64_t>(grid.width - column, (CHUNK_BYTES - filled) / packing.sampleBytes);
-      packing.pack(grid.Row<uint8_t>(row) + column * packing.pixelBytes, count,
+          std::min<int64_t>(view.width - column, (CHUNK_BYTES - filled) / packing.sampleBytes);
+      packing.pack(view.Row<uint8_t>(row) + column * view.pixelBytes, count,
                    buffer.data() + filled);
       filled += count * packing.sampleBytes;
       column += count;
@@ -276,18 +275,24 @@ Status PixelRowsWrite(const OpenFile& file, const PixelGrid& grid, const PixelPa
   return FileWrite(file, buffer.data(), filled);
 }
 
-void PixelRowsInvert(const PixelGrid& grid, int32_t pixelBytes) {
-  const auto invert = sampleRows().invertBytes;
-  for (int64_t row = 0; row < grid.height; row++) {
-    invert(grid.Row<uint8_t>(row), int64_t{grid.width} * pixelBytes);
-  }
+Status PixelRowsWriteAll(const OpenFile& file, const FileContext& context, const PixelView& view) {
+  if (FileSeek(file, context.dataOffset) != STATUS_OK) return STATUS_FILE_WRITE;
+  const ElementMove reverse = DirectReversal(context, view.type);
+  if (!reverse) return PixelRowsWrite(file, view);
+  return PixelRowsWrite(file, view,
+                        {.pack = reverse, .sampleBytes = view.pixelBytes, .rowPadding = 0});
 }
 
-void PixelRowsCompact(const PixelGrid& grid, int32_t pixelBytes) {
-  const int64_t rowBytes = int64_t{grid.width} * pixelBytes;
-  for (int64_t row = 1; row < grid.height; row++) {
-    std::memmove(grid.origin + row * rowBytes, grid.Row<uint8_t>(row),
-                 static_cast<size_t>(rowBytes));
+void PixelRowsInvert(const PixelView& view) {
+  const auto invert = sampleRows().invertBytes;
+  const PixelView rows = RowsJoin(view);
+  for (int64_t y = 0; y < rows.height; y++) invert(rows.Row<void>(y), rows.RowBytes());
+}
+
+void PixelRowsCompact(const PixelView& view) {
+  for (int64_t y = 1; y < view.height; y++) {
+    std::memmove(view.origin + y * view.RowBytes(), view.Row<void>(y),
+                 static_cast<size_t>(view.RowBytes()));
   }
 }
 

@@ -3,27 +3,26 @@
 #pragma once
 
 #include "core/heap.h"
+#include "core/views.h"
 #include "files/access.h"
-#include "files/files.h"
+#include "files/context.h"
 #include "files/samples_rows.h"
 
 namespace zel {
 
-// Position k of the stream is pixel (k mod width, k div width) of the grid, whose width is the
+// Position k of the stream is pixel (k mod width, k div width) of the view, whose width is the
 // file's. Positions behind the last pixel are dropped, and a pixel that no sample arrives for keeps
 // its value.
 struct PixelStream {
-  PixelGrid grid;
-  int32_t imageType;
-  int32_t pixelBytes;
+  PixelView view;
   WorkArray<uint8_t> buffer;  // for samples that have to be converted; made when first needed
   int64_t bufferBytes = 0;
 
-  int64_t Pixels() const { return int64_t{grid.width} * grid.height; }
+  int64_t Pixels() const { return int64_t{view.width} * view.height; }
 };
 
 // The same pixels with the last row first.
-PixelGrid TurnedOver(const PixelGrid& grid);
+PixelView TurnedOver(const PixelView& view);
 
 // Samples in a file: `rows` runs of `rowBytes`, their starts `stride` bytes apart. The first one
 // goes to `position`, each further one a width further on.
@@ -49,17 +48,21 @@ Status SampleRangeScan(const OpenFile& file, FileContext* context, PixelStream* 
 
 // How pixels go into a file.
 struct PixelPacking {
-  ElementMove pack;  // null: as they are
-  int32_t pixelBytes;
+  ElementMove pack;
   int32_t sampleBytes;  // of a packed pixel
   int32_t rowPadding;   // zero bytes behind each row, at most 3
 };
-// Writes the rows at the file's position. STATUS_FILE_WRITE.
-Status PixelRowsWrite(const OpenFile& file, const PixelGrid& grid, const PixelPacking& packing);
+// Writes the rows at the file's position, packed or as they are. STATUS_FILE_WRITE;
+// STATUS_MEMORY_FULL only where they are packed, and before anything is written.
+Status PixelRowsWrite(const OpenFile& file, const PixelView& view, const PixelPacking& packing);
+Status PixelRowsWrite(const OpenFile& file, const PixelView& view);
+// Rows from top to bottom without gaps, from the data offset on. Colour pixels are reversed, fourth
+// byte first.
+Status PixelRowsWriteAll(const OpenFile& file, const FileContext& context, const PixelView& view);
 
-// Bitwise NOT of the grid's pixels.
-void PixelRowsInvert(const PixelGrid& grid, int32_t pixelBytes);
+// Bitwise NOT of the view's pixels.
+void PixelRowsInvert(const PixelView& view);
 // Moves the rows together in memory, without gaps.
-void PixelRowsCompact(const PixelGrid& grid, int32_t pixelBytes);
+void PixelRowsCompact(const PixelView& view);
 
 }  // namespace zel

@@ -1,7 +1,9 @@
 // The two bare layouts: pixels behind a size of 4 bytes, and pixels alone. Nothing marks such
 // files, so only the library's own callers reach them.
+#include "files/raster.h"
+
+#include "core/pixel_types.h"
 #include "files/bytes.h"
-#include "files/formats.h"
 
 namespace zel {
 namespace {
@@ -11,9 +13,7 @@ constexpr int64_t SIZE_BYTES = 4;
 // By image type.
 constexpr PixelClass WRITTEN[] = {CLASS_U8, CLASS_U16, CLASS_SGL, CLASS_COMPLEX, CLASS_RGB32};
 
-}  // namespace
-
-Status RasterReadHeader(const OpenFile& file, FileContext* context) {
+Status ReadHeader(const OpenFile& file, FileContext* context) {
   uint8_t size[SIZE_BYTES];
   const Status status = FileReadAt(file, 0, size, SIZE_BYTES, STATUS_BAD_FILE_HEADER);
   if (status != STATUS_OK) return status;
@@ -26,10 +26,8 @@ Status RasterReadHeader(const OpenFile& file, FileContext* context) {
   return STATUS_OK;
 }
 
-Status RasterWriteHeader(const OpenFile& file, FileContext* context) {
-  if (context->imageType < IMAGE_U8 || context->imageType > IMAGE_RGB) {
-    return STATUS_BAD_FILE_HEADER;
-  }
+Status WriteHeader(const OpenFile& file, FileContext* context) {
+  if (!TypeHasPixels(context->imageType)) return STATUS_BAD_FILE_HEADER;
   context->pixelClass = WRITTEN[context->imageType];
   context->swapBytes = 0;
   context->dataOffset = SIZE_BYTES;
@@ -38,5 +36,27 @@ Status RasterWriteHeader(const OpenFile& file, FileContext* context) {
   BigPut16(size + 2, static_cast<uint32_t>(context->height));
   return FileWriteAt(file, 0, size, SIZE_BYTES, STATUS_BAD_FILE_HEADER);
 }
+
+}  // namespace
+
+const FormatOperations RASTER_FORMAT = {.format = FORMAT_RSTR,
+                                        .fileType = 0,
+                                        .recognises = nullptr,
+                                        .readHeader = &ReadHeader,
+                                        .readData = &PixelStreamReadRest,
+                                        .checkImage = nullptr,
+                                        .writeHeader = &WriteHeader,
+                                        .writeData = &PixelRowsWriteAll,
+                                        .sparesColourRows = false};
+
+const FormatOperations RAW_FORMAT = {.format = FORMAT_RAW,
+                                     .fileType = 0,
+                                     .recognises = nullptr,
+                                     .readHeader = nullptr,
+                                     .readData = &PixelStreamReadRest,
+                                     .checkImage = nullptr,
+                                     .writeHeader = nullptr,
+                                     .writeData = nullptr,
+                                     .sparesColourRows = false};
 
 }  // namespace zel

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "files/files.h"
+#include "files/dispatch.h"
 #include "tests/support/file_bytes.h"
 #include "tests/support/memory_files.h"
 #include "tests/support/test_image.h"
@@ -13,7 +13,6 @@ using test::TestImage;
 
 zel::Status Read(const TestImage& image, zel::FileFormat format, int32_t pixelClass) {
   zel::FileContext context;
-  zel::Status status = 0;
   const zel::ReadOptions options{.rawMode = 0,
                                  .pixelClass = pixelClass,
                                  .dataOffset = 0,
@@ -22,15 +21,11 @@ zel::Status Read(const TestImage& image, zel::FileFormat format, int32_t pixelCl
                                  .rangeMax = 1,
                                  .littleEndian = 0};
   const zel::ReadRequest request{.format = format, .options = &options};
-  zel::FileReadKernel(image, "f", &request, &context, &status);
-  return status;
+  return zel::FileReadKernel(image, "f", request, &context);
 }
 
 zel::Status Write(ImageRef image, zel::FileFormat format) {
-  zel::Status status = 0;
-  constexpr uint32_t noColours = 0;
-  zel::FileWriteKernel(image, "f", &format, nullptr, &noColours, nullptr, &status);
-  return status;
+  return zel::FileWriteKernel(image, "f", {.format = format});
 }
 
 TEST(Raster, ASizeInFrontOfThePixelsIsLittleEndian) {

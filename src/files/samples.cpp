@@ -46,16 +46,16 @@ bool IsInteger(PixelClass pixelClass) {
 }
 
 SampleStretch StretchOf(const FileContext& context, int32_t imageType) {
-  const bool bytes = imageType == IMAGE_U8;
-  const double low = bytes ? 0.0 : -32768.0;
-  const double high = bytes ? 255.0 : 32767.0;
+  const IntegerLimits limits = LimitsOf(imageType);
   // A bilevel sample has no range to be found: it is black or white.
-  if (bytes && context.pixelClass == CLASS_BITS1) return {255.0, 0.0, low, high};
+  if (imageType == IMAGE_U8 && context.pixelClass == CLASS_BITS1) {
+    return {static_cast<double>(limits.high), 0.0, limits};
+  }
   const int32_t min = CutLimited(static_cast<double>(context.rangeMin), INT32_MIN, INT32_MAX);
   const int32_t max = CutLimited(static_cast<double>(context.rangeMax), INT32_MIN, INT32_MAX);
-  if (min >= max) return {1.0, 0.0, low, high};
-  const double scale = (bytes ? 255.0 : 65535.0) / (static_cast<double>(max) - min);
-  return {scale, -static_cast<double>(min) * scale, low, high};
+  if (min >= max) return {1.0, 0.0, limits};
+  const double scale = (limits.high - limits.low) / (static_cast<double>(max) - min);
+  return {scale, -static_cast<double>(min) * scale, limits};
 }
 
 }  // namespace
@@ -109,8 +109,7 @@ void SamplesReverse(const FileContext& context, uint8_t* samples, int64_t bytes)
 
 SampleConverter::SampleConverter(const FileContext& context, int32_t imageType)
     : pixelClass_(context.pixelClass), imageType_(imageType) {
-  if (context.scaleToRange != 0 && IsInteger(pixelClass_) &&
-      (imageType == IMAGE_U8 || imageType == IMAGE_I16)) {
+  if (context.scaleToRange != 0 && IsInteger(pixelClass_) && TypeIsInteger(imageType)) {
     stretches_ = true;
     stretch_ = StretchOf(context, imageType);
   } else if (pixelClass_ == CLASS_RGB_PLANES) {
@@ -131,8 +130,7 @@ void SampleConverter::Convert(const uint8_t* samples, int64_t first, int64_t cou
   for (int64_t i = 0; i < count; i++) {
     const double sample = IntegerSampleAt(pixelClass_, samples, first + i);
     const double value = sample * stretch_.scale + stretch_.offset;
-    const int32_t pixel =
-        CutLimited(value, static_cast<int32_t>(stretch_.low), static_cast<int32_t>(stretch_.high));
+    const int32_t pixel = CutLimited(value, stretch_.limits.low, stretch_.limits.high);
     if (imageType_ == IMAGE_U8) {
       static_cast<uint8_t*>(pixels)[i] = static_cast<uint8_t>(pixel);
     } else {

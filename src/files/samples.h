@@ -1,7 +1,8 @@
 // What the classes of samples are, and how each becomes the pixels of an image.
 #pragma once
 
-#include "files/files.h"
+#include "core/pixel_types.h"
+#include "files/context.h"
 #include "files/samples_rows.h"
 
 namespace zel {
@@ -24,7 +25,8 @@ void SamplesReverse(const FileContext& context, uint8_t* samples, int64_t bytes)
 
 // The stretch of a range of integer samples to that of the image's type.
 struct SampleStretch {
-  double scale, offset, low, high;
+  double scale, offset;
+  IntegerLimits limits;
 };
 
 // How samples become pixels: by a row routine, or stretched.

@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "engine/levels.h"
-#include "files/files.h"
+#include "files/context.h"
 
 namespace zel {
 

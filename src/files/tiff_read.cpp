@@ -1,9 +1,10 @@
 // Reading uncompressed TIFF: bilevel, gray, palette and colour images in strips.
+#include "files/tiff_read.h"
+
 #include <algorithm>
 
-#include "core/kernels.h"
+#include "core/pixel_types.h"
 #include "files/bytes.h"
-#include "files/formats.h"
 #include "files/samples.h"
 #include "files/tiff_tags.h"
 
@@ -90,23 +91,23 @@ class StripJoiner {
   int64_t nextPosition_ = 0;
 };
 
-Status ReadStrips(const OpenFile& file, const TiffEssentials& essentials, FileContext* context,
-                  PixelStream* stream) {
-  const TiffTag* offsets = TiffFind(*context, TAG_STRIP_OFFSETS);
-  const TiffTag* counts = TiffFind(*context, TAG_STRIP_BYTE_COUNTS);
-  const bool planes = context->pixelClass == CLASS_RGB_PLANES;
+Status ReadStrips(const OpenFile& file, const TiffEssentials& essentials,
+                  const FileContext& context, PixelStream* stream) {
+  const TiffTag* offsets = TiffFind(context, TAG_STRIP_OFFSETS);
+  const TiffTag* counts = TiffFind(context, TAG_STRIP_BYTE_COUNTS);
+  const bool planes = context.pixelClass == CLASS_RGB_PLANES;
   if (!offsets || essentials.rowsPerStrip < 1) return STATUS_BAD_FILE_FORMAT;
   const int64_t planeStrips =
       (int64_t{essentials.height} + essentials.rowsPerStrip - 1) / essentials.rowsPerStrip;
   const int64_t strips = planes ? 3 * planeStrips : planeStrips;
   if (offsets->count < strips || (counts && counts->count < strips)) return STATUS_BAD_FILE_FORMAT;
 
-  TiffArrayReader offsetOf(file, *context, *offsets);
+  TiffArrayReader offsetOf(file, context, *offsets);
   // 16-bit samples are taken as big-endian whatever the file's mark says, as the writer stores
   // them, and 24-bit ones as red, green, blue. The arrays keep the order of the mark.
-  FileContext samples = *context;
-  samples.swapBytes = context->pixelClass == CLASS_U16 ? 1 : 0;
-  const ClassLayout& layout = ClassLayoutOf(context->pixelClass);
+  FileContext samples = context;
+  samples.swapBytes = context.pixelClass == CLASS_U16 ? 1 : 0;
+  const ClassLayout& layout = ClassLayoutOf(context.pixelClass);
 
   if (!counts) {
     uint32_t offset = 0;
@@ -118,7 +119,7 @@ Status ReadStrips(const OpenFile& file, const TiffEssentials& essentials, FileCo
     return PixelStreamRead(file, samples, all, stream);
   }
 
-  TiffArrayReader countOf(file, *context, *counts);
+  TiffArrayReader countOf(file, context, *counts);
   StripJoiner joiner(file, samples, stream);
   int64_t position = 0;
   for (int64_t i = 0; i < strips; i++) {
@@ -130,7 +131,7 @@ Status ReadStrips(const OpenFile& file, const TiffEssentials& essentials, FileCo
       if (status == STATUS_OK) status = joiner.Read();
       samples.planeIndex = static_cast<int32_t>(i / planeStrips);
       // The later planes of a colour image begin one and two pixels further on: kept.
-      position = stream->imageType == IMAGE_RGB ? samples.planeIndex : 0;
+      position = stream->view.type == IMAGE_RGB ? samples.planeIndex : 0;
     }
     // A count is bytes and a width pixels, and still the one is made a multiple of the other: kept.
     const int64_t bytes = count - count % static_cast<uint32_t>(essentials.width);
@@ -168,12 +169,12 @@ Status TiffReadHeader(const OpenFile& file, FileContext* context) {
   return map ? LoadColourMap(file, *map, context) : STATUS_OK;
 }
 
-Status TiffReadData(const OpenFile& file, FileContext* context, PixelStream* stream) {
+Status TiffReadData(const OpenFile& file, const FileContext& context, PixelStream* stream) {
   TiffEssentials essentials{};
-  Status status = TiffDecodeEssentials(*context, &essentials);
+  Status status = TiffDecodeEssentials(context, &essentials);
   if (status == STATUS_OK) status = ReadStrips(file, essentials, context, stream);
-  const bool inverts = essentials.photometric == 0 && TypeIsInteger(stream->imageType);
-  if (status == STATUS_OK && inverts) PixelRowsInvert(stream->grid, stream->pixelBytes);
+  const bool inverts = essentials.photometric == 0 && TypeIsInteger(stream->view.type);
+  if (status == STATUS_OK && inverts) PixelRowsInvert(stream->view);
   return status;
 }
 

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "files/access.h"
-#include "files/files.h"
+#include "files/context.h"
 
 namespace zel {
 

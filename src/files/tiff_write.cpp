@@ -1,9 +1,11 @@
 // Writing uncompressed TIFF: 8-bit images with a palette, 16-bit ones and colour.
+#include "files/tiff_write.h"
+
 #include <algorithm>
 
 #include "core/heap.h"
 #include "files/bytes.h"
-#include "files/formats.h"
+#include "files/pixel_stream.h"
 #include "files/samples_rows.h"
 #include "files/tiff_tags.h"
 
@@ -184,16 +186,18 @@ Status TiffWriteHeader(const OpenFile& file, FileContext* context) {
 }
 
 // Strips follow each other without gaps, so that all rows go out in one sweep.
-Status TiffWriteData(const OpenFile& file, const FileContext& context, const PixelGrid& grid) {
+Status TiffWriteData(const OpenFile& file, const FileContext& context, const PixelView& view) {
   if (FileSeek(file, context.dataOffset) != STATUS_OK) return STATUS_FILE_READ;
   switch (context.imageType) {
     case IMAGE_I16:
       // Big-endian samples under a little-endian mark, as the reader takes them: kept.
-      return PixelRowsWrite(file, grid, {sampleRows().reverse16, 2, 2, 0});
+      return PixelRowsWrite(file, view,
+                            {.pack = sampleRows().reverse16, .sampleBytes = 2, .rowPadding = 0});
     case IMAGE_RGB:
-      return PixelRowsWrite(file, grid, {sampleRows().packRedFirst, 4, 3, 0});
+      return PixelRowsWrite(file, view,
+                            {.pack = sampleRows().packRedFirst, .sampleBytes = 3, .rowPadding = 0});
     default:
-      return PixelRowsWrite(file, grid, {nullptr, 1, 1, 0});
+      return PixelRowsWrite(file, view);
   }
 }
 

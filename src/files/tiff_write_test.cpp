@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "files/files.h"
+#include "files/dispatch.h"
 #include "tests/support/file_bytes.h"
 #include "tests/support/memory_files.h"
 #include "tests/support/test_image.h"
@@ -177,12 +177,8 @@ TEST(TiffWrite, TheTableComesBackAsItIsForAllCounts) {
 }
 
 zel::Status WriteWith(ImageRef image, int32_t rowsPerStrip, bool littleEndian) {
-  zel::Status status = 0;
-  constexpr zel::FileFormat format = zel::FORMAT_TIFF;
-  constexpr uint32_t noColours = 0;
   const zel::WriteOptions options{rowsPerStrip, littleEndian ? 1 : 0};
-  zel::FileWriteKernel(image, "f", &format, nullptr, &noColours, &options, &status);
-  return status;
+  return zel::FileWriteKernel(image, "f", {.format = zel::FORMAT_TIFF, .options = &options});
 }
 
 TEST(TiffWrite, OptionsGiveSeveralStripsAndTheOtherByteOrder) {

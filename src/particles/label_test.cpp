@@ -4,7 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "core/kernels.h"
 #include "particles/particle_scan.h"
 #include "tests/reference/particles.h"
 #include "tests/support/refused_memory.h"
@@ -152,11 +151,11 @@ TEST(Label, NumbersAreThoseOfAFloodFill) {
 
 TEST(Label, TheScannerLeavesLabelsATableAndClearBorders) {
   for (uint64_t seed = 1; seed <= 60; seed++) {
-    const auto eight = static_cast<int16_t>(seed % 2);
+    const bool eight = seed % 2 != 0;
     const int32_t type = seed % 4 < 2 ? IMAGE_U8 : IMAGE_I16;
     const TestImage source = RandomPicture(type, static_cast<int32_t>(seed * 3), 20, 45, seed);
     const TestImage labels(IMAGE_I16, static_cast<int32_t>(seed * 3), 20, 2, seed);
-    const Labelling expected = FloodFill(PictureOf(source), eight != 0);
+    const Labelling expected = FloodFill(PictureOf(source), eight);
     const ImageInfo from = source.Info();
     const ImageInfo to = labels.Info();
     const zel::ParticleScanRequest request = {type,
@@ -169,9 +168,7 @@ TEST(Label, TheScannerLeavesLabelsATableAndClearBorders) {
                                               static_cast<uint32_t>(from.height)};
     zel::Handle table = 0;
     int32_t count = 0;
-    zel::Status status = 0;
-    zel::ParticleScan(&request, source, labels, &table, &eight, &count, &status);
-    ASSERT_EQ(status, 0);
+    ASSERT_EQ(zel::ParticleScan(request, source, labels, &table, eight, &count), 0);
     EXPECT_EQ(count, expected.count);
     const auto* equivalence = zel::VectorData<zel::EquivalenceTable>(table);
     EXPECT_EQ(equivalence->numbers[0], 0);
@@ -191,15 +188,12 @@ TEST(Label, TheScannerLeavesLabelsATableAndClearBorders) {
 TEST(Label, TheScannerRefusesOtherTypesAndLeavesNoTable) {
   const TestImage image(IMAGE_U8, 4, 4, 2);
   const ImageInfo info = image.Info();
-  const int16_t eight = 0;
   for (const auto& [source, labels] : {std::pair{IMAGE_SGL, IMAGE_I16}, {IMAGE_U8, IMAGE_U8}}) {
     const zel::ParticleScanRequest request = {
         source, labels, info.firstPixel, info.firstPixel, 16, 16, 4, 4};
     zel::Handle table = 0;
     int32_t count = 0;
-    zel::Status status = 0;
-    zel::ParticleScan(&request, image, image, &table, &eight, &count, &status);
-    EXPECT_EQ(status, 301);
+    EXPECT_EQ(zel::ParticleScan(request, image, image, &table, false, &count), 301);
     EXPECT_EQ(table, 0);
   }
 }

@@ -5,7 +5,6 @@
 #include "engine/array_convert.h"
 #include "point/lookup_rows.h"
 #include "point/threshold_rows.h"
-#include "statistics/histogram.h"
 #include "statistics/min_max.h"
 
 namespace zel {

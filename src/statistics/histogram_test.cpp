@@ -8,6 +8,7 @@
 #include <optional>
 #include <vector>
 
+#include "statistics/min_max.h"
 #include "tests/support/test_image.h"
 
 namespace {
@@ -379,13 +380,12 @@ TEST(HistogramPixels, MinMaxFollowsTheRuleForAllTypesSizesAndMasks) {
             if (value < low) low = value;
             if (value > high) high = value;
           }
-          zel::PixelRegion region{};
-          zel::Status status = 0;
-          zel::PixelRegionOf(image, placed ? static_cast<ImageRef>(mask) : 0, &region, &status);
+          zel::Region region{};
+          const ImageRef placedMask = placed ? static_cast<ImageRef>(mask) : 0;
+          ASSERT_EQ(zel::RegionOf(image, placedMask, &region), 0);
           float min = NOT_A_NUMBER;
           float max = NOT_A_NUMBER;
-          zel::ImageMinMax(region, &min, &max, &status);
-          ASSERT_EQ(status, 0);
+          ASSERT_EQ(zel::ImageMinMax(region, &min, &max), 0);
           ASSERT_EQ(min, static_cast<float>(low)) << width << " x " << height << " type " << type;
           ASSERT_EQ(max, static_cast<float>(high)) << width << " x " << height << " type " << type;
         }
@@ -419,17 +419,16 @@ TEST(MinMax, LeavesNanOut) {
   for (int32_t y = 0; y < 2; y++) {
     for (int32_t x = 0; x < 70; x++) image.Set<float>(x, y, NOT_A_NUMBER);
   }
-  zel::PixelRegion region{};
-  zel::Status status = 0;
-  zel::PixelRegionOf(image, 0, &region, &status);
+  zel::Region region{};
+  ASSERT_EQ(zel::RegionOf(image, 0, &region), 0);
   float min = 0;
   float max = 0;
-  zel::ImageMinMax(region, &min, &max, &status);
+  EXPECT_EQ(zel::ImageMinMax(region, &min, &max), 0);
   EXPECT_EQ(min, 1e38f);
   EXPECT_EQ(max, -1e38f);
   image.Set<float>(33, 1, 3.5f);
   image.Set<float>(69, 1, -2.0f);
-  zel::ImageMinMax(region, &min, &max, &status);
+  EXPECT_EQ(zel::ImageMinMax(region, &min, &max), 0);
   EXPECT_EQ(min, -2.0f);
   EXPECT_EQ(max, 3.5f);
 }
@@ -437,14 +436,11 @@ TEST(MinMax, LeavesNanOut) {
 TEST(MinMax, RefusesOtherTypes) {
   for (const int32_t type : {IMAGE_COMPLEX, IMAGE_RGB}) {
     const TestImage image(type, 4, 4);
-    zel::PixelRegion region{};
-    zel::Status status = 0;
-    zel::PixelRegionOf(image, 0, &region, &status);
-    ASSERT_EQ(status, 0);
+    zel::Region region{};
+    ASSERT_EQ(zel::RegionOf(image, 0, &region), 0);
     float min = 7;
     float max = 7;
-    zel::ImageMinMax(region, &min, &max, &status);
-    EXPECT_EQ(status, 302);
+    EXPECT_EQ(zel::ImageMinMax(region, &min, &max), 302);
     EXPECT_EQ(min, 7.0f);
   }
 }

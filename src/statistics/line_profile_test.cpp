@@ -157,9 +157,7 @@ TEST(LineProfile, KernelSizesTheProfileBeforeItRefusesAType) {
   ASSERT_EQ(vector.Create(), 0);
   zel::LineProfileResult result{vector.handle(), {}};
   const zel::KernelRect line{0, 0, 9, 0};
-  zel::Status status = 0;
-  zel::LineProfileKernel(colour, &line, &result, &status);
-  EXPECT_EQ(status, 301);
+  EXPECT_EQ(zel::LineProfileKernel(colour, &line, &result), 301);
   uint32_t count = 0;
   ASSERT_EQ(zel::VectorCount(vector.handle(), &count), 0);
   EXPECT_EQ(count, 10u);

@@ -1,11 +1,9 @@
-// Reading and writing of image files: the record that every format works on, and the operations
-// behind the exports, with the options that only the library itself can pass.
+// What is known of an image file while it is read or written: the record that every format works
+// on.
 #pragma once
 
 #include <cstdint>
 
-#include "core/images.h"
-#include "core/status.h"
 #include "orlune_ptk.h"
 
 namespace zel {
@@ -76,41 +74,5 @@ struct FileContext {
   int32_t rowsPerStrip;  // of a TIFF being written
   int32_t littleEndian;
 };
-
-// Options of a read: with rawMode the file is FORMAT_RAW, of the image's size.
-struct ReadOptions {
-  int32_t rawMode;
-  int32_t pixelClass;
-  int32_t dataOffset;
-  int32_t scaleToRange;  // as in FileContext, for raw files only: a header switches it off
-  float rangeMin, rangeMax;
-  int32_t littleEndian;
-};
-
-// Options of a TIFF write. Files of 16-bit and colour images are little-endian whatever is asked.
-struct WriteOptions {
-  int32_t rowsPerStrip;  // limited to 1..height
-  int32_t littleEndian;
-};
-
-struct ReadRequest {
-  bool tableWanted = false;
-  FileFormat format = FORMAT_UNKNOWN;
-  const ReadOptions* options = nullptr;  // required for FORMAT_RSTR and FORMAT_RAW
-};
-
-// Reads the header alone.
-void FileInfoKernel(const char* path, FileContext* context, Status* status);
-
-// Reads a file into an image, which takes the file's height and its width rounded up to even. The
-// context holds the file's class and colour table afterwards.
-void FileReadKernel(ImageRef image, const char* path, const ReadRequest* request,
-                    FileContext* context, Status* status);
-
-// Writes an image in a format. The first `tableCount` colours of the table come from `table`, the
-// rest is a gray ramp.
-void FileWriteKernel(ImageRef image, const char* path, const FileFormat* format,
-                     const RGBValue* table, const uint32_t* tableCount, const WriteOptions* options,
-                     Status* status);
 
 }  // namespace zel
