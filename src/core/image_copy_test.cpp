@@ -6,7 +6,6 @@
 
 #include "core/heap.h"
 #include "core/images.h"
-#include "core/kernels.h"
 #include "tests/support/test_image.h"
 
 namespace {
@@ -248,8 +247,7 @@ TEST(MaskOverlap, AgreesWithCountingCoveredPixels) {
   for (int32_t offsetX = -6; offsetX <= 9; offsetX++) {
     for (int32_t offsetY = -5; offsetY <= 7; offsetY++) {
       ZEL_SetImageOffset(mask, offsetX, offsetY);
-      OverlapRect overlap{};
-      ASSERT_EQ(MaskOverlap(image, mask, &overlap), 0);
+      const OverlapRect overlap = MaskOverlap(*Record(image), *Record(mask));
       int32_t covered = 0;
       for (int32_t y = 0; y < 5; y++) {
         for (int32_t x = 0; x < 7; x++) {
@@ -261,6 +259,7 @@ TEST(MaskOverlap, AgreesWithCountingCoveredPixels) {
           covered += inMask ? 1 : 0;
         }
       }
+      ASSERT_EQ(overlap.IsEmpty(), covered == 0);
       if (covered == 0) continue;
       ASSERT_EQ(overlap.maskX, overlap.imageX - offsetX);
       ASSERT_EQ(overlap.maskY, overlap.imageY - offsetY);
@@ -271,63 +270,18 @@ TEST(MaskOverlap, AgreesWithCountingCoveredPixels) {
 TEST(MaskOverlap, FarOffsetsAndEmptyMasksCoverNothing) {
   const TestImage image(IMAGE_U8, 7, 5);
   const TestImage mask(IMAGE_U8, 4, 3);
-  OverlapRect overlap{};
   for (const int32_t far : {INT32_MIN, INT32_MIN + 1, INT32_MAX, INT32_MAX - 1}) {
     ZEL_SetImageOffset(mask, far, 0);
-    EXPECT_EQ(MaskOverlap(image, mask, &overlap), 0);
-    EXPECT_EQ(overlap.width, 0);
+    EXPECT_TRUE(MaskOverlap(*Record(image), *Record(mask)).IsEmpty()) << far;
     ZEL_SetImageOffset(mask, 0, far);
-    EXPECT_EQ(MaskOverlap(image, mask, &overlap), 0);
-    EXPECT_EQ(overlap.height, 0);
+    EXPECT_TRUE(MaskOverlap(*Record(image), *Record(mask)).IsEmpty()) << far;
   }
   const TestImage empty(IMAGE_U8, 0, 0);
-  ZEL_SetImageOffset(empty, 3, 3);
-  PlacedMask placed{};
-  Status status = STATUS_OK;
-  MaskPlace(image, empty, &placed, &status);
-  EXPECT_EQ(status, STATUS_OK);
-  EXPECT_TRUE(placed.IsEmpty());
-  EXPECT_EQ(MaskOverlap(image, UNKNOWN_IMAGE, &overlap), 200);
-  EXPECT_EQ(MaskOverlap(UNKNOWN_IMAGE, mask, &overlap), 200);
-}
-
-TEST(MaskPlace, PointsAtTheMatchingMaskPixel) {
-  const TestImage image(IMAGE_SGL, 7, 5);
-  const TestImage mask(IMAGE_U8, 4, 3, 1);
-  ZEL_SetImageOffset(mask, -1, -2);
-  PlacedMask placed{};
-  Status status = STATUS_OK;
-  MaskPlace(image, mask, &placed, &status);
-  EXPECT_EQ(status, STATUS_OK);
-  EXPECT_EQ(placed.pixels, mask.At<uint8_t>(1, 2));
-  EXPECT_EQ(placed.overlap.width, 3);
-  EXPECT_EQ(placed.overlap.height, 1);
-  const TestImage wrong(IMAGE_I16, 4, 3);
-  MaskPlace(image, wrong, &placed, &status);
-  EXPECT_EQ(status, 301);
-  MaskPlace(image, UNKNOWN_IMAGE, &placed, &status);
-  EXPECT_EQ(status, 200);
-}
-
-TEST(Destinations, AreTheSourceOrOfItsType) {
-  const TestImage source(IMAGE_U8, 7, 5);
-  const TestImage same(IMAGE_U8, 1, 1);
-  const TestImage other(IMAGE_SGL, 1, 1);
-  Status status = STATUS_OK;
-  EXPECT_EQ(DestinationOfSameType(source, 0, &status), source);
-  EXPECT_EQ(DestinationOfSameType(source, source, &status), source);
-  EXPECT_EQ(DestinationOfSameType(source, same, &status), same);
-  EXPECT_EQ(status, 0);
-  DestinationOfSameType(source, other, &status);
-  EXPECT_EQ(status, 304);
-  status = STATUS_OK;
-  DestinationOfSameType(source, UNKNOWN_IMAGE, &status);
-  EXPECT_EQ(status, 200);
-  status = STATUS_OK;
-  DestinationLikeSource(source, same, &status);
-  EXPECT_EQ(same.width(), 7);
-  DestinationLikeSource(source, source, &status);
-  EXPECT_EQ(status, 0);
+  for (const int32_t offset : {-1, 0, 3}) {
+    ZEL_SetImageOffset(empty, offset, offset);
+    EXPECT_TRUE(MaskOverlap(*Record(image), *Record(empty)).IsEmpty());
+    EXPECT_TRUE(MaskOverlap(*Record(empty), *Record(image)).IsEmpty());
+  }
 }
 
 }  // namespace

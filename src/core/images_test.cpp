@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "core/heap.h"
-#include "core/kernels.h"
 #include "core/tables.h"
 #include "core/world.h"
 #include "tests/support/test_image.h"
@@ -103,8 +102,9 @@ TEST(Images, TheSameSizeKeepsThePixels) {
 
 TEST(Images, TheSameSizeWithAnotherBorderIsLaidOutAnew) {
   const TestImage image(IMAGE_U8, 9, 5, 1);
-  Status status = STATUS_OK;
-  ImageLookup(image, &status)->border = 20;
+  Image* record = nullptr;
+  ASSERT_EQ(ImageLookup(image, &record), 0);
+  record->border = 20;
   EXPECT_EQ(ImageSetSize(image, 9, 5), 0);
   EXPECT_EQ(image.Info().lineWidth, 56);
   EXPECT_EQ(image.Info().totalBytes, 56 * 45);
@@ -385,31 +385,6 @@ TEST(Images, SwapExchangesWhatReferencesName) {
   EXPECT_FALSE(ImageSame(a, b));
   EXPECT_TRUE(ImageSame(a, UNKNOWN_IMAGE));
   EXPECT_TRUE(ImageSame(0, b));
-}
-
-TEST(Images, AReplacementTakesThePlaceOnlyOnceWritten) {
-  const TestImage image(IMAGE_U8, 4, 4);
-  Status status = STATUS_OK;
-  Image* record = ImageLookup(image, &status);
-  {
-    ReplacementImage unwritten(&status);
-    ASSERT_TRUE(unwritten.Create(image, *record));
-    *PixelGridOf(*ImageLookup(unwritten.reference(), &status)).Row<uint8_t>(0) = 1;
-  }
-  const uint8_t before = image.Get<uint8_t>(0, 0);
-  {
-    ReplacementImage written(&status);
-    ASSERT_TRUE(written.Create(image, *ImageLookup(image, &status)));
-    written.Written();
-    *PixelGridOf(*ImageLookup(written.reference(), &status)).Row<uint8_t>(0) =
-        static_cast<uint8_t>(before + 1);
-    status = STATUS_BAD_TYPE;  // whatever the status
-  }
-  EXPECT_EQ(status, STATUS_BAD_TYPE);
-  EXPECT_EQ(image.Get<uint8_t>(0, 0), static_cast<uint8_t>(before + 1));
-  EXPECT_EQ(ImageCount(), 1);
-  ImageRef reference = 0;
-  EXPECT_EQ(ZEL_GetImageReference(0, &reference, nullptr), 2);  // flags stay with their rows
 }
 
 TEST(Images, EveryFailingAllocationOfACreationIsSurvived) {
