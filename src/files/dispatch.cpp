@@ -152,12 +152,16 @@ bool LeavesRowsTogether(const FileContext& context, Status status) {
 }
 
 FileFormat FormatAsked(int32_t format) {
-  return format == 1 ? FORMAT_NATIVE : format == 2 ? FORMAT_TIFF : FORMAT_BMP;
+  return format == FILE_FORMAT_NATIVE ? FORMAT_NATIVE
+         : format == FILE_FORMAT_TIFF ? FORMAT_TIFF
+                                      : FORMAT_BMP;
 }
 
 // The number that callers know a recognised format by.
 int32_t FileTypeOf(FileFormat format) {
-  return format == FORMAT_NATIVE ? 1 : format == FORMAT_TIFF ? 2 : 3;
+  return format == FORMAT_NATIVE ? FILE_FORMAT_NATIVE
+         : format == FORMAT_TIFF ? FILE_FORMAT_TIFF
+                                 : FILE_FORMAT_BMP;
 }
 
 }  // namespace
@@ -237,7 +241,8 @@ int32_t ZEL_PtkFileInfo(const char* path, FileInfo* info) {
   zel::Status status = zel::STATUS_OK;
   zel::FileInfoKernel(path ? path : "", &context, &status);
   // A file that cannot be read is an answer and no failure. The bits a pixel keep what they held.
-  info->fileType = info->planes = info->width = info->height = 0;
+  info->fileType = FILE_FORMAT_UNKNOWN;
+  info->planes = info->width = info->height = 0;
   if (status == zel::STATUS_OK) {
     const zel::ClassLayout& layout = zel::ClassLayoutOf(context.pixelClass);
     *info = {zel::FileTypeOf(context.format), layout.bitsPerPixel, layout.planes, context.width,

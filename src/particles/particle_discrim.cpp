@@ -7,8 +7,6 @@
 namespace zel {
 namespace {
 
-constexpr uint32_t NO_CRITERION = 0xFFFFFFFF;
-
 // An integer is compared exactly with the lower bound, and rounded to 32-bit float with the upper.
 bool InRange(int32_t value, const ParticleCriterion& range) {
   return static_cast<double>(value) >= static_cast<double>(range.lower) &&
@@ -106,7 +104,7 @@ void ParticleDiscrimKernel(const ParticleCriterion* criteria, uint32_t nbCriteri
   }
   if (nbCriteria == 0) {
     // One criterion is taken to be there, unless its number says that there is none.
-    if (!criteria || criteria->measure == NO_CRITERION) {
+    if (!criteria || criteria->measure == PARTICLE_CRITERION_NONE) {
       *nbKept = nbReports;
       return;
     }

@@ -9,8 +9,6 @@
 namespace zel {
 namespace {
 
-constexpr int32_t LAST_OPERATOR = 7;
-
 // Grouped columns of U8 take the low 8 bits of the constant, the remaining ones the constant.
 void MeanConstantRun(int32_t type, int32_t constant, const Plane& plane) {
   const CompareRows& rows = compareRows();
@@ -68,7 +66,8 @@ void IntegerConstantRun(int32_t type, CompareOperation compare, int32_t constant
 
 void CompareKernel(ImageRef first, ImageRef second, ImageRef destination, const int32_t* operation,
                    const float* constant, Status* status) {
-  const int32_t compare = std::clamp(*operation, 0, LAST_OPERATOR);
+  const int32_t compare =
+      std::clamp<int32_t>(*operation, COMPARISON_MEAN, COMPARISON_KEEP_NOT_ABOVE);
   const auto code = static_cast<int16_t>(OPERATION_MEAN + 2 * compare);
   OperatorKernel(first, second, destination, code, false, constant, &CompareDispatch, status);
 }

@@ -101,7 +101,7 @@ void InterlaceKernel(ImageRef frame, ImageRef first, ImageRef second, const int3
     return;
   }
   const auto bytes = static_cast<size_t>(pixelBytes);
-  if (*mode == 0) {
+  if (*mode == INTERLACE_JOIN) {
     FieldsJoin(frame, first != 0 ? first : second, second != 0 ? second : first, bytes, status);
   } else {
     FrameSplit(frame, first, second, bytes, status);
