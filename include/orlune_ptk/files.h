@@ -91,10 +91,10 @@ int32_t ZEL_PtkFileInfo(const char* path, FileInfo* info);
  * 2^31 - 1 bytes; -503 the file cannot be opened; -509 unknown format; -500 header not accepted;
  * -514 directory or colour map of a TIFF not accepted; -507 a TIFF value at a negative offset; -101
  * no memory for the directory: all these leave the image as it was. -101 no memory for the size,
- * also one that no image can have: the image has its new calibration by then. -300 IMAGE_OPAQUE or a
- * number outside ImageType: likewise, and its new size for IMAGE_OPAQUE. -511 the pixels cannot be
- * read, -514 nor what tells where a TIFF's strips lie, -101 no memory for a conversion: the image is
- * resized by then and can be partly written. */
+ * also one that no image can have: the image has its new calibration by then. -300 IMAGE_OPAQUE or
+ * a number outside ImageType: likewise, and its new size for IMAGE_OPAQUE. -511 the pixels cannot
+ * be read, -514 nor what tells where a TIFF's strips lie, -101 no memory for a conversion: the
+ * image is resized by then and can be partly written. */
 int32_t ZEL_ReadFile(ImageRef image, const char* path, int32_t wantTable, RGBValue* table,
                      int32_t* count);
 

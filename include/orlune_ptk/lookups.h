@@ -94,8 +94,8 @@ int32_t ZEL_MathLookup(ImageRef source, ImageRef mask, ImageRef destination, int
  *              range is made. NULL: not given.
  * count:       counters in histogram. Not looked at when it is not used.
  * report:      report of the same ZEL_Histogram, which is only read. NULL: not given.
- * rangeMin:    lowest pixel that is mapped; raised to the smallest result, also when NaN. Cut toward
- *              zero for integer images. Both 0: all pixels are mapped.
+ * rangeMin:    lowest pixel that is mapped; raised to the smallest result, also when NaN. Cut
+ *              toward zero for integer images. Both 0: all pixels are mapped.
  * rangeMax:    highest pixel that is mapped; lowered to the largest result, also when NaN.
  * Failures: -200; -102 for a given histogram with a count below 1; -301 for another source type;
  * -304 for another destination type; -301 for a mask that is not IMAGE_U8; -101. -102 no memory and

@@ -1,9 +1,9 @@
 /* Particles: connected pixels, numbered, measured, selected. The rules that hold for all functions
  * are told in orlune_ptk.h.
  *
- * A particle is a set of connected non-zero pixels: side by side with CONNECTIVITY_4, also corner to
- * corner with CONNECTIVITY_8. Particles are numbered from 1 in raster order of their first pixels.
- * The image needs a border of 1 pixel, or of 2 with CONNECTIVITY_8 (else -309).
+ * A particle is a set of connected non-zero pixels: side by side with CONNECTIVITY_4, also corner
+ * to corner with CONNECTIVITY_8. Particles are numbered from 1 in raster order of their first
+ * pixels. The image needs a border of 1 pixel, or of 2 with CONNECTIVITY_8 (else -309).
  */
 #ifndef ORLUNE_PTK_PARTICLES_H
 #define ORLUNE_PTK_PARTICLES_H
@@ -32,9 +32,9 @@ typedef struct BasicParticleReport {
  * source's size, calibration and offset.
  * source:        IMAGE_U8 or IMAGE_I16. Its border is 0 afterwards.
  * dest:          IMAGE_U8 or IMAGE_I16; 0 or the source: the source receives the numbers. IMAGE_U8
- *                holds 255 for all particles from number 255 on; IMAGE_I16 holds the low 16 bits, so
- *                numbers above 32767 read negative. The border of an IMAGE_I16 dest is 0 afterwards
- *                if it is as wide as the source's has to be.
+ *                holds 255 for all particles from number 255 on; IMAGE_I16 holds the low 16 bits,
+ *                so numbers above 32767 read negative. The border of an IMAGE_I16 dest is 0
+ *                afterwards if it is as wide as the source's has to be.
  * connectivity8: a Connectivity.
  * nbParticles:   NULL, or receives the number of particles, also when -312 is returned; 0 after any
  *                other failure.

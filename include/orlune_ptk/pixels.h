@@ -6,7 +6,7 @@
  * unchanged; every other pair is converted as told at ArrayType. With an unknown array type nothing
  * is read (pixels become 0) or written (the array stays, counts are given).
  *
- * Borders are neither read nor written, and the calibration stays, unless a function says otherwise.
+ * Borders are neither read nor written, and the calibration stays, unless a function says so.
  */
 #ifndef ORLUNE_PTK_PIXELS_H
 #define ORLUNE_PTK_PIXELS_H
@@ -83,7 +83,8 @@ int32_t ZEL_SetRowCol(ImageRef image, int16_t column, int32_t index, int32_t arr
  * array:     room for as many elements as the line has points: the larger of its extents in x and
  *            y, plus 1.
  * count:     NULL, or receives the number of elements; 0 when the line misses the image.
- * Failures: -3009 for array; -200; -301 for another image type, unless the line misses the image. */
+ * Failures: -3009 for array; -200; -301 for another image type, unless the line misses the image.
+ */
 int32_t ZEL_GetLine(ImageRef image, int32_t startX, int32_t startY, int32_t endX, int32_t endY,
                     int32_t arrayType, void* array, int32_t* count);
 
