@@ -93,16 +93,16 @@ void RegisterImages(int32_t type, int32_t width, int32_t height) {
       "subtract", [](Images& i) { ZEL_Subtract(i.a, i.b, i.to, 0); },
       [](Images& i) { cv::subtract(i.matA, i.matB, i.matTo); });
   pair(
-      "minimum", [](Images& i) { ZEL_Compare(i.a, i.b, i.to, 1, 0); },
+      "minimum", [](Images& i) { ZEL_Compare(i.a, i.b, i.to, COMPARISON_MINIMUM, 0); },
       [](Images& i) { cv::min(i.matA, i.matB, i.matTo); });
   pair(
-      "maximum", [](Images& i) { ZEL_Compare(i.a, i.b, i.to, 2, 0); },
+      "maximum", [](Images& i) { ZEL_Compare(i.a, i.b, i.to, COMPARISON_MAXIMUM, 0); },
       [](Images& i) { cv::max(i.matA, i.matB, i.matTo); });
   pair(
-      "mean", [](Images& i) { ZEL_Compare(i.a, i.b, i.to, 0, 0); },
+      "mean", [](Images& i) { ZEL_Compare(i.a, i.b, i.to, COMPARISON_MEAN, 0); },
       [](Images& i) { cv::addWeighted(i.matA, 0.5, i.matB, 0.5, 0, i.matTo); });
   pair(
-      "keep_above", [](Images& i) { ZEL_Compare(i.a, i.b, i.to, 4, 0); },
+      "keep_above", [](Images& i) { ZEL_Compare(i.a, i.b, i.to, COMPARISON_KEEP_ABOVE, 0); },
       [](Images& i) {
         cv::compare(i.matA, i.matB, i.mask, cv::CMP_GT);
         if (i.matA.type() == CV_8U) {
@@ -163,16 +163,17 @@ void RegisterConstants(int32_t type, int32_t width, int32_t height) {
       "subtract_constant", [](Images& i) { ZEL_Subtract(i.a, 0, i.to, 40); },
       [](Images& i) { cv::subtract(i.matA, cv::Scalar(40), i.matTo); });
   pair(
-      "minimum_constant", [](Images& i) { ZEL_Compare(i.a, 0, i.to, 1, 90); },
+      "minimum_constant", [](Images& i) { ZEL_Compare(i.a, 0, i.to, COMPARISON_MINIMUM, 90); },
       [](Images& i) { cv::min(i.matA, 90, i.matTo); });
   pair(
-      "maximum_constant", [](Images& i) { ZEL_Compare(i.a, 0, i.to, 2, 90); },
+      "maximum_constant", [](Images& i) { ZEL_Compare(i.a, 0, i.to, COMPARISON_MAXIMUM, 90); },
       [](Images& i) { cv::max(i.matA, 90, i.matTo); });
   pair(
-      "mean_constant", [](Images& i) { ZEL_Compare(i.a, 0, i.to, 0, 90); },
+      "mean_constant", [](Images& i) { ZEL_Compare(i.a, 0, i.to, COMPARISON_MEAN, 90); },
       [](Images& i) { i.matA.convertTo(i.matTo, -1, 0.5, 45); });
   pair(
-      "keep_above_constant", [](Images& i) { ZEL_Compare(i.a, 0, i.to, 4, 90); },
+      "keep_above_constant",
+      [](Images& i) { ZEL_Compare(i.a, 0, i.to, COMPARISON_KEEP_ABOVE, 90); },
       [](Images& i) { cv::threshold(i.matA, i.matTo, 90, 0, cv::THRESH_TOZERO); });
   pair(
       "multiply_constant", [](Images& i) { ZEL_Multiply(i.a, 0, i.to, 3); },

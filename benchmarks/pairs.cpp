@@ -181,7 +181,7 @@ cv::Mat MatOf(ImageRef image) {
 }  // namespace bench
 
 int main(int argc, char** argv) {
-  ZEL_SetErrorMode(1);
+  ZEL_SetErrorMode(ERROR_MODE_SILENT);
 #if defined(HAVE_OPENCV)
   cv::setNumThreads(1);
 #endif

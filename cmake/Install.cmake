@@ -1,9 +1,9 @@
-# Installation: the library, its header, a CMake package and a pkg-config file.
+# Installation: the library, its headers, a CMake package and a pkg-config file.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS orlune_ptk EXPORT orlune_ptk_targets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(FILES include/orlune_ptk.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/orlune_ptk)
 install(EXPORT orlune_ptk_targets NAMESPACE orlune_ptk:: DESTINATION ${package_folder})

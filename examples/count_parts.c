@@ -17,16 +17,16 @@ int main(int argc, char** argv) {
     fprintf(stderr, "usage: count_parts FILE\n");
     return 2;
   }
-  ZEL_SetErrorMode(1); /* we tell of failures ourselves */
+  ZEL_SetErrorMode(ERROR_MODE_SILENT); /* we tell of failures ourselves */
 
   ImageRef image = 0;
   ParticleReport* parts = NULL;
   int32_t count = 0;
   int32_t status = ZEL_Create(&image, IMAGE_U8, 2); /* 8-connected particles need a border of 2 */
   if (status == 0) status = find_objects(image, argv[1]);
-  if (status == 0) status = ZEL_Particle(image, 1, &parts, &count);
+  if (status == 0) status = ZEL_Particle(image, CONNECTIVITY_8, &parts, &count);
   if (status != 0) {
-    char function[256];
+    char function[ERROR_PROCEDURE_BYTES];
     ZEL_GetLastError(function);
     fprintf(stderr, "%s: %s returned %d\n", argv[1], function, (int)status);
     return 1;

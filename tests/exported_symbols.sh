@@ -1,12 +1,13 @@
 #!/bin/sh
-# The shared library shows exactly the listed functions, and the public header declares them.
-# usage: exported_symbols.sh LIBRARY LIST HEADER
+# The shared library shows exactly the listed functions, and the public headers declare them.
+# usage: exported_symbols.sh LIBRARY LIST HEADER...
 set -eu
-library=$1 list=$2 header=$3
+library=$1 list=$2
+shift 2
 
 names=$(grep '^ZEL_' "$list" | sort)
 shown=$(nm -D --defined-only "$library" | awk '$2 != "A" { sub(/@.*/, "", $3); print $3 }' | sort)
-declared=$(grep -o '\bZEL_[A-Za-z0-9_]*(' "$header" | tr -d '(' | sort -u)
+declared=$(grep -oh '\bZEL_[A-Za-z0-9_]*(' "$@" | tr -d '(' | sort -u)
 
 status=0
 check() {
@@ -17,5 +18,5 @@ check() {
   fi
 }
 check "The library's symbol table" "$shown"
-check "The public header" "$declared"
+check "The public headers" "$declared"
 exit $status

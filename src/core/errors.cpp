@@ -12,7 +12,6 @@
 namespace zel {
 namespace {
 
-constexpr size_t PROCEDURE_NAME_SIZE = 256;
 constexpr size_t POPUP_LINE_SIZE = 496;
 
 // Misspellings are kept: programs in the field compare these texts.
@@ -92,12 +91,9 @@ constexpr char ErrorTableText[] =
     "#3040 LCD no segments\n"
     "#3041 LCD bad match\n";
 
-constexpr int32_t MODE_POPUP = 0;
-constexpr int32_t MODE_SILENT = 1;
-
-int32_t errorMode = MODE_POPUP;
+int32_t errorMode = ERROR_MODE_MESSAGE_BOX;
 int32_t lastError = 0;
-char ProcNameBuffer[PROCEDURE_NAME_SIZE] = "";
+char ProcNameBuffer[ERROR_PROCEDURE_BYTES] = "";
 
 }  // namespace
 
@@ -122,7 +118,7 @@ int32_t ZEL_ProcessError(const char* procedure, int32_t status) {
   if (status == STATUS_OK) return 0;
   lastError = status < 0 ? status : -status;
   if (procedure) std::snprintf(ProcNameBuffer, sizeof(ProcNameBuffer), "%s", procedure);
-  if (errorMode == MODE_POPUP) {
+  if (errorMode == ERROR_MODE_MESSAGE_BOX) {
     char message[MESSAGE_LINE_SIZE];
     ErrorMessage(-int64_t{lastError}, message);
     char text[POPUP_LINE_SIZE];
@@ -134,7 +130,7 @@ int32_t ZEL_ProcessError(const char* procedure, int32_t status) {
 }
 
 int32_t ZEL_SetErrorMode(int32_t mode) {
-  zel::errorMode = mode > 0 ? zel::MODE_SILENT : zel::MODE_POPUP;
+  zel::errorMode = mode > 0 ? ERROR_MODE_SILENT : ERROR_MODE_MESSAGE_BOX;
   return 0;
 }
 

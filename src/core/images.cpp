@@ -352,20 +352,18 @@ int32_t ZEL_SetImageOffset(ImageRef image, int32_t x, int32_t y) {
 }
 
 int32_t ZEL_GetImageReference(int32_t index, ImageRef* image, int32_t* count) {
-  constexpr int32_t callersImage = 0;
-  constexpr int32_t noSuchImage = 1;
-  constexpr int32_t temporaryImage = 2;
   const zel::CoreTables& tables = zel::coreTables;
   if (count) *count = static_cast<int32_t>(tables.imageRows);
-  if (index < 0) return noSuchImage;
+  if (index < 0) return REFERENCE_ABSENT;
   int32_t skipped = 0;
   for (uint32_t row = 0; row < tables.imageCapacity; row++) {
     const zel::ImageEntry& entry = tables.images[row];
     if (entry.reference == 0 || skipped++ != index) continue;
     if (image) *image = entry.reference;
-    return (entry.flags & zel::IMAGE_FLAG_TEMPORARY) != 0 ? temporaryImage : callersImage;
+    return (entry.flags & zel::IMAGE_FLAG_TEMPORARY) != 0 ? REFERENCE_TEMPORARY
+                                                          : REFERENCE_OF_CALLER;
   }
-  return noSuchImage;
+  return REFERENCE_ABSENT;
 }
 
 int32_t ZEL_GetPixelAddress(ImageRef image, int32_t x, int32_t y, void** address) {

@@ -161,7 +161,7 @@ Status WriteData(const OpenFile& file, const FileContext& context, const PixelVi
 }  // namespace
 
 const FormatOperations BMP_FORMAT = {.format = FORMAT_BMP,
-                                     .fileType = 3,
+                                     .fileType = FILE_FORMAT_BMP,
                                      .recognises = &IsBitmap,
                                      .readHeader = &ReadHeader,
                                      .readData = &ReadData,

@@ -200,7 +200,8 @@ int32_t ZEL_PtkFileInfo(const char* path, FileInfo* info) {
   zel::FileContext context;
   const zel::Status status = zel::FileInfoKernel(path ? path : "", &context);
   // A file that cannot be read is an answer and no failure. The bits a pixel keep what they held.
-  info->fileType = info->planes = info->width = info->height = 0;
+  info->fileType = FILE_FORMAT_UNKNOWN;
+  info->planes = info->width = info->height = 0;
   if (status == zel::STATUS_OK) {
     const zel::ClassLayout& layout = zel::ClassLayoutOf(context.pixelClass);
     *info = {zel::OperationsOf(context.format)->fileType, layout.bitsPerPixel, layout.planes,

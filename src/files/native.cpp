@@ -89,7 +89,7 @@ Status WriteHeader(const OpenFile& file, FileContext* context) {
 }  // namespace
 
 const FormatOperations NATIVE_FORMAT = {.format = FORMAT_NATIVE,
-                                        .fileType = 1,
+                                        .fileType = FILE_FORMAT_NATIVE,
                                         .recognises = &IsNative,
                                         .readHeader = &ReadHeader,
                                         .readData = &PixelStreamReadRest,

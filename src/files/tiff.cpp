@@ -18,7 +18,7 @@ bool IsTiff(const uint8_t (&start)[SIGNATURE_BYTES], int64_t) {
 }  // namespace
 
 const FormatOperations TIFF_FORMAT = {.format = FORMAT_TIFF,
-                                      .fileType = 2,
+                                      .fileType = FILE_FORMAT_TIFF,
                                       .recognises = &IsTiff,
                                       .readHeader = &TiffReadHeader,
                                       .readData = &TiffReadData,

@@ -8,8 +8,6 @@
 namespace zel {
 namespace {
 
-constexpr uint32_t NO_CRITERION = 0xFFFFFFFF;
-
 // An integer is compared exactly with the lower bound, and rounded to 32-bit float with the upper.
 bool InRange(int32_t value, const ParticleCriterion& range) {
   return static_cast<double>(value) >= static_cast<double>(range.lower) &&
@@ -103,7 +101,8 @@ Status ParticleDiscrim(const ParticleCriterion* criteria, uint32_t nbCriteria,
   if (nbReports > 0) {
     if (!reports || (!criteria && nbCriteria != 0)) return STATUS_NULL_POINTER;
     // One criterion is taken to be there, unless its number says that there is none.
-    const bool hasNone = nbCriteria == 0 && (!criteria || criteria->measure == NO_CRITERION);
+    const bool hasNone =
+        nbCriteria == 0 && (!criteria || criteria->measure == PARTICLE_CRITERION_NONE);
     kept =
         hasNone ? nbReports : Discriminate(criteria, std::max(nbCriteria, 1u), reports, nbReports);
   }

@@ -11,22 +11,24 @@ namespace {
 std::string Hint(const std::string& file, const LibraryFailure& failure) {
   std::error_code ignored;
   if (failure.function() == "ZEL_WriteFile") {
-    return failure.number() == -503 ? "is there such a folder, and may you write to it?" : "";
+    return failure.number() == ZEL_ERR_FILE_OPEN
+               ? "is there such a folder, and may you write to it?"
+               : "";
   }
   switch (failure.number()) {
-    case -510:
+    case ZEL_ERR_FILE_INFO:
       if (!std::filesystem::exists(file, ignored)) return "there is no such file";
       if (std::filesystem::is_directory(file, ignored)) return "this is a folder";
       return "this is no ordinary file, or it is above 2 GiB";
-    case -503:
+    case ZEL_ERR_FILE_OPEN:
       return "may you read it?";
-    case -509:
+    case ZEL_ERR_FILE_UNSUPPORTED:
       return "this is no TIFF, BMP or native picture";
-    case -514:
+    case ZEL_ERR_BAD_FILE_FORMAT:
       return "TIFF files must be uncompressed and complete";
-    case -500:
+    case ZEL_ERR_BAD_FILE_HEADER:
       return "the file is damaged, or of a kind that is not read";
-    case -101:
+    case ZEL_ERR_MEMORY_FULL:
       return failure.function() == "ZEL_Label" ? "more than 65535 pieces: the threshold finds noise"
                                                : "";
     default:

@@ -84,10 +84,10 @@ Image FindObjects(const InspectSettings& settings, Inspection* result) {
   return MaskOf(gray, objects);
 }
 
-std::vector<Particle> MeasureParticles(const Image& mask, bool eightConnected) {
+std::vector<Particle> MeasureParticles(const Image& mask, Connectivity connectivity) {
   ParticleReport* found = nullptr;
   int32_t count = 0;
-  const int32_t status = ZEL_Particle(mask, eightConnected, &found, &count);
+  const int32_t status = ZEL_Particle(mask, connectivity, &found, &count);
   const Block<ParticleReport> reports(found);
   Check(status);
 
@@ -170,11 +170,12 @@ Inspection Inspect(const std::string& path, const InspectSettings& settings) {
   const Image mask = FindObjects(settings, &result);
   result.timing.thresholding = clock.Lap();
 
+  const Connectivity connectivity = settings.eightConnected ? CONNECTIVITY_8 : CONNECTIVITY_4;
   int32_t labelled = 0;
-  Check(ZEL_Label(mask, result.labels, settings.eightConnected, &labelled));
+  Check(ZEL_Label(mask, result.labels, connectivity, &labelled));
   result.timing.labelling = clock.Lap();
 
-  result.particles = MeasureParticles(mask, settings.eightConnected);
+  result.particles = MeasureParticles(mask, connectivity);
   for (Particle& particle : result.particles) {
     particle.kept = std::all_of(
         settings.keep.begin(), settings.keep.end(),

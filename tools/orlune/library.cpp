@@ -16,28 +16,28 @@ struct Message {
 // The public interface hands out numbers only, so the texts of those that files, thresholds and
 // particles can give stand here too. A test compares them with the library's.
 constexpr Message MESSAGES[] = {
-    {101, "memory full"},
-    {102, "memory error"},
-    {200, "bad image reference"},
-    {300, "bad image type"},
-    {301, "bad image type"},
-    {302, "bad image type"},
-    {304, "image(s) type incompatible"},
-    {305, "image(s) type incompatible"},
-    {306, "image(s) size incompatible"},
-    {309, "bad border size"},
-    {312, "image type not supported"},
-    {500, "bad file header"},
-    {503, "invalid parameter"},
-    {507, "unspecified I/O error"},
-    {509, "file type not supported"},
-    {510, "unable to get info"},
-    {511, "unable to read data"},
-    {512, "unable to write data"},
-    {514, "bad file format"},
-    {801, "bad number of measure"},
-    {1001, "kernel internal error"},
-    {3009, "Null pointer passed to function"},
+    {ZEL_ERR_MEMORY_FULL, "memory full"},
+    {ZEL_ERR_MEMORY_ERROR, "memory error"},
+    {ZEL_ERR_BAD_IMAGE, "bad image reference"},
+    {ZEL_ERR_BAD_LAYOUT_TYPE, "bad image type"},
+    {ZEL_ERR_BAD_TYPE, "bad image type"},
+    {ZEL_ERR_BAD_OPERAND_TYPE, "bad image type"},
+    {ZEL_ERR_DESTINATION_TYPE_DIFFERS, "image(s) type incompatible"},
+    {ZEL_ERR_OPERAND_TYPE_DIFFERS, "image(s) type incompatible"},
+    {ZEL_ERR_SIZE_DIFFERS, "image(s) size incompatible"},
+    {ZEL_ERR_BORDER_TOO_SMALL, "bad border size"},
+    {ZEL_ERR_DESTINATION_UNSUPPORTED, "image type not supported"},
+    {ZEL_ERR_BAD_FILE_HEADER, "bad file header"},
+    {ZEL_ERR_FILE_OPEN, "invalid parameter"},
+    {ZEL_ERR_FILE_SEEK, "unspecified I/O error"},
+    {ZEL_ERR_FILE_UNSUPPORTED, "file type not supported"},
+    {ZEL_ERR_FILE_INFO, "unable to get info"},
+    {ZEL_ERR_FILE_READ, "unable to read data"},
+    {ZEL_ERR_FILE_WRITE, "unable to write data"},
+    {ZEL_ERR_BAD_FILE_FORMAT, "bad file format"},
+    {ZEL_ERR_BAD_MEASURE, "bad number of measure"},
+    {ZEL_ERR_INTERNAL, "kernel internal error"},
+    {ZEL_ERR_NULL_POINTER, "Null pointer passed to function"},
 };
 
 std::string Describe(int32_t number, const std::string& function) {
@@ -48,7 +48,7 @@ std::string Describe(int32_t number, const std::string& function) {
 
 std::string LibraryMessage(int32_t number) {
   const auto found = std::find_if(std::begin(MESSAGES), std::end(MESSAGES),
-                                  [&](const Message& m) { return m.number == std::abs(number); });
+                                  [&](const Message& m) { return m.number == -std::abs(number); });
   return found == std::end(MESSAGES) ? std::string() : found->text;
 }
 
@@ -57,7 +57,7 @@ LibraryFailure::LibraryFailure(int32_t number, const std::string& function)
 
 void Check(int32_t status) {
   if (status == 0) return;
-  char function[256];
+  char function[ERROR_PROCEDURE_BYTES];
   ZEL_GetLastError(function);
   throw LibraryFailure(status, function);
 }

@@ -267,7 +267,7 @@ int RunProgram(int argc, char** argv) {
     std::cerr << "orlune: " << error.what() << "\n'orlune --help' tells how it is used.\n";
     return BAD_USE;
   }
-  ZEL_SetErrorMode(1);
+  ZEL_SetErrorMode(ERROR_MODE_SILENT);
   if (info->parsed()) return Run(infoCommand);
   if (inspect->parsed()) return Run(inspectCommand);
   if (convert->parsed()) return Run(convertCommand);

@@ -9,8 +9,6 @@
 namespace front {
 namespace {
 
-constexpr int32_t PALETTE_SIZE = 256;
-
 bool IsColour(const FileInfo& file) {
   return file.bitsPerPixel == 24 || (file.bitsPerPixel == 32 && file.planes == 3);
 }
@@ -74,7 +72,7 @@ bool IsGrayRamp(const std::vector<RGBValue>& palette) {
 
 // Pixels of a palette picture are numbers of colours; their gray is the mean of the colour.
 void PaletteToGray(const Image& image, const std::vector<RGBValue>& palette) {
-  uint8_t gray[PALETTE_SIZE];
+  uint8_t gray[FILE_TABLE_ENTRIES];
   std::transform(palette.begin(), palette.end(), gray, [](RGBValue c) {
     return static_cast<uint8_t>(((c >> 16 & 255) + (c >> 8 & 255) + (c & 255)) / 3);
   });
@@ -104,7 +102,7 @@ Picture ReadPicture(const std::filesystem::path& path, const ReadSettings& setti
   FileInfo file{};
   Check(ZEL_PtkFileInfo(path.c_str(), &file));
   Image image(settings.form == Form::Gray ? GrayType(file) : StoredType(file));
-  std::vector<RGBValue> palette(PALETTE_SIZE);
+  std::vector<RGBValue> palette(FILE_TABLE_ENTRIES);
   int32_t colours = 0;
   Check(ZEL_ReadFile(image, path.c_str(), 1, palette.data(), &colours));
 
@@ -138,11 +136,11 @@ void ApplyPalette(Picture* picture) {
 
 std::string FormatName(const FileInfo& file) {
   switch (file.fileType) {
-    case 1:
+    case FILE_FORMAT_NATIVE:
       return "native";
-    case 2:
+    case FILE_FORMAT_TIFF:
       return "TIFF";
-    case 3:
+    case FILE_FORMAT_BMP:
       return "BMP";
     default:
       return "unknown";

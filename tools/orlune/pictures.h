@@ -14,8 +14,11 @@ enum class Form {
   Gray       // one number a pixel: the mean of the colours, the magnitude of complex values
 };
 
-// As ZEL_WriteFile numbers them.
-enum class PictureFormat : int32_t { Native = 1, Tiff = 2, Bmp = 3 };
+enum class PictureFormat : int32_t {
+  Native = FILE_FORMAT_NATIVE,
+  Tiff = FILE_FORMAT_TIFF,
+  Bmp = FILE_FORMAT_BMP
+};
 
 struct ReadSettings {
   Form form = Form::AsStored;

@@ -13,14 +13,15 @@ namespace {
 
 void Check(int32_t status, const std::string& file) {
   if (status == 0) return;
-  char function[256];
+  char function[ERROR_PROCEDURE_BYTES];
   ZEL_GetLastError(function);
   throw std::runtime_error(file + ": " + function + " returned " + std::to_string(status));
 }
 
 int32_t FormatOf(const std::filesystem::path& file) {
   const std::string ending = file.extension().string();
-  return ending == ".orln" ? 1 : ending == ".tif" ? 2 : 3;
+  if (ending == ".orln") return FILE_FORMAT_NATIVE;
+  return ending == ".tif" ? FILE_FORMAT_TIFF : FILE_FORMAT_BMP;
 }
 
 void WritePicture(const scenes::Picture& picture, const std::filesystem::path& file) {
@@ -61,7 +62,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   try {
-    ZEL_SetErrorMode(1);
+    ZEL_SetErrorMode(ERROR_MODE_SILENT);
     WriteScenes(argv[1], argv[2]);
   } catch (const std::exception& failure) {
     std::cerr << "orlune_scenes: " << failure.what() << '\n';
