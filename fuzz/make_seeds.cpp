@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "fuzz/target.h"
-#include "tests/robust/bad_files.h"
-#include "tests/support/memory_files.h"
-#include "tests/support/test_image.h"
+#include "harness/bad_files.h"
+#include "harness/checks.h"
+#include "harness/memory_files.h"
+#include "harness/test_image.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <iterator>
 #include <vector>
 
-#include "fuzz/target.h"
+#include "harness/checks.h"
 
 int main(int argc, char** argv) {
   std::vector<std::filesystem::path> inputs;

@@ -7,7 +7,7 @@
 #include "core/heap.h"
 #include "core/images.h"
 #include "core/kernels.h"
-#include "tests/support/test_image.h"
+#include "harness/test_image.h"
 
 namespace {
 

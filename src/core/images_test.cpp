@@ -10,7 +10,7 @@
 #include "core/kernels.h"
 #include "core/tables.h"
 #include "core/world.h"
-#include "tests/support/test_image.h"
+#include "harness/test_image.h"
 
 namespace {
 

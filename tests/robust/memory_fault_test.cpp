@@ -7,15 +7,15 @@
 
 #include "core/heap.h"
 #include "core/world.h"
-#include "tests/robust/session.h"
-#include "tests/support/memory_files.h"
+#include "harness/memory_files.h"
+#include "harness/session/session.h"
 
 namespace {
 
-using robust::Session;
-using robust::Step;
-using robust::STEP_COUNT;
-using robust::STEPS;
+using test::Session;
+using test::Step;
+using test::STEP_COUNT;
+using test::STEPS;
 
 // What each step leaves behind in a session without faults.
 std::vector<uint64_t> Digests() {

@@ -7,7 +7,7 @@
 #include <optional>
 #include <vector>
 
-#include "tests/support/file_bytes.h"
+#include "harness/file_bytes.h"
 
 namespace test {
 

@@ -1,4 +1,4 @@
-#include "fuzz/api_calls.h"
+#include "harness/calls/calls.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -6,7 +6,7 @@
 
 #include "core/world.h"
 
-namespace fuzz {
+namespace test {
 namespace {
 
 // The largest element of a caller's array.
@@ -477,4 +477,4 @@ void RunCalls(Playground* play, int most) {
   }
 }
 
-}  // namespace fuzz
+}  // namespace test

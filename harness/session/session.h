@@ -8,7 +8,7 @@
 
 #include "orlune_ptk.h"
 
-namespace robust {
+namespace test {
 
 struct Session {
   ImageRef u8 = 0;
@@ -54,4 +54,4 @@ struct Step {
 extern const Step STEPS[];
 extern const size_t STEP_COUNT;
 
-}  // namespace robust
+}  // namespace test

@@ -1,4 +1,4 @@
-#include "fuzz/playground.h"
+#include "harness/playground.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -8,7 +8,7 @@
 #include "core/images.h"
 #include "core/pixel_types.h"
 
-namespace fuzz {
+namespace test {
 namespace {
 
 constexpr int32_t SMALL_SIDE = 40;
@@ -99,4 +99,4 @@ const char* Playground::Path() {
   return paths[input_->Byte() % std::size(paths)];
 }
 
-}  // namespace fuzz
+}  // namespace test

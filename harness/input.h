@@ -7,7 +7,7 @@
 #include <iterator>
 #include <limits>
 
-namespace fuzz {
+namespace test {
 
 class Input {
  public:
@@ -80,4 +80,4 @@ class Input {
   size_t left_;
 };
 
-}  // namespace fuzz
+}  // namespace test

@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "fuzz/input.h"
+#include "harness/input.h"
 #include "orlune_ptk.h"
 
-namespace fuzz {
+namespace test {
 
 class Playground {
  public:
@@ -64,4 +64,4 @@ class Playground {
   int32_t count_ = 0;
 };
 
-}  // namespace fuzz
+}  // namespace test

@@ -3,9 +3,9 @@
 
 #include <cstddef>
 
-#include "fuzz/playground.h"
+#include "harness/playground.h"
 
-namespace fuzz {
+namespace test {
 
 struct ApiCall {
   const char* name;
@@ -21,4 +21,4 @@ extern const size_t API_CALL_COUNT;
 // whole and that the result is what the reporter kept. Stops the program where it is not.
 void RunCalls(Playground* play, int most);
 
-}  // namespace fuzz
+}  // namespace test

@@ -1,4 +1,4 @@
-#include "tests/support/test_image.h"
+#include "harness/test_image.h"
 
 #include <cmath>
 #include <cstdio>

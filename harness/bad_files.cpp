@@ -1,12 +1,12 @@
 // The table: what is broken, wild or odd about each file, and what reading it gives.
-#include "tests/robust/bad_files.h"
+#include "harness/bad_files.h"
 
 #include <cmath>
 #include <limits>
 #include <utility>
 
-#include "tests/support/file_bytes.h"
-#include "tests/support/tiff_file.h"
+#include "harness/file_bytes.h"
+#include "harness/tiff_file.h"
 
 namespace bad_files {
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/file_bytes.h"
+#include "harness/file_bytes.h"
 
 namespace bad_files {
 

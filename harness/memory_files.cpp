@@ -1,4 +1,4 @@
-#include "tests/support/memory_files.h"
+#include "harness/memory_files.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,4 +1,4 @@
-#include "fuzz/target.h"
+#include "harness/checks.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -10,11 +10,11 @@
 #if defined(__has_feature)
 #if __has_feature(memory_sanitizer)
 #include <sanitizer/msan_interface.h>
-#define FUZZ_MEMORY_SANITIZER 1
+#define HARNESS_MEMORY_SANITIZER 1
 #endif
 #endif
 
-namespace fuzz {
+namespace test {
 
 void SetBudget(bool large) {
   ZEL_SetErrorMode(1);
@@ -26,7 +26,7 @@ void SetBudget(bool large) {
 
 void Require(bool condition, const char* what) {
   if (condition) return;
-  std::fprintf(stderr, "fuzz target: %s\n", what);
+  std::fprintf(stderr, "harness: %s\n", what);
   std::abort();
 }
 
@@ -37,7 +37,7 @@ void CheckImage(ImageRef image) {
   for (int32_t y = 0; y < info.height; y++) {
     const auto* row = static_cast<const uint8_t*>(info.firstPixel) + int64_t{y} * info.lineBytes;
     const auto bytes = static_cast<size_t>(info.width) * static_cast<size_t>(info.pixelBytes);
-#if defined(FUZZ_MEMORY_SANITIZER)
+#if defined(HARNESS_MEMORY_SANITIZER)
     __msan_check_mem_is_initialized(row, bytes);
 #endif
     // A sanitizer checks the whole range of a search at once.
@@ -46,10 +46,10 @@ void CheckImage(ImageRef image) {
   }
 }
 
-void CheckEnd(const test::MemoryFiles& files) {
+void CheckEnd(const MemoryFiles& files) {
   ZEL_CloseSys();
   Require(zel::HeapHooksGet()->liveBlocks == 0, "blocks are left on the heap");
   Require(files.OpenFiles() == 0, "a file is still open");
 }
 
-}  // namespace fuzz
+}  // namespace test

@@ -1,10 +1,10 @@
-#include "tests/robust/session.h"
+#include "harness/session/session.h"
 
 #include <array>
 #include <cstring>
 #include <iterator>
 
-namespace robust {
+namespace test {
 namespace {
 
 constexpr int32_t WIDTH = 37;
@@ -367,4 +367,4 @@ const Step STEPS[] = {
 
 const size_t STEP_COUNT = std::size(STEPS);
 
-}  // namespace robust
+}  // namespace test
