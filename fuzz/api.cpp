@@ -1,4 +1,5 @@
 // Calls of every export with wild arguments, one after another on the same few images.
+#include "fuzz/target.h"
 #include "harness/calls/calls.h"
 #include "harness/checks.h"
 

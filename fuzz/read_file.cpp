@@ -3,6 +3,7 @@
 #include <cstring>
 #include <vector>
 
+#include "fuzz/target.h"
 #include "harness/checks.h"
 #include "harness/input.h"
 

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "files/dispatch.h"
+#include "fuzz/target.h"
 #include "harness/checks.h"
 #include "harness/input.h"
 

@@ -6,7 +6,7 @@
 #include <iterator>
 #include <vector>
 
-#include "harness/checks.h"
+#include "fuzz/target.h"
 
 int main(int argc, char** argv) {
   std::vector<std::filesystem::path> inputs;

@@ -1,30 +1,17 @@
 #include "harness/playground.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
+#include <iterator>
 
 #include "core/heap.h"
 #include "core/images.h"
 #include "core/pixel_types.h"
+#include "harness/checks.h"
 
 namespace test {
 namespace {
 
 constexpr int32_t SMALL_SIDE = 40;
-
-[[noreturn]] void Stop(const char* what) {
-  std::fprintf(stderr, "playground: %s\n", what);
-  std::abort();
-}
-
-// The record of an image that really holds its pixels: an opaque one can be of any size. Without a
-// word to the error reporter, which the call to come is held against.
-const zel::Image* RecordOf(ImageRef image) {
-  zel::Image* record = nullptr;
-  zel::ImageLookup(image, &record);
-  return record && zel::TypeHasPixels(record->type) ? record : nullptr;
-}
 
 }  // namespace
 
@@ -33,8 +20,9 @@ Playground::Playground(Input* input) : input_(input) {
     const auto type = static_cast<int16_t>(input->Byte() % 6);
     const int32_t border = input->Byte() % 5;
     if (ZEL_Create(&slot, type, border) != 0) continue;
-    if (ZEL_SetImageSize(slot, input->Byte() % SMALL_SIDE, input->Byte() % SMALL_SIDE) != 0)
-      continue;
+    const int32_t width = input->Byte() % SMALL_SIDE;
+    const int32_t height = input->Byte() % SMALL_SIDE;
+    if (ZEL_SetImageSize(slot, width, height) != 0) continue;
     ImageInfo info{};
     if (ZEL_GetImageInfo(slot, &info) != 0 || !info.firstPixel) continue;
     // A pattern of few levels with structure, so that particles, holes and ties come up.
@@ -57,7 +45,7 @@ Playground::~Playground() {
     ZEL_free(block);
   }
   ZEL_CloseSys();
-  if (zel::HeapHooksGet()->liveBlocks != 0) Stop("blocks are left after closing");
+  Require(zel::HeapHooksGet()->liveBlocks == 0, "blocks are left after closing");
 }
 
 ImageRef Playground::Image() {
@@ -67,31 +55,35 @@ ImageRef Playground::Image() {
   return kind < 250 ? 0xFFFFFFFF : input_->Word();
 }
 
-void* Playground::Output(size_t bytes) {
-  if (input_->Byte() % 32 == 31) return nullptr;
-  arrays_.emplace_back(bytes, uint8_t{0xA5});
-  // An empty vector has no address; one byte stands for an array that may not be touched.
-  if (bytes == 0) arrays_.back().resize(1);
-  return arrays_.back().data();
+Playground::Shape Playground::ShapeOf(ImageRef image) const {
+  // An opaque image can say any size. Without a word to the error reporter, which the call to come
+  // is held against.
+  zel::Image* record = nullptr;
+  zel::ImageLookup(image, &record);
+  if (!record || !zel::TypeHasPixels(record->type)) return {};
+  return {record->type, record->width, record->height};
 }
 
-const void* Playground::Array(size_t bytes) {
-  auto* array = static_cast<uint8_t*>(Output(bytes));
+void* Playground::Output(const ArrayLayout& layout) {
+  const uint8_t choice = input_->Byte();
+  if (choice % 32 == 31) return nullptr;
+  switch (choice / 32) {
+    case 0:
+      return arrays_.Make(layout, ArrayPlace::BeforeGuardPage);
+    case 1:
+      return arrays_.Make(layout, ArrayPlace::Misaligned);
+    default:
+      return arrays_.Make(layout, ArrayPlace::Heap);
+  }
+}
+
+void* Playground::Array(const ArrayLayout& layout) {
+  auto* array = static_cast<uint8_t*>(Output(layout));
   if (!array) return nullptr;
-  const size_t given = std::min<size_t>(bytes, input_->Byte());
+  const size_t given = std::min<size_t>(layout.bytes, input_->Byte());
   for (size_t i = 0; i < given; i++) array[i] = input_->Byte();
-  for (size_t i = given; given != 0 && i < bytes; i++) array[i] = array[i - given];
+  for (size_t i = given; given != 0 && i < layout.bytes; i++) array[i] = array[i - given];
   return array;
-}
-
-size_t Playground::SideOf(ImageRef image) const {
-  const zel::Image* record = RecordOf(image);
-  return record ? static_cast<size_t>(std::max(record->width, record->height)) : 0;
-}
-
-size_t Playground::PixelsOf(ImageRef image) const {
-  const zel::Image* record = RecordOf(image);
-  return record ? static_cast<size_t>(record->width) * static_cast<size_t>(record->height) : 0;
 }
 
 const char* Playground::Path() {

@@ -3,9 +3,8 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
-#include <vector>
 
+#include "harness/caller_arrays.h"
 #include "harness/input.h"
 #include "orlune_ptk.h"
 
@@ -27,21 +26,25 @@ class Playground {
   // Mostly the image of a slot, else 0 or a reference that names nothing.
   ImageRef Image();
   ImageRef* Slot() { return &slots_[input_->Below(SLOTS)]; }
-  int32_t ImageType() { return input_->Byte() % 16 == 0 ? input_->Int() : input_->Byte() % 6; }
 
-  // An array of exactly this size that a call writes, or NULL now and then. Lives until the next
-  // call, and a sanitizer watches its ends.
-  void* Output(size_t bytes);
+  struct Shape {
+    int32_t type, width, height;
+  };
+  // Of an image that holds pixels; else all 0.
+  Shape ShapeOf(ImageRef image) const;
+
+  // An array that a call writes, or NULL now and then. Lives until the next call.
+  void* Output(const ArrayLayout& layout);
   template <class T>
-  T* OutputOf(size_t count = 1) {
-    return static_cast<T*>(Output(count * sizeof(T)));
+  T* OutputOf(size_t count) {
+    return static_cast<T*>(Output(LayoutOf<T>(count)));
   }
   // The same, filled by the input (and by what the input began, where it ends early).
-  const void* Array(size_t bytes);
-
-  // Pixels of the larger side, or of the whole of an image: what an array of its must hold.
-  size_t SideOf(ImageRef image) const;
-  size_t PixelsOf(ImageRef image) const;
+  void* Array(const ArrayLayout& layout);
+  template <class T>
+  T* ArrayOf(size_t count) {
+    return static_cast<T*>(Array(LayoutOf<T>(count)));
+  }
 
   // A name of a small set of files, or NULL, or nonsense.
   const char* Path();
@@ -50,18 +53,16 @@ class Playground {
   BasicParticleReport** BasicReports() { return &basicReports_; }
   ParticleReport** ParticleReports() { return &particleReports_; }
   QuantifyReport** RegionReports() { return &regionReports_; }
-  int32_t* Count() { return &count_; }
 
-  void EndCall() { arrays_.clear(); }
+  void EndCall() { arrays_.Clear(); }
 
  private:
   Input* input_;
   ImageRef slots_[SLOTS] = {};
-  std::vector<std::vector<uint8_t>> arrays_;
+  CallerArrays arrays_;
   BasicParticleReport* basicReports_ = nullptr;
   ParticleReport* particleReports_ = nullptr;
   QuantifyReport* regionReports_ = nullptr;
-  int32_t count_ = 0;
 };
 
 }  // namespace test
