@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "orlune_ptk.h"
@@ -11,6 +12,9 @@
 namespace test {
 
 struct Session {
+  static constexpr int32_t WIDTH = 37;
+  static constexpr int32_t HEIGHT = 23;
+
   ImageRef u8 = 0;
   ImageRef other = 0;  // U8, of the same size
   ImageRef mask = 0;
@@ -51,7 +55,15 @@ struct Step {
   int32_t (*run)(Session& session);  // its result; may be run again after a failure
 };
 
-extern const Step STEPS[];
-extern const size_t STEP_COUNT;
+// The steps of each family, in the order in which they run.
+extern const std::span<const Step> CORE_STEPS;
+extern const std::span<const Step> UTILITY_STEPS;
+extern const std::span<const Step> POINT_STEPS;
+extern const std::span<const Step> STATISTICS_STEPS;
+extern const std::span<const Step> PARTICLE_STEPS;
+extern const std::span<const Step> FILE_STEPS;
+
+// All of them.
+const std::vector<Step>& Steps();
 
 }  // namespace test
