@@ -1,15 +1,16 @@
 // Calls of every export with wild arguments, one after another on the same few images.
-#include "fuzz/api_calls.h"
 #include "fuzz/target.h"
+#include "harness/calls/calls.h"
+#include "harness/checks.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  fuzz::Input input(data, size);
-  fuzz::SetBudget(input.Byte() == 0xFF);
+  test::Input input(data, size);
+  test::SetBudget(input.Byte() == 0xFF);
   test::MemoryFiles files;
   {
-    fuzz::Playground play(&input);
-    fuzz::RunCalls(&play, 32);
+    test::Playground play(&input);
+    test::RunCalls(&play, 32);
   }
-  fuzz::CheckEnd(files);
+  test::CheckEnd(files);
   return 0;
 }

@@ -1,22 +1,27 @@
 // Any bytes as a file, read into an image, and then calls of the library on whatever came of it.
+// The file's length stands before it, so that calls stay the same while the file changes.
+#include <algorithm>
 #include <vector>
 
-#include "fuzz/api_calls.h"
 #include "fuzz/target.h"
+#include "harness/calls/calls.h"
+#include "harness/checks.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  fuzz::Input input(data, size);
-  fuzz::SetBudget(input.Byte() == 0xFF);
-  const size_t fileSize = input.left() * 2 / 3;
+  test::Input input(data, size);
+  test::SetBudget(input.Byte() == 0xFF);
+  const size_t high = input.Byte();
+  const size_t length = high << 8 | input.Byte();
+  const size_t fileSize = std::min(length, input.left());
   std::vector<uint8_t> file(input.rest(), input.rest() + fileSize);
-  fuzz::Input calls(input.rest() + fileSize, input.left() - fileSize);
+  test::Input calls(input.rest() + fileSize, input.left() - fileSize);
   test::MemoryFiles files;
   files.Put("a", file);
   {
-    fuzz::Playground play(&calls);
+    test::Playground play(&calls);
     ZEL_ReadFile(*play.Slot(), "a", 0, nullptr, nullptr);
-    fuzz::RunCalls(&play, 32);
+    test::RunCalls(&play, 32);
   }
-  fuzz::CheckEnd(files);
+  test::CheckEnd(files);
   return 0;
 }

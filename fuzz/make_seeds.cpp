@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "fuzz/target.h"
-#include "tests/robust/bad_files.h"
-#include "tests/support/memory_files.h"
-#include "tests/support/test_image.h"
+#include "harness/bad_files.h"
+#include "harness/checks.h"
+#include "harness/memory_files.h"
+#include "harness/test_image.h"
 
 namespace {
 
@@ -42,10 +42,10 @@ void FileSeeds(const std::string& target, int32_t format) {
             Behind({options, 0x22}, files.Get("seed")));
     }
     test::Random random(static_cast<uint64_t>(type) + 1);
-    Bytes chain = Behind({0}, files.Get("seed"));
-    for (size_t i = 0, count = chain.size() / 2; i < count; i++) {
-      chain.push_back(static_cast<uint8_t>(random.Next()));
-    }
+    const Bytes& file = files.Get("seed");
+    const auto size = static_cast<uint16_t>(file.size());
+    Bytes chain = Behind({0, static_cast<uint8_t>(size >> 8), static_cast<uint8_t>(size)}, file);
+    for (size_t i = 0; i < 500; i++) chain.push_back(static_cast<uint8_t>(random.Next()));
     Write("chain", "format-" + std::to_string(format) + "-type-" + std::to_string(type), chain);
   }
 }

@@ -4,6 +4,8 @@
 #include <vector>
 
 #include "fuzz/target.h"
+#include "harness/checks.h"
+#include "harness/input.h"
 
 namespace {
 
@@ -28,9 +30,9 @@ void PutSignature(std::vector<uint8_t>* file) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  fuzz::Input input(data, size);
+  test::Input input(data, size);
   const uint8_t options = input.Byte();
-  fuzz::SetBudget((options & 0x80) != 0);
+  test::SetBudget((options & 0x80) != 0);
   const auto type = static_cast<int16_t>(options % 5);
   const int32_t border = (options >> 3) % 4;
   const uint8_t startSize = input.Byte();
@@ -41,18 +43,18 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   files.Put("file", file);
 
   FileInfo info{};
-  fuzz::Require(ZEL_PtkFileInfo("file", &info) == 0, "the information call failed");
+  test::Require(ZEL_PtkFileInfo("file", &info) == 0, "the information call failed");
   ImageRef image = 0;
   if (ZEL_Create(&image, type, border) == 0) {
     ZEL_SetImageSize(image, startSize % 16, startSize / 16);
     std::vector<RGBValue> table(256);
     int32_t count = 0;
     const int32_t status = ZEL_ReadFile(image, "file", options & 1, table.data(), &count);
-    fuzz::Require(status <= 0, "a positive result");
-    fuzz::Require(count == 0 || count == 256, "an odd count of table entries");
-    fuzz::CheckImage(image);
+    test::Require(status <= 0, "a positive result");
+    test::Require(count == 0 || count == 256, "an odd count of table entries");
+    test::CheckImage(image);
     ZEL_Dispose(image);
   }
-  fuzz::CheckEnd(files);
+  test::CheckEnd(files);
   return 0;
 }

@@ -4,11 +4,13 @@
 
 #include "files/dispatch.h"
 #include "fuzz/target.h"
+#include "harness/checks.h"
+#include "harness/input.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  fuzz::Input input(data, size);
+  test::Input input(data, size);
   const uint8_t choice = input.Byte();
-  fuzz::SetBudget((choice & 0x80) != 0);
+  test::SetBudget((choice & 0x80) != 0);
   const auto type = static_cast<int16_t>(choice % 5);
   const bool sized = (choice & 0x40) != 0;
   zel::ReadOptions options{};
@@ -33,10 +35,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     request.options = &options;
     zel::FileContext context{};
     const zel::Status status = zel::FileReadKernel(image, "file", request, &context);
-    fuzz::Require(status >= 0, "a negative status inside the library");
-    fuzz::CheckImage(image);
+    test::Require(status >= 0, "a negative status inside the library");
+    test::CheckImage(image);
     ZEL_Dispose(image);
   }
-  fuzz::CheckEnd(files);
+  test::CheckEnd(files);
   return 0;
 }

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "core/images.h"
-#include "tests/support/test_image.h"
+#include "harness/test_image.h"
 
 namespace {
 

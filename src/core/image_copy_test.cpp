@@ -6,7 +6,7 @@
 
 #include "core/heap.h"
 #include "core/images.h"
-#include "tests/support/test_image.h"
+#include "harness/test_image.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include "core/heap.h"
 #include "core/tables.h"
 #include "core/world.h"
-#include "tests/support/test_image.h"
+#include "harness/test_image.h"
 
 namespace {
 

@@ -5,9 +5,9 @@
 #include <optional>
 
 #include "files/dispatch.h"
-#include "tests/support/file_bytes.h"
-#include "tests/support/memory_files.h"
-#include "tests/support/test_image.h"
+#include "harness/file_bytes.h"
+#include "harness/memory_files.h"
+#include "harness/test_image.h"
 
 namespace {
 

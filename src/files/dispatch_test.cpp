@@ -7,9 +7,9 @@
 #include <filesystem>
 #include <fstream>
 
-#include "tests/support/file_bytes.h"
-#include "tests/support/memory_files.h"
-#include "tests/support/test_image.h"
+#include "harness/file_bytes.h"
+#include "harness/memory_files.h"
+#include "harness/test_image.h"
 
 namespace {
 

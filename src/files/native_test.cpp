@@ -3,9 +3,9 @@
 #include <cmath>
 #include <limits>
 
-#include "tests/support/file_bytes.h"
-#include "tests/support/memory_files.h"
-#include "tests/support/test_image.h"
+#include "harness/file_bytes.h"
+#include "harness/memory_files.h"
+#include "harness/test_image.h"
 
 namespace {
 

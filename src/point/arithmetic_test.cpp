@@ -6,9 +6,9 @@
 #include <limits>
 #include <vector>
 
+#include "harness/test_image.h"
 #include "platform/processor.h"
 #include "point/operator_test.h"
-#include "tests/support/test_image.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "core/heap.h"
+#include "harness/test_image.h"
 #include "point/operator_test.h"
-#include "tests/support/test_image.h"
 
 namespace {
 

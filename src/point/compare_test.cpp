@@ -4,9 +4,9 @@
 #include <cstring>
 #include <limits>
 
+#include "harness/test_image.h"
 #include "platform/processor.h"
 #include "point/operator_test.h"
-#include "tests/support/test_image.h"
 
 namespace {
 

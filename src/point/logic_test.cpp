@@ -3,10 +3,10 @@
 #include <cstring>
 #include <functional>
 
+#include "harness/test_image.h"
 #include "platform/processor.h"
 #include "point/operator_test.h"
 #include "point/operators.h"
-#include "tests/support/test_image.h"
 
 namespace {
 

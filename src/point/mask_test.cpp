@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
+#include "harness/test_image.h"
 #include "platform/processor.h"
 #include "point/operator_test.h"
-#include "tests/support/test_image.h"
 
 namespace {
 

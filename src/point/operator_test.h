@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "tests/support/test_image.h"
+#include "harness/test_image.h"
 
 namespace test {
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "core/heap.h"
-#include "tests/support/test_image.h"
+#include "harness/test_image.h"
 
 namespace {
 

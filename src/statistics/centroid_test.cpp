@@ -3,7 +3,7 @@
 #include <cmath>
 #include <limits>
 
-#include "tests/support/test_image.h"
+#include "harness/test_image.h"
 
 namespace {
 

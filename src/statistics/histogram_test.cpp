@@ -8,8 +8,8 @@
 #include <optional>
 #include <vector>
 
+#include "harness/test_image.h"
 #include "statistics/min_max.h"
-#include "tests/support/test_image.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <vector>
 
-#include "tests/support/test_image.h"
+#include "harness/test_image.h"
 
 namespace {
 

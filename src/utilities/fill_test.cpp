@@ -3,7 +3,7 @@
 #include <cstring>
 #include <vector>
 
-#include "tests/support/test_image.h"
+#include "harness/test_image.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "tests/support/test_image.h"
+#include "harness/test_image.h"
 
 namespace {
 

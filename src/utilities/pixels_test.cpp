@@ -6,7 +6,7 @@
 #include <limits>
 #include <vector>
 
-#include "tests/support/test_image.h"
+#include "harness/test_image.h"
 
 namespace {
 

@@ -7,40 +7,26 @@
 #include <string>
 #include <vector>
 
-#include "fuzz/api_calls.h"
-#include "fuzz/target.h"
-#include "tests/support/memory_files.h"
-#include "tests/support/test_image.h"
+#include "harness/calls/calls.h"
+#include "harness/checks.h"
+#include "harness/memory_files.h"
+#include "harness/test_image.h"
 
 namespace {
-
-TEST(Abuse, EveryExportHasItsRow) {
-  std::vector<std::string> exports;
-  std::ifstream list(EXPORTS_FILE);
-  for (std::string line; std::getline(list, line);) {
-    if (line.starts_with("ZEL_")) exports.push_back(line);
-  }
-  ASSERT_FALSE(exports.empty());
-  std::vector<std::string> rows;
-  for (size_t i = 0; i < fuzz::API_CALL_COUNT; i++) rows.emplace_back(fuzz::API_CALLS[i].name);
-  std::sort(exports.begin(), exports.end());
-  std::sort(rows.begin(), rows.end());
-  EXPECT_EQ(rows, exports);
-}
 
 // One sequence of calls from a seed; it stops the program where the world breaks.
 void RunSeed(uint64_t seed) {
   test::Random random(seed);
   std::vector<uint8_t> bytes(600);
   for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random.Next());
-  fuzz::SetBudget(seed % 16 == 0);
-  fuzz::Input input(bytes.data(), bytes.size());
+  test::SetBudget(seed % 16 == 0);
+  test::Input input(bytes.data(), bytes.size());
   test::MemoryFiles files;
   {
-    fuzz::Playground play(&input);
-    fuzz::RunCalls(&play, 24);
+    test::Playground play(&input);
+    test::RunCalls(&play, 24);
   }
-  fuzz::CheckEnd(files);
+  test::CheckEnd(files);
 }
 
 TEST(Abuse, RandomSequencesOfCallsLeaveTheWorldWhole) {
@@ -48,20 +34,21 @@ TEST(Abuse, RandomSequencesOfCallsLeaveTheWorldWhole) {
 }
 
 TEST(Abuse, EveryRowIsSeenToSucceedAndToFail) {
-  std::vector<int> succeeded(fuzz::API_CALL_COUNT);
-  std::vector<int> failed(fuzz::API_CALL_COUNT);
-  for (size_t row = 0; row < fuzz::API_CALL_COUNT; row++) {
+  const std::vector<test::ApiCall>& calls = test::ApiCalls();
+  std::vector<int> succeeded(calls.size());
+  std::vector<int> failed(calls.size());
+  for (size_t row = 0; row < calls.size(); row++) {
     for (uint64_t seed = 1; seed <= 400; seed++) {
       if (succeeded[row] != 0 && failed[row] != 0) break;
       test::Random random(seed * 1000 + row);
       std::vector<uint8_t> bytes(400);
       for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random.Next());
-      fuzz::Input input(bytes.data(), bytes.size());
+      test::Input input(bytes.data(), bytes.size());
       test::MemoryFiles files;
       files.Put("a", {'O', 'R', 'L', 'N', 0, 1, 0, 1, 0, 8, 0, 1, 0, 2});
-      fuzz::Playground play(&input);
+      test::Playground play(&input);
       ZEL_WriteFile(*play.Slot(), "b", 1, nullptr, 0);
-      const int32_t result = fuzz::API_CALLS[row].run(play);
+      const int32_t result = calls[row].run(play);
       (result == 0 ? succeeded : failed)[row]++;
     }
   }
@@ -74,8 +61,8 @@ TEST(Abuse, EveryRowIsSeenToSucceedAndToFail) {
   const auto isIn = [](const std::vector<std::string>& names, const char* name) {
     return std::find(names.begin(), names.end(), name) != names.end();
   };
-  for (size_t row = 0; row < fuzz::API_CALL_COUNT; row++) {
-    const char* name = fuzz::API_CALLS[row].name;
+  for (size_t row = 0; row < calls.size(); row++) {
+    const char* name = calls[row].name;
     if (!isIn(neverSucceed, name)) {
       EXPECT_GT(succeeded[row], 0) << name;
     }

@@ -1,6 +1,6 @@
 // Each file of a table of broken, wild and odd ones, and random changes to good ones, is read into
 // every type of image under a heap budget, and may touch nothing but the image's own pixels.
-#include "tests/robust/bad_files.h"
+#include "harness/bad_files.h"
 
 #include <gtest/gtest.h>
 #include <malloc.h>
@@ -9,8 +9,8 @@
 
 #include "core/heap.h"
 #include "core/images.h"
-#include "tests/support/memory_files.h"
-#include "tests/support/test_image.h"
+#include "harness/memory_files.h"
+#include "harness/test_image.h"
 
 namespace {
 

@@ -5,10 +5,10 @@
 #include <functional>
 
 #include "core/heap.h"
-#include "tests/support/file_bytes.h"
-#include "tests/support/memory_files.h"
-#include "tests/support/test_image.h"
-#include "tests/support/tiff_file.h"
+#include "harness/file_bytes.h"
+#include "harness/memory_files.h"
+#include "harness/test_image.h"
+#include "harness/tiff_file.h"
 
 namespace {
 

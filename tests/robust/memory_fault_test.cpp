@@ -7,24 +7,23 @@
 
 #include "core/heap.h"
 #include "core/world.h"
-#include "tests/robust/session.h"
-#include "tests/support/memory_files.h"
+#include "harness/memory_files.h"
+#include "harness/session/session.h"
 
 namespace {
 
-using robust::Session;
-using robust::Step;
-using robust::STEP_COUNT;
-using robust::STEPS;
+using test::Session;
+using test::Step;
+using test::Steps;
 
 // What each step leaves behind in a session without faults.
 std::vector<uint64_t> Digests() {
   test::MemoryFiles files;
   std::vector<uint64_t> digests;
   Session session;
-  for (size_t i = 0; i < STEP_COUNT; i++) {
+  for (size_t i = 0; i < Steps().size(); i++) {
     session.outputs.clear();
-    EXPECT_EQ(STEPS[i].run(session), 0) << STEPS[i].name << ", step " << i;
+    EXPECT_EQ(Steps()[i].run(session), 0) << Steps()[i].name << ", step " << i;
     digests.push_back(session.Digest());
   }
   ZEL_CloseSys();
@@ -46,8 +45,8 @@ bool RunWithFault(uint64_t k, bool all, const std::vector<uint64_t>& digests) {
     *hooks = {};
     hooks->failAt = k;
     hooks->failAllAfter = all;
-    for (size_t i = 0; i < STEP_COUNT; i++) {
-      const Step& step = STEPS[i];
+    for (size_t i = 0; i < Steps().size(); i++) {
+      const Step& step = Steps()[i];
       session.outputs.clear();
       const int32_t result = step.run(session);
       if (hooks->refusals != 0) {
@@ -87,14 +86,14 @@ TEST(MemoryFaults, EveryAllocationFailingAloneIsSurvived) {
   uint64_t k = 1;
   while (!HasFailure() && !RunWithFault(k, false, digests)) k++;
   RecordProperty("allocations", static_cast<int>(k));
-  EXPECT_GT(k, STEP_COUNT);
+  EXPECT_GT(k, Steps().size());
 }
 
 TEST(MemoryFaults, EveryAllocationFailingWithAllThatFollowIsSurvived) {
   const std::vector<uint64_t> digests = Digests();
   uint64_t k = 1;
   while (!HasFailure() && !RunWithFault(k, true, digests)) k++;
-  EXPECT_GT(k, STEP_COUNT);
+  EXPECT_GT(k, Steps().size());
 }
 
 }  // namespace

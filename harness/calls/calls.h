@@ -1,0 +1,43 @@
+// Wild calls of every export, one row each: an input names a row by its code and then gives the
+// arguments. Stored inputs stay good for ever, so a row keeps its code, its draws and their order.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "harness/playground.h"
+
+namespace test {
+
+enum CallAnswer {
+  STATUS,     // 0, or a negative number that the reporter knows
+  NO_STATUS,  // anything else
+};
+
+struct ApiCall {
+  // The row's own, whatever other rows come and go; a code that is free again stays free. A new
+  // family begins at the next ten.
+  uint8_t code;
+  const char* name;
+  int32_t (*run)(Playground& play);
+  CallAnswer answer = STATUS;
+};
+
+// The rows of each family.
+extern const std::span<const ApiCall> CORE_CALLS;
+extern const std::span<const ApiCall> UTILITY_CALLS;
+extern const std::span<const ApiCall> POINT_CALLS;
+extern const std::span<const ApiCall> STATISTICS_CALLS;
+extern const std::span<const ApiCall> PARTICLE_CALLS;
+extern const std::span<const ApiCall> FILE_CALLS;
+
+// All of them.
+const std::vector<ApiCall>& ApiCalls();
+
+// Runs calls that the input chooses, at most `most`, and after each one checks that the world is
+// whole and that the result is what the reporter kept. Stops the program where it is not. A code
+// that no row has is passed over.
+void RunCalls(Playground* play, int most);
+
+}  // namespace test

@@ -1,0 +1,95 @@
+// Pixels, lines and whole arrays.
+#include "harness/calls/calls.h"
+#include "harness/calls/draws.h"
+
+namespace test {
+namespace {
+
+using namespace draw;
+
+int32_t GetRowCol(Playground& play) {
+  const struct {
+    ImageRef image;
+    int16_t column;
+    int32_t index, type;
+  } a{Image(play), static_cast<int16_t>(Below<2>(play)), Int(play), ArrayType(play)};
+  const Playground::Shape shape = play.ShapeOf(a.image);
+  const struct {
+    void* array;
+    int32_t* count;
+  } out{OutputOfType(play, a.type, Held(a.column != 0 ? shape.height : shape.width)),
+        Output<int32_t>(play)};
+  return ZEL_GetRowCol(a.image, a.column, a.index, a.type, out.array, out.count);
+}
+
+int32_t GetLine(Playground& play) {
+  const struct {
+    ImageRef image;
+    Line line;
+    int32_t type;
+  } a{Image(play), LineAnywhere(play), ArrayType(play)};
+  const struct {
+    void* array;
+    int32_t* count;
+  } out{OutputOfType(play, a.type, PointsOf(a.line, play.ShapeOf(a.image))), Output<int32_t>(play)};
+  return ZEL_GetLine(a.image, a.line.x1, a.line.y1, a.line.x2, a.line.y2, a.type, out.array,
+                     out.count);
+}
+
+struct Rect {
+  int32_t top, left, height, width;
+};
+
+// Pixels from one side to the other, of those that there are. The other side may lie before.
+int64_t Overlap(int32_t from, int32_t size, int32_t pixels) {
+  const int64_t to = int64_t{from} + size;
+  const int64_t first = std::max<int64_t>(std::min<int64_t>(from, to), 0);
+  const int64_t end = std::min<int64_t>(std::max<int64_t>(from, to), pixels);
+  return end - first;
+}
+
+int32_t ImageToArray(Playground& play) {
+  const struct {
+    ImageRef image;
+    Rect rect;
+    int32_t type;
+  } a{Image(play), {Int(play), Int(play), Int(play), Int(play)}, ArrayType(play)};
+  const Playground::Shape shape = play.ShapeOf(a.image);
+  const size_t pixels = Held(Overlap(a.rect.left, a.rect.width, shape.width)) *
+                        Held(Overlap(a.rect.top, a.rect.height, shape.height));
+  const struct {
+    void* array;
+    int32_t *width, *height;
+  } out{OutputOfType(play, a.type, pixels), Output<int32_t>(play), Output<int32_t>(play)};
+  return ZEL_ImageToArray(a.image, a.rect.top, a.rect.left, a.rect.height, a.rect.width, a.type,
+                          out.array, out.width, out.height);
+}
+
+int32_t ArrayToImage(Playground& play) {
+  const struct {
+    ImageRef image;
+    int32_t type, width, height;
+  } a{Image(play), ArrayType(play), Below<50>(play) - 3, Below<50>(play) - 3};
+  const void* array = play.Array(LayoutOf(a.type, Held(a.width) * Held(a.height)));
+  return ZEL_ArrayToImage(a.image, a.type, array, a.width, a.height);
+}
+
+constexpr ApiCall ROWS[] = {
+    {18, "ZEL_GetPixelValue", Call<ZEL_GetPixelValue, Image, Int, Int, Output<float>>},
+    {19, "ZEL_SetPixelValue", Call<ZEL_SetPixelValue, Image, Int, Int, Float>},
+    {20, "ZEL_GetRowCol", GetRowCol},
+    {21, "ZEL_SetRowCol", Call<ZEL_SetRowCol, Image, Below<2>, Int, ArrayToRead>},
+    {22, "ZEL_GetLine", GetLine},
+    {23, "ZEL_SetLine", Call<ZEL_SetLine, Image, LineAnywhere, ArrayToRead>},
+    {24, "ZEL_ImageToArray", ImageToArray},
+    {25, "ZEL_ArrayToImage", ArrayToImage},
+    {26, "ZEL_FillImage", Call<ZEL_FillImage, Image, Image, Float, Word, Float, Float>},
+    {27, "ZEL_ClearPixels", Call<ZEL_ClearPixels, Image>},
+    {28, "ZEL_Interlace", Call<ZEL_Interlace, Image, Image, Image, Below<3>>},
+};
+
+}  // namespace
+
+constinit const std::span<const ApiCall> UTILITY_CALLS{ROWS};
+
+}  // namespace test
