@@ -19,9 +19,9 @@ double ExtentOf(const ClassMap& map) {
 }
 
 ClassMap ClassMapOf(double min, double max, int32_t classes) {
-  ClassMap map{min, max, 0.0, 0.0, classes};
-  if (classes > 1) map.scale = static_cast<double>(static_cast<float>(classes / ExtentOf(map)));
-  map.offset = static_cast<double>(static_cast<float>((map.scale - 1.0) * 0.5));
+  ClassMap map{min, max, 0.0f, 0.0f, classes};
+  if (classes > 1) map.scale = static_cast<float>(classes / ExtentOf(map));
+  map.offset = static_cast<float>((static_cast<double>(map.scale) - 1.0) * 0.5);
   return map;
 }
 

@@ -87,10 +87,12 @@ ZEL_INLINE void ClassesOfBlock(const T* pixels, const ClassMap& map, uint16_t* c
   alignas(VECTOR_BYTES) double positions[CLASS_BLOCK];
   for (int32_t x = 0; x < CLASS_BLOCK; x++) positions[x] = static_cast<double>(pixels[x]);
   const Doubles last = Doubles{} + (map.classes - 1);
+  const auto scale = static_cast<double>(map.scale);
+  const auto offset = static_cast<double>(map.offset);
   for (int32_t x = 0; x < CLASS_BLOCK; x += DOUBLE_LANES) {
     Doubles value;
     Load(positions + x, &value);
-    Doubles position = (value - map.min) * map.scale + map.offset;
+    Doubles position = (value - map.min) * scale + offset;
     position = position > 0.0 ? position : Doubles{};  // NaN too
     position = position < last ? position : last;
     RoundPositions(&position);

@@ -9,7 +9,7 @@ namespace zel {
 // Both ends of the counted values and the classes between them.
 struct ClassMap {
   double min, max;
-  double scale, offset;
+  float scale, offset;
   int32_t classes;  // also the class number of pixels that are not counted
 };
 
