@@ -8,10 +8,7 @@
  *   the mask does not touch the source, that copy is all, and the destination keeps its calibration
  *   and mask offset. The mask may be the destination, which then becomes the result.
  * - After -101 a destination that could not be resized has the source's calibration and offset
- *   where there is no mask, and is as it was where there is one. One that lacked a table, which
- *   IMAGE_I16 and ZEL_Equalize of IMAGE_SGL need, has the source's size, calibration and offset,
- *   and under a mask a copy of its pixels. A source that is mapped in place stays as it was. Other
- *   failures change nothing.
+ *   where there is no mask. Other failures change nothing.
  */
 #ifndef ORLUNE_PTK_LOOKUPS_H
 #define ORLUNE_PTK_LOOKUPS_H

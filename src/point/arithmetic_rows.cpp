@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <type_traits>
 
+#include "engine/vectors.h"
 #include "point/pair_rows.h"
-#include "point/vectors.h"
 
 namespace zel::ZEL_LEVEL {
 namespace {
@@ -229,46 +229,54 @@ void MultiplyByte(const PointViews& views, const OperatorConstant& constant) {
 #if defined(ZEL_VECTORS)
 
 // Pixels of one type in vectors, the rest of a row by the plain rule.
-template <class T, class Rule, Vector (*Step)(Vector a, Vector b)>
+template <class V, class T, class Rule, V (*Step)(V a, V b)>
 void VectorImages(const PointViews& views, const OperatorConstant&) {
-  constexpr int64_t lanes = sizeof(Vector) / sizeof(T);
+  constexpr int64_t lanes = sizeof(V) / sizeof(T);
   const int64_t width = views.result.width;
   for (int64_t y = 0; y < views.result.height; y++) {
     const auto* a = views.first.Row<const T>(y);
     const auto* b = views.second.Row<const T>(y);
     auto* to = views.result.Row<T>(y);
     int64_t x = 0;
-    for (; x + lanes <= width; x += lanes) Store(to + x, Step(Load(a + x), Load(b + x)));
+    for (; x + lanes <= width; x += lanes) Store(to + x, Step(Load<V>(a + x), Load<V>(b + x)));
 #pragma GCC ivdep
     for (; x < width; x++) to[x] = Rule()(a[x], b[x]);
   }
+}
+
+// Quotients of integers up to 255; 0 divides as 1. The half keeps each of them at least 0.5 / 255.5
+// of itself away from the whole numbers, and reciprocals are ten times as exact as that.
+ZEL_INLINE Ints ByteQuotients(Ints a, Ints b) {
+  const Ints divisor = b > 1 ? b : Ints{} + 1;
+  const Floats dividend = __builtin_convertvector(a, Floats) + 0.5f;
+  return Truncate(dividend * ReciprocalEstimate(__builtin_convertvector(divisor, Floats)));
 }
 
 // Bytes are divided in 32 bits.
 template <class Rule>
 void DivideBytes(const PointViews& views, const OperatorConstant&) {
   constexpr bool modulo = std::is_same_v<Rule, Modulo>;
-  constexpr int64_t lanes = sizeof(Vector) / 4;
+  constexpr int64_t lanes = FLOAT_LANES;
   const int64_t width = views.result.width;
   for (int64_t y = 0; y < views.result.height; y++) {
-    const uint8_t* a = views.first.Row<const uint8_t>(y);
-    const uint8_t* b = views.second.Row<const uint8_t>(y);
-    uint8_t* to = views.result.Row<uint8_t>(y);
+    const auto* a = views.first.Row<const uint8_t>(y);
+    const auto* b = views.second.Row<const uint8_t>(y);
+    auto* to = views.result.Row<uint8_t>(y);
     int64_t x = 0;
     for (; x + 4 * lanes <= width; x += 4 * lanes) {
-      Vector words[2];
+      Words words[2];
       for (int64_t half = 0; half < 2; half++) {
         const int64_t at = x + 2 * lanes * half;
-        const Vector a0 = WidenedBytes(a + at);
-        const Vector a1 = WidenedBytes(a + at + lanes);
-        const Vector b0 = WidenedBytes(b + at);
-        const Vector b1 = WidenedBytes(b + at + lanes);
-        words[half] = PackedWords(ByteQuotients(a0, b0), ByteQuotients(a1, b1));
+        const Ints a0 = WidenBytes(a + at);
+        const Ints a1 = WidenBytes(a + at + lanes);
+        const Ints b0 = WidenBytes(b + at);
+        const Ints b1 = WidenBytes(b + at + lanes);
+        words[half] = PackSaturated(ByteQuotients(a0, b0), ByteQuotients(a1, b1));
         if constexpr (modulo) {
-          words[half] = WordsLessProduct(PackedWords(a0, a1), words[half], PackedWords(b0, b1));
+          words[half] = PackSaturated(a0, a1) - words[half] * PackSaturated(b0, b1);
         }
       }
-      Store(to + x, PackedBytes(words[0], words[1]));
+      Store(to + x, PackSaturated(words[0], words[1]));
     }
 #pragma GCC ivdep
     for (; x < width; x++) to[x] = Rule()(a[x], b[x]);
@@ -283,13 +291,14 @@ constexpr PairRoutines WithVectors(OperatorRoutine bytes, OperatorRoutine words)
   return routines;
 }
 
-constexpr PairRoutines ADD = WithVectors<Add>(&VectorImages<uint8_t, Add, &BytesAdded>,
-                                              &VectorImages<int16_t, Add, &WordsAdded>);
+constexpr PairRoutines ADD = WithVectors<Add>(&VectorImages<Bytes, uint8_t, Add, &AddSaturated>,
+                                              &VectorImages<Words, int16_t, Add, &AddSaturated>);
 constexpr PairRoutines SUBTRACT =
-    WithVectors<Subtract>(&VectorImages<uint8_t, Subtract, &BytesSubtracted>,
-                          &VectorImages<int16_t, Subtract, &WordsSubtracted>);
-constexpr PairRoutines MULTIPLY = WithVectors<Multiply>(
-    &Images<uint8_t, uint8_t, Multiply>, &VectorImages<int16_t, Multiply, &WordsMultiplied>);
+    WithVectors<Subtract>(&VectorImages<Bytes, uint8_t, Subtract, &SubtractSaturated>,
+                          &VectorImages<Words, int16_t, Subtract, &SubtractSaturated>);
+constexpr PairRoutines MULTIPLY =
+    WithVectors<Multiply>(&Images<uint8_t, uint8_t, Multiply>,
+                          &VectorImages<Words, int16_t, Multiply, &ProductsSaturated>);
 constexpr PairRoutines DIVIDE =
     WithVectors<Divide>(&DivideBytes<Divide>, &Images<int16_t, int16_t, Divide>);
 constexpr PairRoutines MODULO =

@@ -6,7 +6,7 @@
 #include <cmath>
 #include <cstdint>
 
-#include "point/vectors.h"
+#include "engine/vectors.h"
 
 namespace zel::ZEL_LEVEL {
 namespace {
@@ -36,7 +36,7 @@ ZEL_INLINE uint32_t Sum(Rgb pixel) {
 }
 
 // A third, exact for every sum of three bytes.
-constexpr uint32_t THIRD = 0xAAAB;  // of 2^17
+constexpr uint32_t THIRD = 0xAAAB;  // of 2^17, rounded up
 ZEL_INLINE uint32_t Mean(Rgb pixel) {
   return (Sum(pixel) * THIRD) >> 17;
 }
@@ -114,24 +114,41 @@ void Convert(const PointViews& views, const NoRule&) {
 struct FloatsToBytes {
   using From = float;
   using Rule = ToByte;
-  ZEL_INLINE Vector Cut(Vector pixels) const { return CutToBytes(pixels); }
-  ZEL_INLINE Vector Finish(Vector words) const { return words; }
+  ZEL_INLINE Ints Cut(const float* pixels) const {
+    const Floats values = Load<Floats>(pixels);
+    const Floats raised = values > 0.0f ? values : Floats{};  // NaN too
+    return Truncate(raised < 255.0f ? raised : Floats{} + 255.0f);
+  }
+  ZEL_INLINE Words Finish(Words words) const { return words; }
 };
 
+// What is too small for 32 bits is truncated to the smallest integer, which packing limits.
 struct FloatsToWords {
   using From = float;
   using Rule = ToWord;
-  ZEL_INLINE Vector Cut(Vector pixels) const { return CutToWords(pixels); }
-  ZEL_INLINE Vector Finish(Vector words) const { return words; }
+  ZEL_INLINE Ints Cut(const float* pixels) const {
+    const Floats values = Load<Floats>(pixels);
+    const Floats numbers = values == values ? values : Floats{};
+    return Truncate(numbers < 32767.0f ? numbers : Floats{} + 32767.0f);
+  }
+  ZEL_INLINE Words Finish(Words words) const { return words; }
 };
 
-#if defined(ZEL_BYTE_SUMS)
+#if defined(ZEL_WIDE_VECTORS)
 template <class To>
 struct ColoursToMean {
   using From = Rgb;
   using Rule = To;
-  ZEL_INLINE Vector Cut(Vector pixels) const { return ChannelSums(pixels); }
-  ZEL_INLINE Vector Finish(Vector words) const { return Thirds(words); }
+  // The sums of the first three of four bytes.
+  ZEL_INLINE Ints Cut(const Rgb* pixels) const {
+    const Bytes channels = (Bytes)(Ints{} + 0x00010101);
+    return PairSums(PairSums(Load<Bytes>(pixels), channels), Words{} + 1);
+  }
+  // The product with THIRD without its lower 17 bits.
+  ZEL_INLINE Words Finish(Words sums) const {
+    const UnsignedWords third = UnsignedWords{} + static_cast<uint16_t>(THIRD);
+    return (Words)(HighProducts((UnsignedWords)sums, third) >> 1);
+  }
 };
 #endif
 
@@ -139,7 +156,7 @@ template <class Groups>
 void Narrow(const PointViews& views, const NoRule&) {
   using From = typename Groups::From;
   using To = typename Groups::Rule::Pixel;
-  constexpr int64_t lanes = sizeof(Vector) / sizeof(From);
+  constexpr int64_t lanes = FLOAT_LANES;
   const Groups groups;
   const typename Groups::Rule rule;
   const int64_t width = views.result.width;
@@ -148,14 +165,14 @@ void Narrow(const PointViews& views, const NoRule&) {
     auto* to = views.result.Row<To>(y);
     int64_t x = 0;
     for (; x + 4 * lanes <= width; x += 4 * lanes) {
-      const Vector a = groups.Cut(Load(from + x));
-      const Vector b = groups.Cut(Load(from + x + lanes));
-      const Vector c = groups.Cut(Load(from + x + 2 * lanes));
-      const Vector d = groups.Cut(Load(from + x + 3 * lanes));
-      const Vector low = groups.Finish(PackedWords(a, b));
-      const Vector high = groups.Finish(PackedWords(c, d));
+      const Ints a = groups.Cut(from + x);
+      const Ints b = groups.Cut(from + x + lanes);
+      const Ints c = groups.Cut(from + x + 2 * lanes);
+      const Ints d = groups.Cut(from + x + 3 * lanes);
+      const Words low = groups.Finish(PackSaturated(a, b));
+      const Words high = groups.Finish(PackSaturated(c, d));
       if constexpr (sizeof(To) == 1) {
-        Store(to + x, PackedBytes(low, high));
+        Store(to + x, PackSaturated(low, high));
       } else {
         Store(to + x, low);
         Store(to + x + 2 * lanes, high);
@@ -172,7 +189,7 @@ constexpr CastRoutine FLOATS_TO_BYTES = &Convert<float, ToByte>;
 constexpr CastRoutine FLOATS_TO_WORDS = &Convert<float, ToWord>;
 #endif
 
-#if defined(ZEL_BYTE_SUMS)
+#if defined(ZEL_WIDE_VECTORS)
 constexpr CastRoutine COLOURS_TO_BYTES = &Narrow<ColoursToMean<ToByte>>;
 constexpr CastRoutine COLOURS_TO_WORDS = &Narrow<ColoursToMean<ToWord>>;
 #else

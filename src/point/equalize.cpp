@@ -100,25 +100,16 @@ void EqualizeValues(const ClassCounts& histogram, const Equalizer& equalizer, fl
   }
 }
 
-// What the curve is worked out in, made before the destination is settled: entries of 0.
-struct EqualizeTables {
-  uint16_t bytes[LEVELS_U8] = {};
-  WorkArray<uint16_t> words;  // of all levels
-  WorkArray<float> values;    // by class
-
-  Status Create(int32_t type, int32_t classes) {
-    const bool made = type == IMAGE_U8    ? true
-                      : type == IMAGE_I16 ? words.AllocateZeroed(LEVELS_I16)
-                                          : values.AllocateZeroed(static_cast<uint64_t>(classes));
-    return made ? STATUS_OK : STATUS_MEMORY_FULL;
-  }
-};
-
+// What the curve is worked out in is made before the destination is settled.
 Status EqualizeBy(const ClassCounts& histogram, float rangeMin, float rangeMax,
                   Operands* operands) {
   const int32_t type = operands->source().type;
-  EqualizeTables tables;
-  const Status status = tables.Create(type, histogram.classes);
+  WorkArray<float> values;  // by class, for floats
+  LevelTable table;
+  Status status = table.Create(type);
+  if (type == IMAGE_SGL && !values.AllocateZeroed(static_cast<uint64_t>(histogram.classes))) {
+    status = STATUS_MEMORY_FULL;
+  }
   if (status != STATUS_OK) return status;
   const PointViews views = LookupSettle(operands);
   if (views.result.IsEmpty()) return operands->status();
@@ -126,18 +117,17 @@ Status EqualizeBy(const ClassCounts& histogram, float rangeMin, float rangeMax,
   const LookupLimits limits = LookupLimitsOf(views.first, views.mask, rangeMin, rangeMax);
   const Equalizer equalizer = EqualizerOf(histogram, limits);
   if (type == IMAGE_SGL) {
-    EqualizeValues(histogram, equalizer, tables.values.data());
+    EqualizeValues(histogram, equalizer, values.data());
     PointWalk(views, lookupRows().curveSgl,
-              ClassCurve{.values = tables.values.data(),
+              ClassCurve{.values = values.data(),
                          .classes = histogram.classes,
                          .first = histogram.first,
                          .width = histogram.width,
                          .rangeMin = limits.rangeMin,
                          .rangeMax = limits.rangeMax});
   } else if (!limits.IsEmpty()) {
-    uint16_t* table = type == IMAGE_U8 ? tables.bytes : tables.words.data();
-    EqualizeTable(histogram, equalizer, limits, table);
-    LookupApply(views, table);
+    EqualizeTable(histogram, equalizer, limits, table.entries());
+    LookupApply(views, table.entries());
   }
   return STATUS_OK;
 }

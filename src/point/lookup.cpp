@@ -1,7 +1,6 @@
 // Tables over pixel values: what is mapped, how a table is applied, and the user's own tables.
 #include "point/lookup.h"
 
-#include "core/heap.h"
 #include "engine/array_convert.h"
 #include "point/lookup_rows.h"
 #include "point/threshold_rows.h"
@@ -43,22 +42,20 @@ void LookupApplyU8(const PointViews& views, const uint16_t* table) {
 // A caller's array as a table of all levels: entries beyond the given ones hold their own index.
 // Arrays of 16-bit integers are taken as they are, others converted; an unknown array type reads as
 // zeros.
-Status TableOfArray(int32_t arrayType, const void* array, int32_t count, int32_t levels,
-                    WorkArray<uint16_t>* table) {
-  if (!table->AllocateZeroed(static_cast<uint64_t>(levels))) return STATUS_MEMORY_FULL;
-  const int32_t given = Clamped(count, 0, levels);
-  ArrayConvert(array, arrayType, table->data(), ARRAY_I16, given);
-  for (int32_t level = given; level < levels; level++) {
-    (*table)[static_cast<size_t>(level)] = static_cast<uint16_t>(level);
+void TableOfArray(int32_t arrayType, const void* array, int32_t count, LevelTable* table) {
+  uint16_t* entries = table->entries();
+  const int32_t given = Clamped(count, 0, table->levels());
+  ArrayConvert(array, arrayType, entries, ARRAY_I16, given);
+  for (int32_t level = given; level < table->levels(); level++) {
+    entries[level] = static_cast<uint16_t>(level);
   }
-  return STATUS_OK;
 }
 
 // Results of bytes are limited, not cut to their low bits.
-void LimitToBytes(WorkArray<uint16_t>* table) {
-  for (size_t level = 0; level < LEVELS_U8; level++) {
-    const auto entry = static_cast<int16_t>((*table)[level]);
-    (*table)[level] = static_cast<uint16_t>(Clamped(entry, 0, UINT8_MAX));
+void LimitToBytes(uint16_t* entries) {
+  for (int32_t level = 0; level < LEVELS_U8; level++) {
+    const auto entry = static_cast<int16_t>(entries[level]);
+    entries[level] = static_cast<uint16_t>(Clamped(entry, 0, UINT8_MAX));
   }
 }
 
@@ -67,15 +64,15 @@ Status UserLookup(ImageRef source, ImageRef mask, ImageRef destination, int32_t 
   Operands operands;
   LookupCheck(source, mask, destination, &TypeIsInteger, &operands);
   if (operands.HasFailed()) return operands.status();
-  const bool isBytes = operands.source().type == IMAGE_U8;
-  WorkArray<uint16_t> table;
-  const Status status =
-      TableOfArray(arrayType, array, count, isBytes ? LEVELS_U8 : LEVELS_I16, &table);
+  const int32_t type = operands.source().type;
+  LevelTable table;
+  const Status status = table.Create(type);
   if (status != STATUS_OK) return status;
-  if (isBytes) LimitToBytes(&table);
+  TableOfArray(arrayType, array, count, &table);
+  if (type == IMAGE_U8) LimitToBytes(table.entries());
 
   const PointViews views = LookupSettle(&operands);
-  LookupApply(views, table.data());
+  LookupApply(views, table.entries());
   return operands.status();
 }
 

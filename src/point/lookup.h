@@ -2,6 +2,7 @@
 // table.
 #pragma once
 
+#include "core/heap.h"
 #include "core/numbers.h"
 #include "engine/operands.h"
 #include "engine/point.h"
@@ -17,6 +18,23 @@ void LookupCheck(ImageRef source, ImageRef mask, ImageRef destination, TypeTest 
 // a mask leaves some unselected. A destination that is the mask itself is replaced at the end of
 // the operands' life. The views are empty after a failure and where there is nothing to map.
 PointViews LookupSettle(Operands* operands);
+
+// A table of all levels of an integer type, for U8 without a block from the heap. Made before the
+// destination is settled; its entries are 0 then.
+class LevelTable {
+ public:
+  Status Create(int32_t type) {
+    isWords_ = type == IMAGE_I16;
+    return !isWords_ || words_.AllocateZeroed(LEVELS_I16) ? STATUS_OK : STATUS_MEMORY_FULL;
+  }
+  int32_t levels() const { return isWords_ ? LEVELS_I16 : LEVELS_U8; }
+  uint16_t* entries() { return isWords_ ? words_.data() : bytes_; }
+
+ private:
+  bool isWords_ = false;
+  uint16_t bytes_[LEVELS_U8] = {};
+  WorkArray<uint16_t> words_;
+};
 
 // What the computed tables stretch between: the limits of the results, 0 and 255 for U8 and the
 // extremes of the selected pixels for other types, and the range of pixel values, brought within

@@ -2,7 +2,6 @@
 #include <cmath>
 #include <limits>
 
-#include "core/heap.h"
 #include "point/lookup.h"
 
 namespace zel {
@@ -178,19 +177,16 @@ LevelLaw LevelLawOf(const MathLaw& law, const LookupLimits& limits) {
   return levels;
 }
 
-void LevelsMapU8(const PointViews& views, const LevelLaw& levels) {
-  uint16_t table[LEVELS_U8];
+void LawIntoBytes(const LevelLaw& levels, uint16_t* table) {
   for (int32_t level = 0; level < LEVELS_U8; level++) table[level] = levels.Entry(level);
-  LookupApply(views, table);
 }
 
 // The law is worked out for levels that can occur: those between the extremes, or those of the
 // pixels where these are fewer. All entries of the table are 0 before.
-void LevelsMapI16(const PointViews& views, const LevelLaw& levels, const LookupLimits& limits,
+void LawIntoWords(const LevelLaw& levels, const LookupLimits& limits, const PixelView& source,
                   uint16_t* table) {
   const auto lowest = static_cast<int64_t>(limits.low);
   const auto highest = static_cast<int64_t>(limits.high);
-  const PixelView& source = views.first;
   if (int64_t{source.width} * source.height < highest - lowest) {
     for (int64_t y = 0; y < source.height; y++) {
       const auto* row = source.Row<const int16_t>(y);
@@ -203,7 +199,6 @@ void LevelsMapI16(const PointViews& views, const LevelLaw& levels, const LookupL
       table[static_cast<uint16_t>(level)] = levels.Entry(level);
     }
   }
-  LookupApply(views, table);
 }
 
 struct FloatLaw {
@@ -236,8 +231,9 @@ Status MathLookup(ImageRef source, ImageRef mask, ImageRef destination, int32_t 
   LookupCheck(source, mask, destination, &TypeIsScalar, &operands);
   if (operands.HasFailed()) return operands.status();
   const int32_t type = operands.source().type;
-  WorkArray<uint16_t> table;
-  if (type == IMAGE_I16 && !table.AllocateZeroed(LEVELS_I16)) return STATUS_MEMORY_FULL;
+  LevelTable table;
+  const Status status = table.Create(type);
+  if (status != STATUS_OK) return status;
 
   const PointViews views = LookupSettle(&operands);
   if (views.result.IsEmpty()) return operands.status();
@@ -245,14 +241,16 @@ Status MathLookup(ImageRef source, ImageRef mask, ImageRef destination, int32_t 
   const MathLaw law = LawOf(operation, x, limits);
   if (type == IMAGE_SGL) {
     PointWalk(views, &LawOverFloats, FloatLaw{law, limits});
-  } else if (!limits.IsEmpty()) {
-    const LevelLaw levels = LevelLawOf(law, limits);
-    if (type == IMAGE_U8) {
-      LevelsMapU8(views, levels);
-    } else {
-      LevelsMapI16(views, levels, limits, table.data());
-    }
+    return STATUS_OK;
   }
+  if (limits.IsEmpty()) return STATUS_OK;
+  const LevelLaw levels = LevelLawOf(law, limits);
+  if (type == IMAGE_U8) {
+    LawIntoBytes(levels, table.entries());
+  } else {
+    LawIntoWords(levels, limits, views.first, table.entries());
+  }
+  LookupApply(views, table.entries());
   return STATUS_OK;
 }
 

@@ -1,7 +1,6 @@
 // Thresholds with given ranges: one range, and several classes.
 #include <type_traits>
 
-#include "core/heap.h"
 #include "point/lookup.h"
 #include "point/threshold_rows.h"
 
@@ -63,51 +62,51 @@ void TableOfClasses(const ThresholdClass* classes, int32_t count, uint16_t* tabl
   }
 }
 
-// What several classes make of pixels, prepared before the destination is settled.
-struct Classes {
-  const ThresholdClass* given;
-  int32_t count;
-  WorkArray<uint16_t> table;  // of all levels, where integers go by one
+// Whether the classes go into a table of levels, or are compared with each pixel.
+bool ClassesGoByTable(int32_t type, int32_t count) {
+  return type == IMAGE_U8 || (type == IMAGE_I16 && count > COMPARED_CLASSES);
+}
 
-  bool AreCompared() const { return count <= COMPARED_CLASSES; }
-};
-
-Status ClassesPrepare(int32_t type, Classes* classes) {
-  if (type == IMAGE_SGL || (type == IMAGE_I16 && classes->AreCompared())) return STATUS_OK;
-  const bool isBytes = type == IMAGE_U8;
-  if (!classes->table.AllocateZeroed(isBytes ? LEVELS_U8 : LEVELS_I16)) return STATUS_MEMORY_FULL;
-  (isBytes ? &TableOfClasses<uint8_t> : &TableOfClasses<int16_t>)(classes->given, classes->count,
-                                                                  classes->table.data());
+Status TableOfClasses(int32_t type, const ThresholdClass* classes, int32_t count,
+                      LevelTable* table) {
+  const Status status = table->Create(type);
+  if (status != STATUS_OK) return status;
+  if (type == IMAGE_U8) {
+    TableOfClasses<uint8_t>(classes, count, table->entries());
+  } else {
+    TableOfClasses<int16_t>(classes, count, table->entries());
+  }
   return STATUS_OK;
 }
 
-void CompareWithClasses(const PointViews& views, const Classes& classes) {
+void CompareWithClasses(const PointViews& views, const ThresholdClass* classes, int32_t count) {
   ThresholdRange<int16_t> ranges[COMPARED_CLASSES];
-  for (int32_t c = 0; c < classes.count; c++) ranges[c] = IntegerRange<int16_t>(classes.given[c]);
-  PointWalk(views, thresholdRows().rangesI16, WordRanges{ranges, classes.count});
+  for (int32_t c = 0; c < count; c++) ranges[c] = IntegerRange<int16_t>(classes[c]);
+  PointWalk(views, thresholdRows().rangesI16, WordRanges{ranges, count});
 }
 
-Status MultiThreshold(ImageRef source, ImageRef destination, const ThresholdClass* given,
+// Without any class a destination that is given takes the source's pixels.
+Status MultiThreshold(ImageRef source, ImageRef destination, const ThresholdClass* classes,
                       int32_t count) {
   Operands operands;
   ThresholdCheck(source, destination, &operands);
   if (operands.HasFailed()) return operands.status();
   const int32_t type = operands.source().type;
-  Classes classes{.given = given, .count = count, .table = {}};
-  if (count > 0) {
-    const Status status = ClassesPrepare(type, &classes);
-    if (status != STATUS_OK) return status;
-  }
+  LevelTable table;
+  const bool byTable = ClassesGoByTable(type, count);
+  const Status status = byTable ? TableOfClasses(type, classes, count, &table) : STATUS_OK;
+  if (status != STATUS_OK) return status;
+
   const PointViews views = LookupSettle(&operands);
   if (operands.HasFailed()) return operands.status();
   if (count < 1) {
     operands.TakePixels();
-  } else if (type == IMAGE_SGL) {
-    PointWalk(views, thresholdRows().classesSgl, FloatClasses{given, count});
-  } else if (type == IMAGE_I16 && classes.AreCompared()) {
-    CompareWithClasses(views, classes);
+  } else if (byTable) {
+    LookupApply(views, table.entries());
+  } else if (type == IMAGE_I16) {
+    CompareWithClasses(views, classes, count);
   } else {
-    LookupApply(views, classes.table.data());
+    PointWalk(views, thresholdRows().classesSgl, FloatClasses{classes, count});
   }
   return operands.status();
 }

@@ -25,10 +25,9 @@ class FloatSums {
       LaneMasks largest{};
 #pragma GCC unroll 2
       for (int32_t x = 0; x < SUM_BLOCK; x += DOUBLE_LANES) {
-        Lanes pixel;
-        Load(pixels + x, &pixel);
+        const auto pixel = Load<Lanes>(pixels + x);
         LaneMasks mask{};
-        if constexpr (MASKED) Load(keep + x, &mask);
+        if constexpr (MASKED) mask = Load<LaneMasks>(keep + x);
         const Lanes low = !MASKED || mask != 0 ? pixel : none;
         const Lanes high = !MASKED || mask != 0 ? pixel : -none;
         min_ = low < min_ ? low : min_;

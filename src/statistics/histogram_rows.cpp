@@ -90,13 +90,12 @@ ZEL_INLINE void ClassesOfBlock(const T* pixels, const ClassMap& map, uint16_t* c
   const auto scale = static_cast<double>(map.scale);
   const auto offset = static_cast<double>(map.offset);
   for (int32_t x = 0; x < CLASS_BLOCK; x += DOUBLE_LANES) {
-    Doubles value;
-    Load(positions + x, &value);
+    const auto value = Load<Doubles>(positions + x);
     Doubles position = (value - map.min) * scale + offset;
     position = position > 0.0 ? position : Doubles{};  // NaN too
     position = position < last ? position : last;
     RoundPositions(&position);
-    Store(&position, positions + x);
+    Store(positions + x, position);
   }
   alignas(VECTOR_BYTES) int32_t numbers[CLASS_BLOCK];
   for (int32_t x = 0; x < CLASS_BLOCK; x++) numbers[x] = static_cast<int32_t>(positions[x]);

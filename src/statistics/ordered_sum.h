@@ -8,7 +8,7 @@
 // way: such blocks are to be added plainly.
 #pragma once
 
-#include "statistics/vectors.h"
+#include "engine/vectors.h"
 
 namespace zel::ZEL_LEVEL {
 namespace {

@@ -61,10 +61,8 @@ void ExtremesOfFloats(const void* row, const uint8_t* mask, int32_t width, float
     Floats moreLows = lows;
     Floats moreHighs = highs;
     for (; x + 2 * FLOAT_LANES <= width; x += 2 * FLOAT_LANES) {
-      Floats first;
-      Floats second;
-      Load(pixels + x, &first);
-      Load(pixels + x + FLOAT_LANES, &second);
+      const auto first = Load<Floats>(pixels + x);
+      const auto second = Load<Floats>(pixels + x + FLOAT_LANES);
       lows = first < lows ? first : lows;  // NaN is passed over
       highs = first > highs ? first : highs;
       moreLows = second < moreLows ? second : moreLows;

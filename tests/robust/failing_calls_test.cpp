@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "core/heap.h"
-#include "tests/support/memory_files.h"
-#include "tests/support/test_image.h"
+#include "harness/memory_files.h"
+#include "harness/test_image.h"
 
 namespace {
 
@@ -136,28 +136,27 @@ TEST(Destinations, OfMaskedResultsThatCannotBeResizedAreAsTheyWere) {
   EXPECT_TRUE(HasSize(mask, 5, 5));
 }
 
-TEST(Destinations, ThatLackATableHaveSizeAndCalibration) {
+TEST(Destinations, ThatLackATableAreUntouched) {
   const TestImage source = Marked(IMAGE_I16, 9, 5, 1);
   const TestImage mask(IMAGE_U8, 4, 4);
+  const TestImage destination = Marked(IMAGE_I16, 3, 3, 2);
+  const std::vector<uint8_t> sourceBefore = source.Block();
+  const std::vector<uint8_t> before = destination.Block();
   const int16_t table[2] = {1, 0};
   const ThresholdClass classes[17] = {};
-  for (const bool masked : {false, true}) {
-    const TestImage destination = Marked(IMAGE_I16, 3, 3, 2);
-    const SmallBlocksOnly noMemory;
-    EXPECT_EQ(ZEL_UserLookup(source, masked ? ImageRef{mask} : 0, destination, ARRAY_I16, table, 2),
-              ZEL_ERR_MEMORY_FULL);
-    EXPECT_TRUE(IsCalibratedAs(destination, 1) && HasSize(destination, 9, 5));
-    if (masked) {
-      EXPECT_EQ(test::PixelDifference(destination, source), "");
-    }
-  }
-  const TestImage destination = Marked(IMAGE_I16, 3, 3, 2);
-  const std::vector<uint8_t> before = source.Block();
   const SmallBlocksOnly noMemory;
-  EXPECT_EQ(ZEL_MultiThreshold(source, destination, 17, classes), ZEL_ERR_MEMORY_FULL);
-  EXPECT_TRUE(IsCalibratedAs(destination, 1) && HasSize(destination, 9, 5));
-  EXPECT_EQ(ZEL_MathLookup(source, 0, 0, MATH_SQRT, 0, 0, 0), ZEL_ERR_MEMORY_FULL);
-  EXPECT_EQ(source.Block(), before);
+  const auto expectUntouched = [&](int32_t result) {
+    EXPECT_EQ(result, ZEL_ERR_MEMORY_FULL);
+    EXPECT_TRUE(IsCalibratedAs(destination, 2) && HasSize(destination, 3, 3));
+    EXPECT_EQ(destination.Block(), before);
+    EXPECT_EQ(source.Block(), sourceBefore);
+  };
+  for (const ImageRef over : {ImageRef{0}, ImageRef{mask}}) {
+    expectUntouched(ZEL_UserLookup(source, over, destination, ARRAY_I16, table, 2));
+    expectUntouched(ZEL_MathLookup(source, over, destination, MATH_SQRT, 0, 0, 0));
+    expectUntouched(ZEL_MathLookup(source, over, 0, MATH_SQRT, 0, 0, 0));
+  }
+  expectUntouched(ZEL_MultiThreshold(source, destination, 17, classes));
 }
 
 TEST(Casts, ThatFailLeaveTheImageAndThatSucceedClearItsBorder) {

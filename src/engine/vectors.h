@@ -1,0 +1,238 @@
+// For row sources only: vectors as wide as the registers of the processor level, and the verbs that
+// plain loops and vector expressions do not compile to: saturating sums, high halves of products,
+// sums of neighbours, packing, reciprocals. What can be written as an expression over vectors is
+// written so, once, for all levels.
+//
+// The build defines ZEL_VECTORS for the levels whose instructions may be used by name; the verbs
+// are there at these only. ZEL_WIDE_VECTORS: the verbs of x86-64-v3 are there too.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+
+#include "core/numbers.h"
+
+#if defined(ZEL_LEVEL_v3) || defined(ZEL_LEVEL_v4)
+#define ZEL_WIDE_VECTORS 1
+#endif
+#if defined(ZEL_VECTORS)
+#include <immintrin.h>
+#endif
+
+namespace zel::ZEL_LEVEL {
+namespace {
+
+#if defined(ZEL_LEVEL_v4)
+constexpr int32_t VECTOR_BYTES = 64;
+#elif defined(ZEL_LEVEL_v3)
+constexpr int32_t VECTOR_BYTES = 32;
+#else
+constexpr int32_t VECTOR_BYTES = 16;
+#endif
+
+using Bytes = uint8_t __attribute__((vector_size(VECTOR_BYTES)));
+using Words = int16_t __attribute__((vector_size(VECTOR_BYTES)));
+using UnsignedWords = uint16_t __attribute__((vector_size(VECTOR_BYTES)));
+using Ints = int32_t __attribute__((vector_size(VECTOR_BYTES)));
+using Floats = float __attribute__((vector_size(VECTOR_BYTES)));
+using Doubles = double __attribute__((vector_size(VECTOR_BYTES)));
+using DoubleMasks = int64_t __attribute__((vector_size(VECTOR_BYTES)));
+
+constexpr int32_t FLOAT_LANES = VECTOR_BYTES / 4;
+constexpr int32_t DOUBLE_LANES = VECTOR_BYTES / 8;
+
+template <class V>
+ZEL_INLINE V Load(const void* from) {
+  V vector;
+  std::memcpy(&vector, from, sizeof(V));
+  return vector;
+}
+template <class V>
+ZEL_INLINE void Store(void* to, V vector) {
+  std::memcpy(to, &vector, sizeof(V));
+}
+
+#if defined(ZEL_VECTORS)
+
+// ---- the verbs, level by level: the same list in each
+
+#if defined(ZEL_LEVEL_v4)
+
+// The forms with a mask, where there are any: those without one start from an undefined register,
+// which compilers warn of.
+constexpr __mmask16 ALL_LANES = 0xFFFF;
+
+ZEL_INLINE __m512i Of(Bytes v) {
+  return (__m512i)v;
+}
+ZEL_INLINE __m512i Of(Words v) {
+  return (__m512i)v;
+}
+ZEL_INLINE __m512i Of(UnsignedWords v) {
+  return (__m512i)v;
+}
+ZEL_INLINE __m512i Of(Ints v) {
+  return (__m512i)v;
+}
+ZEL_INLINE __m512i InOrder(__m512i packed) {
+  return _mm512_maskz_permutexvar_epi64(0xFF, _mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), packed);
+}
+
+ZEL_INLINE Bytes AddSaturated(Bytes a, Bytes b) {
+  return (Bytes)_mm512_adds_epu8(Of(a), Of(b));
+}
+ZEL_INLINE Words AddSaturated(Words a, Words b) {
+  return (Words)_mm512_adds_epi16(Of(a), Of(b));
+}
+ZEL_INLINE Bytes SubtractSaturated(Bytes a, Bytes b) {
+  return (Bytes)_mm512_subs_epu8(Of(a), Of(b));
+}
+ZEL_INLINE Words SubtractSaturated(Words a, Words b) {
+  return (Words)_mm512_subs_epi16(Of(a), Of(b));
+}
+ZEL_INLINE Words PackSaturated(Ints a, Ints b) {
+  return (Words)InOrder(_mm512_packs_epi32(Of(a), Of(b)));
+}
+ZEL_INLINE Bytes PackSaturated(Words a, Words b) {
+  return (Bytes)InOrder(_mm512_packus_epi16(Of(a), Of(b)));
+}
+ZEL_INLINE UnsignedWords HighProducts(UnsignedWords a, UnsignedWords b) {
+  return (UnsignedWords)_mm512_mulhi_epu16(Of(a), Of(b));
+}
+ZEL_INLINE Words ProductsSaturated(Words a, Words b) {
+  const __m512i low = _mm512_mullo_epi16(Of(a), Of(b));
+  const __m512i high = _mm512_mulhi_epi16(Of(a), Of(b));
+  return (Words)_mm512_packs_epi32(_mm512_unpacklo_epi16(low, high),
+                                   _mm512_unpackhi_epi16(low, high));
+}
+ZEL_INLINE Words PairSums(Bytes a, Bytes weights) {
+  return (Words)_mm512_maddubs_epi16(Of(a), Of(weights));
+}
+ZEL_INLINE Ints PairSums(Words a, Words weights) {
+  return (Ints)_mm512_madd_epi16(Of(a), Of(weights));
+}
+ZEL_INLINE Ints WidenBytes(const uint8_t* from) {
+  return (Ints)_mm512_maskz_cvtepu8_epi32(ALL_LANES, Load<__m128i>(from));
+}
+ZEL_INLINE Floats ReciprocalEstimate(Floats v) {
+  return (Floats)_mm512_maskz_rcp14_ps(ALL_LANES, (__m512)v);
+}
+ZEL_INLINE Ints Truncate(Floats v) {
+  return (Ints)_mm512_maskz_cvttps_epi32(ALL_LANES, (__m512)v);
+}
+
+#elif defined(ZEL_LEVEL_v3)
+
+ZEL_INLINE __m256i Of(Bytes v) {
+  return (__m256i)v;
+}
+ZEL_INLINE __m256i Of(Words v) {
+  return (__m256i)v;
+}
+ZEL_INLINE __m256i Of(UnsignedWords v) {
+  return (__m256i)v;
+}
+ZEL_INLINE __m256i Of(Ints v) {
+  return (__m256i)v;
+}
+ZEL_INLINE __m256i InOrder(__m256i packed) {
+  return _mm256_permute4x64_epi64(packed, 0xD8);
+}
+
+ZEL_INLINE Bytes AddSaturated(Bytes a, Bytes b) {
+  return (Bytes)_mm256_adds_epu8(Of(a), Of(b));
+}
+ZEL_INLINE Words AddSaturated(Words a, Words b) {
+  return (Words)_mm256_adds_epi16(Of(a), Of(b));
+}
+ZEL_INLINE Bytes SubtractSaturated(Bytes a, Bytes b) {
+  return (Bytes)_mm256_subs_epu8(Of(a), Of(b));
+}
+ZEL_INLINE Words SubtractSaturated(Words a, Words b) {
+  return (Words)_mm256_subs_epi16(Of(a), Of(b));
+}
+ZEL_INLINE Words PackSaturated(Ints a, Ints b) {
+  return (Words)InOrder(_mm256_packs_epi32(Of(a), Of(b)));
+}
+ZEL_INLINE Bytes PackSaturated(Words a, Words b) {
+  return (Bytes)InOrder(_mm256_packus_epi16(Of(a), Of(b)));
+}
+ZEL_INLINE UnsignedWords HighProducts(UnsignedWords a, UnsignedWords b) {
+  return (UnsignedWords)_mm256_mulhi_epu16(Of(a), Of(b));
+}
+ZEL_INLINE Words ProductsSaturated(Words a, Words b) {
+  const __m256i low = _mm256_mullo_epi16(Of(a), Of(b));
+  const __m256i high = _mm256_mulhi_epi16(Of(a), Of(b));
+  return (Words)_mm256_packs_epi32(_mm256_unpacklo_epi16(low, high),
+                                   _mm256_unpackhi_epi16(low, high));
+}
+ZEL_INLINE Words PairSums(Bytes a, Bytes weights) {
+  return (Words)_mm256_maddubs_epi16(Of(a), Of(weights));
+}
+ZEL_INLINE Ints PairSums(Words a, Words weights) {
+  return (Ints)_mm256_madd_epi16(Of(a), Of(weights));
+}
+ZEL_INLINE Ints WidenBytes(const uint8_t* from) {
+  return (Ints)_mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(from)));
+}
+ZEL_INLINE Floats ReciprocalEstimate(Floats v) {
+  return (Floats)_mm256_rcp_ps((__m256)v);
+}
+ZEL_INLINE Ints Truncate(Floats v) {
+  return (Ints)_mm256_cvttps_epi32((__m256)v);
+}
+
+#else
+
+ZEL_INLINE __m128i Of(Bytes v) {
+  return (__m128i)v;
+}
+ZEL_INLINE __m128i Of(Words v) {
+  return (__m128i)v;
+}
+ZEL_INLINE __m128i Of(Ints v) {
+  return (__m128i)v;
+}
+
+ZEL_INLINE Bytes AddSaturated(Bytes a, Bytes b) {
+  return (Bytes)_mm_adds_epu8(Of(a), Of(b));
+}
+ZEL_INLINE Words AddSaturated(Words a, Words b) {
+  return (Words)_mm_adds_epi16(Of(a), Of(b));
+}
+ZEL_INLINE Bytes SubtractSaturated(Bytes a, Bytes b) {
+  return (Bytes)_mm_subs_epu8(Of(a), Of(b));
+}
+ZEL_INLINE Words SubtractSaturated(Words a, Words b) {
+  return (Words)_mm_subs_epi16(Of(a), Of(b));
+}
+ZEL_INLINE Words PackSaturated(Ints a, Ints b) {
+  return (Words)_mm_packs_epi32(Of(a), Of(b));
+}
+ZEL_INLINE Bytes PackSaturated(Words a, Words b) {
+  return (Bytes)_mm_packus_epi16(Of(a), Of(b));
+}
+ZEL_INLINE Words ProductsSaturated(Words a, Words b) {
+  const __m128i low = _mm_mullo_epi16(Of(a), Of(b));
+  const __m128i high = _mm_mulhi_epi16(Of(a), Of(b));
+  return (Words)_mm_packs_epi32(_mm_unpacklo_epi16(low, high), _mm_unpackhi_epi16(low, high));
+}
+ZEL_INLINE Ints WidenBytes(const uint8_t* from) {
+  int32_t bytes;
+  std::memcpy(&bytes, from, sizeof bytes);
+  const __m128i words = _mm_unpacklo_epi8(_mm_cvtsi32_si128(bytes), _mm_setzero_si128());
+  return (Ints)_mm_unpacklo_epi16(words, _mm_setzero_si128());
+}
+ZEL_INLINE Floats ReciprocalEstimate(Floats v) {
+  return (Floats)_mm_rcp_ps((__m128)v);
+}
+ZEL_INLINE Ints Truncate(Floats v) {
+  return (Ints)_mm_cvttps_epi32((__m128)v);
+}
+
+#endif
+
+#endif  // ZEL_VECTORS
+
+}  // namespace
+}  // namespace zel::ZEL_LEVEL
