@@ -26,32 +26,46 @@ void ToDepth(Mats& m) {
 
 template <int depth>
 void MeanOfColours(Mats& m) {
-  cv::transform(m.a, m.to, cv::Matx14f(1 / 3.0f, 1 / 3.0f, 1 / 3.0f, 0));
-  if (depth != CV_8U) m.to.convertTo(m.to, depth);
+  cv::Mat& mean = depth == CV_8U ? m.to : m.scratch[0];
+  cv::transform(m.a, mean, cv::Matx14f(1 / 3.0f, 1 / 3.0f, 1 / 3.0f, 0));
+  if (depth != CV_8U) mean.convertTo(m.to, depth);
 }
 
 void ToColour(Mats& m) {
-  cv::Mat grey;
-  m.a.convertTo(grey, CV_8U);
-  cv::cvtColor(grey, m.to, cv::COLOR_GRAY2BGRA);
+  m.a.convertTo(m.scratch[0], CV_8U);
+  cv::cvtColor(m.scratch[0], m.to, cv::COLOR_GRAY2BGRA);
+}
+
+int32_t MakeZeros(Images&, Mats& m) {
+  m.scratch[1] = cv::Mat::zeros(m.a.size(), CV_32F);
+  return 0;
 }
 
 void ToComplex(Mats& m) {
-  cv::Mat real = m.a;
-  if (m.a.depth() != CV_32F) m.a.convertTo(real, CV_32F);
-  cv::merge(std::vector<cv::Mat>{real, cv::Mat::zeros(m.a.size(), CV_32F)}, m.to);
+  if (m.a.depth() == CV_32F) {
+    m.scratch[0] = m.a;
+  } else {
+    m.a.convertTo(m.scratch[0], CV_32F);
+  }
+  cv::merge(m.scratch.data(), 2, m.to);
 }
 
 template <int depth>
 void Magnitude(Mats& m) {
-  std::vector<cv::Mat> parts;
-  cv::split(m.a, parts);
-  cv::magnitude(parts[0], parts[1], m.to);
-  if (depth != CV_32F) m.to.convertTo(m.to, depth);
+  cv::Mat& magnitude = depth == CV_32F ? m.to : m.scratch[2];
+  cv::split(m.a, m.scratch.data());
+  cv::magnitude(m.scratch[0], m.scratch[1], magnitude);
+  if (depth != CV_32F) magnitude.convertTo(m.to, depth);
 }
 
 bench::Pair Cast(const char* name, int32_t from, int32_t to, void (*theirs)(Mats&)) {
   return {.operation = name, .kinds = {{from}}, .result = to, .ours = Convert, .theirs = theirs};
+}
+
+bench::Pair CastToComplex(const char* name, int32_t from) {
+  bench::Pair pair = Cast(name, from, IMAGE_COMPLEX, ToComplex);
+  pair.prepare = MakeZeros;
+  return pair;
 }
 
 std::vector<float> Squares() {
@@ -86,8 +100,8 @@ const std::vector<bench::Pair> PAIRS = {
     Cast("rgb_to_sgl", IMAGE_RGB, IMAGE_SGL, MeanOfColours<CV_32F>),
     Cast("i16_to_rgb", IMAGE_I16, IMAGE_RGB, ToColour),
     Cast("sgl_to_rgb", IMAGE_SGL, IMAGE_RGB, ToColour),
-    Cast("u8_to_complex", IMAGE_U8, IMAGE_COMPLEX, ToComplex),
-    Cast("sgl_to_complex", IMAGE_SGL, IMAGE_COMPLEX, ToComplex),
+    CastToComplex("u8_to_complex", IMAGE_U8),
+    CastToComplex("sgl_to_complex", IMAGE_SGL),
     Cast("complex_to_u8", IMAGE_COMPLEX, IMAGE_U8, Magnitude<CV_8U>),
     Cast("complex_to_sgl", IMAGE_COMPLEX, IMAGE_SGL, Magnitude<CV_32F>),
     {.operation = "shift_16_to_8",

@@ -82,7 +82,7 @@ void MulDiv(Mats& m) {
 }
 
 void KeepAbove(Mats& m) {
-  cv::Mat above;
+  cv::Mat& above = m.scratch[0];
   cv::compare(m.a, m.b, above, cv::CMP_GT);
   if (m.a.type() == CV_8U) {
     cv::bitwise_and(m.a, above, m.to);

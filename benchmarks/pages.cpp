@@ -94,9 +94,9 @@ a border of 8 pixels where nothing else is said; the peers' have none, as their 
 - Every call's status is looked at: one that fails ends the run.
 - Means are geometric, over all pairs whose peer is a library; plain loops are left out.
 
-`make bench` prints the table, `make bench-pages` measures everything and writes these pages. The
-program itself, `build/release/benchmarks/orlune_benchmark`, takes `--filter`, `--size`, `--level`
-and `--quick`; `--help` tells more.
+`make bench` prints a table of rough figures, `make bench-pages` measures everything and writes these
+pages and [run.csv](run.csv). The program itself, `build/release/benchmarks/orlune_benchmark`, takes
+`--filter`, `--size`, `--level` and `--quick`; `--help` tells more.
 
 )";
 

@@ -66,9 +66,7 @@ int32_t Particle(Images& i) {
 
 template <uint16_t connectivity>
 void PeerParticle(Mats& m) {
-  cv::Mat statistics;
-  cv::Mat centres;
-  cv::connectedComponentsWithStats(m.a, m.to, statistics, centres, NEIGHBOURS<connectivity>,
+  cv::connectedComponentsWithStats(m.a, m.to, m.scratch[0], m.scratch[1], NEIGHBOURS<connectivity>,
                                    CV_16U);
 }
 

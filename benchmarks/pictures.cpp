@@ -192,6 +192,7 @@ void Pictures::ClearAway() {
   images.array.clear();
   mats.to = cv::Mat();
   mats.other = cv::Mat();
+  mats.scratch = {};
   mats.own.reset();
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <any>
+#include <array>
 #include <cstdint>
 #include <opencv2/core.hpp>
 #include <string>
@@ -46,6 +47,7 @@ struct Images {
 // What the peer's call works on: the same pixels, without borders, as its users have them.
 struct Mats {
   cv::Mat a, b, mask, noise, to, other;
+  std::array<cv::Mat, 4> scratch;  // kept from call to call, as a program would
   std::string path;
   std::any own;  // what a peer needs that is no matrix
 };

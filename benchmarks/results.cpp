@@ -57,8 +57,10 @@ void PrintMeans(const Run& run) {
     const Mean one = MeanRatio(run.results, Column::OneThread, size);
     const Mean all = MeanRatio(run.results, Column::AllCores, size);
     if (one.pairs == 0) continue;
-    std::printf("geometric mean of %zu pairs at %s: %.2f on one thread, %.2f on all cores\n",
-                one.pairs, size.c_str(), one.ratio, all.ratio);
+    std::printf("geometric mean of %zu pairs at %s: %.2f on one thread", one.pairs, size.c_str(),
+                one.ratio);
+    if (all.pairs > 0) std::printf(", %.2f on all cores", all.ratio);
+    std::printf("\n");
   }
 }
 

@@ -9,6 +9,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "benchmarks/measure.h"
 #include "benchmarks/pages.h"
 
 namespace {
@@ -134,6 +135,14 @@ TEST(Pages, PageHasNotesRowsAndMeans) {
   EXPECT_NE(page.find("| 64x64 | 1 | 2.50 | 5.00 |\n"), std::string::npos) << page;
   EXPECT_NE(TextOf(folder.File("README.md")).find("[Made up](made_up.md) | 1 | 2.50 | 5.00 |"),
             std::string::npos);
+}
+
+TEST(Checks, CallThatFailsEndsTheProgramAndIsNamed) {
+  bench::Pair refused{.operation = "refused", .ours = [](bench::Images&) { return -101; }};
+  const bench::Family family{"made_up", "Made up", "", {}};
+  const bench::Case failing = {&family, &refused, {IMAGE_U8}, {64, 64}};
+  EXPECT_EXIT(bench::CheckAll({failing}), testing::ExitedWithCode(1),
+              "made_up/refused/u8/64x64: the call fails with -101");
 }
 
 TEST(Turns, SidesAlternateAndTheDearerOneShows) {
