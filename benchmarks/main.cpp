@@ -62,8 +62,8 @@ void Declare(CLI::App* app, Options* options) {
 }
 
 std::string Effort(const bench::Plan& plan) {
-  if (plan.quick) return "measured: a quick trial, " + std::to_string(plan.rounds) + " round(s)";
-  return "measured: in full, " + std::to_string(plan.rounds) + " rounds";
+  return std::string("measured: ") + (plan.quick ? "a quick trial" : "in full") +
+         ", processes for each column: " + std::to_string(plan.rounds);
 }
 
 // Wall times of such cases are too long, and those of the slower side most.

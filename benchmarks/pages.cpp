@@ -22,14 +22,6 @@ std::string TimeText(double nanoseconds) {
   return nanoseconds == 0 ? "" : Number(nanoseconds, nanoseconds < 10 ? 4 : 1);
 }
 
-std::string RatioText(const Times& times) {
-  const double ratio = Ratio(times);
-  if (ratio == 0) return "";
-  std::string text = Number(ratio, 2);
-  if (times.disturbed) text.insert(0, 1, '(').append(1, ')');
-  return text;
-}
-
 std::string MeanText(const Mean& mean) {
   return mean.pairs == 0 ? "" : Number(mean.ratio, 2);
 }

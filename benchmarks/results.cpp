@@ -89,6 +89,14 @@ double Ratio(const Times& times) {
   return times.ours > 0 ? times.theirs / times.ours : 0;
 }
 
+std::string RatioText(const Times& times) {
+  const double ratio = Ratio(times);
+  if (ratio == 0) return "";
+  char text[32];
+  std::snprintf(text, sizeof(text), times.disturbed ? "(%.2f)" : "%.2f", ratio);
+  return text;
+}
+
 Mean MeanRatio(const std::vector<Result>& results, Column column, const std::string& size) {
   Mean mean;
   double logarithms = 0;
@@ -124,8 +132,8 @@ void Print(const Run& run) {
     const Times& times = result.oneThread;
     std::printf("%-52s %12.0f %9.4f", name.c_str(), times.ours, times.ours / result.pixels);
     if (!result.peer.empty()) {
-      std::printf("  %-10s %9.4f %7.2f %9.2f", result.peer.c_str(), times.theirs / result.pixels,
-                  Ratio(times), Ratio(result.allCores));
+      std::printf("  %-10s %9.4f %7.2f %9s", result.peer.c_str(), times.theirs / result.pixels,
+                  Ratio(times), RatioText(result.allCores).c_str());
     }
     std::printf("\n");
   }

@@ -40,6 +40,9 @@ void Merge(const Times& times, Times* least);
 // How many times as fast as the peer; 0 without one.
 double Ratio(const Times& times);
 
+// The ratio to two decimals, in parentheses if it was disturbed.
+std::string RatioText(const Times& times);
+
 // Geometric mean of the ratios beside libraries at a size (all sizes if it is empty), disturbed
 // ones left out.
 struct Mean {

@@ -73,6 +73,12 @@ TEST(Results, MeanLeavesDisturbedTimesOut) {
   EXPECT_EQ(bench::MeanRatio(results, Column::OneThread, "").pairs, 2u);
 }
 
+TEST(Results, DisturbedRatioStandsInParentheses) {
+  EXPECT_EQ(bench::RatioText({10, 25, false}), "2.50");
+  EXPECT_EQ(bench::RatioText({10, 25, true}), "(2.50)");
+  EXPECT_EQ(bench::RatioText({10, 0, false}), "");
+}
+
 TEST(Results, MergeKeepsTheSmallerTimeOfEachSide) {
   bench::Times least;
   bench::Merge({10, 30, true}, &least);
