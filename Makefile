@@ -1,11 +1,12 @@
 # Commands for people. Each sets up what it needs; the work is in tools/ and the CMake presets.
-.PHONY: help demo test asan bench check-format tidy fuzz clean
+.PHONY: help demo test asan bench bench-pages benchmark check-format tidy fuzz clean
 
 help:
 	@echo "make demo          make scenes, inspect them, show the particles and the annotated pictures"
 	@echo "make test          build and run all tests"
 	@echo "make asan          the same under the address and undefined-behaviour sanitizers"
-	@echo "make bench         run the benchmarks beside their peers"
+	@echo "make bench         run the benchmarks beside their peers, roughly"
+	@echo "make bench-pages   run them in full and write docs/benchmarks from the results"
 	@echo "make check-format  check the layout of the sources"
 	@echo "make tidy          look for suspicious code"
 	@echo "make fuzz          run the fuzz targets for some seconds each"
@@ -20,11 +21,16 @@ test:
 asan:
 	@tools/test.sh asan
 
-bench:
+benchmark:
 	@tools/setup.sh --benchmarks
 	cmake --preset release -DPTK_BUILD_BENCHMARKS=ON
 	cmake --build --preset release --target orlune_benchmark
-	build/release/benchmarks/orlune_benchmark
+
+bench: benchmark
+	build/release/benchmarks/orlune_benchmark --quick
+
+bench-pages: benchmark
+	build/release/benchmarks/orlune_benchmark --out docs/benchmarks/run.csv --pages docs/benchmarks
 
 check-format:
 	@tools/setup.sh --check-tools

@@ -1,103 +1,91 @@
 // Lookups: tables of 256 and 65536 entries, mathematical laws, equalisation.
+#include <opencv2/imgproc.hpp>
 #include <vector>
 
 #include "benchmarks/pairs.h"
 
-#if defined(HAVE_OPENCV)
-#include <opencv2/imgproc.hpp>
-#endif
-
 namespace {
 
-using bench::Pair;
+using bench::Images;
+using bench::Mats;
+using bench::PLAIN_LOOP;
+using bench::SCALARS;
 
-// Entries without any order, so that no shorter way than a lookup does.
-std::vector<uint16_t> Table(uint32_t entries) {
-  std::vector<uint16_t> table(entries);
-  for (uint32_t i = 0; i < entries; i++) {
-    table[i] = static_cast<uint16_t>((i * 40503u + (i >> 5) * 17u) % entries);
-  }
+constexpr char NOTES[] = R"(
+The peers are `LUT` and `equalizeHist`. No peer has tables of 65536 entries or laws; beside the former
+stands the loop that a program would have. Tables have no order, so that nothing shorter than a lookup
+does.
+)";
+
+template <class T>
+const std::vector<T>& Table(uint32_t entries) {
+  static const std::vector<T> table = [entries] {
+    std::vector<T> values(entries);
+    for (uint32_t i = 0; i < entries; i++) {
+      values[i] = static_cast<T>((i * 40503u + (i >> 5) * 17u) % entries);
+    }
+    return values;
+  }();
   return table;
 }
 
-void RegisterTables(int32_t width, int32_t height) {
-  const ImageRef bytes = bench::MakeImage(IMAGE_U8, width, height);
-  const ImageRef mask = bench::MakeNoise(width, height, 0);
-  const ImageRef byteResult = bench::MakeDestination(IMAGE_U8);
-  const ImageRef words = bench::MakeImage(IMAGE_I16, width, height);
-  const ImageRef wordResult = bench::MakeDestination(IMAGE_I16);
-  static const std::vector<uint16_t> byteTable = Table(256);
-  static const std::vector<uint16_t> wordTable = Table(65536);
-  static const std::vector<uint8_t> byteEntries(byteTable.begin(), byteTable.end());
-  std::function<void()> theirLookup;
-#if defined(HAVE_OPENCV)
-  theirLookup = [from = bench::MatOf(bytes), to = cv::Mat(),
-                 table =
-                     cv::Mat(1, 256, CV_8UC1, const_cast<uint8_t*>(byteEntries.data()))]() mutable {
-    cv::LUT(from, table, to);
-  };
-#endif
-  Pair(
-      "lookup256", "u8", width, height, "opencv",
-      [=] { ZEL_UserLookup(bytes, 0, byteResult, ARRAY_U16, byteTable.data(), 256); }, theirLookup);
-  Pair(
-      "lookup256_byte_array", "u8", width, height, "opencv",
-      [=] { ZEL_UserLookup(bytes, 0, byteResult, ARRAY_U8, byteEntries.data(), 256); },
-      theirLookup);
-  Pair(
-      "lookup256_masked", "u8", width, height, "",
-      [=] { ZEL_UserLookup(bytes, mask, byteResult, ARRAY_U16, byteTable.data(), 256); }, nullptr);
-  // No peer has this; the bare loop is the one that everybody would write.
-  void* from = nullptr;
-  ImageInfo info{};
-  ZEL_GetPixelAddress(words, 0, 0, &from);
-  ZEL_GetImageInfo(words, &info);
-  const auto* pixels = static_cast<const uint16_t*>(from);
-  Pair(
-      "lookup65536", "i16", width, height, "plain loop",
-      [=] { ZEL_UserLookup(words, 0, wordResult, ARRAY_U16, wordTable.data(), 65536); },
-      [=, results = std::vector<uint16_t>(static_cast<size_t>(width) *
-                                          static_cast<size_t>(height))]() mutable {
-        for (int32_t y = 0; y < info.height; y++) {
-          const uint16_t* row = pixels + static_cast<int64_t>(y) * info.lineWidth;
-          uint16_t* to = results.data() + static_cast<int64_t>(y) * info.width;
-          for (int32_t x = 0; x < info.width; x++) to[x] = wordTable[row[x]];
-        }
-      });
+const uint8_t* Bytes() {
+  return Table<uint8_t>(256).data();
 }
 
-void RegisterComputed(int32_t width, int32_t height) {
-  for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
-    const ImageRef source = bench::MakeImage(type, width, height);
-    const ImageRef result = bench::MakeDestination(type);
-    const char* name = type == IMAGE_U8 ? "u8" : type == IMAGE_I16 ? "i16" : "f32";
-    std::function<void()> theirs;
-#if defined(HAVE_OPENCV)
-    if (type == IMAGE_U8) {
-      theirs = [from = bench::MatOf(source), to = cv::Mat()]() mutable {
-        cv::equalizeHist(from, to);
-      };
-    }
-#endif
-    Pair(
-        "equalize", name, width, height, "opencv",
-        [=] { ZEL_Equalize(source, 0, result, nullptr, 0, nullptr, 0.0f, 0.0f); }, theirs);
-    const char* laws[] = {"linear", "log", "exp", "square", "sqrt", "power", "root"};
-    for (int32_t law = 0; law < 7; law++) {
-      Pair(
-          std::string("lookup_math_") + laws[law], name, width, height, "",
-          [=] { ZEL_MathLookup(source, 0, result, law, 2.2f, 0.0f, 0.0f); }, nullptr);
-    }
+const uint16_t* Words() {
+  return Table<uint16_t>(65536).data();
+}
+
+void PeerTable(Mats& m) {
+  static const cv::Mat table(Table<uint8_t>(256), true);
+  cv::LUT(m.a, table, m.to);
+}
+
+void LoopOverWords(Mats& m) {
+  const uint16_t* table = Words();
+  m.to.create(m.a.size(), m.a.type());
+  for (int y = 0; y < m.a.rows; y++) {
+    const auto* from = m.a.ptr<uint16_t>(y);
+    auto* to = m.to.ptr<uint16_t>(y);
+    for (int x = 0; x < m.a.cols; x++) to[x] = table[from[x]];
   }
 }
 
-void RegisterAll() {
-  for (const auto& [width, height] : bench::SIZES) {
-    RegisterTables(width, height);
-    RegisterComputed(width, height);
-  }
+int32_t Equalize(Images& i) {
+  return ZEL_Equalize(i.a, 0, i.to, nullptr, 0, nullptr, 0.0f, 0.0f);
 }
 
-const bench::Family family(&RegisterAll);
+bench::Pair Law(const char* name, MathOperator law) {
+  return {.operation = std::string("law_") + name, .kinds = SCALARS, .ours = [law](Images& i) {
+            return ZEL_MathLookup(i.a, 0, i.to, law, 2.2f, 0, 0);
+          }};
+}
+
+const std::vector<bench::Pair> PAIRS = {
+    {.operation = "table_256",
+     .ours = [](Images& i) { return ZEL_UserLookup(i.a, 0, i.to, ARRAY_U8, Bytes(), 256); },
+     .theirs = PeerTable},
+    {.operation = "table_256_masked",
+     .ours = [](Images& i) { return ZEL_UserLookup(i.a, i.noise, i.to, ARRAY_U8, Bytes(), 256); }},
+    {.operation = "table_65536",
+     .kinds = {{IMAGE_I16}},
+     .ours = [](Images& i) { return ZEL_UserLookup(i.a, 0, i.to, ARRAY_U16, Words(), 65536); },
+     .peer = PLAIN_LOOP,
+     .theirs = LoopOverWords},
+    {.operation = "equalize",
+     .ours = Equalize,
+     .theirs = [](Mats& m) { cv::equalizeHist(m.a, m.to); }},
+    {.operation = "equalize", .kinds = {{IMAGE_I16}, {IMAGE_SGL}}, .ours = Equalize},
+    Law("linear", MATH_LINEAR),
+    Law("log", MATH_LOG),
+    Law("exp", MATH_EXP),
+    Law("square", MATH_SQUARE),
+    Law("sqrt", MATH_SQRT),
+    Law("power", MATH_POWERX),
+    Law("root", MATH_POWER1X),
+};
+
+const bench::Registration LOOKUPS({"lookups", "Lookups and equalisation", NOTES, PAIRS});
 
 }  // namespace

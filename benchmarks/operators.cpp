@@ -1,233 +1,222 @@
-// Operators between images and with constants, beside OpenCV or a plain loop; and memory copies of
-// as many bytes as operations touch, as the floor.
-#include <cmath>
+// Operators between images and with constants.
 #include <cstring>
-#include <memory>
-#include <string>
+#include <opencv2/imgproc.hpp>
 
 #include "benchmarks/pairs.h"
 
-#if defined(HAVE_OPENCV)
-#include <opencv2/imgproc.hpp>
-#endif
-
 namespace {
 
-const char* const TYPE_NAMES[] = {"u8", "i16", "sgl", "complex", "rgb"};
+using bench::Images;
+using bench::INTEGERS;
+using bench::Mats;
+using bench::PLAIN_LOOP;
+using bench::SCALARS;
 
-// A copy that reads and writes together as many bytes as an operation does with `bytes` a pixel.
-void RegisterFloor(int32_t width, int32_t height, int32_t bytes) {
-  const size_t size =
-      static_cast<size_t>(width) * static_cast<size_t>(height) * static_cast<size_t>(bytes) / 2;
-  const auto from = std::make_shared<std::vector<uint8_t>>(size, uint8_t{7});
-  const auto to = std::make_shared<std::vector<uint8_t>>(size, uint8_t{9});
-  bench::Pair(
-      "floor", std::to_string(bytes) + "_bytes", width, height, "",
-      [=] { std::memcpy(to->data(), from->data(), size); }, nullptr);
+constexpr char NOTES[] = R"(
+`modulo` and `muldiv` stand beside a plain loop, as no peer has them. OpenCV computes something else
+here and there: `divide` rounds and gives 0 for a divisor of 0, and `mean` is its weighted sum, which
+rounds. `keep_above` is its `compare` with `bitwise_and` or a masked copy, `mask` a masked copy into a
+cleared image.
+
+`memory_copy` is the floor: a copy that reads and writes together as many bytes a pixel as its name
+says. An operation on two U8 images touches 3, one with a constant 2.
+)";
+
+int32_t CopyBytes(Images& i) {
+  const size_t half = i.array.size() / 2;
+  std::memcpy(i.array.data(), i.array.data() + half, half);
+  return 0;
 }
 
-#if defined(HAVE_OPENCV)
+bench::Pair MemoryCopy(size_t bytes) {
+  return {.operation = "memory_copy_" + std::to_string(bytes),
+          .prepare =
+              [bytes](Images& i, Mats&) {
+                i.array.assign(static_cast<size_t>(bench::Area(i.size)) * bytes, 7);
+                return 0;
+              },
+          .ours = CopyBytes};
+}
 
-// Division as a plain program would write it: one pixel after the other.
-#define SCALAR_LOOP __attribute__((noinline, optimize("no-tree-vectorize")))
+int32_t CopyFirst(Images& i, Mats& m) {
+  m.a.copyTo(m.to);
+  return ZEL_Convert(i.a, i.to);
+}
 
-template <class T>
-SCALAR_LOOP void ScalarModulo(const cv::Mat& a, const cv::Mat& b, cv::Mat* to) {
-  for (int y = 0; y < a.rows; y++) {
-    const T* first = a.ptr<T>(y);
-    const T* second = b.ptr<T>(y);
-    T* result = to->ptr<T>(y);
-    for (int x = 0; x < a.cols; x++) {
-      result[x] = second[x] == 0 ? first[x] : static_cast<T>(first[x] % second[x]);
+// Calls the loop for the pixels' type.
+template <class Loop>
+void ForType(Mats& m, Loop loop) {
+  m.to.create(m.a.size(), m.a.type());
+  for (int y = 0; y < m.a.rows; y++) {
+    if (m.a.type() == CV_8U) {
+      loop(m.a.ptr<uint8_t>(y), m.b.ptr<uint8_t>(y), m.to.ptr<uint8_t>(y), m.a.cols);
+    } else {
+      loop(m.a.ptr<int16_t>(y), m.b.ptr<int16_t>(y), m.to.ptr<int16_t>(y), m.a.cols);
     }
   }
 }
 
-template <class T>
-SCALAR_LOOP void ScalarModulo(const cv::Mat& a, T divisor, cv::Mat* to) {
-  for (int y = 0; y < a.rows; y++) {
-    const T* first = a.ptr<T>(y);
-    T* result = to->ptr<T>(y);
-    for (int x = 0; x < a.cols; x++) result[x] = static_cast<T>(first[x] % divisor);
-  }
+void Modulo(Mats& m) {
+  ForType(m, []<class T>(const T* a, const T* b, T* to, int width) {
+    for (int x = 0; x < width; x++) to[x] = b[x] == 0 ? a[x] : static_cast<T>(a[x] % b[x]);
+  });
 }
 
-template <class T>
-SCALAR_LOOP void ScalarMulDiv(const cv::Mat& a, const cv::Mat& b, double factor, cv::Mat* to) {
-  for (int y = 0; y < a.rows; y++) {
-    const T* first = a.ptr<T>(y);
-    const T* second = b.ptr<T>(y);
-    T* result = to->ptr<T>(y);
-    for (int x = 0; x < a.cols; x++) {
-      result[x] = second[x] == 0 ? first[x] : cv::saturate_cast<T>(first[x] * factor / second[x]);
+void ModuloConstant(Mats& m) {
+  ForType(m, []<class T>(const T* a, const T*, T* to, int width) {
+    for (int x = 0; x < width; x++) to[x] = static_cast<T>(a[x] % 37);
+  });
+}
+
+void MulDiv(Mats& m) {
+  ForType(m, []<class T>(const T* a, const T* b, T* to, int width) {
+    for (int x = 0; x < width; x++) {
+      to[x] = b[x] == 0 ? a[x] : cv::saturate_cast<T>(a[x] * 3.7 / b[x]);
     }
+  });
+}
+
+void KeepAbove(Mats& m) {
+  cv::Mat& above = m.scratch[0];
+  cv::compare(m.a, m.b, above, cv::CMP_GT);
+  if (m.a.type() == CV_8U) {
+    cv::bitwise_and(m.a, above, m.to);
+  } else {
+    m.to.create(m.a.size(), m.a.type());
+    m.to.setTo(0);
+    m.a.copyTo(m.to, above);
   }
 }
 
-struct Images {
-  ImageRef a, b, to;
-  cv::Mat matA, matB, matTo, mask;
+void Mask(Mats& m) {
+  m.to.create(m.a.size(), m.a.type());
+  m.to.setTo(0);
+  m.a.copyTo(m.to, m.mask);
+}
 
-  Images(int32_t type, int32_t width, int32_t height)
-      : a(bench::MakeImage(type, width, height, 0, 1)),
-        b(bench::MakeImage(type, width, height, 0, 2)),
-        to(bench::MakeDestination(type)),
-        matA(bench::MatOf(a)),
-        matB(bench::MatOf(b)),
-        matTo(height, width, matA.type()),
-        mask(height, width, CV_8U) {}
+const std::vector<bench::Pair> PAIRS = {
+    MemoryCopy(2),
+    MemoryCopy(3),
+    MemoryCopy(4),
+    MemoryCopy(6),
+    MemoryCopy(8),
+    MemoryCopy(12),
+
+    {.operation = "add",
+     .kinds = SCALARS,
+     .ours = [](Images& i) { return ZEL_Add(i.a, i.b, i.to, 0); },
+     .theirs = [](Mats& m) { cv::add(m.a, m.b, m.to); }},
+    {.operation = "add_in_place",
+     .kinds = SCALARS,
+     .prepare = CopyFirst,
+     .ours = [](Images& i) { return ZEL_Add(i.to, i.b, 0, 0); },
+     .theirs = [](Mats& m) { cv::add(m.to, m.b, m.to); }},
+    {.operation = "subtract",
+     .kinds = SCALARS,
+     .ours = [](Images& i) { return ZEL_Subtract(i.a, i.b, i.to, 0); },
+     .theirs = [](Mats& m) { cv::subtract(m.a, m.b, m.to); }},
+    {.operation = "minimum",
+     .kinds = SCALARS,
+     .ours = [](Images& i) { return ZEL_Compare(i.a, i.b, i.to, COMPARISON_MINIMUM, 0); },
+     .theirs = [](Mats& m) { cv::min(m.a, m.b, m.to); }},
+    {.operation = "maximum",
+     .kinds = SCALARS,
+     .ours = [](Images& i) { return ZEL_Compare(i.a, i.b, i.to, COMPARISON_MAXIMUM, 0); },
+     .theirs = [](Mats& m) { cv::max(m.a, m.b, m.to); }},
+    {.operation = "mean",
+     .kinds = SCALARS,
+     .ours = [](Images& i) { return ZEL_Compare(i.a, i.b, i.to, COMPARISON_MEAN, 0); },
+     .theirs = [](Mats& m) { cv::addWeighted(m.a, 0.5, m.b, 0.5, 0, m.to); }},
+    {.operation = "keep_above",
+     .kinds = SCALARS,
+     .ours = [](Images& i) { return ZEL_Compare(i.a, i.b, i.to, COMPARISON_KEEP_ABOVE, 0); },
+     .theirs = KeepAbove},
+    {.operation = "multiply",
+     .kinds = SCALARS,
+     .ours = [](Images& i) { return ZEL_Multiply(i.a, i.b, i.to, 0); },
+     .theirs = [](Mats& m) { cv::multiply(m.a, m.b, m.to); }},
+    {.operation = "divide",
+     .kinds = SCALARS,
+     .ours = [](Images& i) { return ZEL_Divide(i.a, i.b, i.to, 0); },
+     .theirs = [](Mats& m) { cv::divide(m.a, m.b, m.to); }},
+    {.operation = "modulo",
+     .kinds = INTEGERS,
+     .ours = [](Images& i) { return ZEL_Modulo(i.a, i.b, i.to, 0); },
+     .peer = PLAIN_LOOP,
+     .theirs = Modulo},
+    {.operation = "muldiv",
+     .kinds = INTEGERS,
+     .ours = [](Images& i) { return ZEL_MulDiv(i.a, i.b, i.to, 3.7f); },
+     .peer = PLAIN_LOOP,
+     .theirs = MulDiv},
+    {.operation = "and",
+     .kinds = INTEGERS,
+     .ours = [](Images& i) { return ZEL_And(i.a, i.b, i.to, 0, 0); },
+     .theirs = [](Mats& m) { cv::bitwise_and(m.a, m.b, m.to); }},
+    {.operation = "or",
+     .kinds = INTEGERS,
+     .ours = [](Images& i) { return ZEL_Or(i.a, i.b, i.to, 0, 0); },
+     .theirs = [](Mats& m) { cv::bitwise_or(m.a, m.b, m.to); }},
+    {.operation = "xor",
+     .kinds = INTEGERS,
+     .ours = [](Images& i) { return ZEL_Xor(i.a, i.b, i.to, 0, 0); },
+     .theirs = [](Mats& m) { cv::bitwise_xor(m.a, m.b, m.to); }},
+    {.operation = "mask",
+     .kinds = {{IMAGE_U8}, {IMAGE_I16}, {IMAGE_RGB}},
+     .ours = [](Images& i) { return ZEL_Mask(i.a, i.mask, i.to); },
+     .theirs = Mask},
+
+    {.operation = "add_constant",
+     .kinds = SCALARS,
+     .ours = [](Images& i) { return ZEL_Add(i.a, 0, i.to, 40); },
+     .theirs = [](Mats& m) { cv::add(m.a, cv::Scalar(40), m.to); }},
+    {.operation = "subtract_constant",
+     .kinds = SCALARS,
+     .ours = [](Images& i) { return ZEL_Subtract(i.a, 0, i.to, 40); },
+     .theirs = [](Mats& m) { cv::subtract(m.a, cv::Scalar(40), m.to); }},
+    {.operation = "minimum_constant",
+     .kinds = SCALARS,
+     .ours = [](Images& i) { return ZEL_Compare(i.a, 0, i.to, COMPARISON_MINIMUM, 90); },
+     .theirs = [](Mats& m) { cv::min(m.a, 90, m.to); }},
+    {.operation = "maximum_constant",
+     .kinds = SCALARS,
+     .ours = [](Images& i) { return ZEL_Compare(i.a, 0, i.to, COMPARISON_MAXIMUM, 90); },
+     .theirs = [](Mats& m) { cv::max(m.a, 90, m.to); }},
+    {.operation = "mean_constant",
+     .kinds = SCALARS,
+     .ours = [](Images& i) { return ZEL_Compare(i.a, 0, i.to, COMPARISON_MEAN, 90); },
+     .theirs = [](Mats& m) { m.a.convertTo(m.to, -1, 0.5, 45); }},
+    {.operation = "keep_above_constant",
+     .kinds = SCALARS,
+     .ours = [](Images& i) { return ZEL_Compare(i.a, 0, i.to, COMPARISON_KEEP_ABOVE, 90); },
+     .theirs = [](Mats& m) { cv::threshold(m.a, m.to, 90, 0, cv::THRESH_TOZERO); }},
+    {.operation = "multiply_constant",
+     .kinds = SCALARS,
+     .ours = [](Images& i) { return ZEL_Multiply(i.a, 0, i.to, 3); },
+     .theirs = [](Mats& m) { cv::multiply(m.a, cv::Scalar(3), m.to); }},
+    {.operation = "divide_constant",
+     .kinds = SCALARS,
+     .ours = [](Images& i) { return ZEL_Divide(i.a, 0, i.to, 3.7f); },
+     .theirs = [](Mats& m) { cv::divide(m.a, cv::Scalar(3.7), m.to); }},
+    {.operation = "modulo_constant",
+     .kinds = INTEGERS,
+     .ours = [](Images& i) { return ZEL_Modulo(i.a, 0, i.to, 37); },
+     .peer = PLAIN_LOOP,
+     .theirs = ModuloConstant},
+    {.operation = "and_constant",
+     .kinds = INTEGERS,
+     .ours = [](Images& i) { return ZEL_And(i.a, 0, i.to, 0, 0x5A); },
+     .theirs = [](Mats& m) { cv::bitwise_and(m.a, cv::Scalar(0x5A), m.to); }},
+    {.operation = "or_constant",
+     .kinds = INTEGERS,
+     .ours = [](Images& i) { return ZEL_Or(i.a, 0, i.to, 0, 0x5A); },
+     .theirs = [](Mats& m) { cv::bitwise_or(m.a, cv::Scalar(0x5A), m.to); }},
+    {.operation = "xor_constant",
+     .kinds = INTEGERS,
+     .ours = [](Images& i) { return ZEL_Xor(i.a, 0, i.to, 0, 0x5A); },
+     .theirs = [](Mats& m) { cv::bitwise_xor(m.a, cv::Scalar(0x5A), m.to); }},
 };
 
-void RegisterImages(int32_t type, int32_t width, int32_t height) {
-  const auto images = std::make_shared<Images>(type, width, height);
-  const auto pair = [&](const char* name, auto ours, auto theirs, const char* peer = "opencv") {
-    bench::Pair(
-        name, TYPE_NAMES[type], width, height, peer, [=] { ours(*images); },
-        [=] { theirs(*images); });
-  };
-  const bool isFloat = type == IMAGE_SGL;
-  pair(
-      "add", [](Images& i) { ZEL_Add(i.a, i.b, i.to, 0); },
-      [](Images& i) { cv::add(i.matA, i.matB, i.matTo); });
-  pair(
-      "subtract", [](Images& i) { ZEL_Subtract(i.a, i.b, i.to, 0); },
-      [](Images& i) { cv::subtract(i.matA, i.matB, i.matTo); });
-  pair(
-      "minimum", [](Images& i) { ZEL_Compare(i.a, i.b, i.to, COMPARISON_MINIMUM, 0); },
-      [](Images& i) { cv::min(i.matA, i.matB, i.matTo); });
-  pair(
-      "maximum", [](Images& i) { ZEL_Compare(i.a, i.b, i.to, COMPARISON_MAXIMUM, 0); },
-      [](Images& i) { cv::max(i.matA, i.matB, i.matTo); });
-  pair(
-      "mean", [](Images& i) { ZEL_Compare(i.a, i.b, i.to, COMPARISON_MEAN, 0); },
-      [](Images& i) { cv::addWeighted(i.matA, 0.5, i.matB, 0.5, 0, i.matTo); });
-  pair(
-      "keep_above", [](Images& i) { ZEL_Compare(i.a, i.b, i.to, COMPARISON_KEEP_ABOVE, 0); },
-      [](Images& i) {
-        cv::compare(i.matA, i.matB, i.mask, cv::CMP_GT);
-        if (i.matA.type() == CV_8U) {
-          cv::bitwise_and(i.matA, i.mask, i.matTo);
-        } else {
-          i.matTo.setTo(0);
-          i.matA.copyTo(i.matTo, i.mask);
-        }
-      });
-  pair(
-      "multiply", [](Images& i) { ZEL_Multiply(i.a, i.b, i.to, 0); },
-      [](Images& i) { cv::multiply(i.matA, i.matB, i.matTo); });
-  pair(
-      "divide", [](Images& i) { ZEL_Divide(i.a, i.b, i.to, 0); },
-      [](Images& i) { cv::divide(i.matA, i.matB, i.matTo); });
-  if (type == IMAGE_U8) {
-    pair(
-        "modulo", [](Images& i) { ZEL_Modulo(i.a, i.b, i.to, 0); },
-        [](Images& i) { ScalarModulo<uint8_t>(i.matA, i.matB, &i.matTo); }, "scalar");
-    pair(
-        "muldiv", [](Images& i) { ZEL_MulDiv(i.a, i.b, i.to, 3.7f); },
-        [](Images& i) { ScalarMulDiv<uint8_t>(i.matA, i.matB, 3.7, &i.matTo); }, "scalar");
-  } else if (type == IMAGE_I16) {
-    pair(
-        "modulo", [](Images& i) { ZEL_Modulo(i.a, i.b, i.to, 0); },
-        [](Images& i) { ScalarModulo<int16_t>(i.matA, i.matB, &i.matTo); }, "scalar");
-    pair(
-        "muldiv", [](Images& i) { ZEL_MulDiv(i.a, i.b, i.to, 3.7f); },
-        [](Images& i) { ScalarMulDiv<int16_t>(i.matA, i.matB, 3.7, &i.matTo); }, "scalar");
-  }
-  if (!isFloat) {
-    pair(
-        "and", [](Images& i) { ZEL_And(i.a, i.b, i.to, 0, 0); },
-        [](Images& i) { cv::bitwise_and(i.matA, i.matB, i.matTo); });
-    pair(
-        "or", [](Images& i) { ZEL_Or(i.a, i.b, i.to, 0, 0); },
-        [](Images& i) { cv::bitwise_or(i.matA, i.matB, i.matTo); });
-    pair(
-        "xor", [](Images& i) { ZEL_Xor(i.a, i.b, i.to, 0, 0); },
-        [](Images& i) { cv::bitwise_xor(i.matA, i.matB, i.matTo); });
-  }
-  pair(
-      "add_in_place", [](Images& i) { ZEL_Add(i.to, i.b, 0, 0); },
-      [](Images& i) { cv::add(i.matTo, i.matB, i.matTo); });
-}
-
-void RegisterConstants(int32_t type, int32_t width, int32_t height) {
-  const auto images = std::make_shared<Images>(type, width, height);
-  const auto pair = [&](const char* name, auto ours, auto theirs, const char* peer = "opencv") {
-    bench::Pair(
-        name, TYPE_NAMES[type], width, height, peer, [=] { ours(*images); },
-        [=] { theirs(*images); });
-  };
-  pair(
-      "add_constant", [](Images& i) { ZEL_Add(i.a, 0, i.to, 40); },
-      [](Images& i) { cv::add(i.matA, cv::Scalar(40), i.matTo); });
-  pair(
-      "subtract_constant", [](Images& i) { ZEL_Subtract(i.a, 0, i.to, 40); },
-      [](Images& i) { cv::subtract(i.matA, cv::Scalar(40), i.matTo); });
-  pair(
-      "minimum_constant", [](Images& i) { ZEL_Compare(i.a, 0, i.to, COMPARISON_MINIMUM, 90); },
-      [](Images& i) { cv::min(i.matA, 90, i.matTo); });
-  pair(
-      "maximum_constant", [](Images& i) { ZEL_Compare(i.a, 0, i.to, COMPARISON_MAXIMUM, 90); },
-      [](Images& i) { cv::max(i.matA, 90, i.matTo); });
-  pair(
-      "mean_constant", [](Images& i) { ZEL_Compare(i.a, 0, i.to, COMPARISON_MEAN, 90); },
-      [](Images& i) { i.matA.convertTo(i.matTo, -1, 0.5, 45); });
-  pair(
-      "keep_above_constant",
-      [](Images& i) { ZEL_Compare(i.a, 0, i.to, COMPARISON_KEEP_ABOVE, 90); },
-      [](Images& i) { cv::threshold(i.matA, i.matTo, 90, 0, cv::THRESH_TOZERO); });
-  pair(
-      "multiply_constant", [](Images& i) { ZEL_Multiply(i.a, 0, i.to, 3); },
-      [](Images& i) { cv::multiply(i.matA, cv::Scalar(3), i.matTo); });
-  pair(
-      "divide_constant", [](Images& i) { ZEL_Divide(i.a, 0, i.to, 3.7f); },
-      [](Images& i) { cv::divide(i.matA, cv::Scalar(3.7), i.matTo); });
-  if (type == IMAGE_SGL) return;
-  if (type == IMAGE_U8) {
-    pair(
-        "modulo_constant", [](Images& i) { ZEL_Modulo(i.a, 0, i.to, 37); },
-        [](Images& i) { ScalarModulo<uint8_t>(i.matA, uint8_t{37}, &i.matTo); }, "scalar");
-  } else {
-    pair(
-        "modulo_constant", [](Images& i) { ZEL_Modulo(i.a, 0, i.to, 37); },
-        [](Images& i) { ScalarModulo<int16_t>(i.matA, int16_t{37}, &i.matTo); }, "scalar");
-  }
-  pair(
-      "and_constant", [](Images& i) { ZEL_And(i.a, 0, i.to, 0, 0x5A); },
-      [](Images& i) { cv::bitwise_and(i.matA, cv::Scalar(0x5A), i.matTo); });
-  pair(
-      "or_constant", [](Images& i) { ZEL_Or(i.a, 0, i.to, 0, 0x5A); },
-      [](Images& i) { cv::bitwise_or(i.matA, cv::Scalar(0x5A), i.matTo); });
-  pair(
-      "xor_constant", [](Images& i) { ZEL_Xor(i.a, 0, i.to, 0, 0x5A); },
-      [](Images& i) { cv::bitwise_xor(i.matA, cv::Scalar(0x5A), i.matTo); });
-}
-
-void RegisterMask(int32_t type, int32_t width, int32_t height) {
-  const auto images = std::make_shared<Images>(type, width, height);
-  const ImageRef mask = bench::MakeBlobs(width, height, 0);
-  const cv::Mat matMask = bench::MatOf(mask);
-  bench::Pair(
-      "mask", TYPE_NAMES[type], width, height, "opencv",
-      [=] { ZEL_Mask(images->a, mask, images->to); },
-      [=] {
-        images->matTo.setTo(0);
-        images->matA.copyTo(images->matTo, matMask);
-      });
-}
-
-#endif
-
-const bench::Family OPERATORS([] {
-  for (const auto& [width, height] : bench::SIZES) {
-    for (const int32_t bytes : {2, 3, 4, 5, 6, 8, 12}) RegisterFloor(width, height, bytes);
-#if defined(HAVE_OPENCV)
-    for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
-      RegisterImages(type, width, height);
-      RegisterConstants(type, width, height);
-    }
-    for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_RGB}) RegisterMask(type, width, height);
-#endif
-  }
-});
+const bench::Registration OPERATORS({"operators", "Operators", NOTES, PAIRS});
 
 }  // namespace

@@ -1,127 +1,133 @@
 // Labelling and particle measurement beside connected components of the peers.
-#include <cstdlib>
-#include <string>
+#include <leptonica/allheaders.h>
+
+#include <memory>
+#include <opencv2/imgproc.hpp>
 
 #include "benchmarks/pairs.h"
 
-#if defined(HAVE_OPENCV)
-#include <opencv2/imgproc.hpp>
-#endif
-#if defined(HAVE_LEPTONICA)
-#include <leptonica/allheaders.h>
-#endif
-
 namespace {
 
-struct Scene {
-  std::string name;
-  int32_t width, height;
-  ImageRef image;
-};
+using bench::Images;
+using bench::Kind;
+using bench::Mats;
+using bench::Scene;
+using bench::Size;
 
-// A call that fails would be measured as a fast one.
-void MustSucceed(int32_t result) {
-  if (result != 0) std::abort();
-}
+constexpr char NOTES[] = R"(
+Blobs are disks and rings that cover a fifth of the image, noise sets each pixel by chance, coarse
+noise each square of pixels. Noise of single pixels has more provisional labels than 16 bits count in
+larger images, and with 4 neighbours from full HD on; such calls are refused, so it is measured at
+sizes that are accepted and coarse noise stands for it beyond.
 
-// Full-HD noise of single pixels has too many provisional labels for 4-connectivity, so noise of
-// coarser grain and a smaller image stand for it.
-std::vector<Scene> Scenes() {
-  return {{"blobs", 64, 64, bench::MakeBlobs(64, 64, 2)},
-          {"blobs", 1920, 1080, bench::MakeBlobs(1920, 1080, 2)},
-          {"noise", 64, 64, bench::MakeNoise(64, 64, 2)},
-          {"noise", 480, 360, bench::MakeNoise(480, 360, 2)},
-          {"coarse_noise", 1920, 1080, bench::MakeNoise(1920, 1080, 2, 3)}};
-}
+OpenCV has 16-bit labels here, and its statistics are area, rectangle and centre; those of `boxes` are
+Leptonica's rectangles, of a picture that is already packed to a bit a pixel. `particle` measures
+perimeters, holes with their perimeters, second moments and longest runs besides, and is the slower
+call where every second pixel belongs to another hole.
+)";
 
-void RegisterLabel(const Scene& scene, uint16_t connectivity) {
-  const ImageRef image = scene.image;
-  const ImageRef labels = bench::MakeDestination(IMAGE_I16, 2);
-  const auto ours = [=] {
-    int32_t count = 0;
-    MustSucceed(ZEL_Label(image, labels, connectivity, &count));
-  };
-  std::function<void()> theirs;
-#if defined(HAVE_OPENCV)
-  theirs = [mat = bench::MatOf(image), numbers = cv::Mat(), connectivity]() mutable {
-    cv::connectedComponents(mat, numbers, connectivity != 0 ? 8 : 4, CV_16U);
-  };
-#endif
-  bench::Pair(std::string("label") + (connectivity != 0 ? "8_" : "4_") + scene.name, "u8",
-              scene.width, scene.height, "opencv", ours, theirs);
-}
+const std::vector<Kind> SCENES = {{IMAGE_U8, Scene::Blobs}, {IMAGE_U8, Scene::CoarseNoise}};
+const std::vector<Kind> NOISE = {{IMAGE_U8, Scene::Noise}};
+const std::vector<Size> NOISE_SIZES = {{64, 64}, {480, 360}};
+const std::vector<Size> NOISE_SIZES_8 = {{64, 64}, {480, 360}, {1920, 1080}};
 
-std::function<void()> StatsOfOpenCv([[maybe_unused]] ImageRef image,
-                                    [[maybe_unused]] uint16_t connectivity) {
-#if defined(HAVE_OPENCV)
-  return [mat = bench::MatOf(image), numbers = cv::Mat(), stats = cv::Mat(), centroids = cv::Mat(),
-          connectivity]() mutable {
-    cv::connectedComponentsWithStats(mat, numbers, stats, centroids, connectivity != 0 ? 8 : 4,
-                                     CV_16U);
-  };
-#else
-  return {};
-#endif
-}
+constexpr uint16_t CONNECTIVITY_4 = 0;
+constexpr uint16_t CONNECTIVITY_8 = 1;
 
-// The picture is handed over one bit a pixel, as that library works.
-std::function<void()> BoxesOfLeptonica([[maybe_unused]] ImageRef image,
-                                       [[maybe_unused]] uint16_t connectivity) {
-#if defined(HAVE_LEPTONICA)
-  ImageInfo info{};
-  ZEL_GetImageInfo(image, &info);
-  PIX* pix = pixCreate(info.width, info.height, 1);
-  for (int32_t y = 0; y < info.height; y++) {
-    const auto* row = static_cast<const uint8_t*>(info.firstPixel) + int64_t{y} * info.lineBytes;
-    for (int32_t x = 0; x < info.width; x++) {
-      if (row[x] != 0) pixSetPixel(pix, x, y, 1);
-    }
-  }
-  return [pix, connectivity] {
-    BOXA* boxes = pixConnComp(pix, nullptr, connectivity != 0 ? 8 : 4);
-    boxaDestroy(&boxes);
-  };
-#else
-  return {};
-#endif
-}
+template <uint16_t connectivity>
+constexpr int NEIGHBOURS = connectivity == CONNECTIVITY_8 ? 8 : 4;
 
-void RegisterReports(const Scene& scene, uint16_t connectivity) {
-  const ImageRef image = scene.image;
-  const std::string suffix = (connectivity != 0 ? "8_" : "4_") + scene.name;
-  const auto basic = [=] {
-    BasicParticleReport* reports = nullptr;
-    int32_t count = 0;
-    MustSucceed(ZEL_BasicParticle(image, connectivity, &reports, &count));
-    ZEL_free(reports);
-  };
-  const auto full = [=] {
-    ParticleReport* reports = nullptr;
-    int32_t count = 0;
-    MustSucceed(ZEL_Particle(image, connectivity, &reports, &count));
-    ZEL_free(reports);
-  };
-  bench::Pair("basic_particle" + suffix, "u8", scene.width, scene.height, "opencv", basic,
-              StatsOfOpenCv(image, connectivity));
-  bench::Pair("basic_particle_boxes" + suffix, "u8", scene.width, scene.height, "leptonica", basic,
-              BoxesOfLeptonica(image, connectivity));
-  bench::Pair("particle" + suffix, "u8", scene.width, scene.height, "opencv", full,
-              StatsOfOpenCv(image, connectivity));
-}
-
-void Register() {
-  for (const Scene& scene : Scenes()) {
-    for (const uint16_t connectivity : {uint16_t{0}, uint16_t{1}}) {
-      RegisterLabel(scene, connectivity);
-      RegisterReports(scene, connectivity);
-    }
-  }
-  const Scene fine = {"noise", 1920, 1080, bench::MakeNoise(1920, 1080, 2)};
+template <uint16_t connectivity>
+int32_t Label(Images& i) {
   int32_t count = 0;
-  const ImageRef labels = bench::MakeDestination(IMAGE_I16, 2);
-  if (ZEL_Label(fine.image, labels, 1, &count) == 0) RegisterLabel(fine, 1);
+  return ZEL_Label(i.a, i.to, connectivity, &count);
 }
 
-const bench::Family FAMILY(Register);
+template <uint16_t connectivity>
+void PeerLabel(Mats& m) {
+  cv::connectedComponents(m.a, m.to, NEIGHBOURS<connectivity>, CV_16U);
+}
+
+template <uint16_t connectivity>
+int32_t BasicParticle(Images& i) {
+  BasicParticleReport* reports = nullptr;
+  const int32_t status = ZEL_BasicParticle(i.a, connectivity, &reports, nullptr);
+  ZEL_free(reports);
+  return status;
+}
+
+template <uint16_t connectivity>
+int32_t Particle(Images& i) {
+  ParticleReport* reports = nullptr;
+  const int32_t status = ZEL_Particle(i.a, connectivity, &reports, nullptr);
+  ZEL_free(reports);
+  return status;
+}
+
+template <uint16_t connectivity>
+void PeerParticle(Mats& m) {
+  cv::connectedComponentsWithStats(m.a, m.to, m.scratch[0], m.scratch[1], NEIGHBOURS<connectivity>,
+                                   CV_16U);
+}
+
+using PackedPicture = std::shared_ptr<PIX>;
+
+int32_t Pack(Images&, Mats& m) {
+  const PackedPicture packed(pixCreate(m.a.cols, m.a.rows, 1), [](PIX* pix) { pixDestroy(&pix); });
+  for (int y = 0; y < m.a.rows; y++) {
+    for (int x = 0; x < m.a.cols; x++) {
+      if (m.a.at<uint8_t>(y, x) != 0) pixSetPixel(packed.get(), x, y, 1);
+    }
+  }
+  m.own = packed;
+  return 0;
+}
+
+template <uint16_t connectivity>
+void PeerBoxes(Mats& m) {
+  PIX* packed = std::any_cast<PackedPicture&>(m.own).get();
+  BOXA* boxes = pixConnComp(packed, nullptr, NEIGHBOURS<connectivity>);
+  boxaDestroy(&boxes);
+}
+
+template <uint16_t connectivity>
+void AddPairs(const std::vector<Kind>& kinds, const std::vector<Size>& sizes,
+              std::vector<bench::Pair>* pairs) {
+  const std::string number = std::to_string(NEIGHBOURS<connectivity>);
+  pairs->push_back({.operation = "label" + number,
+                    .kinds = kinds,
+                    .sizes = sizes,
+                    .result = IMAGE_I16,
+                    .ours = Label<connectivity>,
+                    .theirs = PeerLabel<connectivity>});
+  pairs->push_back({.operation = "basic_particle" + number,
+                    .kinds = kinds,
+                    .sizes = sizes,
+                    .ours = BasicParticle<connectivity>,
+                    .theirs = PeerParticle<connectivity>});
+  pairs->push_back({.operation = "basic_particle" + number + "_boxes",
+                    .kinds = kinds,
+                    .sizes = sizes,
+                    .prepare = Pack,
+                    .ours = BasicParticle<connectivity>,
+                    .peer = "Leptonica",
+                    .theirs = PeerBoxes<connectivity>});
+  pairs->push_back({.operation = "particle" + number,
+                    .kinds = kinds,
+                    .sizes = sizes,
+                    .ours = Particle<connectivity>,
+                    .theirs = PeerParticle<connectivity>});
+}
+
+std::vector<bench::Pair> Pairs() {
+  std::vector<bench::Pair> pairs;
+  AddPairs<CONNECTIVITY_4>(SCENES, bench::SIZES, &pairs);
+  AddPairs<CONNECTIVITY_8>(SCENES, bench::SIZES, &pairs);
+  AddPairs<CONNECTIVITY_4>(NOISE, NOISE_SIZES, &pairs);
+  AddPairs<CONNECTIVITY_8>(NOISE, NOISE_SIZES_8, &pairs);
+  return pairs;
+}
+
+const bench::Registration PARTICLES({"particles", "Particles", NOTES, Pairs()});
 
 }  // namespace

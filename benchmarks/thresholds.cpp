@@ -1,95 +1,87 @@
 // Thresholds: one range, several classes, and thresholds found from the histogram.
-#include "benchmarks/pairs.h"
-
-#if defined(HAVE_OPENCV)
 #include <opencv2/imgproc.hpp>
-#endif
+
+#include "benchmarks/pairs.h"
 
 namespace {
 
-using bench::Pair;
+using bench::Images;
+using bench::Mats;
+using bench::SCALARS;
 
-const char* TypeName(int32_t type) {
-  return type == IMAGE_U8 ? "u8" : type == IMAGE_I16 ? "i16" : "f32";
-}
+constexpr char NOTES[] = R"(
+The peers: `inRange` for `range` (it writes bytes for every pixel type), `threshold` to zero for
+`keep` (one-sided, as OpenCV has no other), `threshold` with Otsu's method for `auto` (another method
+than any of ours; it also applies its threshold). No peer has several classes.
+
+`auto_metric` sums the distances of all levels for every split, some 65,000 of them, whatever the size
+of the image, and the entropy and moments methods have their logarithms and roots: small images are
+dear there.
+)";
 
 struct Limits {
   float low, high;
 };
 
-Limits LimitsFor(int32_t type) {
-  if (type == IMAGE_I16) return {-9000.0f, 12000.0f};
-  return {60.0f, 180.0f};
+Limits LimitsFor(bool words) {
+  return words ? Limits{-9000.0f, 12000.0f} : Limits{60.0f, 180.0f};
 }
 
-void RegisterRange(int32_t type, int32_t width, int32_t height) {
-  const ImageRef source = bench::MakeImage(type, width, height);
-  const ImageRef result = bench::MakeDestination(type);
-  const Limits limits = LimitsFor(type);
-  std::function<void()> theirRange;
-  std::function<void()> theirKeep;
-#if defined(HAVE_OPENCV)
-  const cv::Mat from = bench::MatOf(source);
-  theirRange = [from, limits, to = cv::Mat()]() mutable {
-    cv::inRange(from, cv::Scalar(static_cast<double>(limits.low)),
-                cv::Scalar(static_cast<double>(limits.high)), to);
-  };
-  theirKeep = [from, limits, to = cv::Mat()]() mutable {
-    cv::threshold(from, to, static_cast<double>(limits.low), 255, cv::THRESH_TOZERO);
-  };
-#endif
-  // The peer's range test writes bytes of 0 and 255 for every pixel type.
-  Pair(
-      "threshold_range", TypeName(type), width, height, "opencv",
-      [=] { ZEL_Threshold(source, result, limits.low, limits.high, 255.0f, 1); }, theirRange);
-  Pair(
-      "threshold_keep", TypeName(type), width, height, "opencv",
-      [=] { ZEL_Threshold(source, result, limits.low, 1e9f, 0.0f, 0); }, theirKeep);
-  static const ThresholdClass classes[] = {{10.0f, 60.0f, 1.0f, 1},
-                                           {61.0f, 120.0f, 2.0f, 1},
-                                           {121.0f, 200.0f, 3.0f, 1},
-                                           {201.0f, 254.0f, 4.0f, 0}};
-  Pair(
-      "threshold_four_classes", TypeName(type), width, height, "",
-      [=] { ZEL_MultiThreshold(source, result, 4, classes); }, nullptr);
+int32_t Range(Images& i) {
+  const Limits limits = LimitsFor(i.type == IMAGE_I16);
+  return ZEL_Threshold(i.a, i.to, limits.low, limits.high, 255.0f, 1);
 }
 
-void RegisterAutomatic(int32_t width, int32_t height) {
-  const ImageRef source = bench::MakeImage(IMAGE_U8, width, height);
-  std::function<void()> theirs;
-#if defined(HAVE_OPENCV)
-  const cv::Mat from = bench::MatOf(source);
-  // Finds its threshold by the variance between classes, and applies it.
-  theirs = [from, to = cv::Mat()]() mutable {
-    cv::threshold(from, to, 0, 255, cv::THRESH_BINARY | cv::THRESH_OTSU);
-  };
-#endif
-  const char* names[] = {"clustering", "entropy", "metric", "moments", "interclass"};
-  for (int32_t method = 0; method < 5; method++) {
-    Pair(
-        std::string("threshold_auto_") + names[method], "u8", width, height, "opencv",
-        [=] {
-          int32_t threshold = 0;
-          ZEL_AutoBThreshold(source, method, ARRAY_U16, nullptr, &threshold);
-        },
-        theirs);
-  }
-  Pair(
-      "threshold_auto_five_classes", "u8", width, height, "",
-      [=] {
-        ThresholdClass classes[5];
-        ZEL_AutoMThreshold(source, 5, ARRAY_U16, nullptr, classes);
-      },
-      nullptr);
+void PeerRange(Mats& m) {
+  const Limits limits = LimitsFor(m.a.depth() == CV_16S);
+  cv::inRange(m.a, cv::Scalar(static_cast<double>(limits.low)),
+              cv::Scalar(static_cast<double>(limits.high)), m.to);
 }
 
-void RegisterAll() {
-  for (const auto& [width, height] : bench::SIZES) {
-    for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) RegisterRange(type, width, height);
-    RegisterAutomatic(width, height);
-  }
+int32_t Keep(Images& i) {
+  return ZEL_Threshold(i.a, i.to, LimitsFor(i.type == IMAGE_I16).low, 1e9f, 0.0f, 0);
 }
 
-const bench::Family family(&RegisterAll);
+void PeerKeep(Mats& m) {
+  const auto low = static_cast<double>(LimitsFor(m.a.depth() == CV_16S).low);
+  cv::threshold(m.a, m.to, low, 255, cv::THRESH_TOZERO);
+}
+
+int32_t FourClasses(Images& i) {
+  const ThresholdClass classes[] = {{10.0f, 60.0f, 1.0f, 1},
+                                    {61.0f, 120.0f, 2.0f, 1},
+                                    {121.0f, 200.0f, 3.0f, 1},
+                                    {201.0f, 254.0f, 4.0f, 0}};
+  return ZEL_MultiThreshold(i.a, i.to, 4, classes);
+}
+
+template <int32_t method>
+int32_t Find(Images& i) {
+  int32_t threshold = 0;
+  return ZEL_AutoBThreshold(i.a, method, ARRAY_U16, nullptr, &threshold);
+}
+
+int32_t FindFiveClasses(Images& i) {
+  ThresholdClass classes[5];
+  return ZEL_AutoMThreshold(i.a, 5, ARRAY_U16, nullptr, classes);
+}
+
+void PeerFind(Mats& m) {
+  cv::threshold(m.a, m.to, 0, 255, cv::THRESH_BINARY | cv::THRESH_OTSU);
+}
+
+const std::vector<bench::Pair> PAIRS = {
+    {.operation = "range", .kinds = SCALARS, .ours = Range, .theirs = PeerRange},
+    {.operation = "keep", .kinds = SCALARS, .ours = Keep, .theirs = PeerKeep},
+    {.operation = "four_classes", .kinds = SCALARS, .ours = FourClasses},
+    {.operation = "auto_clustering", .ours = Find<AUTOB_CLUSTERING>, .theirs = PeerFind},
+    {.operation = "auto_entropy", .ours = Find<AUTOB_ENTROPY>, .theirs = PeerFind},
+    {.operation = "auto_metric", .ours = Find<AUTOB_METRIC>, .theirs = PeerFind},
+    {.operation = "auto_moments", .ours = Find<AUTOB_MOMENTS>, .theirs = PeerFind},
+    {.operation = "auto_interclass", .ours = Find<AUTOB_INTERCLASS>, .theirs = PeerFind},
+    {.operation = "auto_five_classes", .ours = FindFiveClasses},
+};
+
+const bench::Registration THRESHOLDS({"thresholds", "Thresholds", NOTES, PAIRS});
 
 }  // namespace

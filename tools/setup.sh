@@ -8,7 +8,7 @@ set -eu
 needed="make g++ cmake ninja-build pkgconf libgtest-dev libcli11-dev"
 for argument in "$@"; do
   case $argument in
-    --benchmarks) needed="$needed libbenchmark-dev libopencv-core-dev libopencv-imgproc-dev libopencv-imgcodecs-dev" ;;
+    --benchmarks) needed="$needed libopencv-core-dev libopencv-imgproc-dev libopencv-imgcodecs-dev libleptonica-dev libtiff-dev" ;;
     --check-tools) needed="$needed clang-format clang-tidy cppcheck clang-19 libclang-rt-19-dev" ;;
     *)
       echo "usage: setup.sh [--benchmarks] [--check-tools]" >&2
