@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "core/heap.h"
+#include "harness/test_image.h"
 #include "tests/support/refused_memory.h"
-#include "tests/support/test_image.h"
 
 namespace {
 

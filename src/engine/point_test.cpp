@@ -8,7 +8,7 @@
 #include "core/images.h"
 #include "core/pixel_types.h"
 #include "engine/bands.h"
-#include "tests/support/test_image.h"
+#include "harness/test_image.h"
 
 namespace {
 

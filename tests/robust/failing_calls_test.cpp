@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "core/heap.h"
-#include "tests/support/memory_files.h"
-#include "tests/support/test_image.h"
+#include "harness/memory_files.h"
+#include "harness/test_image.h"
 
 namespace {
 
