@@ -10,8 +10,6 @@
 namespace zel {
 namespace {
 
-constexpr uint32_t ENTRIES_U8 = LEVELS_U8;
-constexpr uint32_t ENTRIES_I16 = LEVELS_I16;
 constexpr int32_t MAX_SHIFT = 8;
 
 PointViews ViewsOf(const Image& source, const Image& destination) {
@@ -73,46 +71,49 @@ Status Cast(ImageRef image, int32_t type) {
   return status;
 }
 
-// A caller's table in 32-bit floats, brought to the wanted length: entries beyond the given ones
-// hold their own index.
-struct FloatTable {
-  WorkArray<float> values;
-  uint32_t entries;
+// A caller's table in the type of the results, for all levels of the source. Entries go through
+// 32-bit floats; those beyond the given ones hold their own index. Made before the destination is
+// settled.
+struct ResultTable {
+  WorkArray<float> floats;
+  WorkArray<int16_t> words;
+  WorkArray<uint8_t> bytes;
 
-  Status Create(int32_t arrayType, const void* array, int32_t count) {
-    if (!values.AllocateZeroed(entries)) return STATUS_MEMORY_FULL;
-    const auto given = static_cast<uint32_t>(Clamped(count, 0, static_cast<int32_t>(entries)));
-    ArrayConvert(array, arrayType, values.data(), ARRAY_SGL, given);
-    for (uint32_t i = given; i < entries; i++) values[i] = static_cast<float>(i);
+  Status Create(uint32_t levels, int32_t type, int32_t arrayType, const void* array,
+                int32_t count) {
+    if (!floats.AllocateZeroed(levels)) return STATUS_MEMORY_FULL;
+    const auto given = static_cast<uint32_t>(Clamped(count, 0, static_cast<int32_t>(levels)));
+    ArrayConvert(array, arrayType, floats.data(), ARRAY_SGL, given);
+    for (uint32_t i = given; i < levels; i++) floats[i] = static_cast<float>(i);
+    if (type == IMAGE_I16) return Truncate(levels, &words);
+    if (type == IMAGE_U8) return Truncate(levels, &bytes);
+    return STATUS_OK;
+  }
+
+ private:
+  // The low bits of the truncated entries, worked out once for each.
+  template <class T>
+  Status Truncate(uint32_t levels, WorkArray<T>* truncated) {
+    if (!truncated->Allocate(levels)) return STATUS_MEMORY_FULL;
+    for (uint32_t i = 0; i < levels; i++) {
+      (*truncated)[i] = CutLow<T>(static_cast<double>(floats[i]));
+    }
     return STATUS_OK;
   }
 };
 
-// Integer results take the low bits of the truncated entries, worked out once for each entry.
-template <class T>
-Status MapTruncated(const PointViews& views, const FloatTable& table,
-                    PointRoutine<ValueTable<T>> routine) {
-  WorkArray<T> low;
-  if (!low.Allocate(table.entries)) return STATUS_MEMORY_FULL;
-  for (uint32_t i = 0; i < table.entries; i++) {
-    low[i] = CutLow<T>(static_cast<double>(table.values[i]));
+void MapThroughTable(const PointViews& views, const ResultTable& table) {
+  const CastRows& rows = castRows();
+  const bool fromBytes = views.first.type == IMAGE_U8;
+  switch (views.result.type) {
+    case IMAGE_U8:
+      return PointWalk(views, rows.wordsToBytes, ValueTable<uint8_t>{table.bytes.data()});
+    case IMAGE_I16:
+      return PointWalk(views, rows.bytesToWords, ValueTable<int16_t>{table.words.data()});
+    default:
+      return PointWalk(views, fromBytes ? rows.bytesToFloats : rows.wordsToFloats,
+                       ValueTable<float>{table.floats.data()});
   }
-  PointWalk(views, routine, ValueTable<T>{low.data()});
-  return STATUS_OK;
-}
-
-Status MapBytes(const PointViews& views, const FloatTable& table) {
-  const CastRows& rows = castRows();
-  if (views.result.type == IMAGE_I16) return MapTruncated(views, table, rows.bytesToWords);
-  PointWalk(views, rows.bytesToFloats, ValueTable<float>{table.values.data()});
-  return STATUS_OK;
-}
-
-Status MapWords(const PointViews& views, const FloatTable& table) {
-  const CastRows& rows = castRows();
-  if (views.result.type == IMAGE_U8) return MapTruncated(views, table, rows.wordsToBytes);
-  PointWalk(views, rows.wordsToFloats, ValueTable<float>{table.values.data()});
-  return STATUS_OK;
 }
 
 Status ConvertByLookup(ImageRef source, ImageRef destination, int32_t arrayType, const void* array,
@@ -129,13 +130,12 @@ Status ConvertByLookup(ImageRef source, ImageRef destination, int32_t arrayType,
     return STATUS_DESTINATION_TYPE_DIFFERS;
   }
 
-  FloatTable table{.values = {}, .entries = fromBytes ? ENTRIES_U8 : ENTRIES_I16};
-  status = table.Create(arrayType, array, count);
+  ResultTable table;
+  status = table.Create(fromBytes ? LEVELS_U8 : LEVELS_I16, to->type, arrayType, array, count);
   if (status == STATUS_OK) status = ImageCopyInfo(*from, to);
   if (status == STATUS_OK) status = ImageLayoutSize(to, from->width, from->height, true);
-  if (status != STATUS_OK) return status;
-  const PointViews views = ViewsOf(*from, *to);
-  return fromBytes ? MapBytes(views, table) : MapWords(views, table);
+  if (status == STATUS_OK) MapThroughTable(ViewsOf(*from, *to), table);
+  return status;
 }
 
 Status Shift16To8(ImageRef source, ImageRef destination, int32_t shift) {
