@@ -9,7 +9,7 @@
 
 #include "core/images.h"
 #include "platform/processor.h"
-#include "tests/support/test_image.h"
+#include "harness/test_image.h"
 
 namespace {
 
