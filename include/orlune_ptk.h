@@ -12,6 +12,7 @@
  *   casts.h       from one pixel type to another
  *   thresholds.h  ranges of grey levels, given or found
  *   lookups.h     grey levels through tables and laws
+ *   filters.h     a pixel and its neighbours: edges, smoothing
  *   statistics.h  histograms, regions, centroids, profiles
  *   particles.h   connected pixels, numbered, measured, selected
  *   files.h       picture files
@@ -58,6 +59,7 @@
 #include "orlune_ptk/casts.h"
 #include "orlune_ptk/errors.h"
 #include "orlune_ptk/files.h"
+#include "orlune_ptk/filters.h"
 #include "orlune_ptk/images.h"
 #include "orlune_ptk/lookups.h"
 #include "orlune_ptk/memory.h"

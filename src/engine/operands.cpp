@@ -54,10 +54,34 @@ Status RegionOf(const Image& image, ImageRef mask, Region* region) {
   return status;
 }
 
+namespace {
+
+Status BorderFilled(ImageRef image, BorderFill fill) {
+  switch (fill) {
+    case BORDER_MIRROR:
+      return BorderMirror(image);
+    case BORDER_REPLICATE:
+      return BorderReplicate(image);
+    default:
+      return BorderZero(image);
+  }
+}
+
+}  // namespace
+
 void Operands::Source(ImageRef reference, TypeTest takesType, Status refusal) {
   sourceReference_ = reference;
   status_ = ImageLookup(reference, &source_);
   if (status_ == STATUS_OK && !takesType(source_->type)) status_ = refusal;
+}
+
+void Operands::Border(BorderFill fill, int32_t width) {
+  if (HasFailed()) return;
+  if (source_->border < width) {
+    status_ = STATUS_BORDER_TOO_SMALL;
+  } else if (source_->border != 0) {
+    status_ = BorderFilled(sourceReference_, fill);
+  }
 }
 
 void Operands::Destination(ImageRef reference) {

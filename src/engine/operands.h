@@ -71,6 +71,9 @@ Status RegionOf(ImageRef image, ImageRef mask, Region* region);
 // The same for a record; only a mask of 0 is no mask.
 Status RegionOf(const Image& image, ImageRef mask, Region* region);
 
+// How a border is filled from the image's pixels.
+enum BorderFill : int32_t { BORDER_MIRROR, BORDER_REPLICATE, BORDER_ZERO };
+
 // Source, mask and destination of an operation that keeps the pixel type. The steps are called in
 // the order in which their failures count; after a failure the others do nothing, and status()
 // tells the first. Source comes first, and views are asked for last.
@@ -78,6 +81,10 @@ class Operands {
  public:
   // STATUS_BAD_IMAGE, and `refusal` for a type that the operation does not take.
   void Source(ImageRef reference, TypeTest takesType, Status refusal = STATUS_BAD_TYPE);
+
+  // For an operation that reads `width` pixels of the source's border. STATUS_BORDER_TOO_SMALL;
+  // else all of the border is filled.
+  void Border(BorderFill fill, int32_t width);
 
   // 0 or the source: the result replaces the source. Else STATUS_BAD_IMAGE and
   // STATUS_DESTINATION_TYPE_DIFFERS.
