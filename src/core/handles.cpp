@@ -76,24 +76,23 @@ Status TableGrow(Row** table, uint32_t* capacity) {
   return STATUS_OK;
 }
 
-// Pixels start on a cache line, so that the vectors of row routines do not straddle two.
+// Of the heap's blocks, and of pixels, so that the vectors of row routines don't straddle two cache
+// lines where the rows are whole lines.
+constexpr uintptr_t HEAP_ALIGNMENT = 16;
 constexpr uintptr_t PIXEL_ALIGNMENT = 64;
-constexpr size_t HEAP_ALIGNMENT = 16;
-
-uintptr_t AlignmentOf(const HandleEntry& row) {
-  return row.kind == HANDLE_IMAGE_PIXELS ? PIXEL_ALIGNMENT : HEAP_ALIGNMENT;
-}
+constexpr size_t PIXEL_SPARE = PIXEL_ALIGNMENT - 8;  // bytes, as pixels lie on 8 anyway
 
 // Gives a row a new block of `size` bytes, with what fits of the old contents and zeros behind
 // them. Large zero blocks come from the system ready-made, and untouched they cost nothing.
 bool BlockReplace(HandleEntry* row, size_t size) {
-  const uintptr_t alignment = AlignmentOf(*row);
-  const size_t spare = alignment - HEAP_ALIGNMENT;
+  const bool isPixels = row->kind == HANDLE_IMAGE_PIXELS;
+  const size_t allocated = isPixels ? size + PIXEL_SPARE : size;
   const bool grows = size > row->blockBytes;
-  void* block = grows ? HeapAllocateZeroed(size + spare) : HeapAllocate(size + spare);
+  void* block = grows ? HeapAllocateZeroed(allocated) : HeapAllocate(allocated);
   if (!block) return false;
   auto* data = static_cast<char*>(block);
-  data += -reinterpret_cast<uintptr_t>(data) & (alignment - 1);
+  const uintptr_t alignment = isPixels ? PIXEL_ALIGNMENT : HEAP_ALIGNMENT;
+  data += -(reinterpret_cast<uintptr_t>(data) + row->alignedAt) & (alignment - 1);
   if (row->data) std::memcpy(data, row->data, grows ? row->blockBytes : size);
   HeapFree(row->block);
   row->block = block;

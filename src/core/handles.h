@@ -28,6 +28,8 @@ struct HandleEntry {
   uint32_t capacity;     // HANDLE_FOREIGN: bytes of the caller's block; else 0
   uint32_t ownerImage;   // the image this block was made for, or 0
   uint32_t blockBytes;   // what `data` really holds, whatever the counts say
+  uint32_t alignedAt;    // HANDLE_IMAGE_PIXELS: the byte that a new block has on a cache line; a
+                         // multiple of 8
   void* block;           // the heap block that `data` lies in
 };
 

@@ -53,6 +53,7 @@ int32_t LayoutType(const Image& image) {
 struct Layout {
   int64_t lineWidth;  // pixels
   int64_t bytes;      // of the whole block
+  int64_t origin;     // where pixel (0, 0) is in it
 };
 
 bool LayoutOf(int32_t width, int32_t height, int32_t border, int32_t pixelBytes, Layout* layout) {
@@ -62,6 +63,7 @@ bool LayoutOf(int32_t width, int32_t height, int32_t border, int32_t pixelBytes,
   const int64_t rows = height + 2 * int64_t{border};
   const int64_t lineBytes = layout->lineWidth * pixelBytes;
   if (lineBytes > static_cast<int64_t>(HEAP_BLOCK_LIMIT)) return false;
+  layout->origin = border * lineBytes + RoundedUp(border, step) * pixelBytes;
   layout->bytes = rows * lineBytes;  // below 2^63: twice the border is no more than a line
   return layout->bytes <= static_cast<int64_t>(HEAP_BLOCK_LIMIT);
 }
@@ -199,7 +201,10 @@ Status ImageLayoutSize(Image* image, int32_t width, int32_t height, bool keep) {
   const int64_t required = !opaque ? layout.bytes : image->opaqueSize > 0 ? image->opaqueSize : 0;
   const bool enough =
       keep && image->keepMemory != 0 && int64_t{HandleByteSize(image->pixels)} >= required;
-  if (!enough) status = HandleResize(image->pixels, static_cast<uint64_t>(required));
+  if (!enough) {
+    HandleRow(image->pixels)->alignedAt = static_cast<uint32_t>(layout.origin);
+    status = HandleResize(image->pixels, static_cast<uint64_t>(required));
+  }
   if (status != STATUS_OK) return status;
 
   image->width = width;

@@ -111,15 +111,15 @@ TEST(Images, TheSameSizeWithAnotherBorderIsLaidOutAnew) {
   EXPECT_EQ(WorldFault(), nullptr);
 }
 
-TEST(Images, PixelBlocksStartOnACacheLine) {
-  const TestImage image(IMAGE_U8, 1, 1);
-  for (int32_t width = 1; width < 4000; width = width * 3 + 1) {
-    ASSERT_EQ(ZEL_SetImageSize(image, width, 77), 0);
-    EXPECT_EQ(reinterpret_cast<uintptr_t>(image.At<uint8_t>(0, 0)) % 64, 0u);
-  }
-  for (int32_t width = 4000; width > 0; width /= 2) {
-    ASSERT_EQ(ZEL_SetImageSize(image, width, 77), 0);
-    EXPECT_EQ(reinterpret_cast<uintptr_t>(image.At<uint8_t>(0, 0)) % 64, 0u);
+TEST(Images, TheFirstPixelLiesOnACacheLineWhateverTheBorder) {
+  for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL, IMAGE_COMPLEX, IMAGE_RGB}) {
+    for (const int32_t border : {0, 1, 3, 8}) {
+      const TestImage image(type, 1, 1, border);
+      for (const int32_t width : {1, 4, 40, 121, 364, 1093, 3280, 1500, 700, 90, 2}) {
+        ASSERT_EQ(ZEL_SetImageSize(image, width, 77), 0);
+        EXPECT_EQ(reinterpret_cast<uintptr_t>(image.At<uint8_t>(0, 0)) % 64, 0u);
+      }
+    }
   }
 }
 

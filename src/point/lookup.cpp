@@ -59,6 +59,12 @@ void LimitToBytes(uint16_t* entries) {
   }
 }
 
+// A caller's array that has an entry for every word is used where it is.
+bool IsWholeTable(int32_t type, int32_t arrayType, int32_t count) {
+  const bool ofWords = arrayType == ARRAY_I16 || arrayType == ARRAY_U16;
+  return type == IMAGE_I16 && ofWords && count >= LEVELS_I16;
+}
+
 Status UserLookup(ImageRef source, ImageRef mask, ImageRef destination, int32_t arrayType,
                   const void* array, int32_t count) {
   Operands operands;
@@ -66,13 +72,16 @@ Status UserLookup(ImageRef source, ImageRef mask, ImageRef destination, int32_t 
   if (operands.HasFailed()) return operands.status();
   const int32_t type = operands.source().type;
   LevelTable table;
-  const Status status = table.Create(type);
-  if (status != STATUS_OK) return status;
-  TableOfArray(arrayType, array, count, &table);
-  if (type == IMAGE_U8) LimitToBytes(table.entries());
-
+  const uint16_t* entries = static_cast<const uint16_t*>(array);
+  if (!IsWholeTable(type, arrayType, count)) {
+    const Status status = table.Create(type);
+    if (status != STATUS_OK) return status;
+    TableOfArray(arrayType, array, count, &table);
+    if (type == IMAGE_U8) LimitToBytes(table.entries());
+    entries = table.entries();
+  }
   const PointViews views = LookupSettle(&operands);
-  LookupApply(views, table.entries());
+  LookupApply(views, entries);
   return operands.status();
 }
 
