@@ -6,7 +6,8 @@
 set -eu
 status=0
 for object in "$@"; do
-  bad=$(nm --defined-only "$object" | awk '$2 ~ /[WwVvu]/ || ($2 ~ /[A-Z]/ && $3 !~ /^_ZN3zel(5plain|8baseline|2v3|2v4)/)')
+  symbols=$(nm --defined-only "$object")
+  bad=$(printf '%s\n' "$symbols" | awk '$2 ~ /[WwVvu]/ || ($2 ~ /[A-Z]/ && $3 !~ /^_ZN3zel(5plain|8baseline|2v3|2v4)/)')
   if [ -n "$bad" ]; then
     printf '%s defines:\n%s\n' "$object" "$bad"
     status=1

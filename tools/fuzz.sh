@@ -26,12 +26,20 @@ if ! command -v $clang >/dev/null; then
   exit 1
 fi
 build=build/fuzz-$sanitizer
-cmake -S . -B "$build" -G Ninja -DCMAKE_CXX_COMPILER=$clang -DCMAKE_C_COMPILER=clang-19 \
-  -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG="-g -O1" -DPTK_SANITIZE="$sanitizer" \
-  -DPTK_FUZZ=ON -DPTK_BUILD_TESTS=OFF -DPTK_BUILD_TOOLS=OFF -DPTK_BUILD_BENCHMARKS=OFF >/dev/null
-cmake --build "$build" --target make_seeds "${targets[@]/#/fuzz_}"
-# The seed maker uses more of the standard library than the memory sanitizer sees into.
-MSAN_OPTIONS=exit_code=0 "$build/fuzz/make_seeds" "$build/seeds" 2>/dev/null || true
+
+# build SANITIZER PROGRAM...: in build/fuzz-SANITIZER
+build() {
+  cmake -S . -B "build/fuzz-$1" -G Ninja -DCMAKE_CXX_COMPILER=$clang -DCMAKE_C_COMPILER=clang-19 \
+    -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG="-g -O1" -DPTK_SANITIZE="$1" \
+    -DPTK_FUZZ=ON -DPTK_BUILD_TESTS=OFF -DPTK_BUILD_TOOLS=OFF -DPTK_BUILD_BENCHMARKS=OFF >/dev/null
+  cmake --build "build/fuzz-$1" --target "${@:2}"
+}
+build "$sanitizer" "${targets[@]/#/fuzz_}"
+# The seed maker uses more of the standard library than the memory sanitizer sees into, so that the
+# address sanitizer watches it always.
+build address make_seeds
+rm -rf "$build/seeds"
+build/fuzz-address/fuzz/make_seeds "$build/seeds"
 
 run() {
   local target=$1 log=$build/$1.log found=$build/found/$1
