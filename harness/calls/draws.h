@@ -68,9 +68,14 @@ struct TypedArray {
   const void* elements;
   int32_t count;
 };
-inline TypedArray ArrayToRead(Playground& play) {
+// Of the elements that it is said to have, those beyond a limit are not there: the call has no use
+// for them.
+inline TypedArray ArrayUpTo(int32_t limit, Playground& play) {
   const struct { int32_t type, count; } a{ArrayType(play), Count(play)};
-  return {a.type, play.Array(LayoutOf(a.type, Held(a.count))), a.count};
+  return {a.type, play.Array(LayoutOf(a.type, Held(std::min(a.count, limit)))), a.count};
+}
+inline TypedArray ArrayToRead(Playground& play) {
+  return ArrayUpTo(INT32_MAX, play);
 }
 
 // Two points anywhere.

@@ -12,6 +12,31 @@ constexpr auto ARITHMETIC = Call<function, Image, Image, Image, Float>;
 template <auto function>
 constexpr auto LOGIC = Call<function, Image, Image, Image, Below<3>, Word>;
 
+// Entries of a table that pixels of the image can name; of other images no table is looked at.
+int32_t LevelsOf(Playground& play, ImageRef image) {
+  const Playground::Shape shape = play.ShapeOf(image);
+  switch (shape.type) {
+    case IMAGE_U8:
+      return 256;
+    case IMAGE_I16:
+      return 65536;
+    default:
+      return 0;
+  }
+}
+
+int32_t ConvertByLookup(Playground& play) {
+  const struct { ImageRef source, destination; } a{Image(play), Image(play)};
+  const TypedArray table = ArrayUpTo(LevelsOf(play, a.source), play);
+  return ZEL_ConvertByLookup(a.source, a.destination, table.type, table.elements, table.count);
+}
+
+int32_t UserLookup(Playground& play) {
+  const struct { ImageRef source, mask, destination; } a{Image(play), Image(play), Image(play)};
+  const TypedArray table = ArrayUpTo(LevelsOf(play, a.source), play);
+  return ZEL_UserLookup(a.source, a.mask, a.destination, table.type, table.elements, table.count);
+}
+
 int32_t MultiThreshold(Playground& play) {
   const struct {
     ImageRef source, destination;
@@ -85,7 +110,7 @@ constexpr ApiCall ROWS[] = {
 
     {41, "ZEL_Cast", Call<ZEL_Cast, Image, ImageType>},
     {42, "ZEL_Convert", Call<ZEL_Convert, Image, Image>},
-    {43, "ZEL_ConvertByLookup", Call<ZEL_ConvertByLookup, Image, Image, ArrayToRead>},
+    {43, "ZEL_ConvertByLookup", ConvertByLookup},
     {44, "ZEL_Shift16To8", Call<ZEL_Shift16To8, Image, Image, Int>},
 
     {45, "ZEL_Threshold", Call<ZEL_Threshold, Image, Image, Float, Float, Float, Below<2>>},
@@ -93,7 +118,7 @@ constexpr ApiCall ROWS[] = {
     {47, "ZEL_AutoBThreshold", AutoBThreshold},
     {48, "ZEL_AutoMThreshold", AutoMThreshold},
 
-    {49, "ZEL_UserLookup", Call<ZEL_UserLookup, Image, Image, Image, ArrayToRead>},
+    {49, "ZEL_UserLookup", UserLookup},
     {50, "ZEL_MathLookup", Call<ZEL_MathLookup, Image, Image, Image, Int, Float, Float, Float>},
     {51, "ZEL_Equalize", Equalize},
 };

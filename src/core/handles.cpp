@@ -139,7 +139,12 @@ Handle HandleNew(uint32_t size) {
     data = HeapAllocateZeroed(size);
     if (!data) return 0;
   }
-  coreTables.handles[handle] = {data, HANDLE_OWNED, 1, size, 0, 0, 0, size, data};
+  coreTables.handles[handle] = {.data = data,
+                                .kind = HANDLE_OWNED,
+                                .elementSize = 1,
+                                .count = size,
+                                .blockBytes = size,
+                                .block = data};
   coreTables.handleRows++;
   TablesEnsure();  // one free row is normally on hand for the next call
   return handle;

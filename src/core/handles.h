@@ -20,17 +20,17 @@ enum HandleKind : int32_t {
 };
 
 struct HandleEntry {
-  void* data;            // null for an empty handle
-  int32_t kind;          // HandleKind
-  uint32_t elementSize;  // 1 after a plain byte allocation
-  uint32_t count;        // elements, or rows of a two-dimensional vector
-  uint32_t count2;       // 0, or columns of a two-dimensional vector
-  uint32_t capacity;     // HANDLE_FOREIGN: bytes of the caller's block; else 0
-  uint32_t ownerImage;   // the image this block was made for, or 0
-  uint32_t blockBytes;   // what `data` really holds, whatever the counts say
-  uint32_t alignedAt;    // HANDLE_IMAGE_PIXELS: the byte that a new block has on a cache line; a
-                         // multiple of 8
-  void* block;           // the heap block that `data` lies in
+  void* data = nullptr;      // null for an empty handle
+  int32_t kind = 0;          // HandleKind
+  uint32_t elementSize = 0;  // 1 after a plain byte allocation
+  uint32_t count = 0;        // elements, or rows of a two-dimensional vector
+  uint32_t count2 = 0;       // 0, or columns of a two-dimensional vector
+  uint32_t capacity = 0;     // HANDLE_FOREIGN: bytes of the caller's block; else 0
+  uint32_t ownerImage = 0;   // the image this block was made for, or 0
+  uint32_t blockBytes = 0;   // what `data` really holds, whatever the counts say
+  uint32_t alignedAt = 0;    // HANDLE_IMAGE_PIXELS: the byte that a new block has on a cache line;
+                             // a multiple of 8
+  void* block = nullptr;     // the heap block that `data` lies in
 };
 
 // Makes room for one more image and one more handle, and tests the processor on first use.

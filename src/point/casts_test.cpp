@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/heap.h"
+#include "harness/caller_arrays.h"
 #include "harness/test_image.h"
 #include "point/operator_test.h"
 
@@ -346,6 +347,22 @@ TEST(ConvertByLookup, LongTablesAreCut) {
   TestImage words(IMAGE_I16, 0, 0);
   ASSERT_EQ(ZEL_ConvertByLookup(bytes, words, ARRAY_DBL, table.data(), 70000), 0);
   EXPECT_EQ(words.Get<int16_t>(3, 0), 40000 - 65536);
+}
+
+TEST(ConvertByLookup, EntriesBeyondTheLevelsAreNotRead) {
+  for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
+    const size_t levels = type == IMAGE_U8 ? 256 : type == IMAGE_I16 ? 65536 : 0;
+    const TestImage source(type, 33, 3);
+    const TestImage destination(IMAGE_SGL, 33, 3);
+    for (int32_t arrayType = ARRAY_I8; arrayType <= ARRAY_U8; arrayType++) {
+      test::CallerArrays arrays;
+      const void* table =
+          arrays.Make(test::LayoutOf(arrayType, levels), test::ArrayPlace::BeforeGuardPage);
+      const int32_t expected = type == IMAGE_SGL ? -301 : 0;
+      ASSERT_EQ(ZEL_ConvertByLookup(source, destination, arrayType, table, 70000), expected)
+          << arrayType;
+    }
+  }
 }
 
 TEST(ConvertByLookup, WrongArgumentsGiveTheirNumbers) {

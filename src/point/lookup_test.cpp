@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "core/heap.h"
+#include "harness/caller_arrays.h"
 #include "harness/test_image.h"
 
 namespace {
@@ -212,6 +213,20 @@ TEST(Lookup, SixteenBitEntriesAreNotLimited) {
   EXPECT_EQ(image.Get<int16_t>(0, 0), -300);
   EXPECT_EQ(image.Get<int16_t>(1, 0), -1);
   EXPECT_EQ(image.Get<int16_t>(2, 0), 4464);
+}
+
+TEST(Lookup, EntriesBeyondTheLevelsAreNotRead) {
+  for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
+    const size_t levels = type == IMAGE_U8 ? 256 : type == IMAGE_I16 ? 65536 : 0;
+    const TestImage image(type, 33, 3);
+    for (int32_t arrayType = ARRAY_I8; arrayType <= ARRAY_U8; arrayType++) {
+      test::CallerArrays arrays;
+      const void* table =
+          arrays.Make(test::LayoutOf(arrayType, levels), test::ArrayPlace::BeforeGuardPage);
+      const int32_t expected = type == IMAGE_SGL ? -301 : 0;
+      ASSERT_EQ(ZEL_UserLookup(image, 0, 0, arrayType, table, 70000), expected) << arrayType;
+    }
+  }
 }
 
 TEST(Lookup, FailuresLeaveTheImagesAlone) {
