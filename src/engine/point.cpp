@@ -1,9 +1,17 @@
 // The point walk: rows joined, parts on cache lines, and bands for the threads.
 #include "engine/point.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "engine/bands.h"
+#include "engine/stream_rows.h"
+#include "platform/processor.h"
 
 namespace zel {
+
+int64_t pointStreamBytes = POINT_STREAM_UNKNOWN;
+
 namespace {
 
 constexpr int64_t CACHE_LINE = 64;
@@ -64,15 +72,52 @@ PointViews PointRows(const PointViews& views, int32_t first, int32_t end) {
           .mask = views.mask.Rows(first)};
 }
 
+bool ResultIsOperand(const PointViews& views) {
+  return views.result.origin == views.first.origin || views.result.origin == views.second.origin;
+}
+
+// Results that will have left the caches before anyone reads them are made in a small buffer and
+// stored past the caches: an ordinary store would read each line first.
+void StreamRowsOf(const PointViews& views, const PointWork& work) {
+  constexpr int32_t bufferBytes = 8192;
+  alignas(CACHE_LINE) uint8_t buffer[bufferBytes];
+  const int32_t step = bufferBytes / views.result.pixelBytes;
+  const StreamRows& rows = streamRows();
+  for (int32_t y = 0; y < views.result.height; y++) {
+    const PointViews row = PointRows(views, y, y + 1);
+    for (int32_t x = 0; x < row.result.width; x += step) {
+      PointViews part = PointColumns(row, x, std::min(x + step, row.result.width));
+      uint8_t* result = std::exchange(part.result.origin, buffer);
+      work.run(work, part);
+      rows.store(result, buffer, part.result.RowBytes());
+    }
+  }
+  rows.end();
+}
+
+bool LeavesTheCaches(const PointViews& views) {
+  if (pointStreamBytes == POINT_STREAM_UNKNOWN) pointStreamBytes = LastLevelCacheBytes();
+  return BytesOf(views) >= pointStreamBytes;
+}
+
+// How a band is run.
+using BandRun = void (*)(const PointViews& views, const PointWork& work);
+BandRun BandRunFor(const PointViews& views) {
+  if (LeavesTheCaches(views) && !ResultIsOperand(views)) return &StreamRowsOf;
+  return [](const PointViews& band, const PointWork& of) { of.run(of, band); };
+}
+
 void LongRowWalk(const PointViews& views, const PointWork& work) {
   const int32_t head = ColumnsToCacheLine(views.result);
   if (head != 0) work.run(work, PointColumns(views, 0, head));
   const PointViews rest = PointColumns(views, head, views.result.width);
-  BandsRun({.units = rest.result.width, .bytes = BytesOf(rest), .alignment = CACHE_LINE},
-           [&](const Band& band) {
-             work.run(work, PointColumns(rest, static_cast<int32_t>(band.begin),
-                                         static_cast<int32_t>(band.end)));
-           });
+  const BandRun run = BandRunFor(rest);
+  BandsRun(
+      {.units = rest.result.width, .bytes = BytesOf(rest), .alignment = CACHE_LINE},
+      [&](const Band& band) {
+        run(PointColumns(rest, static_cast<int32_t>(band.begin), static_cast<int32_t>(band.end)),
+            work);
+      });
 }
 
 }  // namespace
@@ -81,9 +126,9 @@ void PointWalk(const PointViews& views, const PointWork& work) {
   if (views.result.IsEmpty()) return;
   const PointViews joined = RowsJoin(views);
   if (joined.result.height == 1) return LongRowWalk(joined, work);
+  const BandRun run = BandRunFor(joined);
   BandsRun({.units = joined.result.height, .bytes = BytesOf(joined)}, [&](const Band& band) {
-    work.run(work,
-             PointRows(joined, static_cast<int32_t>(band.begin), static_cast<int32_t>(band.end)));
+    run(PointRows(joined, static_cast<int32_t>(band.begin), static_cast<int32_t>(band.end)), work);
   });
 }
 

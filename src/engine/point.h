@@ -28,6 +28,11 @@ struct NoRule {};
 template <class Rule>
 void PointWalk(const PointViews& views, PointRoutine<Rule> routine, const Rule& rule);
 
+// Results of operations that touch so many bytes, and do not run in place, are stored past the
+// caches: the size of the last-level cache, below which it was measured to lose.
+constexpr int64_t POINT_STREAM_UNKNOWN = -1;  // the machine is asked at the next use
+extern int64_t pointStreamBytes;              // set by tests only
+
 // The whole rows of an operation joined into one where none of its operands has a gap between them;
 // unchanged otherwise. For passes that own their walk.
 PointViews RowsJoin(const PointViews& views);

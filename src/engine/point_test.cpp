@@ -292,4 +292,46 @@ TEST(PointWalk, ShortRowsAreOnePart) {
   EXPECT_TRUE(IsSame(parts[0], sheet.view()));
 }
 
+// Results past the caches from the first byte on.
+class Streaming {
+ public:
+  Streaming() { pointStreamBytes = 0; }
+  Streaming(const Streaming&) = delete;
+  Streaming& operator=(const Streaming&) = delete;
+  ~Streaming() { pointStreamBytes = POINT_STREAM_UNKNOWN; }
+};
+
+void AddWords(const PointViews& views, const NoRule&) {
+  CombineSamePlace<uint16_t, uint8_t, uint16_t>(
+      views, [](uint16_t a, uint8_t b) { return static_cast<uint16_t>(a + b); });
+}
+
+TEST(PointWalk, StreamedResultsAreThoseOfOrdinaryStoresAndTouchNothingElse) {
+  for (const int32_t border : {0, 3}) {
+    for (const int32_t width : {1, 2, 7, 8, 31, 32, 33, 63, 64, 65, 4095, 4096, 4097, 9000}) {
+      const TestImage words(IMAGE_I16, width, 3, border, 1);
+      const TestImage bytes(IMAGE_U8, width, 3, border, 2);
+      const TestImage expected(IMAGE_I16, width, 3, border, 3);
+      const TestImage streamed(IMAGE_I16, width, 3, border, 3);
+      const auto viewOf = [](const TestImage& image) {
+        Image* record = nullptr;
+        ImageLookup(image, &record);
+        return ViewOf(*record);
+      };
+      PointViews views = {
+          .first = viewOf(words), .second = viewOf(bytes), .result = viewOf(expected), .mask = {}};
+      PointWalk(views, &AddWords, NoRule());
+      views.result = viewOf(streamed);
+      {
+        const Streaming streaming;
+        PointWalk(views, &AddWords, NoRule());
+        ASSERT_EQ(streamed.Block(), expected.Block()) << "width " << width;
+        views.result = views.first;  // in place
+        PointWalk(views, &AddWords, NoRule());
+      }
+      ASSERT_EQ(words.Pixels(), expected.Pixels()) << "width " << width;
+    }
+  }
+}
+
 }  // namespace

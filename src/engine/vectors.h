@@ -120,6 +120,10 @@ ZEL_INLINE Floats ReciprocalEstimate(Floats v) {
 ZEL_INLINE Ints Truncate(Floats v) {
   return (Ints)_mm512_maskz_cvttps_epi32(ALL_LANES, (__m512)v);
 }
+// On a boundary of vectors, past the caches.
+ZEL_INLINE void Stream(uint8_t* to, Bytes v) {
+  _mm512_stream_si512(reinterpret_cast<__m512i*>(to), Of(v));
+}
 
 #elif defined(ZEL_LEVEL_v3)
 
@@ -181,6 +185,10 @@ ZEL_INLINE Floats ReciprocalEstimate(Floats v) {
 ZEL_INLINE Ints Truncate(Floats v) {
   return (Ints)_mm256_cvttps_epi32((__m256)v);
 }
+// On a boundary of vectors, past the caches.
+ZEL_INLINE void Stream(uint8_t* to, Bytes v) {
+  _mm256_stream_si256(reinterpret_cast<__m256i*>(to), Of(v));
+}
 
 #else
 
@@ -229,8 +237,17 @@ ZEL_INLINE Floats ReciprocalEstimate(Floats v) {
 ZEL_INLINE Ints Truncate(Floats v) {
   return (Ints)_mm_cvttps_epi32((__m128)v);
 }
+// On a boundary of vectors, past the caches.
+ZEL_INLINE void Stream(uint8_t* to, Bytes v) {
+  _mm_stream_si128(reinterpret_cast<__m128i*>(to), Of(v));
+}
 
 #endif
+
+// After the last of them, before anyone else reads.
+ZEL_INLINE void StreamEnd() {
+  _mm_sfence();
+}
 
 #endif  // ZEL_VECTORS
 

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "core/images.h"
-#include "platform/processor.h"
 #include "harness/test_image.h"
+#include "platform/processor.h"
 
 namespace {
 

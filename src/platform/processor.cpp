@@ -1,6 +1,8 @@
 // Finding out what the processor can do.
 #include "platform/processor.h"
 
+#include <unistd.h>
+
 #if defined(__x86_64__) || defined(__i386__)
 #include <cpuid.h>
 #endif
@@ -64,6 +66,15 @@ uint32_t MmxAvailable() {
 
 void MmxForce(int32_t value) {
   mmxPresent = value == 0 || value == 1 ? value : UNKNOWN;
+}
+
+int64_t LastLevelCacheBytes() {
+  constexpr int64_t usual = 32 << 20;
+#if defined(_SC_LEVEL3_CACHE_SIZE)
+  const long told = sysconf(_SC_LEVEL3_CACHE_SIZE);
+  if (told > 0) return told;
+#endif
+  return usual;
 }
 
 ProcessorFeatures ProcessorFeaturesAsk() {

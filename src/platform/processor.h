@@ -13,6 +13,9 @@ uint32_t MmxAvailable();
 // For tests: 0 or 1 forces the flag, -1 asks the processor again.
 void MmxForce(int32_t value);
 
+// The size of the last cache before the memory, or a usual one where the machine doesn't tell.
+int64_t LastLevelCacheBytes();
+
 // Which of the levels that row routines may be compiled for the processor can run, by the names
 // that the build gives them.
 struct ProcessorFeatures {

@@ -19,6 +19,10 @@ TEST(Processor, TheFlagCanBeForcedAndAskedAgain) {
   EXPECT_EQ(MmxAvailable(), told);
 }
 
+TEST(Processor, TheLastLevelCacheHasASensibleSize) {
+  EXPECT_GE(LastLevelCacheBytes(), 1 << 16);
+}
+
 TEST(Processor, AHigherLevelHasTheLowerOnes) {
   const ProcessorFeatures features = ProcessorFeaturesAsk();
   EXPECT_TRUE(features.plain);
