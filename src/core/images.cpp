@@ -240,11 +240,13 @@ Status ImagePixelAddress(ImageRef reference, int32_t x, int32_t y, void** addres
 
 PixelView ViewOf(const Image& image) {
   const int32_t pixelBytes = PixelBytesOf(image.type);
-  PixelView view{.width = image.width, .height = image.height, .type = image.type};
+  PixelView view{.width = image.width,
+                 .height = image.height,
+                 .type = image.type,
+                 .pixelBytes = static_cast<int16_t>(pixelBytes)};
   uint8_t* block = VectorData<uint8_t>(image.pixels);
   if (pixelBytes == 0 || !block) return view;
   const int64_t leftPad = RoundedUp(image.border, RowStep(pixelBytes));
-  view.pixelBytes = static_cast<int16_t>(pixelBytes);
   view.pitch = int64_t{image.lineWidth} * pixelBytes;
   view.origin = block + image.border * view.pitch + leftPad * pixelBytes;
   return view;

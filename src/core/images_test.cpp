@@ -63,6 +63,18 @@ TEST(Images, LayoutFollowsTheRuleForAllTypesSizesAndBorders) {
   }
 }
 
+TEST(Images, AViewOfAnImageWithoutPixelsTellsHowLargeTheyWouldBe) {
+  for (int32_t type = IMAGE_U8; type <= IMAGE_RGB; type++) {
+    const TestImage image(type, 0, 0, 0);
+    Image* record = nullptr;
+    ASSERT_EQ(ImageLookup(image, &record), STATUS_OK);
+    const PixelView view = ViewOf(*record);
+    EXPECT_TRUE(view.IsEmpty());
+    EXPECT_EQ(view.origin, nullptr);
+    EXPECT_EQ(view.pixelBytes, PIXEL_BYTES[type]);
+  }
+}
+
 TEST(Images, ANewImageHasTheDefaults) {
   ImageRef reference = 0;
   ASSERT_EQ(ZEL_Create(&reference, IMAGE_SGL, 2), 0);

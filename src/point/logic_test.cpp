@@ -180,6 +180,14 @@ TEST(Logic, ResultsMayReplaceEitherOperandAndLeaveItsSurroundings) {
   }
 }
 
+TEST(Logic, ImagesWithoutPixelsTakeAConstant) {
+  for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_RGB}) {
+    const TestImage image(type, 0, 0, 0);
+    EXPECT_EQ(ZEL_And(image, 0, 0, 0, 5), 0);
+    EXPECT_EQ(ZEL_LogDiff(image, 0, 0, 5), 0);
+  }
+}
+
 TEST(Logic, WrongImagesGiveTheirNumbers) {
   const TestImage bytes(IMAGE_U8, 10, 10);
   const TestImage words(IMAGE_I16, 10, 10);
