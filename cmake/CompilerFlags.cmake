@@ -1,6 +1,11 @@
 # Flags that hold for every source. Results are bit-exact by promise, so no multiply-add is
 # contracted and no fast-math flag may appear anywhere.
 add_compile_options(-ffp-contract=off)
+# Where doubles that were rounded to floats are stored side by side, the vectoriser of straight-line
+# code of g++ 12 leaves the rounding out.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  add_compile_options(-fno-tree-slp-vectorize)
+endif()
 
 set(PTK_WARNING_FLAGS -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wcast-align
                       -Wdouble-promotion)

@@ -11,7 +11,7 @@ mapfile -t sources < <(git ls-files 'src/*/*.cpp' | grep -v '_test\.cpp$')
 # callers see the bytes between the fields.
 cppcheck --std=c++20 --language=c++ --enable=warning,performance,portability --inline-suppr \
   --suppress=shiftTooManyBitsSigned --suppress=memsetClassFloat \
-  --error-exitcode=9 -q -j 2 -I src -I . -I include -DZEL_LEVEL=baseline "${sources[@]}"
+  --error-exitcode=9 -q -j 2 -I src -I include -I "$build/generated" -DZEL_LEVEL=baseline "${sources[@]}"
 
 printf '%s\n' "${sources[@]}" |
   xargs -P 2 -n 6 clang-tidy --quiet -p "$build" --warnings-as-errors='*' 2>/dev/null

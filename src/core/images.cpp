@@ -214,8 +214,9 @@ Status ImageLayoutSize(Image* image, int32_t width, int32_t height, bool keep) {
 }
 
 Status PixelSize(int32_t type, int32_t* bytes) {
-  if (!TypeHasPixels(type)) return STATUS_BAD_LAYOUT_TYPE;
-  *bytes = PixelBytesOf(type);
+  const int32_t known = PixelBytesOf(type);
+  if (known == 0) return STATUS_BAD_LAYOUT_TYPE;
+  *bytes = known;
   return STATUS_OK;
 }
 

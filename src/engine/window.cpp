@@ -24,9 +24,8 @@ void BandWalk(const WindowBand& band, WindowReach reach, const WindowWork& work)
   const int32_t count = reach.Rows();
   const void* few[FEW_ROWS];
   const void** rows = count <= FEW_ROWS ? few : reinterpret_cast<const void**>(band.memory);
-  for (int32_t i = 0; i < count; i++) {
-    rows[i] = source.Row<uint8_t>(int64_t{band.begin} - reach.above + i);
-  }
+  const int64_t first = int64_t{band.begin} - reach.above;
+  for (int32_t i = 0; i < count; i++) rows[i] = source.Row<const void*>(first + i);
   for (int32_t y = band.begin; y < band.end; y++) {
     const bool odd = ((band.views.firstRow + y) & 1) != 0;
     work.run(work, rows, band.RowBegin(y), source.width, odd);

@@ -37,8 +37,10 @@ struct CastRows {
   PointRoutine<ValueTable<float>> wordsToFloats;
 
   const CastsFrom& From(int32_t type) const {
-    const CastsFrom* const sources[] = {&fromU8, &fromI16, &fromSgl, &fromComplex, &fromRgb};
-    return *sources[type];
+    constexpr CastsFrom CastRows::*sources[] = {&CastRows::fromU8, &CastRows::fromI16,
+                                                &CastRows::fromSgl, &CastRows::fromComplex,
+                                                &CastRows::fromRgb};
+    return this->*sources[type];
   }
 };
 ZEL_ROW_TABLE(CastRows, castRows)
