@@ -1,6 +1,7 @@
 #!/bin/sh
 # The demonstration: builds the tools, makes picture files of scenes whose contents are known,
-# inspects them, and leaves the annotated pictures and the reports in demo/.
+# inspects and filters them, and leaves the annotated and the filtered pictures and the reports in
+# demo/.
 set -eu
 cd "$(dirname "$0")/.."
 tools/setup.sh
@@ -18,7 +19,7 @@ show() {
   printf '\n$ orlune'
   for word in "$@"; do
     case $word in
-      *'>'*) printf ' "%s"' "$word" ;;
+      *'>'* | *' '*) printf ' "%s"' "$word" ;;
       *) printf ' %s' "$word" ;;
     esac
   done
@@ -29,7 +30,8 @@ show info scenes/chips.tif
 show inspect --dark --scale 0.05 --unit mm --annotate annotated scenes/washers.bmp
 show inspect --keep "AreaPixels>=500" --annotate annotated --csv particles.csv --json particles.json \
   scenes/pins.tif scenes/chips.tif scenes/mixed.orln
+show filter --steps "median 5; edges sobel 4; maximum 3" --format bmp --out filtered scenes/mixed.orln
 
 echo
-echo "The pictures are in demo/scenes, the annotated ones in demo/annotated;"
-echo "demo/particles.csv and demo/particles.json hold the lists."
+echo "The pictures are in demo/scenes, the annotated ones in demo/annotated,"
+echo "the filtered one in demo/filtered; demo/particles.csv and demo/particles.json hold the lists."

@@ -37,6 +37,11 @@ in_out "inspect"
 run 0 inspect --help
 in_out "--keep"
 in_out "clustering"
+run 0 filter --help
+in_out "--steps"
+in_out "median SIZE"
+in_out "METHOD: differentiation, gradient, prewitt, roberts, sigma or sobel"
+in_out "TOLERANCE: 0 to 100"
 run 2
 in_out "Usage:"
 run 0 measures
@@ -183,6 +188,79 @@ run 1 convert missing.tif out.bmp
 in_err "missing.tif: unable to get info"
 run 1 convert "$scenes/washers.bmp" no/such/folder/out.tif
 in_err "no/such/folder/out.tif: invalid parameter"
+
+# Filters: chains on several files, of which each goes into the folder under its own name
+chain="median 5; edges sobel 4"
+run 0 filter --steps "$chain" "$scenes/washers.bmp" "$scenes/mixed.orln" --out filtered/here
+in_out "washers.bmp: BMP, 640 x 480, 8-bit gray; filtered: filtered/here/washers.bmp"
+in_out "2 pictures filtered"
+in_out "megapixels in"
+in_out "median "
+in_out "edges "
+silent err
+run 0 filter --quiet --steps "median 5" "$scenes/washers.bmp" -o median.orln
+silent out
+run 0 filter --steps "edges sobel 4" median.orln -o two-steps.bmp
+cmp -s two-steps.bmp filtered/here/washers.bmp || fail "a chain is not its steps one by one"
+cmp -s two-steps.bmp "$scenes/washers.bmp" && fail "the filters did nothing"
+run 0 filter --steps "median 5" "$scenes/chips.tif" -o chips-median.tif
+run 0 info chips-median.tif
+in_out "16-bit gray"
+run 0 inspect --keep "AreaPixels>=200" chips-median.tif
+in_out "20 kept"
+run 0 filter --steps "median 3" --format bmp "$scenes/pins.tif" --out filtered
+in_err "filtered/pins.bmp: written with 24 bits"
+run 0 filter --steps "maximum 3" --mask "$scenes/washers.bmp" "$scenes/washers.bmp" -o masked.bmp
+run 1 filter --steps "maximum 3" --mask "$scenes/pins.tif" "$scenes/washers.bmp" -o not-masked.bmp
+in_err "the mask of 801 x 601 pixels does not fit"
+run 1 filter --steps "maximum 3" --mask missing.tif "$scenes/washers.bmp" -o not-masked.bmp
+in_err "missing.tif: unable to get info"
+[ ! -e not-masked.bmp ] || fail "filtered without the mask"
+
+# Those that cannot be read or written are named, and the others go on
+run 1 filter --steps "minimum 3" missing.tif text.bmp "$scenes/washers.bmp" --out filtered/some
+in_err "missing.tif: unable to get info (ZEL_ReadFile returned -510)"
+in_err "text.bmp: file type not supported (ZEL_ReadFile returned -509)"
+in_out "1 picture filtered, 2 could not be"
+[ -s filtered/some/washers.bmp ] || fail "the good file did not go on"
+[ ! -e filtered/some/missing.tif ] || fail "a picture of no file"
+run 1 filter --steps "median 3" --format bmp "$scenes/chips.tif" "$scenes/pins.tif" --out filtered/some
+in_err "filtered/some/chips.bmp: BMP holds u8 and rgb pixels, not i16"
+in_out "1 picture filtered, 1 could not be"
+run 1 filter --steps "median 3" "$scenes/washers.bmp" -o no/such/folder/out.bmp
+in_err "no/such/folder/out.bmp: invalid parameter"
+run 1 filter --steps "median 3" "$scenes/washers.bmp" --out text.bmp
+in_err "text.bmp: the folder cannot be made"
+
+# No picture that is read is written over, and no two pictures go to one file
+run 2 filter --steps "median 3" other/washers.bmp --out other
+in_err "that is a picture to be filtered"
+run 2 filter --steps "median 3" other/washers.bmp -o other/../other/washers.bmp
+in_err "that is a picture to be filtered"
+run 2 filter --steps "median 3" --mask other/washers.bmp "$scenes/washers.bmp" -o other/washers.bmp
+in_err "that is the mask"
+cmp -s other/washers.bmp "$scenes/washers.bmp" || fail "a picture was written over"
+run 2 filter --steps "median 3" other/washers.bmp "$scenes/washers.bmp" --out filtered/twice
+in_err "that is the result of other/washers.bmp"
+[ ! -e filtered/twice ] || fail "something was done"
+
+# Filters that make no sense
+run 2 filter "$scenes/washers.bmp" --out filtered
+in_err "--steps"
+run 2 filter --steps "median 3" "$scenes/washers.bmp"
+in_err "--out FOLDER"
+run 2 filter --steps "median 3" "$scenes/washers.bmp" --out filtered -o one.bmp
+run 2 filter --steps "median 3" "$scenes/washers.bmp" "$scenes/pins.tif" -o one.bmp
+in_err "-o is for one file"
+run 2 filter --steps "median 3" "$scenes/washers.bmp" -o washers.jpg
+in_err "--format"
+run 2 filter --steps "median 3; medan 5" "$scenes/washers.bmp" --out filtered/never
+in_err "step 2, 'medan': no such step; did you mean median?"
+run 2 filter --steps "median 0" "$scenes/washers.bmp" --out filtered/never
+in_err "step 1, median: the size must be 1 to 1000, or WIDTHxHEIGHT, not '0'"
+run 2 filter --steps "edges sobl" "$scenes/washers.bmp" --out filtered/never
+in_err "did you mean sobel?"
+[ ! -e filtered/never ] || fail "something was done"
 
 # A progress bar on a terminal, and none in a pipe
 many="$scenes/washers.bmp $scenes/washers.bmp $scenes/washers.bmp $scenes/washers.bmp"

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "orlune/inspection.h"
+#include "orlune/steps.h"
 
 namespace front {
 
@@ -39,6 +40,18 @@ struct ConvertCommand {
   bool swapBytes = false;
 };
 int Run(const ConvertCommand& command);
+
+struct FilterCommand {
+  std::vector<std::string> files;
+  Chain steps;
+  std::string folder;                   // for a picture of each file, or
+  std::string to;                       // the picture of the only file
+  std::string mask;                     // file, empty for none
+  std::optional<PictureFormat> format;  // none: by the endings of the names
+  bool swapBytes = false;
+  bool quiet = false;
+};
+int Run(const FilterCommand& command);
 
 // The list of the 50 measures.
 int ListMeasures();

@@ -1,41 +1,15 @@
 // orlune convert: a picture file in another format or with other pixels.
-#include <algorithm>
-#include <cctype>
-#include <filesystem>
 #include <iostream>
+#include <utility>
 
 #include "orlune/commands.h"
-#include "orlune/pictures.h"
+#include "orlune/output.h"
 
 namespace front {
 namespace {
 
-PictureFormat FormatOf(const ConvertCommand& command) {
-  if (command.format) return *command.format;
-  std::string ending = std::filesystem::path(command.to).extension().string();
-  std::transform(ending.begin(), ending.end(), ending.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  if (ending == ".orln") return PictureFormat::Native;
-  if (ending == ".tif" || ending == ".tiff") return PictureFormat::Tiff;
-  if (ending == ".bmp") return PictureFormat::Bmp;
-  throw std::invalid_argument("the ending '" + ending +
-                              "' tells no format: use .orln, .tif or .bmp, or say --format");
-}
-
-// Throws when the format has no place for such pixels.
-void CheckType(PictureFormat format, int32_t type) {
-  const bool bytes = type == IMAGE_U8 || type == IMAGE_RGB;
-  const bool fits = format == PictureFormat::Native || bytes ||
-                    (format == PictureFormat::Tiff && type == IMAGE_I16);
-  if (fits) return;
-  const std::string holds =
-      format == PictureFormat::Bmp ? "BMP holds u8 and rgb" : "TIFF holds u8, i16 and rgb";
-  throw std::invalid_argument(holds + " pixels, not " + TypeName(type) +
-                              ": choose --type u8, with --stretch if the values are not 0 to 255");
-}
-
 void Convert(const ConvertCommand& command) {
-  const PictureFormat format = FormatOf(command);
+  const PictureFormat format = command.format ? *command.format : FormatByEnding(command.to);
   // Without a stretch, values are limited to what the wanted type holds: that is the cast's rule,
   // where reading into the type would keep the low bits.
   Picture picture =
@@ -52,21 +26,13 @@ void Convert(const ConvertCommand& command) {
   }
   Check(ZEL_Cast(picture.image, wanted));
 
-  const ImageInfo info = picture.image.Info();
-  if (format == PictureFormat::Bmp && wanted == IMAGE_U8 && info.width % 4 != 0) {
-    // The rows of 8-bit files are written without the padding that readers of BMP expect.
-    if (command.type) {
-      throw std::invalid_argument(
-          "8-bit BMP files need a width that 4 divides, and this picture is " +
-          std::to_string(info.width) + " wide: choose --type rgb, or another format");
-    }
-    if (!picture.palette.empty()) ApplyPalette(&picture);
-    Check(ZEL_Cast(picture.image, IMAGE_RGB));
-    std::cerr << "orlune: " << command.to
-              << ": written with 24 bits a pixel, since 4 does not divide "
-              << "the width of " << info.width << '\n';
+  if (command.type && !RowsReadBack(picture.image, format)) {
+    throw std::invalid_argument(
+        "8-bit BMP files need a width that 4 divides, and this picture is " +
+        std::to_string(picture.image.Info().width) + " wide: choose --type rgb, or another format");
   }
-  WritePicture(picture.image, command.to, format, picture.palette);
+  const std::string remark = WriteFitting(std::move(picture), command.to, format);
+  if (!remark.empty()) std::cerr << "orlune: " << command.to << ": " << remark << '\n';
 }
 
 }  // namespace

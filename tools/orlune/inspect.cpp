@@ -143,7 +143,7 @@ class InspectRun {
   // A picture that was inspected stays so when its annotation cannot be written.
   void Annotate(Inspection* inspection) {
     const fs::path file = names_.NameFor(inspection->path);
-    const auto start = std::chrono::steady_clock::now();
+    Clock clock;
     try {
       WriteAnnotation(*inspection, file);
       ++annotated_;
@@ -152,7 +152,7 @@ class InspectRun {
       PrintFailure(file.string(), failure);
       failed_ = true;
     }
-    inspection->timing.writing = std::chrono::steady_clock::now() - start;
+    inspection->timing.writing = clock.Lap();
   }
 
   const InspectCommand& command_;

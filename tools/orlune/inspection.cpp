@@ -9,18 +9,6 @@ namespace {
 
 constexpr int32_t PARTICLE_BORDER = 2;  // what 8-connected particles need around the picture
 
-class Clock {
- public:
-  // Seconds since the last call, or since the clock was made.
-  Timing::Seconds Lap() {
-    const auto now = std::chrono::steady_clock::now();
-    return Timing::Seconds(now - std::exchange(start_, now));
-  }
-
- private:
-  std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
-};
-
 // 1 where a pixel lies in the range, 0 elsewhere, with the border that particle functions need.
 Image MaskOf(const Image& image, const Range& range) {
   Image mask(image.Info().type, PARTICLE_BORDER);
@@ -118,7 +106,7 @@ Timing& Timing::operator+=(const Timing& other) {
   return *this;
 }
 
-Timing::Seconds Timing::Total() const {
+Seconds Timing::Total() const {
   return reading + thresholding + labelling + measuring + writing;
 }
 

@@ -2,11 +2,11 @@
 #pragma once
 
 #include <array>
-#include <chrono>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "orlune/clock.h"
 #include "orlune/pictures.h"
 #include "orlune/selection.h"
 
@@ -31,7 +31,6 @@ struct Particle {
 };
 
 struct Timing {
-  using Seconds = std::chrono::duration<double>;
   Seconds reading{}, thresholding{}, labelling{}, measuring{}, writing{};
 
   Timing& operator+=(const Timing& other);

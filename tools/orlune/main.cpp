@@ -1,4 +1,4 @@
-// orlune: inspects and converts picture files from the command line.
+// orlune: inspects, filters and converts picture files from the command line.
 #include <CLI/CLI.hpp>
 #include <iomanip>
 #include <iostream>
@@ -16,6 +16,7 @@ Examples:
   orlune info part.tif
   orlune inspect --dark --keep "AreaPixels>=50" parts/*.bmp
   orlune inspect --scale 0.05 --unit mm --csv parts.csv --annotate marked parts/*.tif
+  orlune filter --steps "median 5; edges sobel 20" --out filtered parts/*.tif
   orlune convert --type u8 --stretch deep.tif view.bmp
 
 'orlune COMMAND --help' tells more about a command.
@@ -41,6 +42,27 @@ Examples:
   orlune inspect --dark --keep "AreaPixels>=50" --annotate marked parts/*.bmp
   orlune inspect --range 1800:4095 --measures AreaPixels,Perimeter,Orientation deep.tif
   orlune inspect --scale 0.05 --unit mm --json parts.json --quiet parts/*.tif)";
+
+constexpr char FILTER_FOOTER[] = R"(
+What is filtered:
+  The steps follow one another on the picture in memory, which keeps its depth. Colour pictures are
+  filtered by the mean of their colours. Neighbours beyond the picture are its own pixels, mirrored
+  at the edge: no side of it may be shorter than half of the largest window. Under a mask, each step
+  changes only the pixels where the mask is not 0.
+
+Where pictures go:
+  --out makes a picture of the same name in a folder for each file, -o one picture of one file. The
+  ending tells the format: .orln, .tif or .bmp. A picture that is read is never written over, nor
+  are two pictures written to one file.
+
+Steps:
+)";
+
+constexpr char FILTER_EXAMPLES[] = R"(
+Examples:
+  orlune filter --steps "median 5" part.tif -o quiet.tif
+  orlune filter --steps "lowpass 3 10; edges sobel 20" --out edges parts/*.bmp
+  orlune filter --steps "rank 9x1 2" --mask tray.bmp --format bmp --out ranked parts/*.tif)";
 
 constexpr char CONVERT_FOOTER[] = R"(
 Formats: native (.orln) holds all types and the scale of a pixel; TIFF (.tif, .tiff) holds u8, i16
@@ -221,6 +243,43 @@ CLI::App* AddInspect(CLI::App* app, InspectCommand* command) {
   return inspect;
 }
 
+CLI::App* AddFilter(CLI::App* app, FilterCommand* command) {
+  CLI::App* filter =
+      app->add_subcommand("filter", "apply filters to pictures, one after the other");
+  filter->add_option("FILE", command->files, "picture files: native, TIFF or BMP")
+      ->required()
+      ->type_name("FILE");
+  filter
+      ->add_option_function<std::string>(
+          "--steps",
+          [=](const std::string& text) {
+            Parse("--steps", [&] { command->steps = ParseChain(text); });
+          },
+          "what to do, with semicolons between the steps, as\n\"median 5; edges sobel 20\"")
+      ->required()
+      ->type_name("STEPS");
+  CLI::Option* folder =
+      filter->add_option("--out", command->folder, "write a picture of each file into this folder");
+  folder->type_name("FOLDER");
+  filter->add_option("-o", command->to, "write the picture of one file to this file")
+      ->type_name("OUT")
+      ->excludes(folder);
+  filter
+      ->add_option("--mask", command->mask,
+                   "filter only where this picture, of the same size, is not 0")
+      ->type_name("FILE");
+  filter
+      ->add_option_function<std::string>(
+          "--format",
+          [=](const std::string& name) { command->format = Choose("--format", FORMATS, name); },
+          "native, tiff or bmp; otherwise by the endings of the names")
+      ->type_name("FORMAT");
+  filter->add_flag("--swap-bytes", command->swapBytes, SWAP_HELP);
+  filter->add_flag("--quiet", command->quiet, "print no list and no summary");
+  filter->footer(FILTER_FOOTER + StepsHelp() + FILTER_EXAMPLES);
+  return filter;
+}
+
 CLI::App* AddConvert(CLI::App* app, ConvertCommand* command) {
   CLI::App* convert = app->add_subcommand("convert", "write a picture in another format or type");
   convert->add_option("IN", command->from, "picture file to read")->required()->type_name("IN");
@@ -252,9 +311,11 @@ int RunProgram(int argc, char** argv) {
 
   InfoCommand infoCommand;
   InspectCommand inspectCommand;
+  FilterCommand filterCommand;
   ConvertCommand convertCommand;
   const CLI::App* info = AddInfo(&app, &infoCommand);
   const CLI::App* inspect = AddInspect(&app, &inspectCommand);
+  const CLI::App* filter = AddFilter(&app, &filterCommand);
   const CLI::App* convert = AddConvert(&app, &convertCommand);
   const CLI::App* measures = app.add_subcommand("measures", "list the 50 measures of a particle");
 
@@ -270,6 +331,7 @@ int RunProgram(int argc, char** argv) {
   ZEL_SetErrorMode(ERROR_MODE_SILENT);
   if (info->parsed()) return Run(infoCommand);
   if (inspect->parsed()) return Run(inspectCommand);
+  if (filter->parsed()) return Run(filterCommand);
   if (convert->parsed()) return Run(convertCommand);
   if (measures->parsed()) return ListMeasures();
   std::cout << app.help();

@@ -1,13 +1,10 @@
 // The 50 measures of a particle: names, units and meanings.
 #include "orlune/measures.h"
 
-#include <algorithm>
-#include <cctype>
-#include <limits>
-#include <numeric>
 #include <stdexcept>
 #include <vector>
 
+#include "orlune/words.h"
 #include "orlune_ptk.h"
 
 namespace front {
@@ -77,29 +74,6 @@ constexpr Measure MEASURES[MEASURE_COUNT] = {
      "diagonal of the upright rectangle"},
 };
 
-std::string Lower(std::string_view text) {
-  std::string lower(text);
-  std::transform(lower.begin(), lower.end(), lower.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return lower;
-}
-
-// How many letters have to be changed, put in or left out to turn one word into the other.
-size_t EditDistance(const std::string& from, const std::string& to) {
-  std::vector<size_t> row(to.size() + 1);
-  std::iota(row.begin(), row.end(), size_t{0});
-  for (size_t i = 0; i < from.size(); ++i) {
-    size_t diagonal = row[0];
-    row[0] = i + 1;
-    for (size_t j = 0; j < to.size(); ++j) {
-      const size_t replaced = diagonal + (from[i] == to[j] ? 0 : 1);
-      diagonal = row[j + 1];
-      row[j + 1] = std::min({replaced, row[j] + 1, row[j + 1] + 1});
-    }
-  }
-  return row.back();
-}
-
 }  // namespace
 
 std::span<const Measure, MEASURE_COUNT> AllMeasures() {
@@ -108,21 +82,14 @@ std::span<const Measure, MEASURE_COUNT> AllMeasures() {
 
 const Measure& FindMeasure(std::string_view name) {
   const std::string wanted = Lower(name);
-  const Measure* nearest = &MEASURES[0];
-  size_t least = std::numeric_limits<size_t>::max();
+  std::vector<std::string_view> names;
   for (const Measure& measure : MEASURES) {
-    const std::string own = Lower(measure.name);
-    if (own == wanted) return measure;
-    // A word that the name begins with or holds is nearer than a word of like letters.
-    const bool part = !wanted.empty() && own.find(wanted) != std::string::npos;
-    const size_t distance = part ? 1 : EditDistance(wanted, own);
-    if (distance < least) {
-      least = distance;
-      nearest = &measure;
-    }
+    if (Lower(measure.name) == wanted) return measure;
+    names.push_back(measure.name);
   }
-  throw std::invalid_argument("there is no measure '" + std::string(name) + "'; did you mean " +
-                              std::string(nearest->name) + "? 'orlune measures' lists them all");
+  throw std::invalid_argument("there is no measure " + Quoted(name) + "; did you mean " +
+                              std::string(NearestName(name, names)) +
+                              "? 'orlune measures' lists them all");
 }
 
 std::string UnitText(Unit unit, const std::string& lengthUnit) {

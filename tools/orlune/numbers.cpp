@@ -25,4 +25,13 @@ std::string Short(double value) {
   return {text, std::to_chars(text, text + LONGEST, value, std::chars_format::general, 6).ptr};
 }
 
+std::string Milliseconds(Seconds time) {
+  const double value = time.count() * 1000;
+  return Fixed(value, value < 10 ? 1 : 0) + " ms";
+}
+
+std::string Plural(size_t count, const std::string& one) {
+  return std::to_string(count) + " " + one + (count == 1 ? "" : "s");
+}
+
 }  // namespace front

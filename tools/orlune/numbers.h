@@ -3,10 +3,14 @@
 
 #include <string>
 
+#include "orlune/clock.h"
+
 namespace front {
 
 std::string Exact(float value);                 // the shortest text that reads back the same
 std::string Fixed(double value, int decimals);  // 12.30
 std::string Short(double value);                // up to six digits, no trailing zeros
+std::string Milliseconds(Seconds time);         // 1.2 ms
+std::string Plural(size_t count, const std::string& one);  // "2 pictures"
 
 }  // namespace front

@@ -101,7 +101,7 @@ void StretchRows(const ImageInfo& from, const ImageInfo& to, const Extremes& ext
 Picture ReadPicture(const std::filesystem::path& path, const ReadSettings& settings) {
   FileInfo file{};
   Check(ZEL_PtkFileInfo(path.c_str(), &file));
-  Image image(settings.form == Form::Gray ? GrayType(file) : StoredType(file));
+  Image image(settings.form == Form::Gray ? GrayType(file) : StoredType(file), settings.border);
   std::vector<RGBValue> palette(FILE_TABLE_ENTRIES);
   int32_t colours = 0;
   Check(ZEL_ReadFile(image, path.c_str(), 1, palette.data(), &colours));

@@ -23,6 +23,7 @@ enum class PictureFormat : int32_t {
 struct ReadSettings {
   Form form = Form::AsStored;
   bool swapBytes = false;  // exchange the bytes of 16-bit pixels
+  int32_t border = 0;      // of the image
 };
 
 struct Picture {

@@ -1,44 +1,13 @@
 // Reading of conditions, ranges and lists of measures.
 #include "orlune/selection.h"
 
-#include <cctype>
-#include <charconv>
 #include <cmath>
 #include <stdexcept>
 
+#include "orlune/words.h"
+
 namespace front {
 namespace {
-
-std::string_view Trim(std::string_view text) {
-  const auto space = [](char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; };
-  while (!text.empty() && space(text.front())) text.remove_prefix(1);
-  while (!text.empty() && space(text.back())) text.remove_suffix(1);
-  return text;
-}
-
-std::string Quoted(std::string_view text) {
-  std::string quoted(1, '\'');
-  return quoted.append(text).append(1, '\'');
-}
-
-std::vector<std::string_view> SplitAtCommas(std::string_view text) {
-  std::vector<std::string_view> pieces;
-  for (size_t start = 0; start <= text.size();) {
-    const size_t end = std::min(text.find(',', start), text.size());
-    pieces.push_back(Trim(text.substr(start, end - start)));
-    start = end + 1;
-  }
-  return pieces;
-}
-
-double ParseNumber(std::string_view text) {
-  double value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error != std::errc() || end != text.data() + text.size() || value != value) {
-    throw std::invalid_argument(Quoted(text) + " is not a number");
-  }
-  return value;
-}
 
 Condition ParseCondition(std::string_view text) {
   const std::string quoted = Quoted(text);
@@ -104,7 +73,7 @@ Range ParseRange(std::string_view text) {
 }
 
 Scale ParseScale(std::string_view text) {
-  const std::vector<std::string_view> sides = SplitAtCommas(text);
+  const std::vector<std::string_view> sides = Split(text, ',');
   if (sides.size() > 2) throw std::invalid_argument("give one size, or two with a comma between");
   const Scale scale{static_cast<float>(ParseNumber(sides.front())),
                     static_cast<float>(ParseNumber(sides.back()))};
@@ -122,7 +91,7 @@ bool Condition::Holds(double value) const {
 
 std::vector<Condition> ParseConditions(std::string_view text) {
   std::vector<Condition> conditions;
-  for (const std::string_view piece : SplitAtCommas(text)) {
+  for (const std::string_view piece : Split(text, ',')) {
     conditions.push_back(ParseCondition(piece));
   }
   return conditions;
@@ -134,7 +103,7 @@ std::vector<const Measure*> ParseMeasures(std::string_view text) {
     for (const Measure& measure : AllMeasures()) measures.push_back(&measure);
     return measures;
   }
-  for (const std::string_view piece : SplitAtCommas(text)) measures.push_back(&FindMeasure(piece));
+  for (const std::string_view piece : Split(text, ',')) measures.push_back(&FindMeasure(piece));
   return measures;
 }
 

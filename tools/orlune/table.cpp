@@ -95,15 +95,6 @@ void PrintColumns(std::ostream& out, std::vector<Column> columns) {
   }
 }
 
-std::string Plural(size_t count, const std::string& one) {
-  return std::to_string(count) + " " + one + (count == 1 ? "" : "s");
-}
-
-std::string Milliseconds(Timing::Seconds time) {
-  const double value = time.count() * 1000;
-  return Fixed(value, value < 10 ? 1 : 0) + " ms";
-}
-
 std::string Level(double value) {
   return std::isinf(value) ? (value < 0 ? "lowest" : "highest") : Short(value);
 }

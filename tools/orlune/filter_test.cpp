@@ -1,0 +1,404 @@
+// Filter chains: how they are written, what is told of mistakes, and what they do to pictures.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <random>
+
+#include "orlune/commands.h"
+#include "orlune/output.h"
+#include "orlune/words.h"
+
+namespace {
+
+using namespace front;  // NOLINT: these are its tests
+
+namespace fs = std::filesystem;
+
+std::string Complaint(const std::string& chain) {
+  try {
+    ParseChain(chain);
+  } catch (const std::invalid_argument& error) {
+    return error.what();
+  }
+  return "no complaint";
+}
+
+void ExpectComplaint(const std::string& chain, const std::string& part) {
+  EXPECT_NE(Complaint(chain).find(part), std::string::npos) << chain << ": " << Complaint(chain);
+}
+
+// ------------------------------------------------------------------------------------- parsing
+
+TEST(Chains, StepsKeepTheirOrderAndTheirArguments) {
+  const Chain chain = ParseChain("median 5; edges sobel 20;lowpass 3x7 12.5 ; rank 5X3 14");
+  ASSERT_EQ(chain.size(), 4u);
+  EXPECT_EQ(chain[0].step->name, "median");
+  EXPECT_EQ(chain[0].arguments[0].window.width, 5);
+  EXPECT_EQ(chain[0].arguments[0].window.height, 5);
+  EXPECT_EQ(chain[1].step->name, "edges");
+  EXPECT_EQ(chain[1].arguments[0].Whole(), EDGE_SOBEL);
+  EXPECT_EQ(chain[1].arguments[1].Real(), 20);
+  EXPECT_EQ(chain[2].arguments[0].window.width, 3);
+  EXPECT_EQ(chain[2].arguments[0].window.height, 7);
+  EXPECT_EQ(chain[2].arguments[1].Real(), 12.5f);
+  EXPECT_EQ(chain[3].arguments[0].window.Pixels(), 15);
+  EXPECT_EQ(chain[3].arguments[1].Whole(), 14);
+}
+
+TEST(Chains, BlanksAndCaseAreFree) {
+  const Chain chain = ParseChain("  MEDIAN\t 5 ;Edges   Roberts ");
+  ASSERT_EQ(chain.size(), 2u);
+  EXPECT_EQ(chain[0].step->name, "median");
+  EXPECT_EQ(chain[1].arguments[0].Whole(), EDGE_ROBERTS);
+}
+
+TEST(Chains, AnArgumentLeftOutIsZero) {
+  const Chain chain = ParseChain("edges prewitt");
+  ASSERT_EQ(chain[0].arguments.size(), 2u);
+  EXPECT_EQ(chain[0].arguments[1].number, 0);
+}
+
+TEST(Chains, EveryEdgeMethodHasItsNumber) {
+  const std::pair<const char*, int32_t> methods[] = {{"differentiation", EDGE_DIFFERENTIATION},
+                                                     {"gradient", EDGE_GRADIENT},
+                                                     {"prewitt", EDGE_PREWITT},
+                                                     {"roberts", EDGE_ROBERTS},
+                                                     {"sigma", EDGE_SIGMA},
+                                                     {"sobel", EDGE_SOBEL}};
+  for (const auto& [name, number] : methods) {
+    EXPECT_EQ(ParseChain(std::string("edges ") + name)[0].arguments[0].Whole(), number) << name;
+  }
+}
+
+TEST(Chains, RangesIncludeTheirEnds) {
+  for (const char* good :
+       {"median 1", "median 1000", "median 1x1000", "lowpass 3 0", "lowpass 3 100", "edges sobel 0",
+        "rank 3 0", "rank 3 8", "rank 2x5 9", "rank 1000 999999", "edges sigma", "edges sigma 0"}) {
+    EXPECT_EQ(Complaint(good), "no complaint") << good;
+  }
+}
+
+TEST(Chains, ArgumentsOutOfRangeAreToldWithTheRange) {
+  for (const char* size : {"0", "1001", "-3", "2.5", "5x", "x5", "3x0", "3x5x7", "big", "nan"}) {
+    ExpectComplaint("median " + std::string(size),
+                    "step 1, median: the size must be 1 to 1000, "
+                    "or WIDTHxHEIGHT, not '" +
+                        std::string(size) + "'");
+  }
+  for (const char* tolerance : {"-1", "100.5", "inf", "1e999", "ten"}) {
+    ExpectComplaint("lowpass 3 " + std::string(tolerance),
+                    "lowpass: the tolerance must be 0 to 100, not");
+  }
+  for (const char* threshold : {"-1", "1e39", "inf", "x"}) {
+    ExpectComplaint("edges sobel " + std::string(threshold),
+                    "edges: the threshold must be 0 or more, not");
+  }
+  ExpectComplaint("rank 3 1.5", "rank: the order must be 0 to 999999, not '1.5'");
+  ExpectComplaint("rank 5x3 15", "rank: the order must be 0 to 14 in a window of 5x3");
+  ExpectComplaint("edges sigma 20", "edges: the method sigma has no threshold");
+}
+
+TEST(Chains, MistakesAreToldWithTheirPlaceAndWhatWasMeant) {
+  ExpectComplaint("edges sobel; medan 5", "step 2, 'medan': no such step; did you mean median?");
+  ExpectComplaint("minimun 3", "did you mean minimum?");
+  ExpectComplaint("max 3", "did you mean maximum?");
+  ExpectComplaint("edges sobl",
+                  "the method must be differentiation, gradient, prewitt, roberts, "
+                  "sigma or sobel, not 'sobl'; did you mean sobel?");
+  ExpectComplaint("median", "step 1, median: the size is missing: write median SIZE");
+  ExpectComplaint("lowpass 3", "the tolerance is missing: write lowpass SIZE TOLERANCE");
+  ExpectComplaint("edges", "the method is missing: write edges METHOD [THRESHOLD]");
+  ExpectComplaint("median 3 4", "'4' is one argument too many: write median SIZE");
+  ExpectComplaint("median 3 median 3", "'median' is one argument too many");
+  ExpectComplaint("", "step 1, there is none");
+  ExpectComplaint("median 3;", "step 2, there is none");
+  ExpectComplaint("median 3;;median 3", "step 2, there is none");
+}
+
+TEST(Chains, TheBorderIsThatOfTheWidestStep) {
+  EXPECT_EQ(BorderOf(ParseChain("median 1")), 0);
+  EXPECT_EQ(BorderOf(ParseChain("median 2")), 1);
+  EXPECT_EQ(BorderOf(ParseChain("edges sobel")), 1);
+  EXPECT_EQ(BorderOf(ParseChain("edges sobel; median 3x9; lowpass 5 1")), 4);
+}
+
+TEST(Chains, HelpTellsEveryStepAndEveryParameter) {
+  const std::string help = "\n" + StepsHelp();
+  for (const Step& step : AllSteps()) {
+    EXPECT_NE(help.find("\n  " + std::string(step.name) + ' '), std::string::npos) << step.name;
+    EXPECT_NE(help.find(step.meaning), std::string::npos) << step.name;
+  }
+  EXPECT_NE(help.find("METHOD: differentiation, gradient,"), std::string::npos);
+  EXPECT_NE(help.find("THRESHOLD: 0 or more; 0 if left out"), std::string::npos);
+  EXPECT_NE(help.find("SIZE: 1 to 1000, or WIDTHxHEIGHT"), std::string::npos);
+  for (const std::string_view line : Split(help, '\n')) EXPECT_LE(line.size(), 98u) << line;
+}
+
+// Every step of the table can be typed as its help says, and optional parameters come last.
+TEST(Chains, TheTableIsSound) {
+  for (const Step& step : AllSteps()) {
+    EXPECT_EQ(step.name, Lower(step.name));
+    EXPECT_TRUE(step.border != nullptr && step.apply != nullptr) << step.name;
+    bool optional = false;
+    for (const Parameter& parameter : step.parameters) {
+      EXPECT_TRUE(!optional || parameter.optional) << step.name;
+      optional = parameter.optional;
+      EXPECT_EQ(parameter.kind == Parameter::Kind::Choice, !parameter.choices.empty());
+      EXPECT_LE(parameter.low, parameter.high) << step.name;
+    }
+  }
+}
+
+// -------------------------------------------------------------------------------------- images
+
+constexpr int32_t WIDTH = 37, HEIGHT = 23;
+
+Image Noise(int32_t type, int32_t border) {
+  std::mt19937 random(7);
+  std::vector<float> pixels(WIDTH * HEIGHT);
+  for (float& pixel : pixels) pixel = static_cast<float>(random() % 256);
+  Image image(type, border);
+  Check(ZEL_ArrayToImage(image, ARRAY_SGL, pixels.data(), WIDTH, HEIGHT));
+  return image;
+}
+
+// Every third column of every second row is selected.
+Image Pattern() {
+  std::vector<uint8_t> pixels(WIDTH * HEIGHT);
+  for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = i % WIDTH % 3 == 0 && i / WIDTH % 2 == 0;
+  Image image(IMAGE_U8);
+  Check(ZEL_ArrayToImage(image, ARRAY_U8, pixels.data(), WIDTH, HEIGHT));
+  return image;
+}
+
+std::vector<float> PixelsOf(ImageRef image) {
+  std::vector<float> pixels(WIDTH * HEIGHT);
+  int32_t width = 0, height = 0;
+  Check(ZEL_ImageToArray(image, 0, 0, WHOLE_IMAGE_EXTENT, WHOLE_IMAGE_EXTENT, ARRAY_SGL,
+                         pixels.data(), &width, &height));
+  EXPECT_EQ(width, WIDTH);
+  EXPECT_EQ(height, HEIGHT);
+  return pixels;
+}
+
+class ChainsOnImages : public testing::TestWithParam<int32_t> {};
+
+// The same filters called one by one, each from an image into a new one.
+TEST_P(ChainsOnImages, GiveWhatSingleCallsGive) {
+  const Chain chain = ParseChain(
+      "median 5; edges sobel 20; lowpass 3x1 10; minimum 1x3; maximum 2; rank 3x5 4; median 4x3");
+  const int32_t border = BorderOf(chain);
+  for (const bool masked : {false, true}) {
+    const Image mask = masked ? Pattern() : Image(IMAGE_U8);
+    const ImageRef selected = masked ? ImageRef(mask) : 0;
+    const Image image = Noise(GetParam(), border);
+    for (const ChosenStep& step : chain) Apply(step, image, selected);
+
+    Image from = Noise(GetParam(), border);
+    const auto call = [&](auto function, auto... arguments) {
+      Image to(GetParam(), border);
+      Check(function(from, selected, to, arguments...));
+      from = std::move(to);
+    };
+    call(ZEL_NthOrder, 5, 5, 12);
+    call(ZEL_GrayEdge, EDGE_SOBEL, 20.0f);
+    call(ZEL_LowPass, 3, 1, 10.0f);
+    call(ZEL_NthOrder, 1, 3, 0);
+    call(ZEL_NthOrder, 2, 2, 3);
+    call(ZEL_NthOrder, 3, 5, 4);
+    call(ZEL_NthOrder, 4, 3, 6);
+    EXPECT_EQ(PixelsOf(image), PixelsOf(from)) << "mask " << masked;
+    EXPECT_NE(PixelsOf(image), PixelsOf(Noise(GetParam(), border)));
+  }
+}
+
+TEST_P(ChainsOnImages, MedianMinimumAndMaximumTakeTheirPlacesInTheWindow) {
+  // Around the pixel at 1,1 lie eight others of which each value is known.
+  const float pixels[] = {7, 1, 8, 2, 6, 3, 5, 9, 4};
+  const std::pair<const char*, float> places[] = {
+      {"minimum 3", 1}, {"median 3", 5}, {"maximum 3", 9}, {"rank 3 2", 3}, {"median 3x1", 3}};
+  for (const auto& [step, value] : places) {
+    const Image image(GetParam(), 1);
+    Check(ZEL_ArrayToImage(image, ARRAY_SGL, pixels, 3, 3));
+    Apply(ParseChain(step)[0], image, 0);
+    float got = 0;
+    Check(ZEL_GetPixelValue(image, 1, 1, &got));
+    EXPECT_EQ(got, value) << step;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Types, ChainsOnImages, testing::Values(IMAGE_U8, IMAGE_I16, IMAGE_SGL));
+
+// --------------------------------------------------------------------------------------- files
+
+class FilteredFiles : public testing::Test {
+ protected:
+  void SetUp() override { fs::create_directories(folder_); }
+  void TearDown() override { fs::remove_all(folder_); }
+
+  std::string Path(const std::string& name) const { return (folder_ / name).string(); }
+
+  std::string Write(const std::string& name, const Image& image) {
+    Check(ZEL_WriteFile(image, Path(name).c_str(), static_cast<int32_t>(FormatByEnding(name)),
+                        nullptr, 0));
+    return Path(name);
+  }
+
+  FilterCommand Command(const std::string& steps, std::vector<std::string> files) {
+    FilterCommand command;
+    command.files = std::move(files);
+    command.steps = ParseChain(steps);
+    command.folder = Path("out");
+    command.quiet = true;
+    return command;
+  }
+
+  // What the program says on standard error.
+  std::string Errors(const FilterCommand& command, int status) {
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(front::Run(command), status);
+    return testing::internal::GetCapturedStderr();
+  }
+
+  fs::path folder_ = fs::temp_directory_path() / ("orlune_filter_" + std::to_string(::getpid()));
+};
+
+TEST_F(FilteredFiles, HoldWhatTheChainGives) {
+  const std::string noise = Write("noise.orln", Noise(IMAGE_SGL, 0));
+  EXPECT_EQ(Errors(Command("median 5; edges sobel", {noise}), ALL_WELL), "");
+  const Image expected = Noise(IMAGE_SGL, 2);
+  Check(ZEL_NthOrder(expected, 0, 0, 5, 5, 12));
+  Check(ZEL_GrayEdge(expected, 0, 0, EDGE_SOBEL, 0));
+  EXPECT_EQ(PixelsOf(ReadPicture(Path("out/noise.orln"), {}).image), PixelsOf(expected));
+}
+
+TEST_F(FilteredFiles, AreOfTheFormatThatIsAskedFor) {
+  const std::string noise = Write("noise.tif", Noise(IMAGE_U8, 0));
+  FilterCommand command = Command("median 3", {noise});
+  command.format = PictureFormat::Native;
+  EXPECT_EQ(Errors(command, ALL_WELL), "");
+  EXPECT_EQ(ReadPicture(Path("out/noise.orln"), {}).file.fileType, FILE_FORMAT_NATIVE);
+  command.folder.clear();
+  command.to = Path("noise.picture");
+  EXPECT_EQ(Errors(command, ALL_WELL), "");
+  EXPECT_EQ(ReadPicture(Path("noise.picture"), {}).file.fileType, FILE_FORMAT_NATIVE);
+}
+
+TEST_F(FilteredFiles, OfEightBitsReadBackFromBmpInEveryWidth) {
+  const std::string noise = Write("noise.tif", Noise(IMAGE_U8, 0));
+  FilterCommand command = Command("median 1", {noise});
+  command.format = PictureFormat::Bmp;
+  EXPECT_NE(Errors(command, ALL_WELL).find("24 bits a pixel"), std::string::npos);
+  const Picture back = ReadPicture(Path("out/noise.bmp"), {Form::Gray});
+  EXPECT_EQ(PixelsOf(back.image), PixelsOf(Noise(IMAGE_U8, 0)));
+}
+
+TEST_F(FilteredFiles, OfMoreBitsThanTheFormatHoldsAreRefused) {
+  const std::string deep = Write("deep.tif", Noise(IMAGE_I16, 0));
+  FilterCommand command = Command("median 3", {deep});
+  command.format = PictureFormat::Bmp;
+  EXPECT_NE(Errors(command, SOME_FAILED).find("deep.bmp: BMP holds u8 and rgb pixels, not i16"),
+            std::string::npos);
+  EXPECT_FALSE(fs::exists(Path("out/deep.bmp")));
+}
+
+TEST_F(FilteredFiles, ChangeOnlyWhereTheMaskIsNotBlack) {
+  const std::string noise = Write("noise.orln", Noise(IMAGE_U8, 0));
+  // A colour whose mean is 0 is not black; a float may be any number but 0.
+  const Image mask = Pattern();
+  const auto write = [&](int32_t type, const std::string& name, double marked) {
+    const Image picture(type, 0, WIDTH, HEIGHT);
+    const ImageInfo from = mask.Info(), to = picture.Info();
+    for (int32_t y = 0; y < HEIGHT; ++y) {
+      for (int32_t x = 0; x < WIDTH; ++x) {
+        const double value = Row<uint8_t>(from, y)[x] != 0 ? marked : 0;
+        if (type == IMAGE_RGB) Row<RGBValue>(to, y)[x] = static_cast<RGBValue>(value);
+        if (type == IMAGE_U8) Row<uint8_t>(to, y)[x] = static_cast<uint8_t>(value);
+        if (type == IMAGE_I16) Row<int16_t>(to, y)[x] = static_cast<int16_t>(value);
+        if (type == IMAGE_SGL) Row<float>(to, y)[x] = static_cast<float>(value);
+        if (type == IMAGE_COMPLEX) {
+          Row<float>(to, y)[2 * x] = 0;
+          Row<float>(to, y)[2 * x + 1] = static_cast<float>(value);
+        }
+      }
+    }
+    return Write(name, picture);
+  };
+  const std::string masks[] = {write(IMAGE_RGB, "rgb.orln", 0x010000),
+                               write(IMAGE_U8, "u8.tif", 255), write(IMAGE_I16, "i16.tif", -256),
+                               write(IMAGE_SGL, "sgl.orln", 1e-9),
+                               write(IMAGE_COMPLEX, "complex.orln", -1e-9)};
+  const Image expected = Noise(IMAGE_U8, 1);
+  Check(ZEL_NthOrder(expected, mask, 0, 3, 3, 4));
+  for (const std::string& file : masks) {
+    FilterCommand command = Command("median 3", {noise});
+    command.mask = file;
+    EXPECT_EQ(Errors(command, ALL_WELL), "");
+    EXPECT_EQ(PixelsOf(ReadPicture(Path("out/noise.orln"), {}).image), PixelsOf(expected)) << file;
+  }
+}
+
+TEST_F(FilteredFiles, OfAnotherSizeThanTheMaskAreRefused) {
+  const std::string noise = Write("noise.orln", Noise(IMAGE_U8, 0));
+  FilterCommand command = Command("median 3", {noise});
+  command.mask = Write("mask.orln", Image(IMAGE_U8, 0, WIDTH, HEIGHT + 1));
+  EXPECT_NE(Errors(command, SOME_FAILED).find("the mask of 37 x 24 pixels does not fit"),
+            std::string::npos);
+}
+
+TEST_F(FilteredFiles, SmallerThanTheirBorderAreRefused) {
+  const std::string noise = Write("noise.orln", Noise(IMAGE_U8, 0));
+  EXPECT_EQ(Errors(Command("median 47", {noise}), ALL_WELL), "");
+  EXPECT_NE(Errors(Command("median 48", {noise}), SOME_FAILED).find("they take at least 24"),
+            std::string::npos);
+}
+
+TEST_F(FilteredFiles, NeverTakeThePlaceOfWhatIsRead) {
+  const std::string noise = Write("noise.orln", Noise(IMAGE_U8, 0));
+  fs::create_hard_link(noise, Path("hard.orln"));
+  fs::create_symlink(noise, Path("soft.orln"));
+  fs::create_directory_symlink(folder_, Path("again"));
+  for (const char* name :
+       {"noise.orln", "./noise.orln", "hard.orln", "soft.orln", "again/noise.orln"}) {
+    FilterCommand command = Command("maximum 3", {noise});
+    command.folder.clear();
+    command.to = Path(name);
+    EXPECT_NE(Errors(command, BAD_USE).find("that is a picture to be filtered"), std::string::npos)
+        << name;
+  }
+  FilterCommand command = Command("maximum 3", {noise});
+  command.folder = Path("again");
+  EXPECT_NE(Errors(command, BAD_USE), "");
+  command = Command("maximum 3", {Write("other.orln", Noise(IMAGE_U8, 0))});
+  command.mask = noise;
+  command.folder.clear();
+  command.to = noise;
+  EXPECT_NE(Errors(command, BAD_USE).find("that is the mask"), std::string::npos);
+  EXPECT_EQ(PixelsOf(ReadPicture(noise, {}).image), PixelsOf(Noise(IMAGE_U8, 0)));
+}
+
+TEST_F(FilteredFiles, NeverTakeThePlaceOfEachOther) {
+  fs::create_directory(Path("a"));
+  const std::string one = Write("one.orln", Noise(IMAGE_U8, 0));
+  const std::string other = Write("a/one.orln", Noise(IMAGE_U8, 0));
+  EXPECT_NE(Errors(Command("median 3", {one, other}), BAD_USE).find("that is the result of " + one),
+            std::string::npos);
+  EXPECT_NE(Errors(Command("median 3", {one, one}), BAD_USE), "");
+  FilterCommand command = Command("median 3", {one, Write("one.tif", Noise(IMAGE_U8, 0))});
+  EXPECT_EQ(Errors(command, ALL_WELL), "");
+  command.format = PictureFormat::Tiff;
+  EXPECT_NE(Errors(command, BAD_USE), "");
+}
+
+TEST_F(FilteredFiles, ThatCannotBeReadAreNamedAndTheOthersGoOn) {
+  const std::string noise = Write("noise.orln", Noise(IMAGE_U8, 0));
+  const std::string errors =
+      Errors(Command("median 3", {Path("missing.orln"), noise}), SOME_FAILED);
+  EXPECT_NE(errors.find("missing.orln: unable to get info (ZEL_ReadFile returned -510)"),
+            std::string::npos);
+  EXPECT_TRUE(fs::exists(Path("out/noise.orln")));
+  EXPECT_FALSE(fs::exists(Path("out/missing.orln")));
+}
+
+}  // namespace
