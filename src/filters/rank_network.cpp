@@ -109,7 +109,8 @@ void SettleStrips(const PixelView& source, int32_t rowsInUse, RankNetwork* netwo
   const int64_t narrowest = std::max<int64_t>(NARROWEST_STRIP, 2 * RoundedUp(margin));
   const int64_t wished = std::min(SCRATCH_BUDGET / std::max(rowsInUse, 1), WIDEST_STRIP);
   const int64_t bytes = RoundedUp(source.RowBytes());
-  const int64_t strips = std::max<int64_t>(bytes / std::max(narrowest, wished), 1);
+  const int64_t widest = std::max(narrowest, wished);
+  const int64_t strips = std::max<int64_t>((bytes + widest - 1) / widest, 1);
   network->stripBytes = static_cast<int32_t>(RoundedUp((bytes + strips - 1) / strips));
   // Steps on the last columns read whole vectors at any shift. An odd number of vectors keeps rows
   // in different sets of a cache.

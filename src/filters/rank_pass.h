@@ -64,4 +64,14 @@ RankNetwork RankNetworkOf(const RankProgram& program, const PixelView& source);
 int64_t RankNetworkBytes(const RankNetwork& network);
 void RankNetworkRun(const RankNetwork& network, const RankViews& views, const RankBand& band);
 
+// ---- histograms of columns: bytes, windows of any size
+
+int64_t RankHistogramBytes(const PixelView& source, RankWindow window);
+void RankHistogramRun(RankWindow window, const RankViews& views, const RankBand& band);
+
+// ---- a window that slides over sorted tiles: 16-bit and float pixels, windows of any size
+
+int64_t RankTilesBytes(const PixelView& source, RankWindow window);
+void RankTilesRun(RankWindow window, const RankViews& views, const RankBand& band);
+
 }  // namespace zel
