@@ -1,0 +1,100 @@
+// Rank filters of float pixels where their order is not that of numbers: windows with NaN, and
+// zeros of both signs.
+#include <algorithm>
+
+#include "filters/rank_pass.h"
+
+namespace zel {
+namespace {
+
+bool IsNan(float value) {
+  return !(value == value);
+}
+
+// The window of one output pixel. Its pixels are sorted by insertion, in the order of its rows: a
+// new one moves down past all that are larger. No comparison with NaN holds, so each NaN stays
+// where it is, and what comes after it is sorted apart from what came before.
+struct FloatWindow {
+  const RankViews& views;
+  RankWindow window;
+  int32_t x, y;
+
+  float At(int64_t index) const {
+    const int64_t row = index / window.width;
+    const int64_t column = index % window.width;
+    return *views.source.At<float>(x - (window.width - 1) / 2 + column,
+                                   y - (window.height - 1) / 2 + row);
+  }
+};
+
+// The n-th zero from `begin` on: equal pixels keep the order in which they came.
+float ZeroAt(const FloatWindow& window, int64_t begin, int64_t n) {
+  for (int64_t i = begin;; i++) {
+    const float pixel = window.At(i);
+    if (pixel == 0.0f && n-- == 0) return pixel;
+  }
+}
+
+float WantedRank(const FloatWindow& window, float* pixels) {
+  const int64_t order = window.window.order;
+  const int64_t size = int64_t{window.window.width} * window.window.height;
+  if (IsNan(window.At(order))) return window.At(order);
+
+  // The part between two NaN that sorts itself.
+  int64_t begin = order;
+  while (begin > 0 && !IsNan(window.At(begin - 1))) begin--;
+  int64_t count = 0;
+  int64_t negative = 0;
+  for (int64_t i = begin; i < size; i++) {
+    const float pixel = window.At(i);
+    if (IsNan(pixel)) break;
+    pixels[count++] = pixel;
+    negative += pixel < 0.0f ? 1 : 0;
+  }
+  std::nth_element(pixels, pixels + (order - begin), pixels + count);
+  const float wanted = pixels[order - begin];
+  return wanted == 0.0f ? ZeroAt(window, begin, order - begin - negative) : wanted;
+}
+
+// How many NaN a source column has in the windows of an output row.
+void CountNan(const RankViews& views, const RankWindow& window, int32_t x, int32_t y,
+              int32_t columns, int32_t sign, int32_t* counts) {
+  const float* row = views.source.At<float>(int64_t{x} - (window.width - 1) / 2,
+                                            int64_t{y} - (window.height - 1) / 2);
+  for (int32_t i = 0; i < columns; i++) counts[i] += IsNan(row[i]) ? sign : 0;
+}
+
+}  // namespace
+
+int64_t RankFloatsBytes(RankWindow window, int32_t columns) {
+  return (int64_t{columns} + window.width - 1) * static_cast<int64_t>(sizeof(int32_t)) +
+         int64_t{window.width} * window.height * static_cast<int64_t>(sizeof(float));
+}
+
+void RankFloatsMend(RankWindow window, const RankViews& views, const RankBand& band, int32_t x,
+                    int32_t columns, bool zeros) {
+  const int32_t sourceColumns = columns + window.width - 1;
+  auto* counts = reinterpret_cast<int32_t*>(band.memory);
+  auto* pixels = reinterpret_cast<float*>(counts + sourceColumns);
+  std::fill_n(counts, sourceColumns, 0);
+  for (int32_t row = 0; row < window.height - 1; row++) {
+    CountNan(views, window, x, band.begin + row, sourceColumns, 1, counts);
+  }
+  for (int32_t y = band.begin; y < band.end; y++) {
+    CountNan(views, window, x, y + window.height - 1, sourceColumns, 1, counts);
+    const float* results = views.result.At<float>(x, y);
+    int64_t nan = 0;
+    for (int32_t i = 0; i < window.width - 1; i++) nan += counts[i];
+    for (int32_t i = 0; i < columns; i++) {
+      nan += counts[i + window.width - 1];
+      if (nan > 0 || (zeros && results[i] == 0.0f)) {
+        const float pixel = WantedRank({views, window, x + i, y}, pixels);
+        RankStore(views, x + i, y, 1, reinterpret_cast<const uint8_t*>(&pixel));
+      }
+      nan -= counts[i];
+    }
+    CountNan(views, window, x, y, sourceColumns, -1, counts);
+  }
+}
+
+}  // namespace zel
