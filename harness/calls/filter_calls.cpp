@@ -19,6 +19,7 @@ int32_t EdgeMethodAnywhere(Playground& play) {
 constexpr ApiCall ROWS[] = {
     {70, "ZEL_GrayEdge", Call<ZEL_GrayEdge, Image, Image, Image, EdgeMethodAnywhere, Float>},
     {71, "ZEL_LowPass", Call<ZEL_LowPass, Image, Image, Image, Side, Side, Float>},
+    {72, "ZEL_NthOrder", Call<ZEL_NthOrder, Image, Image, Image, Side, Side, Int>},
 };
 
 }  // namespace
