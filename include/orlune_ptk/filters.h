@@ -69,6 +69,30 @@ int32_t ZEL_GrayEdge(ImageRef source, ImageRef mask, ImageRef destination, int32
 int32_t ZEL_LowPass(ImageRef source, ImageRef mask, ImageRef destination, int32_t width,
                     int32_t height, float tolerance);
 
+/* Gives each pixel the value of one rank in its window: the one that is found at a place when the
+ * window's pixels are sorted in ascending order. Rank 0 is the smallest, width * height / 2 the median
+ * of a window with an odd number of pixels, width * height - 1 the largest. In an IMAGE_SGL image a NaN
+ * stays where it is in the order of the window's rows, and what comes before it, between two of them
+ * and after it is sorted apart; zeros are equal whatever their sign, and equal pixels keep the order of
+ * the rows. The source's border is filled by mirroring.
+ * source:      IMAGE_U8, IMAGE_I16 or IMAGE_SGL, with a border of at least half the window's longer
+ *              side, cut to a whole number.
+ * mask:        an IMAGE_U8 image placed by its offset: pixels not selected are copied. 0 or source:
+ *              all are replaced.
+ * destination: an image of source's type. 0 replaces source. It may be the mask.
+ * width:       columns of the window. The extra column of an even number lies on the right. Below 1,
+ *              or with a window of one pixel, the source is copied.
+ * height:      rows of the window; the extra row of an even number lies below. Below 1 the source is
+ *              copied.
+ * order:       the rank. Below 0 it is 0, above the largest it is that.
+ * Failures are reported for a procedure named KORNthOrder: -200; -301 for another source type; -309
+ * for a border that is too narrow. Then the border is filled. -304 for another destination type; -301
+ * for a mask that is not IMAGE_U8; -101 no memory, with size, calibration and offset of destination
+ * changed by then. -102 no memory and -1001 no reference is left, both where source or mask are
+ * replaced, which stay as they were. */
+int32_t ZEL_NthOrder(ImageRef source, ImageRef mask, ImageRef destination, int32_t width,
+                     int32_t height, int32_t order);
+
 #pragma GCC visibility pop
 #ifdef __cplusplus
 }

@@ -15,15 +15,12 @@ bool IsNan(float value) {
 // new one moves down past all that are larger. No comparison with NaN holds, so each NaN stays
 // where it is, and what comes after it is sorted apart from what came before.
 struct FloatWindow {
-  const RankViews& views;
+  const WindowViews& views;
   RankWindow window;
   int32_t x, y;
 
   float At(int64_t index) const {
-    const int64_t row = index / window.width;
-    const int64_t column = index % window.width;
-    return *views.source.At<float>(x - (window.width - 1) / 2 + column,
-                                   y - (window.height - 1) / 2 + row);
+    return *WindowCorner<float>(views, window, x + index % window.width, y + index / window.width);
   }
 };
 
@@ -56,12 +53,13 @@ float WantedRank(const FloatWindow& window, float* pixels) {
   return wanted == 0.0f ? ZeroAt(window, begin, order - begin - negative) : wanted;
 }
 
-// How many NaN a source column has in the windows of an output row.
-void CountNan(const RankViews& views, const RankWindow& window, int32_t x, int32_t y,
-              int32_t columns, int32_t sign, int32_t* counts) {
-  const float* row = views.source.At<float>(int64_t{x} - (window.width - 1) / 2,
-                                            int64_t{y} - (window.height - 1) / 2);
+// Adds to, or takes from, the number of NaN in each source column that windows have in common.
+void CountNan(const float* row, int32_t columns, int32_t sign, int32_t* counts) {
   for (int32_t i = 0; i < columns; i++) counts[i] += IsNan(row[i]) ? sign : 0;
+}
+
+bool AreZerosMixed(uint32_t marks) {
+  return (marks & FLOAT_HAS_ZERO) != 0 && (marks & FLOAT_HAS_NEGATIVE_ZERO) != 0;
 }
 
 }  // namespace
@@ -71,29 +69,32 @@ int64_t RankFloatsBytes(RankWindow window, int32_t columns) {
          int64_t{window.width} * window.height * static_cast<int64_t>(sizeof(float));
 }
 
-void RankFloatsMend(RankWindow window, const RankViews& views, const RankBand& band, int32_t x,
-                    int32_t columns, bool zeros) {
-  const int32_t sourceColumns = columns + window.width - 1;
-  auto* counts = reinterpret_cast<int32_t*>(band.memory);
+void RankFloatsMend(RankWindow window, const WindowViews& views, const FloatPart& part,
+                    uint8_t* memory) {
+  const bool zeros = AreZerosMixed(part.marks);
+  if ((part.marks & FLOAT_HAS_NAN) == 0 && !zeros) return;
+
+  const int32_t sourceColumns = part.columns + window.width - 1;
+  auto* counts = reinterpret_cast<int32_t*>(memory);
   auto* pixels = reinterpret_cast<float*>(counts + sourceColumns);
+  const auto windowRow = [&](int64_t y) { return WindowCorner<float>(views, window, part.x, y); };
   std::fill_n(counts, sourceColumns, 0);
   for (int32_t row = 0; row < window.height - 1; row++) {
-    CountNan(views, window, x, band.begin + row, sourceColumns, 1, counts);
+    CountNan(windowRow(int64_t{part.y} + row), sourceColumns, 1, counts);
   }
-  for (int32_t y = band.begin; y < band.end; y++) {
-    CountNan(views, window, x, y + window.height - 1, sourceColumns, 1, counts);
-    const float* results = views.result.At<float>(x, y);
+  for (int32_t y = part.y; y < part.y + part.rows; y++) {
+    CountNan(windowRow(int64_t{y} + window.height - 1), sourceColumns, 1, counts);
     int64_t nan = 0;
     for (int32_t i = 0; i < window.width - 1; i++) nan += counts[i];
-    for (int32_t i = 0; i < columns; i++) {
+    for (int32_t i = 0; i < part.columns; i++) {
       nan += counts[i + window.width - 1];
-      if (nan > 0 || (zeros && results[i] == 0.0f)) {
-        const float pixel = WantedRank({views, window, x + i, y}, pixels);
-        RankStore(views, x + i, y, 1, reinterpret_cast<const uint8_t*>(&pixel));
+      if (nan > 0 || (zeros && *views.result.At<float>(part.x + i, y) == 0.0f)) {
+        const float pixel = WantedRank({views, window, part.x + i, y}, pixels);
+        WindowStore(views, part.x + i, y, 1, &pixel);
       }
       nan -= counts[i];
     }
-    CountNan(views, window, x, y, sourceColumns, -1, counts);
+    CountNan(windowRow(y), sourceColumns, -1, counts);
   }
 }
 

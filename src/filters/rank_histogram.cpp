@@ -21,11 +21,6 @@ int64_t SourceColumns(const PixelView& source, RankWindow window) {
 constexpr int64_t COUNTS_BYTES = RANK_SEGMENTS * sizeof(uint16_t);
 constexpr int64_t WINDOW_BYTES = RANK_SEGMENTS * RANK_SEGMENTS * sizeof(uint32_t);
 
-// The source row of all windows of output row y that is `row` rows down from their top.
-const uint8_t* SourceRow(const RankViews& views, RankWindow window, int32_t x, int64_t y) {
-  return views.source.At<uint8_t>(int64_t{x} - (window.width - 1) / 2, y - (window.height - 1) / 2);
-}
-
 }  // namespace
 
 int64_t RankHistogramBytes(const PixelView& source, RankWindow window) {
@@ -33,7 +28,8 @@ int64_t RankHistogramBytes(const PixelView& source, RankWindow window) {
   return WINDOW_BYTES + (RANK_SEGMENTS + 1) * columns * COUNTS_BYTES + StripColumns(source, window);
 }
 
-void RankHistogramRun(RankWindow window, const RankViews& views, const RankBand& band) {
+void RankHistogramRun(RankWindow window, const WindowBand& band) {
+  const WindowViews& views = band.views;
   const RankHistogramRows& rows = rankHistogramRows();
   const int64_t sourceColumns = SourceColumns(views.source, window);
   RankHistogram histogram{};
@@ -52,18 +48,18 @@ void RankHistogramRun(RankWindow window, const RankViews& views, const RankBand&
     histogram.columns = std::min(strip, views.source.width - x);
     std::memset(band.memory, 0, static_cast<size_t>(RankHistogramBytes(views.source, window)));
     for (int64_t row = band.begin; row < int64_t{band.begin} + window.height; row++) {
-      rows.enter(histogram, SourceRow(views, window, x, row));
+      rows.enter(histogram, WindowCorner<uint8_t>(views, window, x, row));
     }
     for (int32_t y = band.begin; y < band.end; y++) {
       if (views.mask.SelectsAll()) {
         rows.select(histogram, views.result.At<uint8_t>(x, y));
       } else {
         rows.select(histogram, results);
-        RankStore(views, x, y, histogram.columns, results);
+        WindowStore(views, x, y, histogram.columns, results);
       }
       if (y + 1 == band.end) continue;
-      rows.exchange(histogram, SourceRow(views, window, x, int64_t{y} + window.height),
-                    SourceRow(views, window, x, y));
+      rows.exchange(histogram, WindowCorner<uint8_t>(views, window, x, int64_t{y} + window.height),
+                    WindowCorner<uint8_t>(views, window, x, y));
     }
   }
 }

@@ -1,13 +1,7 @@
 // Column histograms of bytes, and the wanted rank in windows that slide along them.
 #include "filters/rank_histogram_rows.h"
 
-#include <cstring>
-
-#include "core/numbers.h"
-
-#if defined(ZEL_VECTORS)
-#include <immintrin.h>
-#endif
+#include "engine/vectors.h"
 
 namespace zel::ZEL_LEVEL {
 namespace {
@@ -22,18 +16,6 @@ struct WideCounts {
   HalfWideCounts half[2];
 };
 
-template <class T>
-ZEL_INLINE T Load(const void* at) {
-  T counts;
-  std::memcpy(&counts, at, sizeof(T));
-  return counts;
-}
-
-template <class T>
-ZEL_INLINE void Store(void* at, const T& counts) {
-  std::memcpy(at, &counts, sizeof(T));
-}
-
 // What one pixel adds to running sums.
 struct StepTable {
   alignas(32) uint16_t row[RANK_SEGMENTS][RANK_SEGMENTS];
@@ -47,12 +29,57 @@ constexpr StepTable StepsMake() {
 }
 constexpr StepTable STEPS = StepsMake();
 
-ZEL_INLINE Counts StepsFrom(uint32_t from) {
-  return Load<Counts>(STEPS.row[from]);
+// By reference: levels without registers of that size pass vectors in memory.
+template <class T>
+ZEL_INLINE void Read(T& counts, const void* at) {
+  std::memcpy(&counts, at, sizeof(T));
 }
 
-ZEL_INLINE void Add(uint16_t* at, const Counts& counts) {
-  Store(at, static_cast<Counts>(Load<Counts>(at) + counts));
+template <class T>
+ZEL_INLINE void Write(const T& counts, void* at) {
+  std::memcpy(at, &counts, sizeof(T));
+}
+
+ZEL_INLINE void Add(Counts& counts, const uint16_t* other) {
+  Counts added;
+  Read(added, other);
+  counts += added;
+}
+
+ZEL_INLINE void Subtract(Counts& counts, const uint16_t* other) {
+  Counts subtracted;
+  Read(subtracted, other);
+  counts -= subtracted;
+}
+
+ZEL_INLINE void Add(WideCounts& counts, const uint16_t* other) {
+  for (int32_t i = 0; i < 2; i++) {
+    HalfCounts added;
+    Read(added, other + i * RANK_SEGMENTS / 2);
+    counts.half[i] += __builtin_convertvector(added, HalfWideCounts);
+  }
+}
+
+ZEL_INLINE void Subtract(WideCounts& counts, const uint16_t* other) {
+  for (int32_t i = 0; i < 2; i++) {
+    HalfCounts subtracted;
+    Read(subtracted, other + i * RANK_SEGMENTS / 2);
+    counts.half[i] -= __builtin_convertvector(subtracted, HalfWideCounts);
+  }
+}
+
+ZEL_INLINE void AddAt(uint16_t* at, const uint16_t* steps) {
+  Counts counts;
+  Read(counts, at);
+  Add(counts, steps);
+  Write(counts, at);
+}
+
+ZEL_INLINE void SubtractAt(uint16_t* at, const uint16_t* steps) {
+  Counts counts;
+  Read(counts, at);
+  Subtract(counts, steps);
+  Write(counts, at);
 }
 
 void Enter(const RankHistogram& histogram, const uint8_t* row) {
@@ -62,8 +89,8 @@ void Enter(const RankHistogram& histogram, const uint8_t* row) {
   const int64_t columns = int64_t{histogram.columns} + histogram.width - 1;
   for (int64_t x = 0; x < columns; x++) {
     const uint32_t pixel = row[x];
-    Add(segments + x * RANK_SEGMENTS, StepsFrom(pixel >> 4));
-    Add(places + ((pixel >> 4) * pitch + x) * RANK_SEGMENTS, StepsFrom(pixel & 15));
+    AddAt(segments + x * RANK_SEGMENTS, STEPS.row[pixel >> 4]);
+    AddAt(places + ((pixel >> 4) * pitch + x) * RANK_SEGMENTS, STEPS.row[pixel & 15]);
   }
 }
 
@@ -75,17 +102,19 @@ void Exchange(const RankHistogram& histogram, const uint8_t* enters, const uint8
   for (int64_t x = 0; x < columns; x++) {
     const uint32_t pixel = enters[x];
     const uint32_t former = leaves[x];
-    Add(segments + x * RANK_SEGMENTS,
-        static_cast<Counts>(StepsFrom(pixel >> 4) - StepsFrom(former >> 4)));
-    Add(places + ((pixel >> 4) * pitch + x) * RANK_SEGMENTS, StepsFrom(pixel & 15));
-    Add(places + ((former >> 4) * pitch + x) * RANK_SEGMENTS,
-        static_cast<Counts>(-StepsFrom(former & 15)));
+    Counts counts;
+    Read(counts, segments + x * RANK_SEGMENTS);
+    Add(counts, STEPS.row[pixel >> 4]);
+    Subtract(counts, STEPS.row[former >> 4]);
+    Write(counts, segments + x * RANK_SEGMENTS);
+    AddAt(places + ((pixel >> 4) * pitch + x) * RANK_SEGMENTS, STEPS.row[pixel & 15]);
+    SubtractAt(places + ((former >> 4) * pitch + x) * RANK_SEGMENTS, STEPS.row[former & 15]);
   }
 }
 
 // How many of the running sums are at most the limit: which one is the first above it.
 ZEL_INLINE uint32_t SumsUpTo(const Counts& sums, uint32_t limit) {
-#if defined(ZEL_LEVEL_v4) || defined(ZEL_LEVEL_v3)
+#if defined(ZEL_WIDE_VECTORS)
   const auto lanes = reinterpret_cast<__m256i>(sums);
   const __m256i most = _mm256_set1_epi16(static_cast<int16_t>(limit));
   const __m256i within = _mm256_cmpeq_epi16(_mm256_min_epu16(lanes, most), lanes);
@@ -104,7 +133,7 @@ ZEL_INLINE uint32_t SumsUpTo(const Counts& sums, uint32_t limit) {
 #else
   const auto most = static_cast<uint16_t>(limit);
   uint16_t kept[RANK_SEGMENTS];
-  Store(kept, sums);
+  Write(sums, kept);
   uint32_t count = 0;
   for (const uint16_t sum : kept) count += static_cast<uint32_t>(sum <= most);
   return count;
@@ -113,32 +142,10 @@ ZEL_INLINE uint32_t SumsUpTo(const Counts& sums, uint32_t limit) {
 
 ZEL_INLINE uint32_t SumsUpTo(const WideCounts& sums, uint32_t limit) {
   uint32_t kept[RANK_SEGMENTS];
-  Store(kept, sums);
+  Write(sums, kept);
   uint32_t count = 0;
   for (const uint32_t sum : kept) count += static_cast<uint32_t>(sum <= limit);
   return count;
-}
-
-ZEL_INLINE void AddColumn(Counts& counts, const uint16_t* column) {
-  counts += Load<Counts>(column);
-}
-
-ZEL_INLINE void AddColumn(WideCounts& counts, const uint16_t* column) {
-  for (int32_t i = 0; i < 2; i++) {
-    const auto half = Load<HalfCounts>(column + i * RANK_SEGMENTS / 2);
-    counts.half[i] += __builtin_convertvector(half, HalfWideCounts);
-  }
-}
-
-ZEL_INLINE void TakeColumn(Counts& counts, const uint16_t* column) {
-  counts -= Load<Counts>(column);
-}
-
-ZEL_INLINE void TakeColumn(WideCounts& counts, const uint16_t* column) {
-  for (int32_t i = 0; i < 2; i++) {
-    const auto half = Load<HalfCounts>(column + i * RANK_SEGMENTS / 2);
-    counts.half[i] -= __builtin_convertvector(half, HalfWideCounts);
-  }
 }
 
 // Moves the counts of a window from the one at `former` to the one at x.
@@ -147,12 +154,12 @@ ZEL_INLINE void Move(Sums& sums, const uint16_t* columns, int64_t former, int64_
                      int64_t width) {
   if (2 * (x - former) > width) {
     sums = Sums{};
-    for (int64_t i = x; i < x + width; i++) AddColumn(sums, columns + i * RANK_SEGMENTS);
+    for (int64_t i = x; i < x + width; i++) Add(sums, columns + i * RANK_SEGMENTS);
     return;
   }
   for (int64_t i = former; i < x; i++) {
-    AddColumn(sums, columns + (i + width) * RANK_SEGMENTS);
-    TakeColumn(sums, columns + i * RANK_SEGMENTS);
+    Add(sums, columns + (i + width) * RANK_SEGMENTS);
+    Subtract(sums, columns + i * RANK_SEGMENTS);
   }
 }
 
@@ -176,12 +183,13 @@ ZEL_INLINE void SelectWith(const RankHistogram& histogram, uint8_t* to) {
     Move(segments, segmentColumns, former, x, width);
     former = x;
     const uint32_t segment = SumsUpTo(segments, order);
-    Store(kept + RANK_SEGMENTS, segments);
+    Write(segments, kept + RANK_SEGMENTS);
 
     T* windowPlace = windowPlaces + segment * RANK_SEGMENTS;
-    auto places = Load<Sums>(windowPlace);
+    Sums places;
+    Read(places, windowPlace);
     Move(places, placeColumns + segment * pitch, placesAt[segment], x, width);
-    Store(windowPlace, places);
+    Write(places, windowPlace);
     placesAt[segment] = x;
     const uint32_t place = SumsUpTo(places, order - kept[RANK_SEGMENTS - 1 + segment]);
     to[x] = static_cast<uint8_t>(segment * RANK_SEGMENTS + place);

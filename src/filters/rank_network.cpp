@@ -9,6 +9,7 @@ namespace zel {
 namespace {
 
 constexpr int32_t AT_THE_END = INT32_MAX;
+constexpr uint16_t NO_CARRY = 0xFFFF;
 
 // ---- which value lies in which row of scratch memory: carries in the first ones, then the new
 // source rows of a group, then others that are given to values and taken back
@@ -17,7 +18,7 @@ uint16_t RowTake(RankProgram* program, uint16_t value, int32_t step) {
   const RankProgram::Plan& plan = program->plan;
   const uint16_t carry = program->carryOf[value];
   // The place of the carry that hands it on, once nobody reads what the last group left there.
-  if (carry != NO_ROW && program->lastUse[plan.carries[carry].into] <= step) return carry;
+  if (carry != NO_CARRY && program->lastUse[plan.carries[carry].into] <= step) return carry;
   if (program->freeCount > 0) return program->freeRows[--program->freeCount];
   return static_cast<uint16_t>(program->rows++);
 }
@@ -32,7 +33,7 @@ void RowGiveBack(RankProgram* program, uint16_t value, int32_t step) {
 void FindLastUses(RankProgram* program) {
   const RankProgram::Plan& plan = program->plan;
   std::fill_n(program->lastUse, plan.values, -1);
-  std::fill_n(program->carryOf, plan.values, NO_ROW);
+  std::fill_n(program->carryOf, plan.values, NO_CARRY);
   for (int32_t i = 0; i < plan.stepCount; i++) {
     program->lastUse[plan.steps[i].first.value] = i;
     program->lastUse[plan.steps[i].second.value] = i;
@@ -126,13 +127,14 @@ struct Strip {
 // One strip of one band.
 struct NetworkPass {
   const RankNetwork& network;
-  const RankViews& views;
-  const RankBand& band;
+  const WindowBand& band;
   Strip strip;
   uint32_t floatMarks;
 
   uint8_t* ScratchRow(int32_t row) const { return band.memory + row * network.pitch; }
-  bool WritesInPlace() const { return network.routine && strip.whole && views.mask.SelectsAll(); }
+  bool WritesInPlace() const {
+    return network.routine && strip.whole && band.views.mask.SelectsAll();
+  }
   bool ReadsInPlace() const { return network.routine && strip.whole; }
 };
 
@@ -144,7 +146,7 @@ const uint8_t* SourceRow(const NetworkPass& pass, int32_t y, int32_t i) {
   const int64_t last = int64_t{pass.band.end} - 1 + window.height - 1;
   const int64_t row =
       std::clamp<int64_t>(int64_t{y} + window.height - 1 + i, pass.band.begin, last);
-  const PixelView& source = pass.views.source;
+  const PixelView& source = pass.band.views.source;
   const int64_t column = int64_t{pass.strip.x} - (window.width - 1) / 2;
   return source.Row<uint8_t>(row - (window.height - 1) / 2) + column * source.pixelBytes;
 }
@@ -154,34 +156,35 @@ void TakeSourceRows(NetworkPass* pass, int32_t y, RankGroup* group) {
   const int32_t columns = pass->strip.columns + network.window.width - 1;
   for (int32_t i = 0; i < network.group; i++) {
     const uint8_t* row = SourceRow(*pass, y, i);
-    if (pass->views.source.type == IMAGE_SGL) {
+    if (pass->band.views.source.type == IMAGE_SGL) {
       pass->floatMarks |= rankRows().floatMarks(reinterpret_cast<const float*>(row), columns);
     }
     group->rows[i] = row;
     if (pass->ReadsInPlace()) continue;
     uint8_t* copy = pass->ScratchRow(network.carries + i);
-    std::memcpy(copy, row, static_cast<size_t>(int64_t{columns} * pass->views.source.pixelBytes));
+    std::memcpy(copy, row,
+                static_cast<size_t>(int64_t{columns} * pass->band.views.source.pixelBytes));
     group->rows[i] = copy;
   }
 }
 
 void RunGroup(const NetworkPass& pass, int32_t y, RankGroup* group) {
   const RankNetwork& network = pass.network;
-  const int32_t type = pass.views.source.type;
+  const int32_t type = pass.band.views.source.type;
   if (network.program) {
     const RankProgram::Plan& plan = network.program->plan;
     rankRows().steps[type](plan.steps, plan.stepCount,
                            {pass.band.memory, network.pitch, group->columns});
     for (int32_t i = 0; i < network.group; i++) {
       group->results[i] = pass.ScratchRow(plan.results[i].value) +
-                          int64_t{plan.results[i].shift} * pass.views.source.pixelBytes;
+                          int64_t{plan.results[i].shift} * pass.band.views.source.pixelBytes;
     }
   } else {
     for (int32_t i = 0; i < network.group; i++) {
       const bool inPlace =
           pass.WritesInPlace() && y + i >= pass.band.begin && y + i < pass.band.end;
-      group->results[i] = inPlace ? pass.views.result.Row<uint8_t>(y + i) +
-                                        int64_t{pass.strip.x} * pass.views.result.pixelBytes
+      group->results[i] = inPlace ? pass.band.views.result.Row<uint8_t>(y + i) +
+                                        int64_t{pass.strip.x} * pass.band.views.result.pixelBytes
                                   : pass.ScratchRow(network.carries + network.group + i);
     }
     network.routine->byType[type](*group);
@@ -190,8 +193,8 @@ void RunGroup(const NetworkPass& pass, int32_t y, RankGroup* group) {
 
 void RunStrip(NetworkPass* pass) {
   const RankNetwork& network = pass->network;
-  const RankBand& band = pass->band;
-  const int32_t pixelBytes = pass->views.source.pixelBytes;
+  const WindowBand& band = pass->band;
+  const int32_t pixelBytes = pass->band.views.source.pixelBytes;
   RankGroup group{};
   group.carries = band.memory;
   group.pitch = network.pitch;
@@ -206,27 +209,12 @@ void RunStrip(NetworkPass* pass) {
     if (pass->WritesInPlace()) continue;
     const int32_t last = std::min(y + network.group, band.end);
     for (int32_t row = std::max(y, band.begin); row < last; row++) {
-      RankStore(pass->views, pass->strip.x, row, pass->strip.columns, group.results[row - y]);
+      WindowStore(band.views, pass->strip.x, row, pass->strip.columns, group.results[row - y]);
     }
   }
 }
 
 }  // namespace
-
-void RankStore(const RankViews& views, int32_t x, int32_t y, int32_t columns,
-               const uint8_t* pixels) {
-  const int64_t pixelBytes = views.result.pixelBytes;
-  uint8_t* to = views.result.Row<uint8_t>(y) + x * pixelBytes;
-  if (views.mask.SelectsAll()) {
-    std::memcpy(to, pixels, static_cast<size_t>(columns * pixelBytes));
-    return;
-  }
-  const uint8_t* mask = views.mask.Row(y) + x;
-  for (int64_t i = 0; i < columns; i++) {
-    if (mask[i])
-      std::memcpy(to + i * pixelBytes, pixels + i * pixelBytes, static_cast<size_t>(pixelBytes));
-  }
-}
 
 bool RankProgramMake(RankWindow window, int32_t stepsAtMost, RankProgram* program) {
   if (window.height > static_cast<int32_t>(PROGRAM_ROWS / 2)) return false;
@@ -261,21 +249,28 @@ RankNetwork RankNetworkOf(const RankProgram& program, const PixelView& source) {
   return network;
 }
 
-int64_t RankNetworkBytes(const RankNetwork& network) {
-  return network.rows * network.pitch;
+int64_t RankNetworkBytes(const RankNetwork& network, const PixelView& source) {
+  const int64_t floats =
+      source.type == IMAGE_SGL
+          ? RankFloatsBytes(network.window, network.stripBytes / source.pixelBytes)
+          : 0;
+  return network.rows * network.pitch + floats;
 }
 
-void RankNetworkRun(const RankNetwork& network, const RankViews& views, const RankBand& band) {
-  std::memset(band.memory, 0, static_cast<size_t>(RankNetworkBytes(network)));
-  const int32_t pixelBytes = views.source.pixelBytes;
-  const int32_t stripColumns = network.stripBytes / pixelBytes;
-  const int32_t lanes = RANK_VECTOR_BYTES / pixelBytes;
-  const int32_t width = views.source.width;
-  for (int32_t x = 0; x < width;) {
-    int32_t columns = std::min(stripColumns, width - x);
+void RankNetworkRun(const RankNetwork& network, const WindowBand& band) {
+  const PixelView& source = band.views.source;
+  const int64_t scratchBytes = network.rows * network.pitch;
+  std::memset(band.memory, 0, static_cast<size_t>(scratchBytes));
+  const int32_t stripColumns = network.stripBytes / source.pixelBytes;
+  const int32_t lanes = RANK_VECTOR_BYTES / source.pixelBytes;
+  for (int32_t x = 0; x < source.width;) {
+    int32_t columns = std::min(stripColumns, source.width - x);
     if (network.routine && columns > lanes) columns = columns / lanes * lanes;
-    NetworkPass pass{network, views, band, {x, columns, columns % lanes == 0}, 0};
+    NetworkPass pass{network, band, {x, columns, columns % lanes == 0}, 0};
     RunStrip(&pass);
+    RankFloatsMend(network.window, band.views,
+                   {x, band.begin, columns, band.end - band.begin, pass.floatMarks},
+                   band.memory + scratchBytes);
     x += columns;
   }
 }

@@ -1,37 +1,25 @@
-// The ways to compute a rank filter. Each works on bands of output rows, with memory that was
-// allocated before, and all give the same bits.
+// The ways to compute a rank filter. Each works on bands of output rows, and all give the same
+// bits. The source has (width - 1) / 2 columns on its left and width / 2 on its right that windows
+// may read, and rows alike.
 #pragma once
 
-#include "core/views.h"
+#include "engine/window.h"
 #include "filters/rank_network.h"
 #include "filters/rank_rows.h"
 
 namespace zel {
 
-// All of one size. The source has (width - 1) / 2 filled columns of the window on its left, width /
-// 2 on its right, and rows alike. The result shares no pixel with it, and holds the source's pixels
-// already where the mask selects none.
-struct RankViews {
-  PixelView source;
-  PixelView result;
-  MaskView mask;
-};
-
-// Output rows, and memory for them that begins on a boundary of RANK_VECTOR_BYTES.
-struct RankBand {
-  int32_t begin, end;
-  uint8_t* memory;
-};
-
-// Writes pixels of one row where the mask selects them.
-void RankStore(const RankViews& views, int32_t x, int32_t y, int32_t columns,
-               const uint8_t* pixels);
+// The source's pixel that lies in the first row and column of the window of the output pixel (x,
+// y).
+template <class T>
+const T* WindowCorner(const WindowViews& views, const RankWindow& window, int64_t x, int64_t y) {
+  return views.source.At<T>(x - (window.width - 1) / 2, y - (window.height - 1) / 2);
+}
 
 // ---- selection networks
 
 constexpr size_t PROGRAM_STEPS = 8192;
 constexpr size_t PROGRAM_ROWS = 1024;
-constexpr uint16_t NO_ROW = 0xFFFF;
 
 // A plan whose values have become rows of scratch memory.
 struct RankProgram {
@@ -45,6 +33,8 @@ struct RankProgram {
   int32_t lastUse[Plan::VALUES];
   uint16_t freeRows[Plan::VALUES];
   int32_t freeCount;
+
+  int32_t StepsOfARow() const { return plan.stepCount / plan.group; }
 };
 // False where the plan has no room, or takes more steps a row than is worth it.
 bool RankProgramMake(RankWindow window, int32_t stepsAtMost, RankProgram* program);
@@ -61,17 +51,28 @@ struct RankNetwork {
 };
 RankNetwork RankNetworkOf(const RankRoutine& routine, const PixelView& source);
 RankNetwork RankNetworkOf(const RankProgram& program, const PixelView& source);
-int64_t RankNetworkBytes(const RankNetwork& network);
-void RankNetworkRun(const RankNetwork& network, const RankViews& views, const RankBand& band);
+int64_t RankNetworkBytes(const RankNetwork& network, const PixelView& source);
+void RankNetworkRun(const RankNetwork& network, const WindowBand& band);
 
 // ---- histograms of columns: bytes, windows of any size
 
 int64_t RankHistogramBytes(const PixelView& source, RankWindow window);
-void RankHistogramRun(RankWindow window, const RankViews& views, const RankBand& band);
+void RankHistogramRun(RankWindow window, const WindowBand& band);
 
 // ---- a window that slides over sorted tiles: 16-bit and float pixels, windows of any size
 
 int64_t RankTilesBytes(const PixelView& source, RankWindow window);
-void RankTilesRun(RankWindow window, const RankViews& views, const RankBand& band);
+void RankTilesRun(RankWindow window, const WindowBand& band);
+
+// ---- what is done once more with floats whose order is not that of numbers
+
+// Output pixels, and what the floats in their windows were found to be.
+struct FloatPart {
+  int32_t x, y, columns, rows;
+  uint32_t marks;  // FloatMark
+};
+int64_t RankFloatsBytes(RankWindow window, int32_t columns);
+void RankFloatsMend(RankWindow window, const WindowViews& views, const FloatPart& part,
+                    uint8_t* memory);
 
 }  // namespace zel

@@ -4,41 +4,32 @@
 #include <cstring>
 #include <utility>
 
-#include "core/numbers.h"
+#include "engine/vectors.h"
 
 namespace zel::ZEL_LEVEL {
 namespace {
 
-#if defined(ZEL_LEVEL_v4)
-constexpr int32_t VECTOR_BYTES = 64;
-#elif defined(ZEL_LEVEL_v3)
-constexpr int32_t VECTOR_BYTES = 32;
-#else
-constexpr int32_t VECTOR_BYTES = 16;
-#endif
 static_assert(RANK_VECTOR_BYTES % VECTOR_BYTES == 0);
 
 template <class T>
-struct VectorOf {
-  using Type [[gnu::vector_size(VECTOR_BYTES)]] = T;
+struct VectorOf;
+template <>
+struct VectorOf<uint8_t> {
+  using Type = Bytes;
+};
+template <>
+struct VectorOf<int16_t> {
+  using Type = Words;
+};
+template <>
+struct VectorOf<float> {
+  using Type = Floats;
 };
 template <class T>
 using Vector = typename VectorOf<T>::Type;
 
 template <class T>
-constexpr int32_t LANES = VECTOR_BYTES / static_cast<int32_t>(sizeof(T));
-
-template <class V>
-ZEL_INLINE V Load(const void* at) {
-  V lanes;
-  std::memcpy(&lanes, at, sizeof(V));
-  return lanes;
-}
-
-template <class V>
-ZEL_INLINE void Store(void* at, const V& lanes) {
-  std::memcpy(at, &lanes, sizeof(V));
-}
+constexpr int64_t LANES = VECTOR_BYTES / static_cast<int32_t>(sizeof(T));
 
 // ---- routines of their own: all values of a plan are registers
 

@@ -8,7 +8,7 @@
 
 namespace zel {
 
-constexpr int32_t SCALAR_TYPES = IMAGE_SGL + 1;
+constexpr int32_t RANK_TYPES = IMAGE_SGL + 1;
 
 // All rows of scratch memory begin on a boundary of this many bytes, and are computed up to one:
 // a multiple of every level's vectors.
@@ -27,7 +27,7 @@ using RankGroupRoutine = void (*)(const RankGroup& group);
 struct RankRoutine {
   RankWindow window;
   int32_t group, carries;
-  RankGroupRoutine byType[SCALAR_TYPES];
+  RankGroupRoutine byType[RANK_TYPES];
 };
 
 // Works through the steps of a plan whose values are rows of scratch memory.
@@ -46,7 +46,7 @@ constexpr int32_t RANK_ROUTINES = 11;
 
 struct RankRows {
   RankRoutine routines[RANK_ROUTINES];
-  RankStepsRoutine steps[SCALAR_TYPES];
+  RankStepsRoutine steps[RANK_TYPES];
   uint32_t (*floatMarks)(const float* row, int32_t columns);
 };
 ZEL_ROW_TABLE(RankRows, rankRows)

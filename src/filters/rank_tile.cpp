@@ -31,6 +31,8 @@ struct TileLayout {
   int32_t columns, rows;  // of the output
   int64_t pixels;         // of the source
   int64_t keyBytes, memberBytes, foundBytes;
+
+  int64_t TileBytes() const { return 2 * keyBytes + memberBytes + foundBytes; }
 };
 
 constexpr int64_t RoundedUp(int64_t bytes) {
@@ -74,7 +76,7 @@ void SortByDigit(const Key* from, Key* to, int64_t count, int32_t shift) {
 
 // A tile of one band: the output pixels from x and y on.
 struct TilePass {
-  const RankViews& views;
+  const WindowViews& views;
   RankWindow window;
   int32_t x, y, columns, rows;
   bool linesAreColumns;  // of the source: the shorter side of the window lies along a line
@@ -86,8 +88,7 @@ struct TilePass {
   int32_t SourceRows() const { return rows + window.height - 1; }
   template <class T>
   const T* Source(int64_t column, int64_t row) const {
-    return views.source.At<T>(x - (window.width - 1) / 2 + column,
-                              y - (window.height - 1) / 2 + row);
+    return WindowCorner<T>(views, window, x + column, y + row);
   }
 };
 
@@ -149,7 +150,7 @@ void StoreResults(const TilePass& pass) {
           pass.linesAreColumns ? int64_t{y} * pass.columns + x : int64_t{x} * pass.rows + y;
       row[x] = PixelOf(pass, pass.sorted[pass.tile.found[at]], T{});
     }
-    RankStore(pass.views, pass.x, pass.y + y, pass.columns, reinterpret_cast<const uint8_t*>(row));
+    WindowStore(pass.views, pass.x, pass.y + y, pass.columns, row);
   }
 }
 
@@ -172,14 +173,26 @@ void RunTile(const TileLayout& layout, TilePass* pass) {
   StoreResults<T>(*pass);
 }
 
+// Zeros have their place in the order of the window already.
+void MendNan(const TilePass& pass, uint8_t* memory) {
+  uint32_t marks = 0;
+  for (int32_t row = 0; row < pass.SourceRows(); row++) {
+    marks |= rankRows().floatMarks(pass.Source<float>(0, row), pass.SourceColumns());
+  }
+  RankFloatsMend(pass.window, pass.views,
+                 {pass.x, pass.y, pass.columns, pass.rows, marks & FLOAT_HAS_NAN}, memory);
+}
+
 }  // namespace
 
 int64_t RankTilesBytes(const PixelView& source, RankWindow window) {
   const TileLayout layout = LayoutOf(source, window);
-  return 2 * layout.keyBytes + layout.memberBytes + layout.foundBytes;
+  const int64_t floats = source.type == IMAGE_SGL ? RankFloatsBytes(window, layout.columns) : 0;
+  return layout.TileBytes() + floats;
 }
 
-void RankTilesRun(RankWindow window, const RankViews& views, const RankBand& band) {
+void RankTilesRun(RankWindow window, const WindowBand& band) {
+  const WindowViews& views = band.views;
   const TileLayout layout = LayoutOf(views.source, window);
   TilePass pass{.views = views,
                 .window = window,
@@ -202,6 +215,7 @@ void RankTilesRun(RankWindow window, const RankViews& views, const RankBand& ban
         RunTile<int16_t>(layout, &pass);
       } else {
         RunTile<float>(layout, &pass);
+        MendNan(pass, band.memory + layout.TileBytes());
       }
     }
   }
