@@ -43,8 +43,8 @@ void WordsSettle(SmoothingRule* rule) {
   }
   auto below = static_cast<uint32_t>(share * 65536.0);
   for (uint32_t mean = 1; mean <= UINT8_MAX; mean++) {
-    const auto product = static_cast<uint32_t>(mean * rule->tolerance / WHOLE_TOLERANCE);
-    if ((mean * below) >> 16 != product) {
+    const uint32_t product = (mean * below) >> 16;
+    if (mean * rule->tolerance >= WHOLE_TOLERANCE * (product + 1)) {
       below++;
       break;
     }
