@@ -29,8 +29,8 @@ struct Pool {
   void* context;
   std::fenv_t environment;
 
-  alignas(64) std::atomic<uint32_t> inside;  // OPEN, and the number of workers in the pass
-  alignas(64) std::atomic<uint32_t> calls;   // counts on with each call; workers sleep at it
+  std::atomic<uint32_t> inside;  // OPEN, and the number of workers in the pass
+  std::atomic<uint32_t> calls;   // counts on with each call; workers sleep at it
   std::atomic<bool> ending;
 
   pthread_t threads[HELPERS_AT_MOST];

@@ -1,5 +1,5 @@
-// Loads a library that computes in bands and unloads it, or leaves it, while its workers sleep.
-// usage: unload_test MODULE unload|unload_in_child|exit, with ORLUNE_PTK_THREADS=3
+// Loads the library, lets it compute on all workers, and unloads it, or ends, while they sleep.
+// usage: unload_test LIBRARY unload|unload_in_child|exit, with ORLUNE_PTK_THREADS=3
 #include <dlfcn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -10,6 +10,8 @@
 #include <cstring>
 #include <filesystem>
 #include <thread>
+
+#include "orlune_ptk.h"
 
 namespace {
 
@@ -39,26 +41,45 @@ bool TasksBecome(long count) {
   return true;
 }
 
-void* LoadAndCompute(const char* path) {
-  void* module = dlopen(path, RTLD_NOW | RTLD_LOCAL);
-  Require(module, "the module loads");
-  const auto compute = reinterpret_cast<int (*)()>(dlsym(module, "ComputeInBands"));
-  Require(compute && compute() == WORKERS, "each worker computes");
-  return module;
+template <class Function>
+Function* Find(void* library, const char* name) {
+  void* found = dlsym(library, name);
+  Require(found, "the library has its functions");
+  return reinterpret_cast<Function*>(found);
 }
 
-void Unload(const char* path, void* module) {
-  Require(dlclose(module) == 0, "the module is closed");
-  Require(!dlopen(path, RTLD_NOW | RTLD_NOLOAD), "nothing keeps the module in memory");
+void Compute(void* library) {
+  const auto create = Find<decltype(ZEL_Create)>(library, "ZEL_Create");
+  const auto setSize = Find<decltype(ZEL_SetImageSize)>(library, "ZEL_SetImageSize");
+  const auto add = Find<decltype(ZEL_Add)>(library, "ZEL_Add");
+  const auto dispose = Find<decltype(ZEL_Dispose)>(library, "ZEL_Dispose");
+  ImageRef image = 0;
+  create(&image, IMAGE_U8, 3);
+  Require(setSize(image, 2000, 2000) == 0, "there is an image");
+  Require(add(image, 0, image, 1.0f) == 0, "the library computes");
+  dispose(image);
+}
+
+// As programs do that forget ZEL_CloseSys.
+void* LoadAndCompute(const char* path) {
+  const long before = Tasks();
+  void* library = dlopen(path, RTLD_NOW | RTLD_LOCAL);
+  Require(library, "the library loads");
+  Compute(library);
+  Require(TasksBecome(before + WORKERS - 1), "the workers sleep");
+  return library;
+}
+
+void Unload(const char* path, void* library) {
+  Require(dlclose(library) == 0, "the library is closed");
+  Require(!dlopen(path, RTLD_NOW | RTLD_NOLOAD), "nothing keeps the library in memory");
 }
 
 // After the library has gone nothing of it is called at a fork or at the end.
 void UnloadInRounds(const char* path) {
   const long alone = Tasks();
   for (int round = 0; round < ROUNDS; round++) {
-    void* module = LoadAndCompute(path);
-    Require(TasksBecome(alone + WORKERS - 1), "the workers sleep");
-    Unload(path, module);
+    Unload(path, LoadAndCompute(path));
     Require(TasksBecome(alone), "no worker is left");
   }
   const pid_t child = fork();
@@ -70,11 +91,11 @@ void UnloadInRounds(const char* path) {
 
 // The child of a process with workers unloads the library that it never used.
 void UnloadInChild(const char* path) {
-  void* module = LoadAndCompute(path);
+  void* library = LoadAndCompute(path);
   const pid_t child = fork();
   if (child == 0) {
     alarm(60);
-    Unload(path, module);
+    Unload(path, library);
     std::exit(0);
   }
   int status = 0;
