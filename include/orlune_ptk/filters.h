@@ -86,10 +86,10 @@ int32_t ZEL_LowPass(ImageRef source, ImageRef mask, ImageRef destination, int32_
  *              copied.
  * order:       the rank. Below 0 it is 0, above the largest it is that.
  * Reported as "KORNthOrder".
- * Failures: -200; -301 for another source type; -309 for a border that is too narrow. Then the border is filled. -304 for another destination type; -301
- * for a mask that is not IMAGE_U8; -101 no memory, with size, calibration and offset of destination
- * changed by then. -102 no memory and -1001 no reference is left, both where source or mask are
- * replaced, which stay as they were. */
+ * Failures: -200; -301 for another source type; -309 for a border that is too narrow. Then the border
+ * is filled. -304 for another destination type; -301 for a mask that is not IMAGE_U8; -101 no memory,
+ * with size, calibration and offset of destination changed by then. -102 no memory and -1001 no
+ * reference is left, both where source or mask are replaced, which stay as they were. */
 int32_t ZEL_NthOrder(ImageRef source, ImageRef mask, ImageRef destination, int32_t width,
                      int32_t height, int32_t order);
 

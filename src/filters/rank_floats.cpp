@@ -76,7 +76,8 @@ void RankFloatsMend(RankWindow window, const WindowViews& views, const FloatPart
 
   const int32_t sourceColumns = part.columns + window.width - 1;
   auto* counts = reinterpret_cast<int32_t*>(memory);
-  auto* pixels = reinterpret_cast<float*>(counts + sourceColumns);
+  void* behind = counts + sourceColumns;
+  auto* pixels = static_cast<float*>(behind);
   const auto windowRow = [&](int64_t y) { return WindowCorner<float>(views, window, part.x, y); };
   std::fill_n(counts, sourceColumns, 0);
   for (int32_t row = 0; row < window.height - 1; row++) {

@@ -157,7 +157,8 @@ void TakeSourceRows(NetworkPass* pass, int32_t y, RankGroup* group) {
   for (int32_t i = 0; i < network.group; i++) {
     const uint8_t* row = SourceRow(*pass, y, i);
     if (pass->band.views.source.type == IMAGE_SGL) {
-      pass->floatMarks |= rankRows().floatMarks(reinterpret_cast<const float*>(row), columns);
+      const void* pixels = row;
+      pass->floatMarks |= rankRows().floatMarks(static_cast<const float*>(pixels), columns);
     }
     group->rows[i] = row;
     if (pass->ReadsInPlace()) continue;
