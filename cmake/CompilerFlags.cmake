@@ -7,6 +7,11 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   add_compile_options(-fno-tree-slp-vectorize)
 endif()
 
+# The steps of a sorting network are one fold expression, longer than clang's usual limit.
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+  add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-fbracket-depth=1024>)
+endif()
+
 set(PTK_WARNING_FLAGS -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wcast-align
                       -Wdouble-promotion)
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")

@@ -15,4 +15,4 @@ cppcheck --std=c++20 --language=c++ --enable=warning,performance,portability --i
   --error-exitcode=9 -q -j 2 -I src -I include -I "$build/generated" -DZEL_LEVEL=baseline "${sources[@]}"
 
 printf '%s\n' "${sources[@]}" |
-  xargs -P 2 -n 6 clang-tidy --quiet -p "$build" --warnings-as-errors='*' 2>/dev/null
+  xargs -P 2 -n 6 clang-tidy --quiet -p "$build" --extra-arg=-fbracket-depth=1024 --warnings-as-errors='*' 2>/dev/null
