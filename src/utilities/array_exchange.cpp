@@ -102,7 +102,8 @@ void PixelsToArray(const void* pixels, int32_t imageType, int64_t count, void* a
 }
 
 Status ArrayCountCheck(int32_t imageType, int64_t count) {
-  const int64_t limit = static_cast<int64_t>(HEAP_BLOCK_LIMIT) / PixelBytesOf(imageType);
+  const int32_t pixelBytes = std::max(PixelBytesOf(imageType), 1);
+  const int64_t limit = static_cast<int64_t>(HEAP_BLOCK_LIMIT) / pixelBytes;
   return count > limit ? STATUS_MEMORY_FULL : STATUS_OK;
 }
 
