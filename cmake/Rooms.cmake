@@ -3,13 +3,21 @@
 
 # The one list of processor levels that each *_rows.cpp is compiled for, in rising order, with their
 # flags. `plain` is the text of every processor: no source may use an instruction by name there.
-set(PTK_LEVELS plain)
+set(PTK_ALL_LEVELS plain)
 set(PTK_LEVEL_FLAGS_plain "")
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$")
-  list(APPEND PTK_LEVELS baseline v3 v4)
+  list(APPEND PTK_ALL_LEVELS baseline v3 v4)
   set(PTK_LEVEL_FLAGS_baseline "")
   set(PTK_LEVEL_FLAGS_v3 -march=x86-64-v3)
   set(PTK_LEVEL_FLAGS_v4 -march=x86-64-v4 -mavx512vbmi -mavx512vbmi2 -mprefer-vector-width=512)
+endif()
+
+# A build for trying, or under a slow compiler, may leave levels out.
+set(PTK_SKIP_LEVELS "" CACHE STRING "Processor levels to leave out of this build (never plain)")
+set(PTK_LEVELS ${PTK_ALL_LEVELS})
+list(REMOVE_ITEM PTK_LEVELS ${PTK_SKIP_LEVELS})
+if(NOT plain IN_LIST PTK_LEVELS)
+  message(FATAL_ERROR "PTK_SKIP_LEVELS may not name plain, the level of every processor")
 endif()
 
 # The list for the sources: X(level, ...) for each level.

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <map>
 #include <string>
 
 #include "engine/level_probe_rows.h"
@@ -22,11 +23,16 @@ TEST(Levels, EachRunsItsOwnTable) {
 }
 
 TEST(Levels, WiderLevelsHaveWiderVectors) {
-#if defined(__x86_64__)
-  EXPECT_EQ(v3::levelProbe.vectorBytes, 32);
-  EXPECT_EQ(v4::levelProbe.vectorBytes, 64);
-#endif
-  EXPECT_LE(plain::levelProbe.vectorBytes, 16);
+  const std::map<std::string, int32_t> bytes = {{"v3", 32}, {"v4", 64}};
+  for (int32_t level = 0; level < LEVEL_COUNT; level++) {
+    if (!LevelForce(level)) continue;
+    const auto wide = bytes.find(levelProbe().name);
+    if (wide != bytes.end()) {
+      EXPECT_EQ(levelProbe().vectorBytes, wide->second) << wide->first;
+    } else {
+      EXPECT_LE(levelProbe().vectorBytes, 16) << levelProbe().name;
+    }
+  }
 }
 
 TEST(Levels, OneThatIsThereCanBeForced) {
