@@ -36,14 +36,10 @@ Image* RecordOf(const ImageEntry& entry) {
                                  : nullptr;
 }
 
-// The pixels that fill 8 bytes: rows start at a multiple of these.
-int64_t RowStep(int32_t pixelBytes) {
-  return pixelBytes >= 8 ? 1 : 8 / pixelBytes;
-}
-
-// step is a power of two.
-int64_t RoundedUp(int64_t value, int64_t step) {
-  return (value + step - 1) & -step;
+// The bytes of some pixels with what is needed to begin the next ones on a multiple of 8, where rows
+// and their first pixels lie.
+int64_t PaddedBytes(int64_t pixels, int32_t pixelBytes) {
+  return (pixels * pixelBytes + 7) & -8;
 }
 
 int32_t LayoutType(const Image& image) {
@@ -57,15 +53,20 @@ struct Layout {
 };
 
 bool LayoutOf(int32_t width, int32_t height, int32_t border, int32_t pixelBytes, Layout* layout) {
-  const int64_t step = RowStep(pixelBytes);
-  layout->lineWidth = RoundedUp(border, step) + RoundedUp(int64_t{border} + width, step);
-  if (layout->lineWidth > INT32_MAX) return false;
-  const int64_t rows = height + 2 * int64_t{border};
-  const int64_t lineBytes = layout->lineWidth * pixelBytes;
+  const int64_t leftBytes = PaddedBytes(border, pixelBytes);
+  const int64_t lineBytes = leftBytes + PaddedBytes(int64_t{border} + width, pixelBytes);
   if (lineBytes > static_cast<int64_t>(HEAP_BLOCK_LIMIT)) return false;
-  layout->origin = border * lineBytes + RoundedUp(border, step) * pixelBytes;
+  const int64_t rows = height + 2 * int64_t{border};
+  layout->lineWidth = lineBytes / pixelBytes;
+  layout->origin = border * lineBytes + leftBytes;
   layout->bytes = rows * lineBytes;  // below 2^63: twice the border is no more than a line
   return layout->bytes <= static_cast<int64_t>(HEAP_BLOCK_LIMIT);
+}
+
+// Whether an image with pixels of its own has this size already, as the destinations of most calls.
+bool HasLayoutFor(const Image& image, int32_t width, int32_t height) {
+  return image.width == width && image.height == height && image.lineWidth != 0 &&
+         image.type != IMAGE_OPAQUE;
 }
 
 // A handle of an image for one of its two blocks.
@@ -191,6 +192,7 @@ Status ImageSetSize(ImageRef reference, int32_t width, int32_t height) {
 
 Status ImageLayoutSize(Image* image, int32_t width, int32_t height, bool keep) {
   if (width < 1 || height < 1) width = height = 0;
+  if (keep && HasLayoutFor(*image, width, height)) return STATUS_OK;
   int32_t pixelBytes = 0;
   Status status = PixelSize(LayoutType(*image), &pixelBytes);
   if (status != STATUS_OK) return status;
@@ -245,11 +247,10 @@ PixelView ViewOf(const Image& image) {
                  .height = image.height,
                  .type = image.type,
                  .pixelBytes = static_cast<int16_t>(pixelBytes)};
-  uint8_t* block = VectorData<uint8_t>(image.pixels);
+  auto* block = static_cast<uint8_t*>(HandleRow(image.pixels)->data);
   if (pixelBytes == 0 || !block) return view;
-  const int64_t leftPad = RoundedUp(image.border, RowStep(pixelBytes));
   view.pitch = int64_t{image.lineWidth} * pixelBytes;
-  view.origin = block + image.border * view.pitch + leftPad * pixelBytes;
+  view.origin = block + image.border * view.pitch + PaddedBytes(image.border, pixelBytes);
   return view;
 }
 
