@@ -1,6 +1,9 @@
 // The conversion of one element for each pair of numeric types, and the table of the loops.
 #include "engine/array_convert_rows.h"
 
+#include <cstring>
+#include <type_traits>
+
 #include "core/numbers.h"
 
 namespace zel::ZEL_LEVEL {
@@ -9,19 +12,33 @@ namespace {
 template <class T>
 constexpr bool IS_INTEGER = static_cast<T>(0.5) == T{0};
 
-template <class Source, class Destination>
-void Convert(const void* source, void* destination, int64_t count) {
-  const auto* from = static_cast<const Source*>(source);
-  auto* to = static_cast<Destination*>(destination);
-  if constexpr (IS_INTEGER<Source>) {
-    // A double holds every integer of these types, so that the way through it changes nothing.
-    for (int64_t i = 0; i < count; i++) to[i] = static_cast<Destination>(from[i]);
-  } else if constexpr (IS_INTEGER<Destination>) {
-    for (int64_t i = 0; i < count; i++) {
-      to[i] = CutLow<Destination>(static_cast<double>(from[i]));
+// Short rows go in blocks: a call for each would cost more than its bytes.
+void CopyRows(const PointViews& views, const NoRule&) {
+  constexpr int64_t blockBytes = 64;
+  constexpr int64_t longRow = 1024;
+  const int64_t bytes = views.result.RowBytes();
+  const int64_t inBlocks = bytes < longRow ? bytes / blockBytes * blockBytes : 0;
+  for (int64_t y = 0; y < views.result.height; y++) {
+    const auto* from = views.first.Row<uint8_t>(y);
+    auto* to = views.result.Row<uint8_t>(y);
+    for (int64_t i = 0; i < inBlocks; i += blockBytes) std::memcpy(to + i, from + i, blockBytes);
+    if (inBlocks < bytes) {
+      std::memcpy(to + inBlocks, from + inBlocks, static_cast<size_t>(bytes - inBlocks));
     }
+  }
+}
+
+template <class Source, class Destination>
+void Convert(const PointViews& views, const NoRule& none) {
+  if constexpr (std::is_same_v<Source, Destination>) {
+    CopyRows(views, none);
+  } else if constexpr (!IS_INTEGER<Source> && IS_INTEGER<Destination>) {
+    MapSamePlace<Source, Destination>(
+        views, [](Source value) { return CutLow<Destination>(static_cast<double>(value)); });
   } else {
-    for (int64_t i = 0; i < count; i++) to[i] = static_cast<Destination>(from[i]);
+    // A double holds every integer of these types, so that the way through it changes nothing.
+    MapSamePlace<Source, Destination>(views,
+                                      [](Source value) { return static_cast<Destination>(value); });
   }
 }
 

@@ -4,12 +4,13 @@
 #include <cstdint>
 
 #include "engine/levels.h"
+#include "engine/point.h"
 
 namespace zel {
 
 constexpr int32_t ARRAY_TYPES = 9;  // the codes of ArrayType, the unused 5 among them
 
-using ArrayConverter = void (*)(const void* source, void* destination, int64_t count);
+using ArrayConverter = PointRoutine<NoRule>;  // of the first view into the result
 
 // By the code of the destination; null for the unused code.
 struct ArrayConverters {

@@ -52,9 +52,10 @@ Status ImageToArray(ImageRef reference, const ApiRect& rectangle, int32_t arrayT
   // An empty part of any image is no failure.
   if (!part.IsEmpty()) {
     if (!TypeIsScalar(image->type)) return STATUS_BAD_TYPE;
-    const PixelView rows = RowsJoin(ViewOf(*image).Part(part));
-    for (int64_t y = 0; y < rows.height; y++) {
-      PixelsToArray(rows.Row<void>(y), rows.type, rows.width, array, arrayType, y * rows.width);
+    if (ArrayTypeBits(arrayType, nullptr) != 0) {
+      ArrayConvertRows(ViewOf(*image).Part(part), NativeArrayType(image->type),
+                       ArrayView(array, arrayType, part.width, part.height),
+                       ArrayTypeOfBits(arrayType, image->type));
     }
   }
   if (width) *width = part.width;
@@ -72,10 +73,16 @@ Status ArrayToImage(ImageRef reference, int32_t arrayType, const void* array, in
   if (width < 1 && height < 1) return STATUS_DESTINATION_TYPE_DIFFERS;
   status = ImageSetSize(reference, width, height);
   if (status != STATUS_OK) return status;
-  const PixelView rows = RowsJoin(ViewOf(*image));
-  for (int64_t y = 0; y < rows.height; y++) {
-    PixelsFromArray(array, arrayType, y * rows.width, rows.type, rows.Row<void>(y), rows.width);
+  const PixelView pixels = ViewOf(*image);
+  if (pixels.IsEmpty()) return STATUS_OK;
+  if (ArrayTypeBits(arrayType, nullptr) == 0) {
+    for (int64_t y = 0; y < pixels.height; y++) {
+      std::memset(pixels.Row<void>(y), 0, static_cast<size_t>(pixels.RowBytes()));
+    }
+    return STATUS_OK;
   }
+  ArrayConvertRows(ArrayView(array, arrayType, width, height),
+                   ArrayTypeOfBits(arrayType, image->type), pixels, NativeArrayType(image->type));
   return STATUS_OK;
 }
 
