@@ -28,6 +28,26 @@ const WindowRows<EdgeRule>& RowsOf(int32_t method) {
   }
 }
 
+WindowRow<EdgeRule> SingleRowOf(int32_t method) {
+  const auto& rows = edgeRows().singles;
+  switch (method) {
+    case EDGE_DIFFERENTIATION:
+      return rows.differentiation;
+    case EDGE_GRADIENT:
+      return rows.gradient;
+    case EDGE_ROBERTS:
+      return rows.roberts;
+    default:
+      return nullptr;
+  }
+}
+
+WindowRow<EdgeRule> RowOf(int32_t method, int32_t type, const EdgeRule& rule) {
+  const bool keepsAll = !(rule.realLimit > 0.0);
+  const WindowRow<EdgeRule> single = keepsAll && type == IMAGE_SGL ? SingleRowOf(method) : nullptr;
+  return single ? single : RowsOf(method).For(type);
+}
+
 EdgeRule RuleOf(float threshold) {
   const auto real = static_cast<double>(threshold);
   const int32_t limit = CutSaturated(real);
@@ -44,9 +64,9 @@ Status GrayEdge(const WindowImages& images, int32_t method, float threshold) {
 
   constexpr RowEffort effort = 2;
   const bool hasThreshold = method != EDGE_SIGMA;
-  const Status status =
-      WindowWalk(WindowViewsOf(operands), REACH, effort, RowsOf(method).For(operands.source().type),
-                 RuleOf(hasThreshold ? threshold : 0.0f));
+  const EdgeRule rule = RuleOf(hasThreshold ? threshold : 0.0f);
+  const Status status = WindowWalk(WindowViewsOf(operands), REACH, effort,
+                                   RowOf(method, operands.source().type, rule), rule);
   if (status == STATUS_OK) operands.Written();
   return status;
 }

@@ -52,6 +52,9 @@ ZEL_INLINE int16_t Distance(int16_t a, int16_t b) {
 ZEL_INLINE int32_t Distance(int32_t a, int32_t b) {
   return a > b ? a - b : b - a;
 }
+ZEL_INLINE float Distance(float a, float b) {
+  return std::fabs(a - b);
+}
 ZEL_INLINE double Distance(double a, double b) {
   return std::fabs(a - b);
 }
@@ -173,25 +176,25 @@ struct KeptFloats {
   }
 };
 
+// For a limit that no result is below.
+struct AllFloats {
+  explicit AllFloats(const EdgeRule&) {}
+  ZEL_INLINE float operator()(float result) const { return result; }
+};
+
 template <class Edge, class Pixel, class Number, class Kept>
-ZEL_INLINE void EdgeColumns(const void* const* rows, void* to, int64_t begin, int64_t end,
-                            const EdgeRule& rule) {
+void EdgeRow(const void* const* rows, void* to, int32_t width, const EdgeRule& rule) {
   const auto* north = static_cast<const Pixel*>(rows[0]);
   const auto* centre = static_cast<const Pixel*>(rows[1]);
   const auto* south = static_cast<const Pixel*>(rows[2]);
   auto* __restrict results = static_cast<Pixel*>(to);
   const Kept kept(rule);
-  for (int64_t x = begin; x < end; x++) {
+  for (int64_t x = 0; x < width; x++) {
     const Neighbours<Number> pixels{north[x - 1],  north[x],  north[x + 1],
                                     centre[x - 1], centre[x], centre[x + 1],
                                     south[x - 1],  south[x],  south[x + 1]};
     results[x] = kept(Edge::Of(pixels));
   }
-}
-
-template <class Edge, class Pixel, class Number, class Kept>
-void EdgeRow(const void* const* rows, void* to, int32_t width, const EdgeRule& rule) {
-  EdgeColumns<Edge, Pixel, Number, Kept>(rows, to, 0, width, rule);
 }
 
 template <class Edge>
@@ -200,6 +203,12 @@ constexpr WindowRows<EdgeRule> EDGE_ROWS = {
     .i16 = &EdgeRow<Edge, int16_t, int32_t, KeptWords>,
     .sgl = &EdgeRow<Edge, float, double, KeptFloats>,
 };
+
+// A difference of floats rounded to a double and then to a float is the difference rounded to a
+// float at once, as a double has more than twice as many bits; and the largest of some numbers
+// stays the largest when they are rounded.
+template <class Edge>
+constexpr WindowRow<EdgeRule> SINGLE_EDGE_ROW = &EdgeRow<Edge, float, float, AllFloats>;
 
 }  // namespace
 
@@ -210,6 +219,12 @@ extern const EdgeRows edgeRows = {
     .roberts = EDGE_ROWS<Roberts>,
     .sigma = EDGE_ROWS<Sigma>,
     .sobel = EDGE_ROWS<Sobel>,
+    .singles =
+        {
+            .differentiation = SINGLE_EDGE_ROW<Differentiation>,
+            .gradient = SINGLE_EDGE_ROW<Gradient>,
+            .roberts = SINGLE_EDGE_ROW<Roberts>,
+        },
 };
 
 }  // namespace zel::ZEL_LEVEL

@@ -19,6 +19,10 @@ struct EdgeRule {
 // All of them look at the rows above and below a pixel and at the columns beside it.
 struct EdgeRows {
   WindowRows<EdgeRule> differentiation, gradient, prewitt, roberts, sigma, sobel;
+  // SGL where the limit is not above 0: the same results, computed in floats.
+  struct {
+    WindowRow<EdgeRule> differentiation, gradient, roberts;
+  } singles;
 };
 ZEL_ROW_TABLE(EdgeRows, edgeRows)
 

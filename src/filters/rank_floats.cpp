@@ -58,10 +58,6 @@ void CountNan(const float* row, int32_t columns, int32_t sign, int32_t* counts) 
   for (int32_t i = 0; i < columns; i++) counts[i] += IsNan(row[i]) ? sign : 0;
 }
 
-bool AreZerosMixed(uint32_t marks) {
-  return (marks & FLOAT_HAS_ZERO) != 0 && (marks & FLOAT_HAS_NEGATIVE_ZERO) != 0;
-}
-
 }  // namespace
 
 int64_t RankFloatsBytes(RankWindow window, int32_t columns) {
@@ -71,7 +67,7 @@ int64_t RankFloatsBytes(RankWindow window, int32_t columns) {
 
 void RankFloatsMend(RankWindow window, const WindowViews& views, const FloatPart& part,
                     uint8_t* memory) {
-  const bool zeros = AreZerosMixed(part.marks);
+  const bool zeros = (part.marks & FLOAT_HAS_NEGATIVE_ZERO) != 0;
   if ((part.marks & FLOAT_HAS_NAN) == 0 && !zeros) return;
 
   const int32_t sourceColumns = part.columns + window.width - 1;

@@ -156,16 +156,22 @@ void TakeSourceRows(NetworkPass* pass, int32_t y, RankGroup* group) {
   const int32_t columns = pass->strip.columns + network.window.width - 1;
   for (int32_t i = 0; i < network.group; i++) {
     const uint8_t* row = SourceRow(*pass, y, i);
-    if (pass->band.views.source.type == IMAGE_SGL) {
-      const void* pixels = row;
-      pass->floatMarks |= rankRows().floatMarks(static_cast<const float*>(pixels), columns);
-    }
     group->rows[i] = row;
     if (pass->ReadsInPlace()) continue;
     uint8_t* copy = pass->ScratchRow(network.carries + i);
     std::memcpy(copy, row,
                 static_cast<size_t>(int64_t{columns} * pass->band.views.source.pixelBytes));
     group->rows[i] = copy;
+  }
+}
+
+// After the group has run: its source rows are near then.
+void MarkFloats(const RankGroup& group, NetworkPass* pass) {
+  if (pass->band.views.source.type != IMAGE_SGL) return;
+  const int32_t columns = pass->strip.columns + pass->network.window.width - 1;
+  for (int32_t i = 0; i < pass->network.group; i++) {
+    const void* pixels = group.rows[i];
+    pass->floatMarks |= rankRows().floatMarks(static_cast<const float*>(pixels), columns);
   }
 }
 
@@ -207,6 +213,7 @@ void RunStrip(NetworkPass* pass) {
   for (int32_t y = band.begin - before; y < band.end; y += network.group) {
     TakeSourceRows(pass, y, &group);
     RunGroup(*pass, y, &group);
+    MarkFloats(group, pass);
     if (pass->WritesInPlace()) continue;
     const int32_t last = std::min(y + network.group, band.end);
     for (int32_t row = std::max(y, band.begin); row < last; row++) {

@@ -1,6 +1,7 @@
 // Selection networks on vectors of pixels, and their table.
 #include "filters/rank_rows.h"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -141,20 +142,41 @@ void RunSteps(const NetworkStep* steps, int32_t count, const RankScratch& scratc
   }
 }
 
+ZEL_INLINE uint32_t BitsOf(float value) {
+  uint32_t bits;
+  std::memcpy(&bits, &value, sizeof(bits));
+  return bits;
+}
+
+constexpr uint32_t SIGN_BIT = 0x80000000;
+constexpr uint32_t INFINITY_BITS = 0x7F800000;
+
+// Moved by this, -0 and the positive NaN have the largest bits of all floats, read without a sign,
+// and the negative NaN read with one: two maxima tell that a row has none of them.
+constexpr uint32_t MARKED_TO_TOP = SIGN_BIT - 1;
+
+bool MayHaveMarks(const float* row, int32_t columns) {
+  uint32_t most = 0;
+  int32_t mostSigned = INT32_MIN;
+  for (int32_t x = 0; x < columns; x++) {
+    const uint32_t moved = BitsOf(row[x]) + MARKED_TO_TOP;
+    most = std::max(most, moved);
+    mostSigned = std::max(mostSigned, static_cast<int32_t>(moved));
+  }
+  return most > INFINITY_BITS + MARKED_TO_TOP ||
+         mostSigned > static_cast<int32_t>(SIGN_BIT + INFINITY_BITS + MARKED_TO_TOP);
+}
+
 uint32_t FloatMarks(const float* row, int32_t columns) {
-  constexpr uint32_t sign = 0x80000000;
-  constexpr uint32_t infinity = 0x7F800000;
+  if (!MayHaveMarks(row, columns)) return 0;
   uint32_t nan = 0;
-  uint32_t zero = 0;
   uint32_t negativeZero = 0;
   for (int32_t x = 0; x < columns; x++) {
-    uint32_t bits;
-    std::memcpy(&bits, row + x, sizeof(bits));
-    nan |= static_cast<uint32_t>((bits & ~sign) > infinity);
-    zero |= static_cast<uint32_t>(bits == 0);
-    negativeZero |= static_cast<uint32_t>(bits == sign);
+    const uint32_t bits = BitsOf(row[x]);
+    nan |= static_cast<uint32_t>((bits & ~SIGN_BIT) > INFINITY_BITS);
+    negativeZero |= static_cast<uint32_t>(bits == SIGN_BIT);
   }
-  return nan * FLOAT_HAS_NAN | zero * FLOAT_HAS_ZERO | negativeZero * FLOAT_HAS_NEGATIVE_ZERO;
+  return nan * FLOAT_HAS_NAN | negativeZero * FLOAT_HAS_NEGATIVE_ZERO;
 }
 
 }  // namespace

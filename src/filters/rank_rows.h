@@ -39,8 +39,9 @@ struct RankScratch {
 using RankStepsRoutine = void (*)(const NetworkStep* steps, int32_t count,
                                   const RankScratch& scratch);
 
-// What a row of floats has that networks don't put in the right order.
-enum FloatMark : uint32_t { FLOAT_HAS_NAN = 1, FLOAT_HAS_ZERO = 2, FLOAT_HAS_NEGATIVE_ZERO = 4 };
+// What a row of floats has that networks don't put in the right order: negative zeros beside
+// positive ones.
+enum FloatMark : uint32_t { FLOAT_HAS_NAN = 1, FLOAT_HAS_NEGATIVE_ZERO = 2 };
 
 constexpr int32_t RANK_ROUTINES = 11;
 
