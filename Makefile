@@ -38,8 +38,7 @@ check-format:
 
 tidy:
 	@tools/setup.sh --check-tools
-	cmake --preset release
-	tools/static_analysis.sh build/release
+	tools/static_analysis.sh
 
 fuzz:
 	@tools/setup.sh --check-tools

@@ -1,9 +1,12 @@
 #!/usr/bin/env bash
-# cppcheck and clang-tidy over the library's sources. Needs a configured build for the flags.
-# usage: tools/static_analysis.sh [BUILD_FOLDER]
+# cppcheck and clang-tidy over the library's sources.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-build=${1:-build/release}
+
+# For the flags of each source, which is looked at once for each level in it.
+build=build/analysis
+cmake -S . -B $build -G Ninja -DPTK_SKIP_LEVELS="baseline;v3" -DPTK_BUILD_TESTS=OFF -DPTK_BUILD_TOOLS=OFF \
+  -DPTK_BUILD_BENCHMARKS=OFF >/dev/null
 
 mapfile -t sources < <(git ls-files 'src/*/*.cpp' | grep -v '_test\.cpp$')
 
