@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <string>
 #include <vector>
 
@@ -16,8 +15,8 @@ using test::PixelDifference;
 using test::TestImage;
 using test::Workers;
 
-constexpr double NAN_VALUE = std::numeric_limits<double>::quiet_NaN();
-constexpr double INFINITE = std::numeric_limits<double>::infinity();
+constexpr auto NAN_VALUE = static_cast<double>(NAN);
+constexpr auto INFINITE = static_cast<double>(INFINITY);
 
 double Larger(double a, double b) {
   return b > a ? b : a;

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <vector>
 
 #include "core/heap.h"
@@ -15,9 +14,6 @@ using test::PixelOf;
 using test::Random;
 using test::Selects;
 using test::TestImage;
-
-constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
-constexpr float ENDLESS = std::numeric_limits<float>::infinity();
 
 struct Histogram {
   std::vector<uint32_t> counts;
@@ -135,9 +131,9 @@ TestImage MaskFor(int32_t width, int32_t height, int32_t offsetX, int32_t offset
 
 TEST(EqualizePixels, SpreadsTheLevelsByTheHistogram) {
   const std::vector<std::pair<float, float>> ranges = {
-      {0.0f, 0.0f},       {10.5f, 200.9f},        {-100.0f, 50.0f},      {100.0f, 20.0f},
-      {5000.0f, 6000.0f}, {NOT_A_NUMBER, 100.0f}, {20.0f, NOT_A_NUMBER}, {-ENDLESS, ENDLESS},
-      {ENDLESS, ENDLESS}, {0.0f, 30.0f}};
+      {0.0f, 0.0f},         {10.5f, 200.9f}, {-100.0f, 50.0f}, {100.0f, 20.0f},
+      {5000.0f, 6000.0f},   {NAN, 100.0f},   {20.0f, NAN},     {-INFINITY, INFINITY},
+      {INFINITY, INFINITY}, {0.0f, 30.0f}};
   for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
     for (const auto& [width, height] : test::ODD_SIZES) {
       for (const auto& [rangeMin, rangeMax] : ranges) {
@@ -189,10 +185,10 @@ TEST(EqualizePixels, TakesAGivenHistogramOfAnyShape) {
       histogram.report.start = random.Float(-300.0f, 300.0f);
       histogram.report.interval = random.Float(-1.0f, 4.0f);
       if (round == 1) histogram.report.interval = 0.0f;
-      if (round == 2) histogram.report.interval = NOT_A_NUMBER;
+      if (round == 2) histogram.report.interval = NAN;
       if (round == 3) histogram.report.interval = 1e38f;
-      if (round == 4) histogram.report.start = ENDLESS;
-      if (round == 5) histogram.report.start = NOT_A_NUMBER;
+      if (round == 4) histogram.report.start = INFINITY;
+      if (round == 5) histogram.report.start = NAN;
       if (round == 6) histogram.report.interval = 1e-38f;
       const float rangeMin = round % 2 == 0 ? 0.0f : random.Float(-100.0f, 200.0f);
       const float rangeMax = round % 2 == 0 ? 0.0f : random.Float(0.0f, 300.0f);
@@ -210,7 +206,7 @@ TEST(EqualizePixels, TakesAGivenHistogramOfAnyShape) {
 
 TEST(Equalize, FloatsKeepInvalidPixelsOut) {
   const TestImage image(IMAGE_SGL, 5, 1);
-  const float pixels[] = {1.0f, NOT_A_NUMBER, 2.0f, 3.0f, 3.0f};
+  const float pixels[] = {1.0f, NAN, 2.0f, 3.0f, 3.0f};
   for (int32_t x = 0; x < 5; x++) image.Set(x, 0, pixels[x]);
   const Histogram histogram = HistogramOf(image, nullptr, 256);
   const TestImage expected = Expected(image, nullptr, histogram, 0.0f, 0.0f);

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <optional>
 #include <vector>
 
@@ -18,9 +17,6 @@ using test::Selects;
 using test::TestImage;
 
 using Wide = long double;
-
-constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
-constexpr float ENDLESS = std::numeric_limits<float>::infinity();
 
 Wide Law(int32_t number, Wide d, Wide r, Wide o, Wide x) {
   const Wide k = logl(10.0L) * 0.01L;
@@ -170,12 +166,12 @@ TEST(MathLookup, OddRangesAndExponentsAreNoFailure) {
   const TestImage all = AllLevels();
   TestImage words(IMAGE_I16, 40, 3, 1, 4);
   TestImage floats(IMAGE_SGL, 40, 3, 1, 4);
-  const float odd[] = {0.0f,  -0.0f,  1.0f, 2.0f,         -1.0f,   1e-30f,   1e30f,
-                       1e38f, -1e38f, 0.5f, NOT_A_NUMBER, ENDLESS, -ENDLESS, 300.0f};
+  const float odd[] = {0.0f,  -0.0f,  1.0f, 2.0f, -1.0f,    1e-30f,    1e30f,
+                       1e38f, -1e38f, 0.5f, NAN,  INFINITY, -INFINITY, 300.0f};
   for (int32_t operation = 0; operation < 7; operation++) {
     for (const float low : odd) {
       for (const float high : odd) {
-        for (const float x : {0.0f, 1.0f, -2.0f, 1e30f, NOT_A_NUMBER, ENDLESS}) {
+        for (const float x : {0.0f, 1.0f, -2.0f, 1e30f, NAN, INFINITY}) {
           if (operation < 5 && x != 0.0f) continue;
           Check(all, nullptr, {operation, x, low, high});
           Check(words, nullptr, {operation, x, low, high});
@@ -226,9 +222,9 @@ TEST(MathLookup, FloatImagesGetTheLawToTheLastBit) {
       for (int32_t y = 0; y < 11; y++) {
         for (int32_t x = 0; x < 200; x++) image.Set(x, y, image.Get<float>(x, y) * scale);
       }
-      image.Set(3, 3, NOT_A_NUMBER);
-      if (round > 20) image.Set(5, 5, ENDLESS);
-      if (round > 25) image.Set(6, 6, -ENDLESS);
+      image.Set(3, 3, NAN);
+      if (round > 20) image.Set(5, 5, INFINITY);
+      if (round > 25) image.Set(6, 6, -INFINITY);
       const float x = round % 2 == 0 ? static_cast<float>(round / 2) : random.Float(-2.0f, 5.0f);
       const float low = random.Float(-450.0f, 100.0f) * scale;
       Check(image, nullptr, {operation, x, 0.0f, 0.0f});

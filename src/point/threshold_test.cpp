@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <limits>
 #include <vector>
 
 #include "core/heap.h"
@@ -15,9 +14,6 @@ namespace {
 using test::PixelOf;
 using test::Random;
 using test::TestImage;
-
-constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
-constexpr float ENDLESS = std::numeric_limits<float>::infinity();
 
 void SetPixel(const TestImage& image, int32_t x, int32_t y, double value) {
   switch (image.Info().type) {
@@ -76,13 +72,20 @@ struct Limits {
 };
 
 const std::vector<Limits> LIMITS = {
-    {10.0f, 20.0f, 1.0f},          {0.0f, 255.0f, 255.0f},
-    {-5.0f, 5.0f, -7.9f},          {-5.0f, -3.0f, 9.0f},
-    {300.0f, 400.0f, 300.0f},      {10.9f, 200.9f, 77.7f},
-    {200.0f, 100.0f, 5.0f},        {-40000.0f, 40000.0f, 40000.0f},
-    {-32768.0f, -1.0f, -32768.0f}, {NOT_A_NUMBER, 50.0f, NOT_A_NUMBER},
-    {20.0f, NOT_A_NUMBER, 3.0f},   {-ENDLESS, ENDLESS, ENDLESS},
-    {128.0f, 128.0f, 0.0f},        {-0.5f, 0.5f, 1e10f},
+    {10.0f, 20.0f, 1.0f},
+    {0.0f, 255.0f, 255.0f},
+    {-5.0f, 5.0f, -7.9f},
+    {-5.0f, -3.0f, 9.0f},
+    {300.0f, 400.0f, 300.0f},
+    {10.9f, 200.9f, 77.7f},
+    {200.0f, 100.0f, 5.0f},
+    {-40000.0f, 40000.0f, 40000.0f},
+    {-32768.0f, -1.0f, -32768.0f},
+    {NAN, 50.0f, NAN},
+    {20.0f, NAN, 3.0f},
+    {-INFINITY, INFINITY, INFINITY},
+    {128.0f, 128.0f, 0.0f},
+    {-0.5f, 0.5f, 1e10f},
 };
 
 TEST(ThresholdPixels, ThresholdKeepsOneRangeAndClearsTheRest) {
@@ -123,7 +126,7 @@ TEST(ThresholdPixels, MultiThresholdGoesByTheLastClassOnIntegersAndByTheFirstOnF
           const float value = random.Between(0, 3) == 0 ? 0.0f : random.Float(-300.0f, 300.0f);
           classes.push_back({low, low + extent, value, static_cast<uint16_t>(random.Next() & 1)});
         }
-        if (count == 5) classes[2] = {NOT_A_NUMBER, 100.0f, 50.0f, 1};
+        if (count == 5) classes[2] = {NAN, 100.0f, 50.0f, 1};
         const TestImage source(type, width, height, 1, 9);
         const TestImage expected =
             Mapped(source, [&](double pixel) { return ClassesOf(type, pixel, classes); });
@@ -142,13 +145,13 @@ TEST(ThresholdPixels, MultiThresholdGoesByTheLastClassOnIntegersAndByTheFirstOnF
 
 TEST(ThresholdPixels, FloatClassesGoOnPastAZeroAndStopAtNaN) {
   const TestImage image(IMAGE_SGL, 5, 1);
-  const float pixels[] = {1.0f, 2.0f, 3.0f, NOT_A_NUMBER, 4.0f};
+  const float pixels[] = {1.0f, 2.0f, 3.0f, NAN, 4.0f};
   for (int32_t x = 0; x < 5; x++) image.Set(x, 0, pixels[x]);
   const std::vector<ThresholdClass> classes = {
-      {0.0f, 1.5f, 0.0f, 1},          // zero: later classes go on
-      {0.0f, 2.5f, 7.0f, 1},          // ends the search for 1 and 2
-      {0.0f, 3.5f, NOT_A_NUMBER, 1},  // ends the search for 3
-      {0.0f, 9.0f, 5.0f, 0x100},     {4.0f, 4.0f, -0.0f, 1},
+      {0.0f, 1.5f, 0.0f, 1},  // zero: later classes go on
+      {0.0f, 2.5f, 7.0f, 1},  // ends the search for 1 and 2
+      {0.0f, 3.5f, NAN, 1},   // ends the search for 3
+      {0.0f, 9.0f, 5.0f, 0x100}, {4.0f, 4.0f, -0.0f, 1},
   };
   ASSERT_EQ(ZEL_MultiThreshold(image, 0, 3, classes.data()), 0);
   EXPECT_EQ(image.Get<float>(0, 0), 7.0f);

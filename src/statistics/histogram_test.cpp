@@ -4,7 +4,6 @@
 
 #include <cmath>
 #include <cstring>
-#include <limits>
 #include <optional>
 #include <vector>
 
@@ -14,8 +13,6 @@
 namespace {
 
 using test::TestImage;
-
-constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
 
 // The selected pixels' values in raster order, from the rule of masks.
 std::vector<double> SelectedValues(const TestImage& image, const TestImage* mask) {
@@ -281,20 +278,19 @@ TEST(Histogram, PositionOfExactlyAHalfLiesInTheLowerClass) {
 TEST(Histogram, NanAndInfinitePixelsCountOnlyWhereTheRangeHoldsThem) {
   const TestImage image(IMAGE_SGL, 9, 2);
   for (int32_t x = 0; x < 9; x++) {
-    image.Set<float>(x, 0, NOT_A_NUMBER);
+    image.Set<float>(x, 0, NAN);
     image.Set<float>(x, 1, static_cast<float>(x));
   }
-  image.Set<float>(3, 1, std::numeric_limits<float>::infinity());
-  image.Set<float>(4, 1, -std::numeric_limits<float>::infinity());
+  image.Set<float>(3, 1, INFINITY);
+  image.Set<float>(4, 1, -INFINITY);
   image.Set<float>(5, 1, 3e38f);
-  const float endless = std::numeric_limits<float>::infinity();
   for (const auto& [min, max] : {std::pair{0.0f, 0.0f},
                                  {-0.0f, 0.0f},
                                  {0.0f, 7.0f},
-                                 {-endless, endless},
-                                 {0.0f, endless},
-                                 {NOT_A_NUMBER, 7.0f},
-                                 {0.0f, NOT_A_NUMBER},
+                                 {-INFINITY, INFINITY},
+                                 {0.0f, INFINITY},
+                                 {NAN, 7.0f},
+                                 {0.0f, NAN},
                                  {2e38f, 3.3e38f}}) {
     Check(image, nullptr, 5, min, max);
   }
@@ -383,8 +379,8 @@ TEST(HistogramPixels, MinMaxFollowsTheRuleForAllTypesSizesAndMasks) {
           zel::Region region{};
           const ImageRef placedMask = placed ? static_cast<ImageRef>(mask) : 0;
           ASSERT_EQ(zel::RegionOf(image, placedMask, &region), 0);
-          float min = NOT_A_NUMBER;
-          float max = NOT_A_NUMBER;
+          float min = NAN;
+          float max = NAN;
           ASSERT_EQ(zel::ImageMinMax(region, &min, &max), 0);
           ASSERT_EQ(min, static_cast<float>(low)) << width << " x " << height << " type " << type;
           ASSERT_EQ(max, static_cast<float>(high)) << width << " x " << height << " type " << type;
@@ -417,7 +413,7 @@ TEST(HistogramPixels, FloatsOfWideRowsFollowTheRuleInAnyRange) {
 TEST(MinMax, LeavesNanOut) {
   const TestImage image(IMAGE_SGL, 70, 2);
   for (int32_t y = 0; y < 2; y++) {
-    for (int32_t x = 0; x < 70; x++) image.Set<float>(x, y, NOT_A_NUMBER);
+    for (int32_t x = 0; x < 70; x++) image.Set<float>(x, y, NAN);
   }
   zel::Region region{};
   ASSERT_EQ(zel::RegionOf(image, 0, &region), 0);
