@@ -1,4 +1,4 @@
-// The row loops behind runs: pixels to bits, bits to run ends, and labels written run by run.
+// The row routines behind runs: pixels to bits, bits to run ends, and labels written run by run.
 #pragma once
 
 #include <cstdint>
