@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "core/heap.h"
-#include "harness/test_image.h"
+#include "point/lookup_test.h"
 
 namespace {
 
@@ -51,28 +51,8 @@ struct Arguments {
 
 TestImage Expected(const TestImage& source, const TestImage* mask, const Arguments& given) {
   const ImageInfo info = source.Info();
-  float lo = 0.0f;
-  float hi = 255.0f;
-  if (info.type != IMAGE_U8) {
-    lo = 1e38f;
-    hi = -1e38f;
-    for (int32_t y = 0; y < info.height; y++) {
-      for (int32_t x = 0; x < info.width; x++) {
-        if (!Selects(mask, x, y)) continue;
-        const auto pixel = static_cast<float>(PixelOf(source, x, y));
-        if (pixel < lo) lo = pixel;
-        if (pixel > hi) hi = pixel;
-      }
-    }
-  }
-  float rangeMin = given.rangeMin;
-  float rangeMax = given.rangeMax;
-  if (rangeMin == 0.0f && rangeMax == 0.0f) {
-    rangeMin = lo;
-    rangeMax = hi;
-  }
-  if (std::isnan(rangeMin) || rangeMin < lo) rangeMin = lo;
-  if (std::isnan(rangeMax) || rangeMax > hi) rangeMax = hi;
+  const auto [lo, hi, rangeMin, rangeMax] =
+      test::StretchOf(source, mask, given.rangeMin, given.rangeMax);
   const double r = static_cast<double>(rangeMax) - static_cast<double>(rangeMin);
   const double o = static_cast<double>(hi) - static_cast<double>(lo);
   const int32_t law = std::clamp(given.operation, 0, 6);
@@ -253,13 +233,7 @@ TEST(MathLookup, NearTheStartOfALawDifferencesCancelAndStayExact) {
 TEST(MathLookup, ExtremesAndPixelsGoByTheMask) {
   for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
     for (const int32_t offset : {0, 4, -6, 900}) {
-      const TestImage mask(IMAGE_U8, 50, 6, 1, 3);
-      for (int32_t y = 0; y < 6; y++) {
-        for (int32_t x = 0; x < 50; x++) {
-          if ((mask.Get<uint8_t>(x, y) & 1) != 0) mask.Set<uint8_t>(x, y, 0);
-        }
-      }
-      ZEL_SetImageOffset(mask, offset, 1);
+      const TestImage mask = test::HalfMask(50, 6, offset, 1);
       for (int32_t operation = 0; operation < 7; operation++) {
         const TestImage source(type, 44, 5, 2, 9);
         Check(source, &mask, {operation, 2.0f, 0.0f, 0.0f});

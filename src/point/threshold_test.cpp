@@ -1,38 +1,21 @@
 // Thresholds with given ranges, against references that go pixel by pixel.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <vector>
 
 #include "core/heap.h"
-#include "harness/test_image.h"
+#include "point/operator_test.h"
 
 namespace {
 
-using test::PixelOf;
 using test::Random;
 using test::TestImage;
 
-void SetPixel(const TestImage& image, int32_t x, int32_t y, double value) {
-  switch (image.Info().type) {
-    case IMAGE_U8:
-      return image.Set(x, y, static_cast<uint8_t>(value));
-    case IMAGE_I16:
-      return image.Set(x, y, static_cast<int16_t>(value));
-    default:
-      return image.Set(x, y, static_cast<float>(value));
-  }
-}
-
 // A limit or value as an image of the type takes it.
 double Settled(int32_t type, float value) {
-  if (type == IMAGE_SGL) return static_cast<double>(value);
-  if (std::isnan(value)) return 0.0;
-  const double lowest = type == IMAGE_U8 ? 0.0 : -32768.0;
-  const double highest = type == IMAGE_U8 ? 255.0 : 32767.0;
-  return std::min(std::max(std::trunc(static_cast<double>(value)), lowest), highest);
+  const auto wide = static_cast<double>(value);
+  return type == IMAGE_SGL ? wide : test::CutLimitedOf(type, wide);
 }
 
 double ThresholdOf(int32_t type, double pixel, float low, float high, float value, bool keep) {
@@ -53,18 +36,6 @@ double ClassesOf(int32_t type, double pixel, const std::vector<ThresholdClass>& 
     result = given.useNew != 0 ? Settled(type, given.newValue) : pixel;
   }
   return result;
-}
-
-// A copy with every pixel replaced.
-template <class Rule>
-TestImage Mapped(const TestImage& source, Rule rule) {
-  TestImage expected(source.Info().type, source.width(), source.height(), 0);
-  for (int32_t y = 0; y < source.height(); y++) {
-    for (int32_t x = 0; x < source.width(); x++) {
-      SetPixel(expected, x, y, rule(PixelOf(source, x, y)));
-    }
-  }
-  return expected;
 }
 
 struct Limits {
@@ -94,7 +65,7 @@ TEST(ThresholdPixels, ThresholdKeepsOneRangeAndClearsTheRest) {
       for (const Limits& limits : LIMITS) {
         for (const int16_t useNew : {int16_t{0}, int16_t{1}}) {
           const TestImage source(type, width, height, 3, 5);
-          const TestImage expected = Mapped(source, [&](double pixel) {
+          const TestImage expected = test::Mapped(source, type, [&](double pixel, int32_t) {
             return ThresholdOf(type, pixel, limits.low, limits.high, limits.value, useNew == 0);
           });
           const TestImage destination(type, 4, 5, 2, 8);
@@ -128,8 +99,8 @@ TEST(ThresholdPixels, MultiThresholdGoesByTheLastClassOnIntegersAndByTheFirstOnF
         }
         if (count == 5) classes[2] = {NAN, 100.0f, 50.0f, 1};
         const TestImage source(type, width, height, 1, 9);
-        const TestImage expected =
-            Mapped(source, [&](double pixel) { return ClassesOf(type, pixel, classes); });
+        const TestImage expected = test::Mapped(
+            source, type, [&](double pixel, int32_t) { return ClassesOf(type, pixel, classes); });
         const TestImage destination(type, 2, 2, 0);
         ASSERT_EQ(ZEL_MultiThreshold(source, destination, count, classes.data()), 0);
         ASSERT_EQ(PixelDifference(destination, expected), "") << "type " << type;
