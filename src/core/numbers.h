@@ -33,7 +33,12 @@ ZEL_INLINE int32_t Clamped(int64_t value, int32_t low, int32_t high) {
   return static_cast<int32_t>(value < low ? low : value > high ? high : value);
 }
 
-// a + b limited to 32 bits, for rectangle sides that a caller may place anywhere.
+// a + b for rectangle sides that a caller may place anywhere: the low 32 bits.
+ZEL_INLINE int32_t SumWrapped(int32_t a, int32_t b) {
+  return static_cast<int32_t>(static_cast<uint32_t>(a) + static_cast<uint32_t>(b));
+}
+
+// The same limited to 32 bits.
 ZEL_INLINE int32_t SumSaturated(int32_t a, int32_t b) {
   return Clamped(int64_t{a} + b, INT32_MIN, INT32_MAX);
 }
