@@ -87,17 +87,17 @@ float FloatOfImages(Arithmetic operation, double a, double b, float constant) {
 
 double IntegerWithConstant(Arithmetic operation, int32_t type, int64_t a, float constant,
                            bool grouped) {
-  const int64_t cut = test::CutInt(constant);
+  const int64_t truncated = test::CutInt(constant);
   const double c = static_cast<double>(constant);
   const bool bytes = type == IMAGE_U8;
   switch (operation) {
     case Arithmetic::Add:
-      return CutLimitedOf(type, static_cast<double>(a + cut));
+      return CutLimitedOf(type, static_cast<double>(a + truncated));
     case Arithmetic::Subtract:
-      return CutLimitedOf(type, static_cast<double>(a - cut));
+      return CutLimitedOf(type, static_cast<double>(a - truncated));
     case Arithmetic::Multiply:
       if (bytes && grouped) {
-        const int64_t factor = cut < 0 || cut > 255 ? 255 : cut;
+        const int64_t factor = truncated < 0 || truncated > 255 ? 255 : truncated;
         return CutLimitedOf(type, static_cast<double>(a * factor));
       }
       return CutLimitedOf(type, static_cast<double>(a) * (bytes ? std::fabs(c) : c));
@@ -106,7 +106,7 @@ double IntegerWithConstant(Arithmetic operation, int32_t type, int64_t a, float 
       return CutLimitedOf(type, static_cast<double>(a) / divisor);
     }
     default: {
-      int64_t divisor = cut == 0 ? 1 : cut;
+      int64_t divisor = truncated == 0 ? 1 : truncated;
       if (bytes) divisor = (divisor < 0 ? -divisor : divisor) & 255;
       return static_cast<double>(divisor == 0 ? 0 : a % divisor);
     }

@@ -47,18 +47,18 @@ double OfImages(int32_t operation, int32_t type, double a, double b) {
 
 double WithConstant(int32_t operation, int32_t type, double a, float constant, bool grouped) {
   if (type == IMAGE_SGL) return OfImages(operation, type, a, static_cast<double>(constant));
-  const auto cut = static_cast<double>(test::CutInt(constant));
+  const auto truncated = static_cast<double>(test::CutInt(constant));
   const double low = type == IMAGE_U8 ? 0 : -32768;
   const double high = type == IMAGE_U8 ? 255 : 32767;
   if (operation == COMPARISON_MEAN) {
     if (type == IMAGE_U8 && grouped) {
       return std::floor((a + static_cast<double>(test::CutInt(constant) & 255)) / 2);
     }
-    return std::fmin(std::fmax(std::floor((a + cut) / 2), low), high);
+    return std::fmin(std::fmax(std::floor((a + truncated) / 2), low), high);
   }
-  if (operation == COMPARISON_MINIMUM) return std::fmin(a, std::fmax(cut, low));
-  if (operation == COMPARISON_MAXIMUM) return std::fmax(a, std::fmin(cut, high));
-  return Ordered(operation, a, cut);
+  if (operation == COMPARISON_MINIMUM) return std::fmin(a, std::fmax(truncated, low));
+  if (operation == COMPARISON_MAXIMUM) return std::fmax(a, std::fmin(truncated, high));
+  return Ordered(operation, a, truncated);
 }
 
 TestImage ImagesResult(int32_t operation, const TestImage& first, const TestImage& second) {

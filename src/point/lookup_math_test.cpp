@@ -38,8 +38,8 @@ Wide Law(int32_t number, Wide d, Wide r, Wide o, Wide x) {
   }
 }
 
-// Cut toward zero; 0 where there is no such integer.
-int64_t Cut(float value) {
+// Truncated; 0 where there is no such integer.
+int64_t Truncated(float value) {
   if (!(std::fabs(value) < 9.2e18f)) return 0;
   return static_cast<int64_t>(value);
 }
@@ -97,8 +97,9 @@ TestImage Expected(const TestImage& source, const TestImage* mask, const Argumen
         } else if (d == 0 && startsAtOne) {
           result = 0;
         } else {
-          result = Cut(static_cast<float>(Law(law, static_cast<Wide>(d), static_cast<Wide>(r),
-                                              static_cast<Wide>(o), static_cast<Wide>(given.x))));
+          result =
+              Truncated(static_cast<float>(Law(law, static_cast<Wide>(d), static_cast<Wide>(r),
+                                               static_cast<Wide>(o), static_cast<Wide>(given.x))));
         }
       }
       if (info.type == IMAGE_U8) {

@@ -79,7 +79,7 @@ inline std::string Difference(const TestImage& actual, const TestImage& expected
              : PixelDifference(actual, expected);
 }
 
-// Limited to the type's range, then cut toward zero; NaN is 0.
+// Limited to the type's range, then truncated; NaN is 0.
 inline double CutLimitedOf(int32_t type, double value) {
   const double low = type == IMAGE_U8 ? 0 : -32768;
   const double high = type == IMAGE_U8 ? 255 : 32767;

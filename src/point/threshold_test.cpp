@@ -145,7 +145,7 @@ TEST(Threshold, LimitsBelongToTheRange) {
   EXPECT_EQ(image.Pixels(), (std::vector<uint8_t>{0, 1, 1, 0}));
 }
 
-TEST(Threshold, FractionsAreCutForIntegersAndKeptForFloats) {
+TEST(Threshold, FractionsAreTruncatedForIntegersAndKeptForFloats) {
   const TestImage bytes(IMAGE_U8, 2, 1);
   bytes.Set<uint8_t>(0, 0, 10);
   bytes.Set<uint8_t>(1, 0, 21);
