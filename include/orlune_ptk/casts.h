@@ -1,9 +1,9 @@
 /* Conversions between pixel types. The rules that hold for all functions are told in orlune_ptk.h.
  *
  * What becomes of a pixel in ZEL_Cast and ZEL_Convert:
- *   to U8, I16   from I16 and SGL: cut toward zero, limited to the type's range, NaN as 0;
- *                from COMPLEX: the magnitude cut, low 8 or 16 bits kept, NOT limited;
- *                from RGB: (blue + green + red) / 3, cut;
+ *   to U8, I16   from I16 and SGL: truncated, limited to the type's range, NaN as 0;
+ *                from COMPLEX: the magnitude truncated, low 8 or 16 bits kept, NOT limited;
+ *                from RGB: (blue + green + red) / 3, truncated;
  *   to SGL       the value; of COMPLEX the magnitude; of RGB a third of the sum of the channels;
  *   to COMPLEX   the real part as for SGL, the imaginary part 0;
  *   to RGB       what U8 would be, in all three channels; the fourth byte 0.
@@ -43,9 +43,9 @@ int32_t ZEL_Convert(ImageRef source, ImageRef destination);
  *              one of IMAGE_U8 or IMAGE_SGL, which it keeps. 0 or source does nothing.
  * arrayType:   ArrayType of the array; entries go through 32-bit floats. An unknown type reads
  *              as 0.
- * array:       count entries. Integer results keep the low bits of the entry cut toward zero. May
+ * array:       count entries. Integer results keep the low bits of the truncated entry. May
  *              be NULL when count is below 1.
- * count:       entries given; a longer table is cut, in a shorter one each missing entry is its own
+ * count:       entries given; those beyond the levels are not read, and each missing one is its own
  *              index. Below 1: none is given.
  * Failures: -3009 for array; -101 no memory for the table; -200; -301 a source and -304 a
  * destination of another type; -101, with the source's calibration and offset in the destination if

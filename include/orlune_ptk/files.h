@@ -74,9 +74,9 @@ int32_t ZEL_PtkFileInfo(const char* path, FileInfo* info);
  *   16 bits         low byte       the sample     signed value   signed value    low byte
  *   24 bits         (R+G+B)/3      (R+G+B)/3      (R+G+B) x 1/3  as real part    R, G, B
  *   colour, native  (R+G+B)/3      (R+G+B)/3      (R+G+B) x 1/3  as real part    all four bytes
- *   float           cut, low byte  cut, low word  the sample     as real part    cut, low byte
+ *   float           low byte *     low word *     the sample     as real part    low byte *
  *   complex         of magnitude   of magnitude   magnitude      the sample      of magnitude
- *
+ *                 * of the truncated number
  * Samples are not scaled: a bilevel file gives 0 and 1. Low bits are taken without saturation.
  * Where gray becomes colour, and for 24 bits, the fourth byte is 0.
  * image:     of any type but IMAGE_OPAQUE, which it keeps.
@@ -101,7 +101,7 @@ int32_t ZEL_ReadFile(ImageRef image, const char* path, int32_t wantTable, RGBVal
 /* Writes an image to a file, which is made, or emptied first when it is there.
  *
  *   format              image types and what becomes of them
- *   FILE_FORMAT_NATIVE  all five; with the unit and the x step, sizes cut to 16 bits
+ *   FILE_FORMAT_NATIVE  all five; with the unit and the x step, of sizes the low 16 bits
  *   FILE_FORMAT_TIFF    IMAGE_U8 (8 bits with the table as palette), IMAGE_I16, IMAGE_RGB (24
  *                       bits); little-endian, one strip; width and height 1 to 65535
  *   FILE_FORMAT_BMP     IMAGE_U8 (8 bits with the table), IMAGE_RGB (24 bits)

@@ -32,7 +32,7 @@ typedef enum EdgeMethod {
 } EdgeMethod;
 
 /* Measures how much each pixel differs from its neighbours. The source's border is filled by
- * mirroring. Results of integer images are cut toward zero; one above 32767 of an IMAGE_I16 image
+ * mirroring. Results of integer images are truncated; one above 32767 of an IMAGE_I16 image
  * keeps its low 16 bits, and reads as a negative number.
  * source:      IMAGE_U8, IMAGE_I16 or IMAGE_SGL, with a border of at least 1.
  * mask:        an IMAGE_U8 image placed by its offset: pixels not selected are copied. 0 or source:
@@ -40,7 +40,7 @@ typedef enum EdgeMethod {
  * destination: an image of source's type. 0 replaces source. It may be the mask.
  * method:      an EdgeMethod; any other number is EDGE_SOBEL.
  * threshold:   a result below it becomes 0; with EDGE_SIGMA it is ignored. For integer images it is
- *              cut toward zero, and NaN counts as 0; for IMAGE_SGL, NaN keeps every result.
+ *              truncated, and NaN counts as 0; for IMAGE_SGL, NaN keeps every result.
  * Failures: -200; -301 for another source type; -309 for a border of 0. Then the border is filled.
  * -304 for another destination type; -301 for a mask that is not IMAGE_U8; -101 no memory, with size,
  * calibration and offset of destination changed by then. -102 no memory and -1001 no reference is
@@ -49,11 +49,11 @@ int32_t ZEL_GrayEdge(ImageRef source, ImageRef mask, ImageRef destination, int32
                      float threshold);
 
 /* Gives pixels that stand out from their neighbours the neighbours' mean; all others stay. The mean
- * m is that of the window without its centre, and for integer images cut toward zero. A pixel c
+ * m is that of the window without its centre, and for integer images truncated. A pixel c
  * becomes m where 100 |m - c| / m is greater than the tolerance (100 |c| where m is 0); a negative m
  * replaces nothing. The source's border is filled by mirroring.
  * source:      IMAGE_U8, IMAGE_I16 or IMAGE_SGL, with a border of at least half the window's longer
- *              side, cut to a whole number.
+ *              side, rounded down.
  * mask:        an IMAGE_U8 image placed by its offset: pixels not selected are copied. 0 or source:
  *              all are looked at.
  * destination: an image of source's type. 0 replaces source. It may be the mask.
@@ -76,7 +76,7 @@ int32_t ZEL_LowPass(ImageRef source, ImageRef mask, ImageRef destination, int32_
  * and after it is sorted apart; zeros are equal whatever their sign, and equal pixels keep the order of
  * the rows. The source's border is filled by mirroring.
  * source:      IMAGE_U8, IMAGE_I16 or IMAGE_SGL, with a border of at least half the window's longer
- *              side, cut to a whole number.
+ *              side, rounded down.
  * mask:        an IMAGE_U8 image placed by its offset: pixels not selected are copied. 0 or source:
  *              all are replaced.
  * destination: an image of source's type. 0 replaces source. It may be the mask.

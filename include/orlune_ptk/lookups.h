@@ -55,7 +55,7 @@ int32_t ZEL_UserLookup(ImageRef source, ImageRef mask, ImageRef destination, int
  * rounded to 32 bits.
  *
  * Integer images: pixels below rangeMin become 0 and pixels above rangeMax the largest result;
- * others the law's value cut toward zero, of which the low 8 or 16 bits count (for IMAGE_I16 the
+ * others the law's value truncated, of which the low 8 or 16 bits count (for IMAGE_I16 the
  * smallest pixel is not added). At d = 0 the laws 1, 2, 5 and 6 give 0.
  *
  * IMAGE_SGL: pixels up to and including rangeMin become 0.0 and pixels above rangeMax the largest
@@ -67,10 +67,10 @@ int32_t ZEL_UserLookup(ImageRef source, ImageRef mask, ImageRef destination, int
  * destination: an image of the source's type. 0 or the source: in place.
  * operation:   a MathOperator, limited to 0..6.
  * x:           exponent of the laws 5 and 6; any number, 0 is no failure.
- * rangeMin:    lowest pixel that the law takes; raised to the smallest result, also when NaN. Cut
- *              toward zero for integer images. Both 0: the law takes all pixels.
+ * rangeMin:    lowest pixel that the law takes; raised to the smallest result, also when NaN.
+ *              Truncated for integer images. Both 0: the law takes all pixels.
  * rangeMax:    highest pixel that the law takes; lowered to the largest result, also when NaN.
- *              Integer images take rangeMax - rangeMin, cut toward zero, above the cut rangeMin.
+ *              Integer images take rangeMax - rangeMin, truncated, above the truncated rangeMin.
  * Failures: -200; -301 for another source type; -304 for another destination type; -301 for a mask
  * that is not IMAGE_U8; -101. -102 no memory and -1001 no reference is left, both where the mask is
  * the destination. */
@@ -91,8 +91,8 @@ int32_t ZEL_MathLookup(ImageRef source, ImageRef mask, ImageRef destination, int
  *              range is made. NULL: not given.
  * count:       counters in histogram. Not looked at when it is not used.
  * report:      report of the same ZEL_Histogram, which is only read. NULL: not given.
- * rangeMin:    lowest pixel that is mapped; raised to the smallest result, also when NaN. Cut
- *              toward zero for integer images. Both 0: all pixels are mapped.
+ * rangeMin:    lowest pixel that is mapped; raised to the smallest result, also when NaN.
+ *              Truncated for integer images. Both 0: all pixels are mapped.
  * rangeMax:    highest pixel that is mapped; lowered to the largest result, also when NaN.
  * Failures: -200; -102 for a given histogram with a count below 1; -301 for another source type;
  * -304 for another destination type; -301 for a mask that is not IMAGE_U8; -101. -102 no memory and

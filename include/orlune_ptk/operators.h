@@ -12,9 +12,9 @@
  * - Sizes. Both images have one size. When exactly one of them is 0 x 0, the other is copied to the
  *   destination, which must have its type (-303), and nothing is computed; a border of the same
  *   width as the destination's is copied with it. Calibration and offset are first's even then.
- * - Results. Integers are cut toward zero and limited to the type's range (0 to 255, -32768 to
- *   32767) unless stated otherwise; floats are rounded once. Dividing by 0 never fails. "The cut
- *   constant" is the constant cut toward zero and limited to 32 bits.
+ * - Results. Integers are truncated and limited to the type's range (0 to 255, -32768 to
+ *   32767) unless stated otherwise; floats are rounded once. Dividing by 0 never fails. "The
+ *   truncated constant" is that without its fraction, limited to 32 bits.
  * - Failing calls. A destination other than first has first's calibration and offset after -306,
  *   -303 and -101, and first's size too after -300, -302 and -202. (-302 of the bitwise operators
  *   comes before.) Its pixels are written by calls that succeed only, but a new size leaves them
@@ -46,8 +46,8 @@ typedef enum ComparisonOperator {
  * first:       IMAGE_U8, IMAGE_I16 or IMAGE_SGL.
  * second:      one of these types, of first's size. 0: the constant is used.
  * destination: an image of the wider operand's type. 0 replaces first.
- * constant:    integer images use the cut constant, IMAGE_SGL the constant. Ignored with a second
- *              image.
+ * constant:    integer images use the truncated constant, IMAGE_SGL the constant. Ignored with a
+ *              second image.
  * Failures: -200; -305 for the destination's type; -306 different sizes; -303 for one operand of
  * 0 x 0; -101; -300 operands of IMAGE_OPAQUE; -302 operands of IMAGE_COMPLEX or IMAGE_RGB. */
 int32_t ZEL_Add(ImageRef first, ImageRef second, ImageRef destination, float constant);
@@ -56,8 +56,8 @@ int32_t ZEL_Add(ImageRef first, ImageRef second, ImageRef destination, float con
  * first:       IMAGE_U8, IMAGE_I16 or IMAGE_SGL.
  * second:      of first's type or a narrower one, of first's size. 0: the constant is used.
  * destination: an image of first's type. 0 replaces first.
- * constant:    integer images use the cut constant, IMAGE_SGL the constant. Ignored with a second
- *              image.
+ * constant:    integer images use the truncated constant, IMAGE_SGL the constant. Ignored with a
+ *              second image.
  * Failures: -200; -305 for the type of second or destination; -306 different sizes; -303 for one
  * operand of 0 x 0; -101; -300 operands of IMAGE_OPAQUE; -302 a first of IMAGE_COMPLEX or
  * IMAGE_RGB. */
@@ -69,8 +69,8 @@ int32_t ZEL_Subtract(ImageRef first, ImageRef second, ImageRef destination, floa
  * destination: an image of the wider operand's type. 0 replaces first.
  * constant:    ignored with a second image. IMAGE_U8 takes its absolute value, but on processors
  *              with MMX this holds for the last width modulo 4 columns only (for all columns when
- *              there are fewer than 8): the others take the cut constant, 255 in place of a
- *              negative or larger one.
+ *              there are fewer than 8): the others take the truncated constant, 255 in place
+ *              of a negative or larger one.
  * Failures: -200; -305 for the destination's type; -306 different sizes; -303 for one operand of
  * 0 x 0; -101; -300 operands of IMAGE_OPAQUE; -302 operands of IMAGE_COMPLEX or IMAGE_RGB. */
 int32_t ZEL_Multiply(ImageRef first, ImageRef second, ImageRef destination, float constant);
@@ -86,13 +86,13 @@ int32_t ZEL_Multiply(ImageRef first, ImageRef second, ImageRef destination, floa
 int32_t ZEL_Divide(ImageRef first, ImageRef second, ImageRef destination, float constant);
 
 /* The remainder of first / second, with the sign of first; first where second is 0. Floats:
- * a - (a / b cut) x b.
+ * a - (a / b truncated) x b.
  * first:       IMAGE_U8, IMAGE_I16 or IMAGE_SGL.
  * second:      of first's type or a narrower one, of first's size. 0: the constant is used.
  * destination: an image of first's type. 0 replaces first.
- * constant:    IMAGE_U8 divides by the low 8 bits of the cut constant's absolute value, IMAGE_I16
- *              by the cut constant, IMAGE_SGL by the constant; 1 stands in for 0. Ignored with a
- *              second image.
+ * constant:    IMAGE_U8 divides by the low 8 bits of the truncated constant's absolute value,
+ *              IMAGE_I16 by the truncated constant, IMAGE_SGL by the constant; 1 stands in for 0.
+ *              Ignored with a second image.
  * Failures: -200; -305 for the type of second or destination; -306 different sizes; -303 for one
  * operand of 0 x 0; -101; -300 operands of IMAGE_OPAQUE; -302 a first of IMAGE_COMPLEX or
  * IMAGE_RGB. */
@@ -103,7 +103,7 @@ int32_t ZEL_Modulo(ImageRef first, ImageRef second, ImageRef destination, float 
  * second:      of first's type or a narrower one, of first's size. There is no form without it.
  * destination: an image of first's type. 0 replaces first.
  * constant:    IMAGE_U8 takes its absolute value. IMAGE_I16 with a second of IMAGE_U8 multiplies by
- *              the cut constant in integers and keeps the low 16 bits of the quotient, not limited.
+ *              the truncated constant in integers and keeps the low 16 bits of the quotient.
  * Failures: -200; -305 for the type of second or destination; -306 different sizes; -303 for one
  * operand of 0 x 0; -101; -202 for a second of 0; -300 operands of IMAGE_OPAQUE; -302 a first of
  * IMAGE_COMPLEX or IMAGE_RGB. */
@@ -115,10 +115,10 @@ int32_t ZEL_MulDiv(ImageRef first, ImageRef second, ImageRef destination, float 
  * second:      of first's type or a narrower one, of first's size. 0: the constant is used.
  * destination: an image of first's type. 0 replaces first.
  * operation:   a ComparisonOperator. Numbers below 0 act as 0, above 7 as 7.
- * constant:    integers use the cut constant, in its whole range. The mean of IMAGE_U8 is limited
- *              to 0 to 255, but on processors with MMX this holds for the last width modulo 4
- *              columns only (for all when there are fewer than 8 columns): the others take the low
- *              8 bits of the cut constant. Ignored with a second image.
+ * constant:    integers use the truncated constant, in its whole range. The mean of IMAGE_U8 is
+ *              limited to 0 to 255, but on processors with MMX this holds for the last width
+ *              modulo 4 columns only (for all when there are fewer than 8 columns): the others take
+ *              the low 8 bits of the truncated constant. Ignored with a second image.
  * Failures: -200; -305 for the type of second or destination; -306 different sizes; -303 for one
  * operand of 0 x 0; -101; -300 operands of IMAGE_OPAQUE; -302 a first of IMAGE_COMPLEX or
  * IMAGE_RGB. */

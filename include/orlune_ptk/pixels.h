@@ -42,7 +42,7 @@ int32_t ZEL_GetPixelValue(ImageRef image, int32_t x, int32_t y, float* value);
  * image: IMAGE_U8, IMAGE_I16 or IMAGE_SGL.
  * x:     column.
  * y:     row.
- * value: the integer types take the low bits of it cut toward zero: 300.0 is 44 in IMAGE_U8.
+ * value: the integer types take the low bits of it, truncated: 300.0 is 44 in IMAGE_U8.
  * Failures: -200; -301 for another image type, when the pixel lies inside. */
 int32_t ZEL_SetPixelValue(ImageRef image, int32_t x, int32_t y, float value);
 
@@ -138,7 +138,7 @@ int32_t ZEL_ArrayToImage(ImageRef image, int32_t arrayType, const void* array, i
  *                   other types width + 2 border pixels from the start of each line, so that the
  *                   last columns can. Borders are filled that way too. To fill exactly the pixels,
  *                   pass a mask.
- * value:            for the scalar types; the integer ones take the low bits of it cut toward zero.
+ * value:            for the scalar types; the integer ones take the low bits of it, truncated.
  * rgbValue:         for IMAGE_RGB, all four bytes.
  * complexReal:      for IMAGE_COMPLEX.
  * complexImaginary: for IMAGE_COMPLEX.

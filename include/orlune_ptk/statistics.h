@@ -33,11 +33,11 @@ typedef struct HistogramReport {
  * image:     IMAGE_U8, IMAGE_I16 or IMAGE_SGL.
  * mask:      IMAGE_U8: only pixels that it selects are counted. 0 or the image: all pixels.
  * nbClasses: limited to 1..HISTOGRAM_CLASSES_LIMIT, for IMAGE_U8 to 1..256.
- * min:       lower end of the range, included. Cut toward zero for the integer types. IMAGE_U8:
+ * min:       lower end of the range, included. Truncated for the integer types. IMAGE_U8:
  *            below 1 it is 0. IMAGE_I16: limited to the type's range; min and max both 0 mean the
  *            extremes of the selected pixels. IMAGE_SGL: both 0 mean the extremes.
- * max:       upper end of the range, included, cut and limited likewise. IMAGE_U8: 0 or above 255
- *            it is 255.
+ * max:       upper end of the range, included, truncated and limited likewise. IMAGE_U8: 0 or
+ *            above 255 it is 255.
  * histogram: NULL, or an array of nbClasses counters (of the limited number, which may be less, all
  *            are written).
  * report:    NULL, or receives the statistics.

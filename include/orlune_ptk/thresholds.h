@@ -30,7 +30,7 @@ typedef enum AutoBMethod {
 
 /* Keeps one range of values: a pixel from rangeMin to rangeMax, both included, becomes newValue or
  * keeps its value. Every other pixel becomes 0, also NaN; with a rangeMin above rangeMax all of
- * them. The three numbers are, for integer images, cut toward zero and then limited to the type's
+ * them. The three numbers are, for integer images, truncated and then limited to the type's
  * range (-5 to -3 on IMAGE_U8 selects level 0; NaN counts as 0), and used as given for IMAGE_SGL.
  * source:      IMAGE_U8, IMAGE_I16 or IMAGE_SGL.
  * destination: an image of the source's type. 0 or the source: in place.
@@ -49,9 +49,9 @@ int32_t ZEL_Threshold(ImageRef source, ImageRef destination, float rangeMin, flo
  * count:       number of classes. With 0 or less the source's pixels are copied as they are, and
  *              with them a border of the same width as the destination's.
  * classes:     tried in order. Where they overlap, the LAST class decides for integer images, whose
- *              limits and new values are cut and limited as in ZEL_Threshold. For IMAGE_SGL the
- *              FIRST class decides that makes the pixel other than 0. NULL only with a count of 0
- *              or less.
+ *              limits and new values are truncated and limited as in ZEL_Threshold. For IMAGE_SGL
+ *              the FIRST class decides that makes the pixel other than 0. NULL only with a count of
+ *              0 or less.
  * Failures: -3009 for classes; -200; -301 for another source type; -304 for another destination
  * type; -101, with the source's calibration and offset in the destination if its size was what could
  * not be had. */

@@ -34,7 +34,7 @@ typedef enum ImageType {
 } ImageType;
 
 /* Numeric types of callers' arrays. Code 5 is unused. Between types, values go through a 64-bit
- * float; an integer takes the low bits of the value cut toward zero, without saturation. */
+ * float; an integer takes the low bits of the truncated value, without saturation. */
 typedef enum ArrayType {
   ARRAY_I8 = 0,
   ARRAY_I32 = 1,

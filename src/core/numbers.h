@@ -8,7 +8,7 @@
 
 namespace zel {
 
-// Cut toward zero, low bits kept: 300.7 as uint8_t is 44. NaN, infinities and values beyond
+// Truncated, low bits kept: 300.7 as uint8_t is 44. NaN, infinities and values beyond
 // 64 bits have low bits of 0.
 template <class T>
 ZEL_INLINE T CutLow(double value) {
@@ -16,7 +16,7 @@ ZEL_INLINE T CutLow(double value) {
   return static_cast<T>(inRange ? static_cast<uint64_t>(static_cast<int64_t>(value)) : 0);
 }
 
-// Limited first, then cut toward zero. NaN counts as 0.
+// Limited first, then truncated. NaN counts as 0.
 ZEL_INLINE int32_t CutLimited(double value, int32_t low, int32_t high) {
   if (!(value == value)) value = 0.0;
   if (value <= low) return low;
@@ -33,7 +33,12 @@ ZEL_INLINE int32_t Clamped(int64_t value, int32_t low, int32_t high) {
   return static_cast<int32_t>(value < low ? low : value > high ? high : value);
 }
 
-// a + b limited to 32 bits, for rectangle sides that a caller may place anywhere.
+// a + b for rectangle sides that a caller may place anywhere: the low 32 bits.
+ZEL_INLINE int32_t SumWrapped(int32_t a, int32_t b) {
+  return static_cast<int32_t>(static_cast<uint32_t>(a) + static_cast<uint32_t>(b));
+}
+
+// The same limited to 32 bits.
 ZEL_INLINE int32_t SumSaturated(int32_t a, int32_t b) {
   return Clamped(int64_t{a} + b, INT32_MIN, INT32_MAX);
 }

@@ -185,7 +185,7 @@ INSTANTIATE_TEST_SUITE_P(Workers, PointWalkOf,
                          testing::Values(WalkCase{1, 0}, WalkCase{1, 3}, WalkCase{3, 0},
                                          WalkCase{3, 3}));
 
-// Around the groups, and long enough for a row that is cut at the boundary of a cache line.
+// Around the groups, and long enough for a row that is split at the boundary of a cache line.
 std::vector<std::pair<int32_t, int32_t>> WalkSizes() {
   std::vector<std::pair<int32_t, int32_t>> sizes = test::ODD_SIZES;
   sizes.insert(sizes.end(), {{16385, 1}, {128, 129}, {1000, 33}, {24, 2000}});

@@ -55,17 +55,15 @@ void WordsSettle(SmoothingRule* rule) {
 // The sum of a window, with the pixel itself, stays below 2^31.
 constexpr int64_t MOST_IN_LONGS = 65534;
 
-// The 24 bits of the tolerance in two halves, whose products with a mean fit 32 bits. Cutting the
-// lower product to the unit of the upper one first changes nothing.
+// The bits of the tolerance in two halves. Truncating the lower product to the unit of the upper
+// one first changes nothing.
 void LongsSettle(SmoothingRule* rule) {
-  constexpr int32_t floatBits = 24;
-  constexpr int32_t halfBits = 12;
   int32_t exponent = 0;
   const double fraction = std::frexp(rule->tolerance, &exponent);
-  const auto bits = static_cast<int32_t>(std::ldexp(fraction, floatBits));
-  rule->toleranceHigh = bits >> halfBits;
-  rule->toleranceLow = bits & ((1 << halfBits) - 1);
-  rule->toleranceShift = std::min(halfBits - exponent, 31);
+  const auto bits = static_cast<int32_t>(std::ldexp(fraction, 2 * TOLERANCE_HALF_BITS));
+  rule->toleranceHigh = bits >> TOLERANCE_HALF_BITS;
+  rule->toleranceLow = bits & ((1 << TOLERANCE_HALF_BITS) - 1);
+  rule->toleranceShift = std::min(TOLERANCE_HALF_BITS - exponent, 31);
 }
 
 SmoothingRule RuleOf(int32_t width, int32_t height, float tolerance) {

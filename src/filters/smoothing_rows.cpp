@@ -101,7 +101,7 @@ struct LongMean {
     const int32_t m = sum < 0 ? -quotient : quotient;
     const int32_t scale = m > 1 ? m : 1;
     const int32_t limit =
-        (scale * toleranceHigh + ((scale * toleranceLow) >> 12)) >> toleranceShift;
+        (scale * toleranceHigh + ((scale * toleranceLow) >> TOLERANCE_HALF_BITS)) >> toleranceShift;
     const int32_t distance = 100 * (m > c ? m - c : c - m);
     return static_cast<Pixel>((distance > limit) & (m >= 0) ? m : c);
   }

@@ -9,6 +9,9 @@
 
 namespace zel {
 
+// Bits of each half of the tolerance, whose products with a mean fit 32 bits.
+constexpr int32_t TOLERANCE_HALF_BITS = 12;
+
 // A pixel c with a mean m of its neighbours is replaced where 100 |m - c| > tolerance x m. A mean
 // of 0 counts as 1 there, and one below 0 replaces nothing.
 struct SmoothingRule {
@@ -22,7 +25,7 @@ struct SmoothingRule {
   uint16_t share, wholes;
 
   // Sums of 32 bits: 100 times the distance is compared with
-  // (m x toleranceHigh + (m x toleranceLow >> 12)) >> toleranceShift.
+  // (m x toleranceHigh + (m x toleranceLow >> TOLERANCE_HALF_BITS)) >> toleranceShift.
   int32_t toleranceHigh, toleranceLow, toleranceShift;
 };
 

@@ -2,7 +2,6 @@
 
 #include <bit>
 #include <cmath>
-#include <limits>
 #include <string>
 #include <vector>
 
@@ -16,9 +15,6 @@ using test::PixelDifference;
 using test::PixelOf;
 using test::TestImage;
 using test::Workers;
-
-constexpr float NAN_VALUE = std::numeric_limits<float>::quiet_NaN();
-constexpr float INFINITE = std::numeric_limits<float>::infinity();
 
 struct Window {
   int32_t width, height;
@@ -139,9 +135,9 @@ TEST(LowPass, TakesEveryTolerance) {
   for (const int32_t type : SCALAR_TYPES) {
     for (const Window window : {Window{3, 3}, {12, 13}}) {
       for (const float tolerance :
-           {0.0f,   -0.0f,   1.0f,   33.3f,     50.0f,      99.99f,   100.0f,
-            100.1f, 1000.0f, -20.0f, -99.0f,    -100.0f,    -150.5f,  -500.0f,
-            -1e30f, 1e-30f,  1e-45f, NAN_VALUE, -NAN_VALUE, INFINITE, -INFINITE}) {
+           {0.0f,   -0.0f,   1.0f,   33.3f,  50.0f,   99.99f,   100.0f,
+            100.1f, 1000.0f, -20.0f, -99.0f, -100.0f, -150.5f,  -500.0f,
+            -1e30f, 1e-30f,  1e-45f, NAN,    -NAN,    INFINITY, -INFINITY}) {
         ExpectSmoothed(TestImage(type, 29, 7, 6, 6), window, tolerance);
         if (HasFatalFailure()) return;
       }
@@ -284,17 +280,13 @@ TEST(LowPass, IsTheSameForAnyNumberOfWorkers) {
 }
 
 TEST(LowPass, ReadsTheMirroredBorder) {
-  const TestImage source(IMAGE_SGL, 5, 4, 1, 3);
-  TestImage destination(IMAGE_SGL, 1, 1);
-  ASSERT_EQ(ZEL_LowPass(source, 0, destination, 3, 3, 0.0f), 0);
-  const auto pixel = [&](int32_t x, int32_t y) {
-    return static_cast<double>(source.Get<float>(x, y));
-  };
-  const double a = pixel(0, 0);
-  const double b = pixel(1, 0);
-  const double mean = (a + a + b + a + b + pixel(0, 1) + pixel(0, 1) + pixel(1, 1)) / 8.0;
-  EXPECT_EQ(destination.Get<float>(0, 0),
-            mean > 0 ? static_cast<float>(mean) : static_cast<float>(a));
+  const TestImage source(IMAGE_U8, 5, 3, 2, 3);
+  const uint8_t pixels[] = {10, 50, 90, 200, 240};
+  for (int32_t i = 0; i < 15; i++) source.Set(i % 5, i / 5, pixels[i % 5]);
+  TestImage destination(IMAGE_U8, 1, 1);
+  ASSERT_EQ(ZEL_LowPass(source, 0, destination, 5, 1, 0.0f), 0);
+  EXPECT_EQ(destination.Get<uint8_t>(0, 0), (50 + 10 + 50 + 90) / 4);
+  EXPECT_EQ(destination.Get<uint8_t>(4, 2), (90 + 200 + 240 + 200) / 4);
 }
 
 TEST(LowPass, OfImagesSmallerThanTheirBorder) {

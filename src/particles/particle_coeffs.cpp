@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "core/images.h"
+#include "core/numbers.h"
 
 namespace zel {
 namespace {
@@ -27,11 +28,6 @@ double SquareRoot(double value) {
 
 double Rounded(double value) {
   return static_cast<double>(static_cast<float>(value));
-}
-
-// One past the last pixel; sums beyond 32 bits wrap, as the rectangle's own do.
-int32_t End(int32_t start, int32_t length) {
-  return static_cast<int32_t>(static_cast<uint32_t>(start) + static_cast<uint32_t>(length));
 }
 
 // A report with its image. Everything is computed in 64-bit floats; a measure is rounded to 32 bits
@@ -134,8 +130,10 @@ constexpr MeasureFormula FORMULAS[] = {
     {MEASURE_CENTRE_OF_MASS_Y, [](M m) { return m.meanY; }},
     {MEASURE_LEFT, [](M m) -> double { return m.report.rect.left; }},
     {MEASURE_TOP, [](M m) -> double { return m.report.rect.top; }},
-    {MEASURE_RIGHT, [](M m) -> double { return End(m.report.rect.left, m.report.rect.width); }},
-    {MEASURE_BOTTOM, [](M m) -> double { return End(m.report.rect.top, m.report.rect.height); }},
+    {MEASURE_RIGHT,
+     [](M m) -> double { return SumWrapped(m.report.rect.left, m.report.rect.width); }},
+    {MEASURE_BOTTOM,
+     [](M m) -> double { return SumWrapped(m.report.rect.top, m.report.rect.height); }},
     {MEASURE_WIDTH_CALIBRATED, [](M m) { return m.width * m.image.xStep; }},
     {MEASURE_HEIGHT_CALIBRATED, [](M m) { return m.height * m.image.yStep; }},
     {MEASURE_LONGEST_SEGMENT, [](M m) -> double { return m.report.longestSegment; }},

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "core/numbers.h"
 #include "core/status.h"
 #include "orlune_ptk.h"
 
@@ -15,11 +16,6 @@ bool InRange(int32_t value, const ParticleCriterion& range) {
 }
 bool InRange(float value, const ParticleCriterion& range) {
   return value >= range.lower && value <= range.upper;
-}
-
-// Sums beyond 32 bits wrap, as those of the report's rectangle do.
-int32_t End(int32_t start, int32_t length) {
-  return static_cast<int32_t>(static_cast<uint32_t>(start) + static_cast<uint32_t>(length));
 }
 
 // Areas and sides are in pixels here, unlike the measures that have the same numbers.
@@ -38,9 +34,9 @@ bool Passes(const ParticleReport& report, const ParticleCriterion& criterion) {
     case MEASURE_TOP:
       return InRange(report.rect.top, criterion);
     case MEASURE_RIGHT:
-      return InRange(End(report.rect.left, report.rect.width), criterion);
+      return InRange(SumWrapped(report.rect.left, report.rect.width), criterion);
     case MEASURE_BOTTOM:
-      return InRange(End(report.rect.top, report.rect.height), criterion);
+      return InRange(SumWrapped(report.rect.top, report.rect.height), criterion);
     case MEASURE_WIDTH_CALIBRATED:
       return InRange(report.rect.width, criterion);
     case MEASURE_HEIGHT_CALIBRATED:

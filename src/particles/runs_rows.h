@@ -1,4 +1,4 @@
-// The row loops behind runs: pixels to bits, bits to run ends, and labels written run by run.
+// The row routines behind runs: pixels to bits, bits to run ends, and labels written run by run.
 #pragma once
 
 #include <cstdint>
@@ -29,8 +29,8 @@ struct RunRows {
   // The runs of set bits from left to right; answers how many.
   uint32_t (*runs)(const uint64_t* words, int32_t width, Run* runs);
 
-  // Writes numbers[labels[i]], cut to the pixel's bits, over run i, and 0 between the runs, which
-  // end with RUN_SENTINEL. Only the row's pixels are written.
+  // Writes the low bits of numbers[labels[i]] that a pixel holds over run i, and 0 between the
+  // runs, which end with RUN_SENTINEL. Only the row's pixels are written.
   void (*labelsU8)(void* row, int32_t width, const Run* runs, const uint32_t* labels,
                    const uint32_t* numbers);
   void (*labelsI16)(void* row, int32_t width, const Run* runs, const uint32_t* labels,

@@ -28,9 +28,9 @@ ZEL_INLINE T Larger(T a, T b) {
   return a > b ? a : b;
 }
 
-// Cut toward zero, then limited. The value has to fit 32 bits.
+// Truncated, then limited. The value has to fit 32 bits.
 template <class T>
-ZEL_INLINE T CutTo(double value) {
+ZEL_INLINE T TruncateTo(double value) {
   constexpr IntegerLimits limits = LIMITS_OF<T>;
   return static_cast<T>(Smaller(Larger(static_cast<int32_t>(value), limits.low), limits.high));
 }
@@ -76,8 +76,8 @@ struct Multiply {
   ZEL_INLINE float operator()(float a, float b) const { return a * b; }
 };
 
-// A divisor of 0 leaves the first operand: it divides as 1. Quotients of 8 and 16 bits cut in
-// single precision are those of integers.
+// A divisor of 0 leaves the first operand: it divides as 1. Quotients of 8 and 16 bits in
+// single precision, truncated, are those of integers.
 struct Divide {
   template <class T>
   ZEL_INLINE int32_t Quotient(T a, T b) const {
@@ -107,8 +107,9 @@ struct Modulo {
   }
 };
 
-// first x factor / second, cut and limited. The product is exact in 64-bit floats, and a quotient
-// below a whole number is never rounded up to it, so cutting the product first changes nothing.
+// first x factor / second, truncated and limited. The product is exact in 64-bit floats, and a
+// quotient below a whole number is never rounded up to it, so truncating the product first changes
+// nothing.
 // Products beyond 16 bits give 255 whatever they are divided by.
 void MulDivBytes(const PointViews& views, const OperatorConstant& constant) {
   const double factor = constant.factor;
@@ -146,7 +147,7 @@ ZEL_INLINE void DivideProducts(const PointViews& views, const OperatorConstant& 
 // Products from here on give the limit of a word whatever word they are divided by.
 constexpr double PRODUCT_LIMIT = 0x1p30;
 
-// The 24 bits of the factor in two halves, whose products with a pixel fit 32 bits; cutting the
+// The 24 bits of the factor in two halves, whose products with a pixel fit 32 bits; truncating the
 // lower product to the unit of the upper one first changes nothing.
 void MulDivWords(const PointViews& views, const OperatorConstant& constant) {
   constexpr int32_t factorBits = 24;
@@ -168,7 +169,7 @@ void MulDivWords(const PointViews& views, const OperatorConstant& constant) {
 }
 
 // The one integer case: the low 16 bits of the quotient, without saturation. Products stay below
-// 2^47, so 64-bit floats hold them and their cut quotients exactly.
+// 2^47, so 64-bit floats hold them and their truncated quotients exactly.
 void MulDivWordsByBytes(const PointViews& views, const OperatorConstant& constant) {
   const auto factor = static_cast<double>(constant.value);
   CombineSamePlace<int16_t, uint8_t, int16_t>(views, [=](int16_t a, uint8_t b) {
@@ -203,7 +204,7 @@ void AddConstant(const PointViews& views, const OperatorConstant& constant) {
 template <class T>
 void Scale(const PointViews& views, const OperatorConstant& constant) {
   const double factor = constant.factor;
-  MapSamePlace<T, T>(views, [=](T a) { return CutTo<T>(static_cast<double>(a) * factor); });
+  MapSamePlace<T, T>(views, [=](T a) { return TruncateTo<T>(static_cast<double>(a) * factor); });
 }
 
 // The reciprocal of a divisor is a little too large: by more than the roundings (2^-23), so that

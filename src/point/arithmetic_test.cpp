@@ -3,7 +3,6 @@
 #include <cmath>
 #include <cstring>
 #include <functional>
-#include <limits>
 #include <vector>
 
 #include "harness/test_image.h"
@@ -88,17 +87,17 @@ float FloatOfImages(Arithmetic operation, double a, double b, float constant) {
 
 double IntegerWithConstant(Arithmetic operation, int32_t type, int64_t a, float constant,
                            bool grouped) {
-  const int64_t cut = test::CutInt(constant);
+  const int64_t truncated = test::CutInt(constant);
   const double c = static_cast<double>(constant);
   const bool bytes = type == IMAGE_U8;
   switch (operation) {
     case Arithmetic::Add:
-      return CutLimitedOf(type, static_cast<double>(a + cut));
+      return CutLimitedOf(type, static_cast<double>(a + truncated));
     case Arithmetic::Subtract:
-      return CutLimitedOf(type, static_cast<double>(a - cut));
+      return CutLimitedOf(type, static_cast<double>(a - truncated));
     case Arithmetic::Multiply:
       if (bytes && grouped) {
-        const int64_t factor = cut < 0 || cut > 255 ? 255 : cut;
+        const int64_t factor = truncated < 0 || truncated > 255 ? 255 : truncated;
         return CutLimitedOf(type, static_cast<double>(a * factor));
       }
       return CutLimitedOf(type, static_cast<double>(a) * (bytes ? std::fabs(c) : c));
@@ -107,7 +106,7 @@ double IntegerWithConstant(Arithmetic operation, int32_t type, int64_t a, float 
       return CutLimitedOf(type, static_cast<double>(a) / divisor);
     }
     default: {
-      int64_t divisor = cut == 0 ? 1 : cut;
+      int64_t divisor = truncated == 0 ? 1 : truncated;
       if (bytes) divisor = (divisor < 0 ? -divisor : divisor) & 255;
       return static_cast<double>(divisor == 0 ? 0 : a % divisor);
     }
@@ -195,14 +194,7 @@ TEST(Arithmetic, ConstantsOfAllTypesFollowTheRulesColumnByColumn) {
 }
 
 TEST(Arithmetic, EveryPairOfBytesFollowsTheRules) {
-  const TestImage first(IMAGE_U8, 256, 256);
-  const TestImage second(IMAGE_U8, 256, 256);
-  for (int32_t y = 0; y < 256; y++) {
-    for (int32_t x = 0; x < 256; x++) {
-      first.Set<uint8_t>(x, y, static_cast<uint8_t>(y));
-      second.Set<uint8_t>(x, y, static_cast<uint8_t>(x));
-    }
-  }
+  const auto [first, second] = test::PairsOfBytes();
   TestImage destination(IMAGE_U8, 0, 0);
   for (const Arithmetic operation : ALL) {
     for (const float constant : {1.0f, -3.3f, 0.29f, 117.25f, 1e-3f, 1e9f, INFINITY, NAN}) {
@@ -222,13 +214,8 @@ TEST(Arithmetic, WordsAreDividedExactly) {
       divisors.push_back(static_cast<int16_t>(-(1 << bit) + near));
     }
   }
-  const TestImage first(IMAGE_I16, 256, 256);
+  const TestImage first = test::EveryWord();
   const TestImage second(IMAGE_I16, 256, 256);
-  for (int32_t y = 0; y < 256; y++) {
-    for (int32_t x = 0; x < 256; x++) {
-      first.Set<int16_t>(x, y, static_cast<int16_t>(y * 256 + x - 32768));
-    }
-  }
   TestImage destination(IMAGE_I16, 0, 0);
   for (const int16_t divisor : divisors) {
     for (int32_t y = 0; y < 256; y++) {
@@ -248,14 +235,9 @@ TEST(Arithmetic, WordsAreDividedExactly) {
 
 // Fractional divisors whose quotients lie next to whole numbers.
 TEST(Arithmetic, WordsAreDividedExactlyByFractions) {
-  const TestImage first(IMAGE_I16, 256, 256);
+  const TestImage first = test::EveryWord();
   const TestImage bytes(IMAGE_U8, 256, 1);
-  for (int32_t y = 0; y < 256; y++) {
-    for (int32_t x = 0; x < 256; x++) {
-      first.Set<int16_t>(x, y, static_cast<int16_t>(y * 256 + x - 32768));
-    }
-    bytes.Set<uint8_t>(y, 0, static_cast<uint8_t>(y));
-  }
+  for (int32_t x = 0; x < 256; x++) bytes.Set<uint8_t>(x, 0, static_cast<uint8_t>(x));
   TestImage words(IMAGE_I16, 0, 0);
   TestImage byteResult(IMAGE_U8, 0, 0);
   test::Random random(77);
@@ -302,16 +284,9 @@ TEST(Arithmetic, WordsAreMultipliedAndDividedExactly) {
 }
 
 TEST(Arithmetic, FloatsKeepInfinitiesNanAndZeros) {
-  const float inf = std::numeric_limits<float>::infinity();
-  const std::vector<float> values = {0.0f, -0.0f, 1.0f,   -1.5f, inf,
-                                     -inf, NAN,   1e-42f, 3e38f, -3e38f};
-  const auto count = static_cast<int32_t>(values.size());
-  const TestImage first(IMAGE_SGL, count * count, 1);
-  const TestImage second(IMAGE_SGL, count * count, 1);
-  for (int32_t i = 0; i < count * count; i++) {
-    first.Set<float>(i, 0, values[static_cast<size_t>(i / count)]);
-    second.Set<float>(i, 0, values[static_cast<size_t>(i % count)]);
-  }
+  const std::vector<float> values = {0.0f,      -0.0f, 1.0f,   -1.5f, INFINITY,
+                                     -INFINITY, NAN,   1e-42f, 3e38f, -3e38f};
+  const auto [first, second] = test::Pairs<float>(IMAGE_SGL, values);
   TestImage destination(IMAGE_SGL, 0, 0);
   for (const Arithmetic operation : ALL) {
     for (const float constant : values) {
@@ -326,13 +301,12 @@ TEST(Arithmetic, FloatsKeepInfinitiesNanAndZeros) {
 }
 
 TEST(Arithmetic, InfiniteAndNanConstantsOnIntegers) {
-  const float inf = std::numeric_limits<float>::infinity();
   for (const int32_t mmx : {0, 1}) {
     zel::MmxForce(mmx);
     for (const Arithmetic operation : ALL) {
       if (operation == Arithmetic::MulDiv) continue;
       for (const int32_t type : {IMAGE_U8, IMAGE_I16}) {
-        for (const float constant : {inf, -inf, NAN}) {
+        for (const float constant : {INFINITY, -INFINITY, NAN}) {
           const TestImage first(type, 67, 2, 0, 4);
           first.Set<uint8_t>(0, 0, 0);
           TestImage destination(type, 0, 0);

@@ -22,7 +22,7 @@ ZEL_INLINE double Magnitude(Complex value) {
   return std::sqrt(re * re + im * im);
 }
 
-// The low 16 bits of a magnitude cut to a whole number, which has none from 2^63 on.
+// The low 16 bits of a truncated magnitude, which has none from 2^63 on.
 ZEL_INLINE uint32_t LowBits(double magnitude) {
   const double inRange = magnitude < 9223372036854775808.0 ? magnitude : 0.0;  // NaN too
   const double whole = std::floor(inRange);
@@ -114,7 +114,7 @@ void Convert(const PointViews& views, const NoRule&) {
 struct FloatsToBytes {
   using From = float;
   using Rule = ToByte;
-  ZEL_INLINE Ints Cut(const float* pixels) const {
+  ZEL_INLINE Ints Integers(const float* pixels) const {
     const Floats values = Load<Floats>(pixels);
     const Floats raised = values > 0.0f ? values : Floats{};  // NaN too
     return Truncate(raised < 255.0f ? raised : Floats{} + 255.0f);
@@ -126,7 +126,7 @@ struct FloatsToBytes {
 struct FloatsToWords {
   using From = float;
   using Rule = ToWord;
-  ZEL_INLINE Ints Cut(const float* pixels) const {
+  ZEL_INLINE Ints Integers(const float* pixels) const {
     const Floats values = Load<Floats>(pixels);
     const Floats numbers = values == values ? values : Floats{};
     return Truncate(numbers < 32767.0f ? numbers : Floats{} + 32767.0f);
@@ -140,7 +140,7 @@ struct ColoursToMean {
   using From = Rgb;
   using Rule = To;
   // The sums of the first three of four bytes.
-  ZEL_INLINE Ints Cut(const Rgb* pixels) const {
+  ZEL_INLINE Ints Integers(const Rgb* pixels) const {
     const Bytes channels = (Bytes)(Ints{} + 0x00010101);
     return PairSums(PairSums(Load<Bytes>(pixels), channels), Words{} + 1);
   }
@@ -165,10 +165,10 @@ void Narrow(const PointViews& views, const NoRule&) {
     auto* to = views.result.Row<To>(y);
     int64_t x = 0;
     for (; x + 4 * lanes <= width; x += 4 * lanes) {
-      const Ints a = groups.Cut(from + x);
-      const Ints b = groups.Cut(from + x + lanes);
-      const Ints c = groups.Cut(from + x + 2 * lanes);
-      const Ints d = groups.Cut(from + x + 3 * lanes);
+      const Ints a = groups.Integers(from + x);
+      const Ints b = groups.Integers(from + x + lanes);
+      const Ints c = groups.Integers(from + x + 2 * lanes);
+      const Ints d = groups.Integers(from + x + 3 * lanes);
       const Words low = groups.Finish(PackSaturated(a, b));
       const Words high = groups.Finish(PackSaturated(c, d));
       if constexpr (sizeof(To) == 1) {

@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <cstring>
-#include <limits>
 
 #include "harness/test_image.h"
 #include "platform/processor.h"
@@ -16,20 +15,25 @@ using test::ODD_SIZES;
 using test::Operands;
 using test::TestImage;
 
+constexpr int32_t ALL[] = {COMPARISON_MEAN,       COMPARISON_MINIMUM,
+                           COMPARISON_MAXIMUM,    COMPARISON_KEEP_NOT_BELOW,
+                           COMPARISON_KEEP_ABOVE, COMPARISON_KEEP_DIFFERENT,
+                           COMPARISON_KEEP_BELOW, COMPARISON_KEEP_NOT_ABOVE};
+
 // The rules, one pixel at a time. Comparisons are stated by what clears a pixel.
 double Ordered(int32_t operation, double a, double b) {
   switch (operation) {
-    case 1:
+    case COMPARISON_MINIMUM:
       return b < a ? b : a;
-    case 2:
+    case COMPARISON_MAXIMUM:
       return b > a ? b : a;
-    case 3:
+    case COMPARISON_KEEP_NOT_BELOW:
       return a < b ? 0 : a;
-    case 4:
+    case COMPARISON_KEEP_ABOVE:
       return a <= b ? 0 : a;
-    case 5:
+    case COMPARISON_KEEP_DIFFERENT:
       return a == b ? 0 : a;
-    case 6:
+    case COMPARISON_KEEP_BELOW:
       return a >= b ? 0 : a;
     default:
       return a > b ? 0 : a;
@@ -37,24 +41,24 @@ double Ordered(int32_t operation, double a, double b) {
 }
 
 double OfImages(int32_t operation, int32_t type, double a, double b) {
-  if (operation != 0) return Ordered(operation, a, b);
+  if (operation != COMPARISON_MEAN) return Ordered(operation, a, b);
   return type == IMAGE_SGL ? (a + b) * 0.5 : std::floor((a + b) / 2);
 }
 
 double WithConstant(int32_t operation, int32_t type, double a, float constant, bool grouped) {
   if (type == IMAGE_SGL) return OfImages(operation, type, a, static_cast<double>(constant));
-  const auto cut = static_cast<double>(test::CutInt(constant));
+  const auto truncated = static_cast<double>(test::CutInt(constant));
   const double low = type == IMAGE_U8 ? 0 : -32768;
   const double high = type == IMAGE_U8 ? 255 : 32767;
-  if (operation == 0) {
+  if (operation == COMPARISON_MEAN) {
     if (type == IMAGE_U8 && grouped) {
       return std::floor((a + static_cast<double>(test::CutInt(constant) & 255)) / 2);
     }
-    return std::fmin(std::fmax(std::floor((a + cut) / 2), low), high);
+    return std::fmin(std::fmax(std::floor((a + truncated) / 2), low), high);
   }
-  if (operation == 1) return std::fmin(a, std::fmax(cut, low));
-  if (operation == 2) return std::fmax(a, std::fmin(cut, high));
-  return Ordered(operation, a, cut);
+  if (operation == COMPARISON_MINIMUM) return std::fmin(a, std::fmax(truncated, low));
+  if (operation == COMPARISON_MAXIMUM) return std::fmax(a, std::fmin(truncated, high));
+  return Ordered(operation, a, truncated);
 }
 
 TestImage ImagesResult(int32_t operation, const TestImage& first, const TestImage& second) {
@@ -84,7 +88,7 @@ void Coarsen(const TestImage& image) {
 }
 
 TEST(Compare, ImagesOfAllTypePairsAndSizesFollowTheRules) {
-  for (int32_t operation = 0; operation < 8; operation++) {
+  for (const int32_t operation : ALL) {
     for (int32_t type1 = IMAGE_U8; type1 <= IMAGE_SGL; type1++) {
       for (int32_t type2 = IMAGE_U8; type2 <= type1; type2++) {
         uint64_t seed = 1;
@@ -107,16 +111,9 @@ TEST(Compare, ImagesOfAllTypePairsAndSizesFollowTheRules) {
 }
 
 TEST(Compare, EveryPairOfBytesFollowsTheRules) {
-  const TestImage first(IMAGE_U8, 256, 256);
-  const TestImage second(IMAGE_U8, 256, 256);
-  for (int32_t y = 0; y < 256; y++) {
-    for (int32_t x = 0; x < 256; x++) {
-      first.Set<uint8_t>(x, y, static_cast<uint8_t>(y));
-      second.Set<uint8_t>(x, y, static_cast<uint8_t>(x));
-    }
-  }
+  const auto [first, second] = test::PairsOfBytes();
   TestImage destination(IMAGE_U8, 0, 0);
-  for (int32_t operation = 0; operation < 8; operation++) {
+  for (const int32_t operation : ALL) {
     const TestImage expected = ImagesResult(operation, first, second);
     ASSERT_EQ(ZEL_Compare(first, second, destination, operation, 0), 0);
     ASSERT_EQ(Difference(destination, expected), "") << operation;
@@ -132,7 +129,7 @@ TEST(Compare, ConstantsOfAllTypesFollowTheRulesColumnByColumn) {
   };
   for (const int32_t mmx : {0, 1}) {
     zel::MmxForce(mmx);
-    for (int32_t operation = 0; operation < 8; operation++) {
+    for (const int32_t operation : ALL) {
       for (int32_t type = IMAGE_U8; type <= IMAGE_SGL; type++) {
         for (const float constant : constants) {
           for (const int32_t width : {1, 7, 8, 9, 15, 16, 17, 31, 33, 70}) {
@@ -158,27 +155,20 @@ TEST(Compare, ConstantOfTheMeanActsByItsLowByteInGroupedColumnsOnly) {
   for (int32_t x = 0; x < 9; x++) image.Set<uint8_t>(x, 0, 100);
   TestImage destination(IMAGE_U8, 0, 0);
   zel::MmxForce(1);
-  ASSERT_EQ(ZEL_Compare(image, 0, destination, 0, 300.0f), 0);
+  ASSERT_EQ(ZEL_Compare(image, 0, destination, COMPARISON_MEAN, 300.0f), 0);
   EXPECT_EQ(destination.Get<uint8_t>(7, 0), (100 + (300 & 255)) / 2);
   EXPECT_EQ(destination.Get<uint8_t>(8, 0), 200);
-  ASSERT_EQ(ZEL_Compare(image, 0, destination, 0, -1.0f), 0);
+  ASSERT_EQ(ZEL_Compare(image, 0, destination, COMPARISON_MEAN, -1.0f), 0);
   EXPECT_EQ(destination.Get<uint8_t>(0, 0), (100 + 255) / 2);
   EXPECT_EQ(destination.Get<uint8_t>(8, 0), 49);
 }
 
 TEST(Compare, FloatsKeepInfinitiesNanAndZeros) {
-  const float inf = std::numeric_limits<float>::infinity();
-  const std::vector<float> values = {0.0f, -0.0f, 1.0f,   -1.5f,         inf,
-                                     -inf, NAN,   1e-42f, 3.4028235e38f, -3e38f};
-  const auto count = static_cast<int32_t>(values.size());
-  const TestImage first(IMAGE_SGL, count * count, 1);
-  const TestImage second(IMAGE_SGL, count * count, 1);
-  for (int32_t i = 0; i < count * count; i++) {
-    first.Set<float>(i, 0, values[static_cast<size_t>(i / count)]);
-    second.Set<float>(i, 0, values[static_cast<size_t>(i % count)]);
-  }
+  const std::vector<float> values = {0.0f,      -0.0f, 1.0f,   -1.5f,         INFINITY,
+                                     -INFINITY, NAN,   1e-42f, 3.4028235e38f, -3e38f};
+  const auto [first, second] = test::Pairs<float>(IMAGE_SGL, values);
   TestImage destination(IMAGE_SGL, 0, 0);
-  for (int32_t operation = 0; operation < 8; operation++) {
+  for (const int32_t operation : ALL) {
     ASSERT_EQ(ZEL_Compare(first, second, destination, operation, 0), 0);
     ASSERT_EQ(Difference(destination, ImagesResult(operation, first, second)), "") << operation;
     for (const float constant : values) {
@@ -208,19 +198,20 @@ TEST(Compare, MeanOfFloatsIsRoundedOnce) {
     std::memcpy(first.At<float>(x, 0), &a, 4);
     std::memcpy(second.At<float>(x, 0), &b, 4);
   }
-  const TestImage expected = ImagesResult(0, first, second);
+  const TestImage expected = ImagesResult(COMPARISON_MEAN, first, second);
   TestImage destination(IMAGE_SGL, 0, 0);
-  ASSERT_EQ(ZEL_Compare(first, second, destination, 0, 0), 0);
+  ASSERT_EQ(ZEL_Compare(first, second, destination, COMPARISON_MEAN, 0), 0);
   ASSERT_EQ(Difference(destination, expected), "");
   for (const float constant : {0.1f, -3.4e-38f, 1.4e-45f, 9e29f, 1.1e30f, -3.4e38f}) {
     TestImage mean(IMAGE_SGL, 0, 0);
-    ASSERT_EQ(ZEL_Compare(first, 0, mean, 0, constant), 0);
-    ASSERT_EQ(Difference(mean, ConstantResult(0, first, constant, true)), "") << constant;
+    ASSERT_EQ(ZEL_Compare(first, 0, mean, COMPARISON_MEAN, constant), 0);
+    ASSERT_EQ(Difference(mean, ConstantResult(COMPARISON_MEAN, first, constant, true)), "")
+        << constant;
   }
 }
 
 TEST(Compare, ResultsMayReplaceEitherOperandAndLeaveItsSurroundings) {
-  for (int32_t operation = 0; operation < 8; operation++) {
+  for (const int32_t operation : ALL) {
     for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
       for (const int32_t width : {1, 9, 33, 64, 131}) {
         const Operands pair(type, width);
@@ -250,11 +241,11 @@ TEST(Compare, OperatorsOutOfRangeAreLimited) {
   TestImage destination(IMAGE_U8, 0, 0);
   for (const int32_t operation : {99, 8, INT32_MAX}) {
     ASSERT_EQ(ZEL_Compare(first, second, destination, operation, 0), 0);
-    EXPECT_EQ(Difference(destination, ImagesResult(7, first, second)), "");
+    EXPECT_EQ(Difference(destination, ImagesResult(COMPARISON_KEEP_NOT_ABOVE, first, second)), "");
   }
   for (const int32_t operation : {-1, INT32_MIN}) {
     ASSERT_EQ(ZEL_Compare(first, second, destination, operation, 0), 0);
-    EXPECT_EQ(Difference(destination, ImagesResult(0, first, second)), "");
+    EXPECT_EQ(Difference(destination, ImagesResult(COMPARISON_MEAN, first, second)), "");
   }
 }
 
@@ -264,14 +255,14 @@ TEST(Compare, WrongImagesGiveTheirNumbers) {
   const TestImage rgb(IMAGE_RGB, 10, 10);
   const TestImage opaque(IMAGE_OPAQUE, 0, 0);
   const TestImage small(IMAGE_U8, 9, 10);
-  EXPECT_EQ(ZEL_Compare(0, bytes, bytes, 1, 0), -200);
-  EXPECT_EQ(ZEL_Compare(bytes, 99, bytes, 1, 0), -200);
-  EXPECT_EQ(ZEL_Compare(bytes, bytes, 99, 1, 0), -200);
-  EXPECT_EQ(ZEL_Compare(bytes, words, words, 1, 0), -305);
-  EXPECT_EQ(ZEL_Compare(bytes, 0, words, 1, 0), -305);
-  EXPECT_EQ(ZEL_Compare(rgb, 0, 0, 1, 0), -302);
-  EXPECT_EQ(ZEL_Compare(opaque, 0, 0, 1, 0), -300);
-  EXPECT_EQ(ZEL_Compare(bytes, small, 0, 1, 0), -306);
+  EXPECT_EQ(ZEL_Compare(0, bytes, bytes, COMPARISON_MINIMUM, 0), -200);
+  EXPECT_EQ(ZEL_Compare(bytes, 99, bytes, COMPARISON_MINIMUM, 0), -200);
+  EXPECT_EQ(ZEL_Compare(bytes, bytes, 99, COMPARISON_MINIMUM, 0), -200);
+  EXPECT_EQ(ZEL_Compare(bytes, words, words, COMPARISON_MINIMUM, 0), -305);
+  EXPECT_EQ(ZEL_Compare(bytes, 0, words, COMPARISON_MINIMUM, 0), -305);
+  EXPECT_EQ(ZEL_Compare(rgb, 0, 0, COMPARISON_MINIMUM, 0), -302);
+  EXPECT_EQ(ZEL_Compare(opaque, 0, 0, COMPARISON_MINIMUM, 0), -300);
+  EXPECT_EQ(ZEL_Compare(bytes, small, 0, COMPARISON_MINIMUM, 0), -306);
   char name[256];
   ZEL_GetLastError(name);
   EXPECT_STREQ(name, "ZEL_Compare");

@@ -30,7 +30,7 @@ struct Equalizer {
   double offset;
   int32_t firstClass, lastClass;
 
-  // rounding: added before the value is cut.
+  // rounding: added before the value is truncated.
   double Value(double sum, double rounding) const {
     const double value = sum * scale + offset + low + rounding;
     return !(value >= low) ? low : !(value <= high) ? high : value;

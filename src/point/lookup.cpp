@@ -51,7 +51,7 @@ void TableOfArray(int32_t arrayType, const void* array, int32_t count, LevelTabl
   }
 }
 
-// Results of bytes are limited, not cut to their low bits.
+// Results of bytes are limited, not their low bits taken.
 void LimitToBytes(uint16_t* entries) {
   for (int32_t level = 0; level < LEVELS_U8; level++) {
     const auto entry = static_cast<int16_t>(entries[level]);

@@ -3,12 +3,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <optional>
 #include <vector>
 
 #include "core/heap.h"
-#include "harness/test_image.h"
+#include "point/lookup_test.h"
 
 namespace {
 
@@ -18,9 +17,6 @@ using test::Selects;
 using test::TestImage;
 
 using Wide = long double;
-
-constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
-constexpr float ENDLESS = std::numeric_limits<float>::infinity();
 
 Wide Law(int32_t number, Wide d, Wide r, Wide o, Wide x) {
   const Wide k = logl(10.0L) * 0.01L;
@@ -42,8 +38,8 @@ Wide Law(int32_t number, Wide d, Wide r, Wide o, Wide x) {
   }
 }
 
-// Cut toward zero; 0 where there is no such integer.
-int64_t Cut(float value) {
+// Truncated; 0 where there is no such integer.
+int64_t Truncated(float value) {
   if (!(std::fabs(value) < 9.2e18f)) return 0;
   return static_cast<int64_t>(value);
 }
@@ -55,28 +51,8 @@ struct Arguments {
 
 TestImage Expected(const TestImage& source, const TestImage* mask, const Arguments& given) {
   const ImageInfo info = source.Info();
-  float lo = 0.0f;
-  float hi = 255.0f;
-  if (info.type != IMAGE_U8) {
-    lo = 1e38f;
-    hi = -1e38f;
-    for (int32_t y = 0; y < info.height; y++) {
-      for (int32_t x = 0; x < info.width; x++) {
-        if (!Selects(mask, x, y)) continue;
-        const auto pixel = static_cast<float>(PixelOf(source, x, y));
-        if (pixel < lo) lo = pixel;
-        if (pixel > hi) hi = pixel;
-      }
-    }
-  }
-  float rangeMin = given.rangeMin;
-  float rangeMax = given.rangeMax;
-  if (rangeMin == 0.0f && rangeMax == 0.0f) {
-    rangeMin = lo;
-    rangeMax = hi;
-  }
-  if (std::isnan(rangeMin) || rangeMin < lo) rangeMin = lo;
-  if (std::isnan(rangeMax) || rangeMax > hi) rangeMax = hi;
+  const auto [lo, hi, rangeMin, rangeMax] =
+      test::StretchOf(source, mask, given.rangeMin, given.rangeMax);
   const double r = static_cast<double>(rangeMax) - static_cast<double>(rangeMin);
   const double o = static_cast<double>(hi) - static_cast<double>(lo);
   const int32_t law = std::clamp(given.operation, 0, 6);
@@ -121,8 +97,9 @@ TestImage Expected(const TestImage& source, const TestImage* mask, const Argumen
         } else if (d == 0 && startsAtOne) {
           result = 0;
         } else {
-          result = Cut(static_cast<float>(Law(law, static_cast<Wide>(d), static_cast<Wide>(r),
-                                              static_cast<Wide>(o), static_cast<Wide>(given.x))));
+          result =
+              Truncated(static_cast<float>(Law(law, static_cast<Wide>(d), static_cast<Wide>(r),
+                                               static_cast<Wide>(o), static_cast<Wide>(given.x))));
         }
       }
       if (info.type == IMAGE_U8) {
@@ -170,12 +147,12 @@ TEST(MathLookup, OddRangesAndExponentsAreNoFailure) {
   const TestImage all = AllLevels();
   TestImage words(IMAGE_I16, 40, 3, 1, 4);
   TestImage floats(IMAGE_SGL, 40, 3, 1, 4);
-  const float odd[] = {0.0f,  -0.0f,  1.0f, 2.0f,         -1.0f,   1e-30f,   1e30f,
-                       1e38f, -1e38f, 0.5f, NOT_A_NUMBER, ENDLESS, -ENDLESS, 300.0f};
+  const float odd[] = {0.0f,  -0.0f,  1.0f, 2.0f, -1.0f,    1e-30f,    1e30f,
+                       1e38f, -1e38f, 0.5f, NAN,  INFINITY, -INFINITY, 300.0f};
   for (int32_t operation = 0; operation < 7; operation++) {
     for (const float low : odd) {
       for (const float high : odd) {
-        for (const float x : {0.0f, 1.0f, -2.0f, 1e30f, NOT_A_NUMBER, ENDLESS}) {
+        for (const float x : {0.0f, 1.0f, -2.0f, 1e30f, NAN, INFINITY}) {
           if (operation < 5 && x != 0.0f) continue;
           Check(all, nullptr, {operation, x, low, high});
           Check(words, nullptr, {operation, x, low, high});
@@ -226,9 +203,9 @@ TEST(MathLookup, FloatImagesGetTheLawToTheLastBit) {
       for (int32_t y = 0; y < 11; y++) {
         for (int32_t x = 0; x < 200; x++) image.Set(x, y, image.Get<float>(x, y) * scale);
       }
-      image.Set(3, 3, NOT_A_NUMBER);
-      if (round > 20) image.Set(5, 5, ENDLESS);
-      if (round > 25) image.Set(6, 6, -ENDLESS);
+      image.Set(3, 3, NAN);
+      if (round > 20) image.Set(5, 5, INFINITY);
+      if (round > 25) image.Set(6, 6, -INFINITY);
       const float x = round % 2 == 0 ? static_cast<float>(round / 2) : random.Float(-2.0f, 5.0f);
       const float low = random.Float(-450.0f, 100.0f) * scale;
       Check(image, nullptr, {operation, x, 0.0f, 0.0f});
@@ -257,13 +234,7 @@ TEST(MathLookup, NearTheStartOfALawDifferencesCancelAndStayExact) {
 TEST(MathLookup, ExtremesAndPixelsGoByTheMask) {
   for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
     for (const int32_t offset : {0, 4, -6, 900}) {
-      const TestImage mask(IMAGE_U8, 50, 6, 1, 3);
-      for (int32_t y = 0; y < 6; y++) {
-        for (int32_t x = 0; x < 50; x++) {
-          if ((mask.Get<uint8_t>(x, y) & 1) != 0) mask.Set<uint8_t>(x, y, 0);
-        }
-      }
-      ZEL_SetImageOffset(mask, offset, 1);
+      const TestImage mask = test::HalfMask(50, 6, offset, 1);
       for (int32_t operation = 0; operation < 7; operation++) {
         const TestImage source(type, 44, 5, 2, 9);
         Check(source, &mask, {operation, 2.0f, 0.0f, 0.0f});

@@ -1,4 +1,4 @@
-// Row loops of the lookups: byte tables, 16-bit tables, and values by class for floats.
+// Row routines of the lookups: byte tables, 16-bit tables, and values by class for floats.
 #include "point/lookup_rows.h"
 
 #include <bit>

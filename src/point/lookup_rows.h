@@ -1,5 +1,5 @@
-// Row loops of the lookups, one table of them for each processor level. All of them heed the mask:
-// pixels with a mask byte of 0 are copied.
+// The row routines of the lookups. All of them heed the mask: pixels with a mask byte of 0 are
+// copied.
 #pragma once
 
 #include "engine/levels.h"

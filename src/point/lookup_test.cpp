@@ -1,17 +1,13 @@
 // Lookups by the user's tables, against a reference that goes pixel by pixel.
-#include "point/lookup.h"
+#include "point/lookup_test.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstring>
-#include <limits>
-#include <numeric>
+#include <cmath>
 #include <vector>
 
-#include "core/heap.h"
 #include "harness/caller_arrays.h"
-#include "harness/test_image.h"
+#include "tests/support/refused_memory.h"
 
 namespace {
 
@@ -25,6 +21,7 @@ TestImage Expected(const TestImage& source, const TestImage* mask,
   const int32_t type = source.Info().type;
   TestImage expected(type, source.width(), source.height());
   for (int32_t y = 0; y < source.height(); y++) {
+    const test::Row to(expected, type, y);
     for (int32_t x = 0; x < source.width(); x++) {
       auto value = static_cast<int32_t>(PixelOf(source, x, y));
       const auto index = static_cast<size_t>(value < 0 ? value + 65536 : value);
@@ -32,11 +29,7 @@ TestImage Expected(const TestImage& source, const TestImage* mask,
         value = entries[index];
         if (type == IMAGE_U8) value = value < 0 ? 0 : value > 255 ? 255 : value;
       }
-      if (type == IMAGE_U8) {
-        expected.Set(x, y, static_cast<uint8_t>(value));
-      } else {
-        expected.Set(x, y, static_cast<int16_t>(value));
-      }
+      to.Set(x, value);
     }
   }
   return expected;
@@ -47,17 +40,6 @@ std::vector<int16_t> RandomTable(size_t count, uint64_t seed) {
   std::vector<int16_t> entries(count);
   for (int16_t& entry : entries) entry = static_cast<int16_t>(random.Between(-40, 300));
   return entries;
-}
-
-TestImage RandomMask(int32_t width, int32_t height, int32_t offsetX, int32_t offsetY) {
-  TestImage mask(IMAGE_U8, width, height, 1, 31);
-  for (int32_t y = 0; y < height; y++) {
-    for (int32_t x = 0; x < width; x++) {
-      if ((mask.Get<uint8_t>(x, y) & 1) != 0) mask.Set<uint8_t>(x, y, 0);
-    }
-  }
-  ZEL_SetImageOffset(mask, offsetX, offsetY);
-  return mask;
 }
 
 TEST(LookupPixels, MapsEveryPixelThroughTheTable) {
@@ -131,7 +113,7 @@ TEST(LookupPixels, MaskedOutPixelsKeepTheSourcesValue) {
     for (const auto& [width, height] : test::ODD_SIZES) {
       for (const auto& [offsetX, offsetY] : std::vector<std::pair<int32_t, int32_t>>{
                {0, 0}, {3, 1}, {-5, -1}, {1000, 0}, {INT32_MIN, 0}, {INT32_MAX, INT32_MAX}}) {
-        const TestImage mask = RandomMask(width + 2, 3, offsetX, offsetY);
+        const TestImage mask = test::HalfMask(width + 2, 3, offsetX, offsetY);
         const TestImage source(type, width, height, 2, 3);
         const TestImage expected = Expected(source, &mask, entries);
         const TestImage destination(type, 5, 5, 1);
@@ -155,7 +137,7 @@ TEST(LookupPixels, TheMaskMayBeTheDestination) {
     const TestImage source(IMAGE_U8, 70, 5, 1, 6);
     ZEL_SetImageCalibration(source, 1, 2.0f, 3.0f);
     ZEL_SetImageOffset(source, 17, 18);
-    const TestImage mask = RandomMask(66, 4, offset, 1);
+    const TestImage mask = test::HalfMask(66, 4, offset, 1);
     const TestImage expected = Expected(source, &mask, entries);
     ASSERT_EQ(ZEL_UserLookup(source, mask, mask, ARRAY_I16, entries.data(), 256), 0);
     EXPECT_EQ(PixelDifference(mask, expected), "");
@@ -191,7 +173,7 @@ TEST(Lookup, TablesOfAllArrayTypesBecomeSigned16BitEntries) {
   EXPECT_EQ(mapped(ARRAY_DBL, doubles), (std::vector<uint8_t>{255, 0, 7, 3}));
   const int8_t bytes[] = {-1, 127, 0};
   EXPECT_EQ(mapped(ARRAY_I8, bytes), (std::vector<uint8_t>{0, 127, 0, 3}));
-  const float floats[] = {std::numeric_limits<float>::quiet_NaN(), 1e20f, 255.5f};
+  const float floats[] = {NAN, 1e20f, 255.5f};
   EXPECT_EQ(mapped(ARRAY_SGL, floats), (std::vector<uint8_t>{0, 0, 255, 3}));
   const uint32_t longs[] = {0x10005, 65535, 256};
   EXPECT_EQ(mapped(ARRAY_U32, longs), (std::vector<uint8_t>{5, 0, 255, 3}));
@@ -256,27 +238,25 @@ TEST(Lookup, FailuresLeaveTheImagesAlone) {
   EXPECT_EQ(words.Block(), wordsBefore);
 }
 
-TEST(Lookup, EveryRefusedAllocationGives101AndKeepsTheImages) {
-  std::vector<int32_t> entries(300, 7);
-  zel::HeapHooks* hooks = zel::HeapHooksGet();
-  bool succeeded = false;
-  for (uint64_t k = 1; !succeeded; k++) {
-    ASSERT_LT(k, 50u);
-    const TestImage source(IMAGE_U8, 30, 4, 1);
-    const TestImage mask = RandomMask(40, 9, 1, 1);
-    const std::vector<uint8_t> before = source.Block();
-    const std::vector<uint8_t> maskBefore = mask.Block();
-    hooks->requests = 0;
-    hooks->failAt = k;
-    const int32_t result = ZEL_UserLookup(source, mask, mask, ARRAY_I32, entries.data(), 300);
-    hooks->failAt = 0;
-    succeeded = result == 0;
-    EXPECT_EQ(source.Block(), before);
-    if (!succeeded) {
-      EXPECT_TRUE(result == -101 || result == -102) << result;
-      EXPECT_EQ(mask.Block(), maskBefore);
-    }
-  }
+TEST(Lookup, EveryRefusedAllocationIsToldAndKeepsTheImages) {
+  const std::vector<int32_t> entries(300, 7);
+  const TestImage source(IMAGE_U8, 30, 4, 1);
+  const TestImage original = test::HalfMask(40, 9, 1, 1);
+  const TestImage expected = Expected(source, &original, std::vector<int16_t>(256, 7));
+  const std::vector<uint8_t> before = source.Block();
+  TestImage mask;
+  test::RefuseEachAllocation([&] { mask = test::HalfMask(40, 9, 1, 1); },
+                             [&] {
+                               const int32_t result = ZEL_UserLookup(source, mask, mask, ARRAY_I32,
+                                                                     entries.data(), 300);
+                               EXPECT_EQ(source.Block(), before);
+                               if (result == 0) {
+                                 EXPECT_EQ(PixelDifference(mask, expected), "");
+                               } else {
+                                 EXPECT_EQ(mask.Block(), original.Block());
+                               }
+                               return result;
+                             });
 }
 
 }  // namespace

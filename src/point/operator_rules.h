@@ -13,7 +13,7 @@ struct OperatorConstant {
   int32_t high;
   int32_t odd;    // 0 or 1: added before a pixel is halved
   float real;     // for float pixels
-  double factor;  // for products that are cut
+  double factor;  // for products that are truncated
 };
 
 using OperatorRoutine = PointRoutine<OperatorConstant>;

@@ -3,7 +3,9 @@
 
 #include <cmath>
 #include <cstdint>
+#include <numeric>
 #include <string>
+#include <vector>
 
 #include "harness/test_image.h"
 
@@ -77,7 +79,7 @@ inline std::string Difference(const TestImage& actual, const TestImage& expected
              : PixelDifference(actual, expected);
 }
 
-// Limited to the type's range, then cut toward zero; NaN is 0.
+// Limited to the type's range, then truncated; NaN is 0.
 inline double CutLimitedOf(int32_t type, double value) {
   const double low = type == IMAGE_U8 ? 0 : -32768;
   const double high = type == IMAGE_U8 ? 255 : 32767;
@@ -110,6 +112,40 @@ inline void SprinkleZeros(const TestImage& image, uint64_t seed) {
       if (random.Next() % 5 == 0 || x + y == 0) row.Set(x, 0.0);
     }
   }
+}
+
+// Rows in which each value meets each other one.
+template <class T>
+struct Pairs {
+  Pairs(int32_t type, const std::vector<T>& values)
+      : first(type, Length(values), 1), second(type, Length(values), 1) {
+    const auto count = static_cast<int32_t>(values.size());
+    for (int32_t i = 0; i < count * count; i++) {
+      first.Set<T>(i, 0, values[static_cast<size_t>(i / count)]);
+      second.Set<T>(i, 0, values[static_cast<size_t>(i % count)]);
+    }
+  }
+  TestImage first;
+  TestImage second;
+
+ private:
+  static int32_t Length(const std::vector<T>& values) {
+    return static_cast<int32_t>(values.size() * values.size());
+  }
+};
+
+inline Pairs<uint8_t> PairsOfBytes() {
+  std::vector<uint8_t> bytes(256);
+  std::iota(bytes.begin(), bytes.end(), uint8_t{0});
+  return {IMAGE_U8, bytes};
+}
+
+inline TestImage EveryWord() {
+  TestImage words(IMAGE_I16, 256, 256);
+  for (int32_t i = 0; i < 65536; i++) {
+    words.Set<int16_t>(i % 256, i / 256, static_cast<int16_t>(i - 32768));
+  }
+  return words;
 }
 
 // Two images of one type, the same ones for the same width.

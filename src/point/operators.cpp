@@ -1,4 +1,5 @@
-// Looking up, checking and settling the operands of an operator, and the steps that engines share.
+// Looking up, checking and settling the operands of an operator, and the steps that operators
+// share.
 #include "point/operators.h"
 
 #include <algorithm>

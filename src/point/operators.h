@@ -1,5 +1,5 @@
 // Operators that combine two images, or an image and a constant, pixel by pixel: their operands
-// settled, and what their engines share.
+// settled, and the steps that they share.
 #pragma once
 
 #include <cstdint>
@@ -29,7 +29,7 @@ enum class OperandOrder : bool { MATTERS, MAY_CHANGE };
 Status OperandsSettle(ImageRef first, ImageRef second, ImageRef destination, OperandOrder order,
                       OperatorOperands* operands);
 
-// The same for operands of the scalar types, which every engine but the bitwise one wants. After
+// The same for operands of the scalar types, which all but the bitwise operators want. After
 // all else has succeeded, STATUS_BAD_LAYOUT_TYPE for images without pixels, and
 // STATUS_BAD_OPERAND_TYPE for others.
 Status ScalarOperandsSettle(ImageRef first, ImageRef second, ImageRef destination,

@@ -106,7 +106,7 @@ Status MultiThreshold(ImageRef source, ImageRef destination, const ThresholdClas
   } else if (type == IMAGE_I16) {
     CompareWithClasses(views, classes, count);
   } else {
-    PointWalk(views, thresholdRows().classesSgl, FloatClasses{classes, count});
+    PointWalk(views, thresholdRows().rangesSgl, FloatRanges{classes, count});
   }
   return operands.status();
 }

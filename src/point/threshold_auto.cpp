@@ -18,7 +18,7 @@ constexpr uint16_t CLASS_REPLACES = 32768;  // `useNew` as callers know it from 
 constexpr double BOUND_AT_REST = 0.1;       // a bound that moves no farther has been found
 
 // The class of each level; nothing (count 0) unless a threshold was found.
-struct LevelTable {
+struct LevelClasses {
   int32_t count;
   uint16_t classes[LEVELS_U8];
 };
@@ -251,7 +251,7 @@ int32_t ThresholdBy(int32_t method, const LevelCounts& counts) {
 }
 
 // An unknown method finds nothing, and does not fail.
-Status AutoBThreshold(ImageRef image, int32_t method, LevelTable* lookup, int32_t* threshold) {
+Status AutoBThreshold(ImageRef image, int32_t method, LevelClasses* lookup, int32_t* threshold) {
   if (method < AUTOB_CLUSTERING || method > AUTOB_INTERCLASS) return STATUS_OK;
   LevelCounts counts;
   uint64_t total = 0;
@@ -346,7 +346,7 @@ void BoundsOf(const LevelCounts& counts, uint64_t total, ClassBounds* result) {
 
 // A level at the whole part of a fractional bound belongs to the next class in the table, although
 // that class's range begins one above it: kept, programs rely on both.
-void ClassesOfBounds(const ClassBounds& found, LevelTable* lookup, ThresholdClass* classes) {
+void ClassesOfBounds(const ClassBounds& found, LevelClasses* lookup, ThresholdClass* classes) {
   lookup->count = LEVELS_U8;
   float bound = 0.0f;
   for (int32_t c = 0; c < found.classes; c++) {
@@ -368,7 +368,8 @@ void ClassesOfBounds(const ClassBounds& found, LevelTable* lookup, ThresholdClas
 
 // classes: room for CLASSES_MAX, all bytes 0. Another number of classes finds nothing, and does not
 // fail.
-Status AutoMThreshold(ImageRef image, int32_t count, LevelTable* lookup, ThresholdClass* classes) {
+Status AutoMThreshold(ImageRef image, int32_t count, LevelClasses* lookup,
+                      ThresholdClass* classes) {
   if (count < CLASSES_MIN || count > CLASSES_MAX) return STATUS_OK;
   LevelCounts counts;
   uint64_t total = 0;
@@ -383,7 +384,7 @@ Status AutoMThreshold(ImageRef image, int32_t count, LevelTable* lookup, Thresho
 }
 
 // The table as the caller wants it; nothing where none was made.
-void LookupDeliver(const LevelTable& lookup, int32_t arrayType, void* array) {
+void LookupDeliver(const LevelClasses& lookup, int32_t arrayType, void* array) {
   if (array) ArrayConvert(lookup.classes, ARRAY_U16, array, arrayType, lookup.count);
 }
 
@@ -392,7 +393,7 @@ void LookupDeliver(const LevelTable& lookup, int32_t arrayType, void* array) {
 
 int32_t ZEL_AutoBThreshold(ImageRef image, int32_t method, int32_t arrayType, void* lookup,
                            int32_t* threshold) {
-  zel::LevelTable table{};
+  zel::LevelClasses table{};
   int32_t found = 0;
   const zel::Status status = zel::AutoBThreshold(image, method, &table, &found);
   zel::LookupDeliver(table, arrayType, lookup);
@@ -402,7 +403,7 @@ int32_t ZEL_AutoBThreshold(ImageRef image, int32_t method, int32_t arrayType, vo
 
 int32_t ZEL_AutoMThreshold(ImageRef image, int32_t count, int32_t arrayType, void* lookup,
                            ThresholdClass* classes) {
-  zel::LevelTable table{};
+  zel::LevelClasses table{};
   ThresholdClass found[zel::CLASSES_MAX];
   std::memset(found, 0, sizeof found);  // the bytes behind the fields too
   const zel::Status status = zel::AutoMThreshold(image, count, &table, found);

@@ -1,4 +1,4 @@
-// Row loops of the thresholds: one range, and several.
+// Row routines of the thresholds: one range, and several.
 #include "point/threshold_rows.h"
 
 #include <bit>
@@ -8,14 +8,10 @@
 namespace zel::ZEL_LEVEL {
 namespace {
 
-// Pixels go through the classes in groups that stay in the nearest cache. A last, smaller one is
+// Pixels go through several ranges in groups that stay in the nearest cache. A last, smaller one is
 // filled up to whole vectors.
 constexpr int32_t GROUP = 512;
 constexpr int32_t FILLED = 32;
-
-ZEL_INLINE int32_t GroupSize(int64_t width, int64_t x) {
-  return width - x < GROUP ? static_cast<int32_t>(width - x) : GROUP;
-}
 
 template <class T, bool keep>
 ZEL_INLINE void IntegerRange(const PointViews& views, T lowest, T highest, T replacement) {
@@ -54,7 +50,7 @@ void RangeSgl(const PointViews& views, const ThresholdRange<float>& range) {
   });
 }
 
-// Settles a group of pixels by one more range: those within it take its value, whatever they had.
+// One more range over a group of pixels: those within it take its value, whatever they had.
 ZEL_INLINE void RangeOverGroup(const int16_t* pixels, int16_t* results, int32_t filled,
                                const ThresholdRange<int16_t>& range) {
   const int16_t low = range.low;
@@ -69,33 +65,14 @@ ZEL_INLINE void RangeOverGroup(const int16_t* pixels, int16_t* results, int32_t 
   }
 }
 
-void RangesI16(const PointViews& views, const WordRanges& given) {
-  const int64_t width = views.result.width;
-  for (int64_t y = 0; y < views.result.height; y++) {
-    const auto* from = views.first.Row<const int16_t>(y);
-    auto* to = views.result.Row<int16_t>(y);
-    for (int64_t x = 0; x < width; x += GROUP) {
-      const int32_t size = GroupSize(width, x);
-      const int32_t filled = (size + FILLED - 1) & -FILLED;
-      int16_t pixels[GROUP] = {};
-      int16_t results[GROUP] = {};
-      std::memcpy(pixels, from + x, static_cast<size_t>(size) * sizeof(int16_t));
-      for (int32_t c = 0; c < given.count; c++) {
-        RangeOverGroup(pixels, results, filled, given.ranges[c]);
-      }
-      std::memcpy(to + x, results, static_cast<size_t>(size) * sizeof(int16_t));
-    }
-  }
-}
-
-// The same by one more class, for pixels that have no result but zero yet. All in bits, since a
-// result may be a NaN or a negative zero.
-ZEL_INLINE void ClassOverGroup(const float* pixels, uint32_t* results, int32_t filled,
-                               const ThresholdClass& given) {
-  const float low = given.rangeMin;
-  const float high = given.rangeMax;
-  const uint32_t value = given.useNew != 0 ? std::bit_cast<uint32_t>(given.newValue) : 0;
-  const uint32_t kept = given.useNew != 0 ? 0 : ~0u;
+// The same for pixels that have no result but zero yet. All in bits, since a result may be a NaN or
+// a negative zero.
+ZEL_INLINE void RangeOverGroup(const float* pixels, uint32_t* results, int32_t filled,
+                               const ThresholdClass& range) {
+  const float low = range.rangeMin;
+  const float high = range.rangeMax;
+  const uint32_t value = range.useNew != 0 ? std::bit_cast<uint32_t>(range.newValue) : 0;
+  const uint32_t kept = range.useNew != 0 ? 0 : ~0u;
 #pragma GCC ivdep
   for (int32_t i = 0; i < filled; i++) {
     const float pixel = pixels[i];
@@ -108,21 +85,25 @@ ZEL_INLINE void ClassOverGroup(const float* pixels, uint32_t* results, int32_t f
   }
 }
 
-void ClassesSgl(const PointViews& views, const FloatClasses& given) {
+// Result: what results of pixels are computed as, of the same size.
+template <class Pixel, class Result, class Ranges>
+void SeveralRanges(const PointViews& views, const Ranges& given) {
   const int64_t width = views.result.width;
   for (int64_t y = 0; y < views.result.height; y++) {
-    const auto* from = views.first.Row<const float>(y);
-    auto* to = views.result.Row<float>(y);
+    const auto* from = views.first.Row<const Pixel>(y);
+    auto* to = views.result.Row<Pixel>(y);
     for (int64_t x = 0; x < width; x += GROUP) {
-      const int32_t size = GroupSize(width, x);
+      // Of the truncated number g++ knows no bound: with one it joined two passes over a group in
+      // place of using vectors, at four times the cost.
+      const int32_t size = width - x < GROUP ? static_cast<int32_t>(width - x) : GROUP;
       const int32_t filled = (size + FILLED - 1) & -FILLED;
-      float pixels[GROUP] = {};
-      uint32_t results[GROUP] = {};
-      std::memcpy(pixels, from + x, static_cast<size_t>(size) * sizeof(float));
-      for (int32_t c = 0; c < given.count; c++) {
-        ClassOverGroup(pixels, results, filled, given.classes[c]);
+      Pixel pixels[GROUP] = {};
+      Result results[GROUP] = {};
+      std::memcpy(pixels, from + x, static_cast<size_t>(size) * sizeof(Pixel));
+      for (int32_t i = 0; i < given.count; i++) {
+        RangeOverGroup(pixels, results, filled, given.ranges[i]);
       }
-      std::memcpy(to + x, results, static_cast<size_t>(size) * sizeof(float));
+      std::memcpy(to + x, results, static_cast<size_t>(size) * sizeof(Pixel));
     }
   }
 }
@@ -156,8 +137,8 @@ extern const ThresholdRows thresholdRows = {
     .rangeU8 = &RangeOfIntegers<uint8_t>,
     .rangeI16 = &RangeOfIntegers<int16_t>,
     .rangeSgl = &RangeSgl,
-    .rangesI16 = &RangesI16,
-    .classesSgl = &ClassesSgl,
+    .rangesI16 = &SeveralRanges<int16_t, int16_t, WordRanges>,
+    .rangesSgl = &SeveralRanges<float, uint32_t, FloatRanges>,
     .deviations = &Deviations,
 };
 

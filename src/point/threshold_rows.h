@@ -1,4 +1,4 @@
-// Row loops of the thresholds, one table of them for each processor level.
+// The row routines of the thresholds.
 #pragma once
 
 #include "engine/levels.h"
@@ -32,9 +32,9 @@ struct WordRanges {
   int32_t count;
 };
 
-// A pixel in several classes goes by the first of them that makes it other than 0.
-struct FloatClasses {
-  const ThresholdClass* classes;
+// A pixel in several ranges goes by the first of them that makes it other than 0.
+struct FloatRanges {
+  const ThresholdClass* ranges;
   int32_t count;
 };
 
@@ -43,7 +43,7 @@ struct ThresholdRows {
   PointRoutine<ThresholdRange<int16_t>> rangeI16;
   PointRoutine<ThresholdRange<float>> rangeSgl;
   PointRoutine<WordRanges> rangesI16;
-  PointRoutine<FloatClasses> classesSgl;
+  PointRoutine<FloatRanges> rangesSgl;
   void (*deviations)(const SplitDeviations& splits);
 };
 ZEL_ROW_TABLE(ThresholdRows, thresholdRows)

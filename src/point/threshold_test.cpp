@@ -1,42 +1,21 @@
 // Thresholds with given ranges, against references that go pixel by pixel.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
-#include <cstring>
-#include <limits>
 #include <vector>
 
 #include "core/heap.h"
-#include "harness/test_image.h"
+#include "point/operator_test.h"
 
 namespace {
 
-using test::PixelOf;
 using test::Random;
 using test::TestImage;
 
-constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
-constexpr float ENDLESS = std::numeric_limits<float>::infinity();
-
-void SetPixel(const TestImage& image, int32_t x, int32_t y, double value) {
-  switch (image.Info().type) {
-    case IMAGE_U8:
-      return image.Set(x, y, static_cast<uint8_t>(value));
-    case IMAGE_I16:
-      return image.Set(x, y, static_cast<int16_t>(value));
-    default:
-      return image.Set(x, y, static_cast<float>(value));
-  }
-}
-
 // A limit or value as an image of the type takes it.
 double Settled(int32_t type, float value) {
-  if (type == IMAGE_SGL) return static_cast<double>(value);
-  if (std::isnan(value)) return 0.0;
-  const double lowest = type == IMAGE_U8 ? 0.0 : -32768.0;
-  const double highest = type == IMAGE_U8 ? 255.0 : 32767.0;
-  return std::min(std::max(std::trunc(static_cast<double>(value)), lowest), highest);
+  const auto wide = static_cast<double>(value);
+  return type == IMAGE_SGL ? wide : test::CutLimitedOf(type, wide);
 }
 
 double ThresholdOf(int32_t type, double pixel, float low, float high, float value, bool keep) {
@@ -59,30 +38,25 @@ double ClassesOf(int32_t type, double pixel, const std::vector<ThresholdClass>& 
   return result;
 }
 
-// A copy with every pixel replaced.
-template <class Rule>
-TestImage Mapped(const TestImage& source, Rule rule) {
-  TestImage expected(source.Info().type, source.width(), source.height(), 0);
-  for (int32_t y = 0; y < source.height(); y++) {
-    for (int32_t x = 0; x < source.width(); x++) {
-      SetPixel(expected, x, y, rule(PixelOf(source, x, y)));
-    }
-  }
-  return expected;
-}
-
 struct Limits {
   float low, high, value;
 };
 
 const std::vector<Limits> LIMITS = {
-    {10.0f, 20.0f, 1.0f},          {0.0f, 255.0f, 255.0f},
-    {-5.0f, 5.0f, -7.9f},          {-5.0f, -3.0f, 9.0f},
-    {300.0f, 400.0f, 300.0f},      {10.9f, 200.9f, 77.7f},
-    {200.0f, 100.0f, 5.0f},        {-40000.0f, 40000.0f, 40000.0f},
-    {-32768.0f, -1.0f, -32768.0f}, {NOT_A_NUMBER, 50.0f, NOT_A_NUMBER},
-    {20.0f, NOT_A_NUMBER, 3.0f},   {-ENDLESS, ENDLESS, ENDLESS},
-    {128.0f, 128.0f, 0.0f},        {-0.5f, 0.5f, 1e10f},
+    {10.0f, 20.0f, 1.0f},
+    {0.0f, 255.0f, 255.0f},
+    {-5.0f, 5.0f, -7.9f},
+    {-5.0f, -3.0f, 9.0f},
+    {300.0f, 400.0f, 300.0f},
+    {10.9f, 200.9f, 77.7f},
+    {200.0f, 100.0f, 5.0f},
+    {-40000.0f, 40000.0f, 40000.0f},
+    {-32768.0f, -1.0f, -32768.0f},
+    {NAN, 50.0f, NAN},
+    {20.0f, NAN, 3.0f},
+    {-INFINITY, INFINITY, INFINITY},
+    {128.0f, 128.0f, 0.0f},
+    {-0.5f, 0.5f, 1e10f},
 };
 
 TEST(ThresholdPixels, ThresholdKeepsOneRangeAndClearsTheRest) {
@@ -91,7 +65,7 @@ TEST(ThresholdPixels, ThresholdKeepsOneRangeAndClearsTheRest) {
       for (const Limits& limits : LIMITS) {
         for (const int16_t useNew : {int16_t{0}, int16_t{1}}) {
           const TestImage source(type, width, height, 3, 5);
-          const TestImage expected = Mapped(source, [&](double pixel) {
+          const TestImage expected = test::Mapped(source, type, [&](double pixel, int32_t) {
             return ThresholdOf(type, pixel, limits.low, limits.high, limits.value, useNew == 0);
           });
           const TestImage destination(type, 4, 5, 2, 8);
@@ -123,10 +97,10 @@ TEST(ThresholdPixels, MultiThresholdGoesByTheLastClassOnIntegersAndByTheFirstOnF
           const float value = random.Between(0, 3) == 0 ? 0.0f : random.Float(-300.0f, 300.0f);
           classes.push_back({low, low + extent, value, static_cast<uint16_t>(random.Next() & 1)});
         }
-        if (count == 5) classes[2] = {NOT_A_NUMBER, 100.0f, 50.0f, 1};
+        if (count == 5) classes[2] = {NAN, 100.0f, 50.0f, 1};
         const TestImage source(type, width, height, 1, 9);
-        const TestImage expected =
-            Mapped(source, [&](double pixel) { return ClassesOf(type, pixel, classes); });
+        const TestImage expected = test::Mapped(
+            source, type, [&](double pixel, int32_t) { return ClassesOf(type, pixel, classes); });
         const TestImage destination(type, 2, 2, 0);
         ASSERT_EQ(ZEL_MultiThreshold(source, destination, count, classes.data()), 0);
         ASSERT_EQ(PixelDifference(destination, expected), "") << "type " << type;
@@ -142,13 +116,13 @@ TEST(ThresholdPixels, MultiThresholdGoesByTheLastClassOnIntegersAndByTheFirstOnF
 
 TEST(ThresholdPixels, FloatClassesGoOnPastAZeroAndStopAtNaN) {
   const TestImage image(IMAGE_SGL, 5, 1);
-  const float pixels[] = {1.0f, 2.0f, 3.0f, NOT_A_NUMBER, 4.0f};
+  const float pixels[] = {1.0f, 2.0f, 3.0f, NAN, 4.0f};
   for (int32_t x = 0; x < 5; x++) image.Set(x, 0, pixels[x]);
   const std::vector<ThresholdClass> classes = {
-      {0.0f, 1.5f, 0.0f, 1},          // zero: later classes go on
-      {0.0f, 2.5f, 7.0f, 1},          // ends the search for 1 and 2
-      {0.0f, 3.5f, NOT_A_NUMBER, 1},  // ends the search for 3
-      {0.0f, 9.0f, 5.0f, 0x100},     {4.0f, 4.0f, -0.0f, 1},
+      {0.0f, 1.5f, 0.0f, 1},  // zero: later classes go on
+      {0.0f, 2.5f, 7.0f, 1},  // ends the search for 1 and 2
+      {0.0f, 3.5f, NAN, 1},   // ends the search for 3
+      {0.0f, 9.0f, 5.0f, 0x100}, {4.0f, 4.0f, -0.0f, 1},
   };
   ASSERT_EQ(ZEL_MultiThreshold(image, 0, 3, classes.data()), 0);
   EXPECT_EQ(image.Get<float>(0, 0), 7.0f);
@@ -171,7 +145,7 @@ TEST(Threshold, LimitsBelongToTheRange) {
   EXPECT_EQ(image.Pixels(), (std::vector<uint8_t>{0, 1, 1, 0}));
 }
 
-TEST(Threshold, FractionsAreCutForIntegersAndKeptForFloats) {
+TEST(Threshold, FractionsAreTruncatedForIntegersAndKeptForFloats) {
   const TestImage bytes(IMAGE_U8, 2, 1);
   bytes.Set<uint8_t>(0, 0, 10);
   bytes.Set<uint8_t>(1, 0, 21);

@@ -27,7 +27,7 @@ uint32_t CodeOfY(int32_t y, int32_t height) {
   return y < 0 ? OUT_ABOVE : y > height - 1 ? OUT_BELOW : 0u;
 }
 
-// a * b / c, cut toward zero. Differences of coordinates have 33 bits.
+// a * b / c, truncated. Differences of coordinates have 33 bits.
 int64_t ProductQuotient(int64_t a, int64_t b, int64_t c) {
   __extension__ using Wide = __int128;
   return static_cast<int64_t>(Wide{a} * b / c);

@@ -12,7 +12,7 @@ struct LinePoint {
   int32_t x, y;
 };
 
-// Clips a line in place to the pixels of an image, by exact integers cut toward zero at each edge:
+// Clips a line in place to the pixels of an image, by exact integers truncated at each edge:
 // left, right, top, bottom in this order. `visible` is 1, or 0 with the line left as it is.
 // STATUS_BAD_IMAGE.
 Status LineClip(ImageRef reference, KernelLine* line, uint16_t* visible);

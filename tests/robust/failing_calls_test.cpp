@@ -357,7 +357,8 @@ TEST(Images, WithoutPixelsHaveTheirBorderOnly) {
   EXPECT_NE(framed.Info().firstPixel, nullptr);
 }
 
-// As the header of lookups tells: from the cut rangeMin on, over rangeMax - rangeMin cut.
+// As the header of lookups tells: from the truncated rangeMin on, over rangeMax - rangeMin
+// truncated.
 TEST(MathLookups, OfIntegersTakeARangeOfWholeLevels) {
   const TestImage image(IMAGE_U8, 256, 1);
   for (int32_t x = 0; x < 256; x++) image.Set<uint8_t>(x, 0, static_cast<uint8_t>(x));

@@ -14,11 +14,11 @@ namespace test {
 // refused. `prepare` runs before each call.
 template <class Prepare, class Call>
 void RefuseEachAllocation(const Prepare& prepare, const Call& call) {
-  constexpr uint64_t endless = 500;
+  constexpr uint64_t most = 500;
   zel::HeapHooks* hooks = zel::HeapHooksGet();
   for (const bool allAfter : {false, true}) {
     uint64_t n = 1;
-    for (bool refused = true; refused && n < endless; n++) {
+    for (bool refused = true; refused && n < most; n++) {
       prepare();
       hooks->requests = 0;
       hooks->failAt = n;
@@ -33,7 +33,7 @@ void RefuseEachAllocation(const Prepare& prepare, const Call& call) {
         EXPECT_EQ(result, 0);
       }
     }
-    EXPECT_LT(n, endless);
+    EXPECT_LT(n, most);
     EXPECT_GT(n, 2u);
   }
 }
