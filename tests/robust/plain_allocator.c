@@ -9,7 +9,8 @@
 
 enum { PAGE = 4096 };
 
-/* A page with the size of the mapping and of the block, the page that nobody may touch, the block. */
+/* A page with the size of the mapping and of the block, the page that nobody may touch, the block.
+ */
 typedef struct Head {
   size_t mapped;
   size_t size;
