@@ -21,6 +21,22 @@ if(PTK_WARNINGS_AS_ERRORS)
   list(APPEND PTK_WARNING_FLAGS -Werror)
 endif()
 
+# What stops an overrun of the library before it becomes one of the program, measured to cost
+# nothing: not in row routines, which are loops, nor in builds whose sanitizer sees more.
+set(PTK_HARDENING_FLAGS)
+set(PTK_HARDENING_LINK_FLAGS)
+if(PTK_SANITIZE STREQUAL "" AND NOT PTK_FUZZ)
+  set(PTK_HARDENING_FLAGS -fstack-protector-strong
+                          $<$<CONFIG:Release,RelWithDebInfo>:-U_FORTIFY_SOURCE$<SEMICOLON>-D_FORTIFY_SOURCE=2>)
+  set(PTK_HARDENING_LINK_FLAGS -Wl,-z,relro,-z,now,-z,noexecstack)
+endif()
+
+# Callers have threads with stacks of 64 KB. Sanitizers make frames of their own size.
+set(PTK_FRAME_FLAGS)
+if(PTK_SANITIZE STREQUAL "" AND NOT PTK_FUZZ)
+  set(PTK_FRAME_FLAGS -Werror=frame-larger-than=16384 -Wframe-larger-than=16384)
+endif()
+
 if(PTK_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()

@@ -28,7 +28,7 @@ file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/generated/engine/level_list.h
 
 # The library itself has no exceptions and no run-time type information.
 function(ptk_library_flags target)
-  target_compile_options(${target} PRIVATE ${PTK_WARNING_FLAGS} -fno-exceptions -fno-rtti
+  target_compile_options(${target} PRIVATE ${PTK_WARNING_FLAGS} ${PTK_FRAME_FLAGS} -fno-exceptions -fno-rtti
                                            -fno-semantic-interposition)
   target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/include
                                                ${PROJECT_BINARY_DIR}/generated)
@@ -40,6 +40,7 @@ function(ptk_room name)
 
   add_library(room_${name} OBJECT ${ROOM_SOURCES})
   ptk_library_flags(room_${name})
+  target_compile_options(room_${name} PRIVATE ${PTK_HARDENING_FLAGS})
   set_property(GLOBAL APPEND PROPERTY PTK_OBJECT_LIBRARIES room_${name})
 
   if(ROOM_ROWS)
@@ -110,7 +111,8 @@ function(ptk_add_libraries)
   set_target_properties(orlune_ptk PROPERTIES VERSION ${PROJECT_VERSION}
                                               SOVERSION ${PROJECT_VERSION_MAJOR}
                                               LINK_DEPENDS ${script})
-  target_link_options(orlune_ptk PRIVATE -Wl,--version-script=${script} -Wl,-Bsymbolic-functions)
+  target_link_options(orlune_ptk PRIVATE -Wl,--version-script=${script} -Wl,-Bsymbolic-functions
+                                         ${PTK_HARDENING_LINK_FLAGS})
   if(PTK_SANITIZE STREQUAL "")
     target_link_options(orlune_ptk PRIVATE -Wl,--no-undefined)
   endif()

@@ -42,7 +42,7 @@ typedef struct HistogramReport {
  *            are written).
  * report:    NULL, or receives the statistics.
  * Failures: -101; -200; -301 for a mask that is not IMAGE_U8; -301 for another image type; -102 for
- * a histogram with nbClasses below 1. */
+ * a histogram with nbClasses below 1; -101 no memory to count in. */
 int32_t ZEL_Histogram(ImageRef image, ImageRef mask, int32_t nbClasses, float min, float max,
                       uint32_t* histogram, HistogramReport* report);
 

@@ -1,9 +1,9 @@
 // The heap behind every block, and its exports.
 #include "core/heap.h"
 
-#include <malloc.h>
-
+#include <cstddef>
 #include <cstdlib>
+#include <cstring>
 
 #include "orlune_ptk.h"
 
@@ -23,19 +23,33 @@ bool Refused(size_t size, size_t replaced) {
   return counted || tooLarge || tooMuch;
 }
 
-size_t SizeOf(void* block) {
-  return block ? malloc_usable_size(block) : 0;
+// In front of each block lies its size, for the counters: what allocators tell of their blocks is
+// not part of their interface, and a plain one in the C heap's place tells nothing. As long as the
+// C heap's alignment, which blocks so keep.
+constexpr size_t HEAD_BYTES = 16;
+static_assert(HEAD_BYTES >= sizeof(size_t) && HEAD_BYTES >= alignof(std::max_align_t));
+
+char* HeadOf(void* block) {
+  return static_cast<char*>(block) - HEAD_BYTES;
 }
 
-void* Counted(void* block) {
-  if (!block) {
+size_t SizeOf(void* block) {
+  size_t size = 0;
+  if (block) std::memcpy(&size, HeadOf(block), sizeof size);
+  return size;
+}
+
+// Makes a block of what the C heap gave.
+void* Counted(void* head, size_t size) {
+  if (!head) {
     hooks.refusals++;
     return nullptr;
   }
+  std::memcpy(head, &size, sizeof size);
   hooks.liveBlocks++;
-  hooks.liveBytes += static_cast<int64_t>(SizeOf(block));
+  hooks.liveBytes += static_cast<int64_t>(size);
   if (hooks.liveBytes > hooks.peakBytes) hooks.peakBytes = hooks.liveBytes;
-  return block;
+  return static_cast<char*>(head) + HEAD_BYTES;
 }
 
 }  // namespace
@@ -45,11 +59,11 @@ HeapHooks* HeapHooksGet() {
 }
 
 void* HeapAllocate(size_t size) {
-  return Counted(Refused(size, 0) ? nullptr : std::malloc(size));
+  return Counted(Refused(size, 0) ? nullptr : std::malloc(HEAD_BYTES + size), size);
 }
 
 void* HeapAllocateZeroed(size_t size) {
-  return Counted(Refused(size, 0) ? nullptr : std::calloc(1, size));
+  return Counted(Refused(size, 0) ? nullptr : std::calloc(1, HEAD_BYTES + size), size);
 }
 
 void* HeapResize(void* block, size_t size) {
@@ -59,22 +73,25 @@ void* HeapResize(void* block, size_t size) {
     hooks.refusals++;
     return nullptr;
   }
-  void* moved = std::realloc(block, size);
-  const bool released = !moved && size == 0;
-  if (!moved && !released) {
+  if (size == 0) {
+    HeapFree(block);
+    return nullptr;
+  }
+  void* moved = std::realloc(HeadOf(block), HEAD_BYTES + size);
+  if (!moved) {
     hooks.refusals++;
     return nullptr;
   }
   hooks.liveBlocks--;
   hooks.liveBytes -= static_cast<int64_t>(former);
-  return released ? nullptr : Counted(moved);
+  return Counted(moved, size);
 }
 
 void HeapFree(void* block) {
   if (!block) return;
   hooks.liveBlocks--;
   hooks.liveBytes -= static_cast<int64_t>(SizeOf(block));
-  std::free(block);
+  std::free(HeadOf(block));
 }
 
 }  // namespace zel

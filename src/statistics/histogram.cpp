@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "core/heap.h"
 #include "core/numbers.h"
 #include "statistics/histogram_rows.h"
 #include "statistics/min_max.h"
@@ -40,25 +41,14 @@ HistogramReport ReportOf(const ClassMap& map, const PixelSums& sums) {
   return report;
 }
 
-// COUNT_TABLES tables of counters, which are folded into one at the end.
-class CountTables {
- public:
-  explicit CountTables(int32_t length) : length_(length) {
-    std::memset(counters_, 0, static_cast<size_t>(COUNT_TABLES * length) * sizeof(uint32_t));
+// Adds up COUNT_TABLES tables of `length` counters, of which the first `count` are asked for.
+void FoldTables(const uint32_t* tables, int32_t length, int32_t count, uint32_t* folded) {
+  std::memcpy(folded, tables, static_cast<size_t>(count) * sizeof(uint32_t));
+  for (int32_t table = 1; table < COUNT_TABLES; table++) {
+    const uint32_t* more = tables + table * length;
+    for (int32_t i = 0; i < count; i++) folded[i] += more[i];
   }
-  uint32_t* counters() { return counters_; }
-  void Fold(int32_t count, uint32_t* folded) const {
-    std::memcpy(folded, counters_, static_cast<size_t>(count) * sizeof(uint32_t));
-    for (int32_t table = 1; table < COUNT_TABLES; table++) {
-      const uint32_t* more = counters_ + table * length_;
-      for (int32_t i = 0; i < count; i++) folded[i] += more[i];
-    }
-  }
-
- private:
-  int32_t length_;
-  uint32_t counters_[COUNT_TABLES * (CLASSES_MAX + 1)];
-};
+}
 
 // Sums of bytes stay below EXACT_SUM_LIMIT, so that the counts of the levels tell all.
 void SumLevels(const uint32_t* counts, int32_t low, int32_t high, PixelSums* sums) {
@@ -111,13 +101,18 @@ void SumWordsInOrder(const Region& region, const ClassMap& map, PixelSums* sums)
   }
 }
 
-void CountPixels(const Region& region, const ClassMap& map, uint32_t* counters, PixelSums* sums) {
+// The tables are too large for a thread with a small stack.
+Status CountPixels(const Region& region, const ClassMap& map, uint32_t* counters, PixelSums* sums) {
+  const int32_t length = map.classes + 1;
+  WorkArray<uint32_t> tables;
+  if (!tables.AllocateZeroed(static_cast<uint64_t>(COUNT_TABLES) * static_cast<uint64_t>(length))) {
+    return STATUS_MEMORY_FULL;
+  }
   const HistogramRows& rows = histogramRows();
   const PixelView& view = region.view;
   const bool words = view.type == IMAGE_I16;
   const ClassRow classesOf = words ? rows.classesOfWords : rows.classesOfFloats;
   const SumRow sum = words ? rows.sumWords : rows.sumFloats;
-  CountTables tables(map.classes + 1);
   uint16_t classes[CLASS_RUN];
   for (int32_t y = 0; y < view.height; y++) {
     const auto* row = view.Row<uint8_t>(y);
@@ -126,12 +121,13 @@ void CountPixels(const Region& region, const ClassMap& map, uint32_t* counters, 
       const int32_t run = std::min(CLASS_RUN, view.width - x);
       const uint8_t* pixels = row + int64_t{x} * view.pixelBytes;
       classesOf(pixels, mask ? mask + x : nullptr, run, map, classes);
-      sum(pixels, classes, run, map, tables.counters(), sums);
+      sum(pixels, classes, run, map, tables.data(), sums);
     }
   }
-  tables.Fold(map.classes, counters);
+  FoldTables(tables.data(), length, map.classes, counters);
   for (int32_t i = 0; i < map.classes; i++) sums->count += counters[i];
   if (!sums->SquaresAreExact() && words) SumWordsInOrder(region, map, sums);
+  return STATUS_OK;
 }
 
 // Both ends of the values that are counted. What callers leave at 0 is all levels of bytes, and
@@ -186,22 +182,23 @@ void CountLevels(const Region& region, uint32_t (&counts)[LEVELS_U8]) {
   const HistogramRows& rows = histogramRows();
   const PixelView& view = region.view;
   // Under a mask a counter more takes the pixels that are left out.
-  CountTables tables(LEVELS_U8 + (region.mask.SelectsAll() ? 0 : 1));
+  const int32_t length = LEVELS_U8 + (region.mask.SelectsAll() ? 0 : 1);
+  uint32_t tables[COUNT_TABLES * (LEVELS_U8 + 1)] = {};
   uint16_t levels[CLASS_RUN];
   for (int32_t y = 0; y < view.height; y++) {
     const auto* row = view.Row<uint8_t>(y);
     const uint8_t* mask = region.mask.Row(y);
     if (!mask) {
-      rows.countLevels(row, view.width, tables.counters());
+      rows.countLevels(row, view.width, tables);
       continue;
     }
     for (int32_t x = 0; x < view.width; x += CLASS_RUN) {
       const int32_t run = std::min(CLASS_RUN, view.width - x);
       rows.levelsUnderMask(row + x, mask + x, run, levels);
-      rows.countNumbers(levels, run, LEVELS_U8 + 1, tables.counters());
+      rows.countNumbers(levels, run, length, tables);
     }
   }
-  tables.Fold(LEVELS_U8, counts);
+  FoldTables(tables, length, LEVELS_U8, counts);
 }
 
 Status Histogram(ImageRef image, ImageRef mask, int32_t nbClasses, float min, float max,
@@ -233,9 +230,9 @@ Status Histogram(ImageRef image, ImageRef mask, int32_t nbClasses, float min, fl
   } else if (type == IMAGE_U8) {
     CountBytes(region, map, counters, &sums);
   } else {
-    CountPixels(region, map, counters, &sums);
+    status = CountPixels(region, map, counters, &sums);
   }
-  if (!report) return STATUS_OK;
+  if (status != STATUS_OK || !report) return status;
   *report = ReportOf(map, sums);
   if (everyLevel) report->interval = 1.0f;  // also when nothing is counted
   return STATUS_OK;
@@ -245,14 +242,19 @@ Status Histogram(ImageRef image, ImageRef mask, int32_t nbClasses, float min, fl
 
 int32_t ZEL_Histogram(ImageRef image, ImageRef mask, int32_t nbClasses, float min, float max,
                       uint32_t* histogram, HistogramReport* report) {
-  // Counters that nobody asked for. A caller's array is never used beyond the most classes.
-  uint32_t unused[zel::CLASSES_MAX];
-  const int32_t room = histogram ? zel::Clamped(nbClasses, 0, zel::CLASSES_MAX) : zel::CLASSES_MAX;
+  // A caller's array is never used beyond the most classes. Without one the counters are of no use.
   zel::ScopedWrap counters;
-  zel::Status status = counters.Create(histogram ? histogram : unused, sizeof(uint32_t),
-                                       static_cast<uint32_t>(room), 0, 0);
+  zel::ScopedVector unused;
+  zel::Status status = zel::STATUS_OK;
+  if (histogram) {
+    const auto room = static_cast<uint32_t>(zel::Clamped(nbClasses, 0, zel::CLASSES_MAX));
+    status = counters.Create(histogram, sizeof(uint32_t), room, 0, 0);
+  } else {
+    status = unused.Create();
+  }
   if (status == zel::STATUS_OK) {
-    status = zel::Histogram(image, mask, nbClasses, min, max, counters.handle(), report);
+    const zel::Handle handle = histogram ? counters.handle() : unused.handle();
+    status = zel::Histogram(image, mask, nbClasses, min, max, handle, report);
   }
   return ZEL_ProcessError("ZEL_Histogram", status);
 }
