@@ -36,8 +36,8 @@ Image* RecordOf(const ImageEntry& entry) {
                                  : nullptr;
 }
 
-// The bytes of some pixels with what is needed to begin the next ones on a multiple of 8, where rows
-// and their first pixels lie.
+// The bytes of some pixels with what is needed to begin the next ones on a multiple of 8, where
+// rows and their first pixels lie.
 int64_t PaddedBytes(int64_t pixels, int32_t pixelBytes) {
   return (pixels * pixelBytes + 7) & -8;
 }
@@ -63,10 +63,11 @@ bool LayoutOf(int32_t width, int32_t height, int32_t border, int32_t pixelBytes,
   return layout->bytes <= static_cast<int64_t>(HEAP_BLOCK_LIMIT);
 }
 
-// Whether an image with pixels of its own has this size already, as the destinations of most calls.
-bool HasLayoutFor(const Image& image, int32_t width, int32_t height) {
-  return image.width == width && image.height == height && image.lineWidth != 0 &&
-         image.type != IMAGE_OPAQUE;
+// Whether the block of an image is laid out like this already, as with the destinations of most
+// calls. The size alone doesn't tell: a border may have changed since.
+bool HasLayout(const Image& image, const Layout& layout) {
+  return image.lineWidth == layout.lineWidth && image.type != IMAGE_OPAQUE &&
+         int64_t{HandleRow(image.pixels)->blockBytes} == layout.bytes && layout.bytes != 0;
 }
 
 // A handle of an image for one of its two blocks.
@@ -192,12 +193,13 @@ Status ImageSetSize(ImageRef reference, int32_t width, int32_t height) {
 
 Status ImageLayoutSize(Image* image, int32_t width, int32_t height, bool keep) {
   if (width < 1 || height < 1) width = height = 0;
-  if (keep && HasLayoutFor(*image, width, height)) return STATUS_OK;
   int32_t pixelBytes = 0;
   Status status = PixelSize(LayoutType(*image), &pixelBytes);
   if (status != STATUS_OK) return status;
   Layout layout{};
   if (!LayoutOf(width, height, image->border, pixelBytes, &layout)) return STATUS_MEMORY_FULL;
+  const bool sameSize = image->width == width && image->height == height;
+  if (keep && sameSize && HasLayout(*image, layout)) return STATUS_OK;
 
   const bool opaque = image->type == IMAGE_OPAQUE;
   const int64_t required = !opaque ? layout.bytes : image->opaqueSize > 0 ? image->opaqueSize : 0;
