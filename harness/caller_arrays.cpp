@@ -42,7 +42,7 @@ uint8_t* CallerArrays::Make(const ArrayLayout& layout, ArrayPlace place) {
   if (place == ArrayPlace::BeforeGuardPage) {
     array = MakeBeforeGuardPage(layout.bytes);
   } else {
-    const size_t shift = place == ArrayPlace::Misaligned && layout.alignment == 1 ? 1 : 0;
+    const size_t shift = place == ArrayPlace::Misaligned ? layout.alignment : 0;
     blocks_.push_back(new uint8_t[layout.bytes + shift]);
     array = blocks_.back() + shift;
   }

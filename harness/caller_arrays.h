@@ -24,7 +24,7 @@ ArrayLayout LayoutOf(int32_t arrayType, size_t count);
 enum class ArrayPlace {
   Heap,             // where a sanitizer watches both ends
   BeforeGuardPage,  // ends where a page begins that nobody may touch, sanitizer or not
-  Misaligned,       // on the heap at an odd address, where the elements are bytes
+  Misaligned,       // on the heap, aligned as the elements need it and no better
 };
 
 class CallerArrays {

@@ -5,6 +5,7 @@
 
 #include "core/heap.h"
 #include "core/images.h"
+#include "core/poison.h"
 #include "core/tables.h"
 #include "platform/workers.h"
 
@@ -97,6 +98,9 @@ bool BlockReplace(HandleEntry* row, size_t size) {
   HeapFree(row->block);
   row->block = block;
   row->data = data;
+  const auto before = static_cast<size_t>(data - static_cast<char*>(block));
+  MemoryForbid(block, before);
+  MemoryForbid(data + size, allocated - before - size);
   return true;
 }
 

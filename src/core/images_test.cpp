@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/heap.h"
+#include "core/poison.h"
 #include "core/tables.h"
 #include "core/world.h"
 #include "harness/test_image.h"
@@ -455,6 +456,26 @@ TEST(Images, CallsAfterClosingStartOver) {
   EXPECT_EQ(ZEL_CloseSys(), 0);
   EXPECT_EQ(ZEL_SetImageSize(image, 1, 1), -200);
   EXPECT_EQ(ZEL_InitSys(), 0);
+}
+
+// The block of pixels lies somewhere inside a block of the heap, whose ends alone a sanitizer
+// watches by itself.
+TEST(PixelBlocks, HaveEndsThatTheAddressSanitizerWatches) {
+#if defined(ZEL_ADDRESS_SANITIZER)
+  for (const int32_t border : {0, 3}) {
+    for (const int32_t width : {1, 100}) {
+      const TestImage image(IMAGE_U8, width, 3, border);
+      const ImageInfo info = image.Info();
+      const int32_t leftPad = (border + 7) / 8 * 8;
+      const volatile uint8_t* block = image.At<uint8_t>(0, 0) - border * info.lineBytes - leftPad;
+      static_cast<void>(block[0] + block[info.totalBytes - 1]);
+      EXPECT_DEATH(static_cast<void>(block[info.totalBytes]), "AddressSanitizer");
+      EXPECT_DEATH(static_cast<void>(block[-1]), "AddressSanitizer");
+    }
+  }
+#else
+  GTEST_SKIP() << "a build for the address sanitizer shows it";
+#endif
 }
 
 }  // namespace
