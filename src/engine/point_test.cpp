@@ -5,10 +5,8 @@
 #include <cstring>
 #include <vector>
 
-#include "core/images.h"
 #include "core/pixel_types.h"
-#include "engine/bands.h"
-#include "harness/test_image.h"
+#include "tests/support/walks.h"
 
 namespace {
 
@@ -177,9 +175,7 @@ struct WalkCase {
 };
 
 class PointWalkOf : public testing::TestWithParam<WalkCase> {
- protected:
-  PointWalkOf() { BandsForce(GetParam().workers, 0); }
-  ~PointWalkOf() override { BandsForce(0, 0); }
+  const test::Workers workers_{GetParam().workers};
 };
 INSTANTIATE_TEST_SUITE_P(Workers, PointWalkOf,
                          testing::Values(WalkCase{1, 0}, WalkCase{1, 3}, WalkCase{3, 0},
