@@ -297,6 +297,21 @@ class Streaming {
   ~Streaming() { pointStreamBytes = POINT_STREAM_UNKNOWN; }
 };
 
+TEST(PointWalk, OnlyResultsThatAreNoOperandAreStreamed) {
+  const Streaming streaming;
+  const Sheet first(IMAGE_U8, 100, 1);
+  const Sheet second(IMAGE_U8, 100, 1);
+  const Sheet other(IMAGE_U8, 100, 1);
+  for (const Sheet* result : {&first, &second, &other}) {
+    std::vector<PixelView> parts;
+    PointWalk<Parts>(
+        {.first = first.view(), .second = second.view(), .result = result->view(), .mask = {}},
+        &NotePart, {&parts});
+    ASSERT_EQ(parts.size(), 1u);
+    EXPECT_EQ(parts[0].origin != result->view().origin, result == &other);
+  }
+}
+
 void AddWords(const PointViews& views, const NoRule&) {
   CombineSamePlace<uint16_t, uint8_t, uint16_t>(
       views, [](uint16_t a, uint8_t b) { return static_cast<uint16_t>(a + b); });
