@@ -17,6 +17,7 @@ for room in "$@"; do
   # Tests may use all rooms up to their own, and what tests share.
   for file in "$source/src/$room"/*; do
     case $file in *.cpp | *.h) ;; *) continue ;; esac
+    ! grep -q '^#include "\.' "$file" || fail "$file includes a header by a relative path, which hides its room"
     for used in $(sed -n 's/^#include "\([a-z]*\)\/.*/\1/p' "$file" | sort -u); do
       case " $before " in *" $used "*) continue ;; esac
       case "$file $used" in *_test.cpp\ harness | *_test.h\ harness | *_test.cpp\ tests | *_test.h\ tests) continue ;; esac

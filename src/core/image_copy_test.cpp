@@ -188,6 +188,8 @@ TEST(Attachments, AreCopiedWithTheInfoAndThoseThatStayAreKept) {
   Attach(loose, 1, 30);
   EXPECT_EQ(ImageCopyInfo(bare, loose), 0);
   EXPECT_EQ(Record(loose)->attachments, 0);
+  EXPECT_EQ(ImageCopyInfo(source, bare), 0);
+  EXPECT_EQ(Attached(bare), (List{{1, 10}, {0, -1}}));
 }
 
 TEST(Attachments, GoIntoATemporaryImage) {

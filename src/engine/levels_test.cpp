@@ -36,8 +36,10 @@ TEST(Levels, WiderLevelsHaveWiderVectors) {
 }
 
 TEST(Levels, OneThatIsThereCanBeForced) {
-  EXPECT_TRUE(LevelForce(LEVEL_plain));
-  EXPECT_EQ(LevelInUse(), LEVEL_plain);
+  for (const Level level : {LEVEL_plain, LevelChoose()}) {
+    EXPECT_TRUE(LevelForce(level));
+    EXPECT_EQ(LevelInUse(), level);
+  }
   EXPECT_TRUE(LevelForce(LEVEL_UNKNOWN));
   EXPECT_NE(levelProbe().name, nullptr);
 }

@@ -5,10 +5,8 @@
 #include <cstring>
 #include <vector>
 
-#include "core/images.h"
 #include "core/pixel_types.h"
-#include "engine/bands.h"
-#include "harness/test_image.h"
+#include "tests/support/walks.h"
 
 namespace {
 
@@ -177,9 +175,7 @@ struct WalkCase {
 };
 
 class PointWalkOf : public testing::TestWithParam<WalkCase> {
- protected:
-  PointWalkOf() { BandsForce(GetParam().workers, 0); }
-  ~PointWalkOf() override { BandsForce(0, 0); }
+  const test::Workers workers_{GetParam().workers};
 };
 INSTANTIATE_TEST_SUITE_P(Workers, PointWalkOf,
                          testing::Values(WalkCase{1, 0}, WalkCase{1, 3}, WalkCase{3, 0},
@@ -300,6 +296,21 @@ class Streaming {
   Streaming& operator=(const Streaming&) = delete;
   ~Streaming() { pointStreamBytes = POINT_STREAM_UNKNOWN; }
 };
+
+TEST(PointWalk, OnlyResultsThatAreNoOperandAreStreamed) {
+  const Streaming streaming;
+  const Sheet first(IMAGE_U8, 100, 1);
+  const Sheet second(IMAGE_U8, 100, 1);
+  const Sheet other(IMAGE_U8, 100, 1);
+  for (const Sheet* result : {&first, &second, &other}) {
+    std::vector<PixelView> parts;
+    PointWalk<Parts>(
+        {.first = first.view(), .second = second.view(), .result = result->view(), .mask = {}},
+        &NotePart, {&parts});
+    ASSERT_EQ(parts.size(), 1u);
+    EXPECT_EQ(parts[0].origin != result->view().origin, result == &other);
+  }
+}
 
 void AddWords(const PointViews& views, const NoRule&) {
   CombineSamePlace<uint16_t, uint8_t, uint16_t>(

@@ -7,16 +7,17 @@
 #include <string>
 #include <vector>
 
-#include "core/images.h"
-#include "harness/test_image.h"
 #include "platform/processor.h"
+#include "tests/support/walks.h"
 
 namespace {
 
 using namespace zel;
 using test::ODD_SIZES;
 using test::Selects;
+using test::SparseMask;
 using test::TestImage;
+using test::Workers;
 
 // The weighted sum of a window, which tells each of its places apart from the others.
 struct Weights {
@@ -80,13 +81,6 @@ void SetLowBits(const TestImage& image, int32_t x, int32_t y, uint32_t value) {
   }
 }
 
-TestImage CopyOf(const TestImage& image) {
-  const ImageInfo info = image.Info();
-  TestImage copy(info.type, info.width, info.height, info.border);
-  EXPECT_EQ(ImageClone(image, copy), STATUS_OK);
-  return copy;
-}
-
 struct Call {
   WindowReach reach;
   BorderFill fill;
@@ -107,7 +101,7 @@ Status Walk(const WindowImages& images, const Call& call) {
 
 // What a walk makes of the source: pixels under no mask are the source's.
 TestImage Expected(const TestImage& source, const TestImage* mask, const Call& call) {
-  TestImage result = CopyOf(source);
+  TestImage result = CloneOf(source);
   const ImageInfo info = source.Info();
   for (int32_t y = 0; y < info.height; y++) {
     const Weights& weights = y % 2 == 0 ? call.even : call.odd;
@@ -127,25 +121,6 @@ Call CallOf(int32_t columns, int32_t rows, BorderFill fill) {
   const Weights weights{
       .left = (columns - 1) / 2, .right = columns / 2, .rows = rows, .factor = 11, .offset = 5};
   return {{(rows - 1) / 2, rows / 2}, fill, border, weights, weights};
-}
-
-// The number of workers for the time of a scope, with images of any size worth all of them.
-class Workers {
- public:
-  explicit Workers(int32_t count) { BandsForce(count, 1); }
-  ~Workers() { BandsForce(0, 0); }
-};
-
-TestImage Mask(int32_t width, int32_t height, int32_t x, int32_t y, uint64_t seed) {
-  TestImage mask(IMAGE_U8, width, height, static_cast<int32_t>(seed % 3), seed);
-  test::Random random(seed + 1);
-  for (int32_t row = 0; row < height; row++) {
-    for (int32_t column = 0; column < width; column++) {
-      if (random.Next() % 3 == 0) mask.Set<uint8_t>(column, row, 0);
-    }
-  }
-  ZEL_SetImageOffset(mask, x, y);
-  return mask;
 }
 
 TEST(Window, ReadsEachPlaceOfTheWindowOnAllSizesAndTypes) {
@@ -216,7 +191,7 @@ TEST(Window, WritesSelectedPixelsOfMasksAtTheirOffsets) {
                                  {INT32_MAX, 1},
                                  {1, INT32_MIN}}) {
         const TestImage source(type, 31, 17, 2, 4);
-        const TestImage mask = Mask(12, 9, x, y, 7);
+        const TestImage mask = SparseMask(12, 9, x, y, 7);
         TestImage destination(type, 5, 5, 1, 5);
         ASSERT_EQ(Walk({source, mask, destination}, CALL_3X3), STATUS_OK);
         EXPECT_EQ(PixelDifference(destination, Expected(source, &mask, CALL_3X3)), "")
@@ -231,7 +206,7 @@ TEST(Window, ReplacesTheSource) {
     for (const bool masked : {false, true}) {
       const TestImage source(IMAGE_U8, 33, 12, 2, 4);
       ZEL_SetImageCalibration(source, 7, 2.0f, 3.0f);
-      const TestImage mask = Mask(20, 20, 6, -3, 8);
+      const TestImage mask = SparseMask(20, 20, 6, -3, 8);
       const TestImage expected = Expected(source, masked ? &mask : nullptr, CALL_3X3);
       const ImageRef over = masked ? ImageRef{mask} : byReference ? ImageRef{source} : 0;
       ASSERT_EQ(Walk({source, over, byReference ? ImageRef{source} : 0}, CALL_3X3), STATUS_OK);
@@ -244,7 +219,7 @@ TEST(Window, ReplacesTheSource) {
 TEST(Window, ReplacesTheMask) {
   const TestImage source(IMAGE_U8, 33, 12, 2, 4);
   ZEL_SetImageOffset(source, 3, 4);
-  const TestImage mask = Mask(20, 20, 6, -3, 8);
+  const TestImage mask = SparseMask(20, 20, 6, -3, 8);
   const TestImage expected = Expected(source, &mask, CALL_3X3);
   ASSERT_EQ(Walk({source, mask, mask}, CALL_3X3), STATUS_OK);
   EXPECT_EQ(PixelDifference(mask, expected), "");
@@ -258,7 +233,7 @@ TEST(Window, HasARuleForEvenAndOneForOddRowsOfTheImage) {
     const Workers forced(workers);
     for (const int32_t y : {0, 1, 2, 5}) {
       const TestImage source(IMAGE_U8, 20, 13, 1, 4);
-      const TestImage mask = Mask(12, 6, 1, y, 8);
+      const TestImage mask = SparseMask(12, 6, 1, y, 8);
       TestImage destination(IMAGE_U8, 5, 5, 1, 5);
       ASSERT_EQ(Walk({source, mask, destination}, call), STATUS_OK);
       EXPECT_EQ(PixelDifference(destination, Expected(source, &mask, call)), "");
@@ -270,7 +245,7 @@ TEST(Window, HasARuleForEvenAndOneForOddRowsOfTheImage) {
 
 TEST(Window, HasGroupedColumnsWithoutAMaskAndWithTheInstructionsOnly) {
   const TestImage source(IMAGE_U8, 23, 4, 1, 4);
-  const TestImage mask = Mask(23, 4, 0, 0, 8);
+  const TestImage mask = SparseMask(23, 4, 0, 0, 8);
   TestImage destination(IMAGE_U8, 5, 5, 1, 5);
   for (const int32_t present : {0, 1}) {
     MmxForce(present);
@@ -307,7 +282,7 @@ TEST(Window, GivesEachBandMemoryOfItsOwnAndRowsOnce) {
     const Workers forced(workers);
     for (const bool masked : {false, true}) {
       const TestImage source(IMAGE_I16, 37, 40, 1, 4);
-      const TestImage mask = Mask(30, 30, 2, 3, 8);
+      const TestImage mask = SparseMask(30, 30, 2, 3, 8);
       TestImage destination(IMAGE_I16, 5, 5, 1, 5);
       Operands operands;
       WindowOperandsSettle({source, masked ? ImageRef{mask} : 0, destination}, BORDER_MIRROR, 1,
@@ -345,7 +320,7 @@ TEST(Window, GivesEachBandMemoryOfItsOwnAndRowsOnce) {
 
 TEST(Window, StoresPartsOfRowsUnderTheMask) {
   const TestImage source(IMAGE_SGL, 21, 6, 1, 4);
-  const TestImage mask = Mask(14, 6, 3, 0, 8);
+  const TestImage mask = SparseMask(14, 6, 3, 0, 8);
   const std::vector<float> pixels(21, 77.0f);
   for (const bool masked : {false, true}) {
     TestImage destination(IMAGE_SGL, 5, 5, 1, 5);
@@ -402,7 +377,7 @@ TEST(Window, NeedsNoBorderWhereNoneIsRead) {
 TEST(Window, ReadsTheBorderOfImagesSmallerThanIt) {
   for (const auto& [width, height] : {std::pair{1, 1}, {2, 2}, {1, 5}, {6, 2}, {2, 3}}) {
     const TestImage source(IMAGE_U8, width, height, 4, 4);
-    const TestImage filled = CopyOf(source);
+    const TestImage filled = CloneOf(source);
     ASSERT_EQ(BorderMirror(filled), STATUS_OK);
     const Call call = CallOf(5, 5, BORDER_MIRROR);
     TestImage destination(IMAGE_U8, 1, 1, 0, 5);

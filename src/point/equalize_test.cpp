@@ -123,7 +123,7 @@ TEST(EqualizePixels, SpreadsTheLevelsByTheHistogram) {
 TEST(EqualizePixels, HistogramAndExtremesGoByTheMask) {
   for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
     for (const int32_t offset : {0, 4, -6, 900}) {
-      const TestImage mask = test::HalfMask(50, 6, offset, 1);
+      const TestImage mask = test::SparseMask(50, 6, offset, 1, 31);
       const TestImage source(type, 44, 5, 2, 9);
       const Histogram histogram = HistogramOf(source, &mask);
       const TestImage expected = Expected(source, &mask, histogram, 0.0f, 0.0f);

@@ -234,7 +234,7 @@ TEST(MathLookup, NearTheStartOfALawDifferencesCancelAndStayExact) {
 TEST(MathLookup, ExtremesAndPixelsGoByTheMask) {
   for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
     for (const int32_t offset : {0, 4, -6, 900}) {
-      const TestImage mask = test::HalfMask(50, 6, offset, 1);
+      const TestImage mask = test::SparseMask(50, 6, offset, 1, 31);
       for (int32_t operation = 0; operation < 7; operation++) {
         const TestImage source(type, 44, 5, 2, 9);
         Check(source, &mask, {operation, 2.0f, 0.0f, 0.0f});

@@ -113,7 +113,7 @@ TEST(LookupPixels, MaskedOutPixelsKeepTheSourcesValue) {
     for (const auto& [width, height] : test::ODD_SIZES) {
       for (const auto& [offsetX, offsetY] : std::vector<std::pair<int32_t, int32_t>>{
                {0, 0}, {3, 1}, {-5, -1}, {1000, 0}, {INT32_MIN, 0}, {INT32_MAX, INT32_MAX}}) {
-        const TestImage mask = test::HalfMask(width + 2, 3, offsetX, offsetY);
+        const TestImage mask = test::SparseMask(width + 2, 3, offsetX, offsetY, 31);
         const TestImage source(type, width, height, 2, 3);
         const TestImage expected = Expected(source, &mask, entries);
         const TestImage destination(type, 5, 5, 1);
@@ -137,7 +137,7 @@ TEST(LookupPixels, TheMaskMayBeTheDestination) {
     const TestImage source(IMAGE_U8, 70, 5, 1, 6);
     ZEL_SetImageCalibration(source, 1, 2.0f, 3.0f);
     ZEL_SetImageOffset(source, 17, 18);
-    const TestImage mask = test::HalfMask(66, 4, offset, 1);
+    const TestImage mask = test::SparseMask(66, 4, offset, 1, 31);
     const TestImage expected = Expected(source, &mask, entries);
     ASSERT_EQ(ZEL_UserLookup(source, mask, mask, ARRAY_I16, entries.data(), 256), 0);
     EXPECT_EQ(PixelDifference(mask, expected), "");
@@ -241,11 +241,11 @@ TEST(Lookup, FailuresLeaveTheImagesAlone) {
 TEST(Lookup, EveryRefusedAllocationIsToldAndKeepsTheImages) {
   const std::vector<int32_t> entries(300, 7);
   const TestImage source(IMAGE_U8, 30, 4, 1);
-  const TestImage original = test::HalfMask(40, 9, 1, 1);
+  const TestImage original = test::SparseMask(40, 9, 1, 1, 31);
   const TestImage expected = Expected(source, &original, std::vector<int16_t>(256, 7));
   const std::vector<uint8_t> before = source.Block();
   TestImage mask;
-  test::RefuseEachAllocation([&] { mask = test::HalfMask(40, 9, 1, 1); },
+  test::RefuseEachAllocation([&] { mask = test::SparseMask(40, 9, 1, 1, 31); },
                              [&] {
                                const int32_t result = ZEL_UserLookup(source, mask, mask, ARRAY_I32,
                                                                      entries.data(), 300);

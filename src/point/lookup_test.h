@@ -1,24 +1,13 @@
-// What the tests of lookups share: masks, and what computed tables stretch between.
+// What the tests of lookups share: what computed tables stretch between.
 #pragma once
 
 #include <cmath>
 #include <cstdint>
 
 #include "point/operator_test.h"
+#include "tests/support/walks.h"
 
 namespace test {
-
-// A mask at an offset, with half of its pixels 0.
-inline TestImage HalfMask(int32_t width, int32_t height, int32_t offsetX, int32_t offsetY) {
-  TestImage mask(IMAGE_U8, width, height, 1, 31);
-  for (int32_t y = 0; y < height; y++) {
-    for (int32_t x = 0; x < width; x++) {
-      if ((mask.Get<uint8_t>(x, y) & 1) != 0) mask.Set<uint8_t>(x, y, 0);
-    }
-  }
-  ZEL_SetImageOffset(mask, offsetX, offsetY);
-  return mask;
-}
 
 // The limits of the results, and the range of pixel values within them.
 struct Stretch {

@@ -148,12 +148,8 @@ int32_t EntropyReference(const Counts& counts) {
   return t;
 }
 
-int32_t MetricReference(const std::vector<uint8_t>& pixels, const Counts& counts) {
-  if (pixels.empty()) return 255;
-  const auto [lowest, highest] = std::minmax_element(pixels.begin(), pixels.end());
-  const int32_t lo = *lowest;
-  const int32_t hi = *highest;
-  if (lo >= hi) return lo;
+int32_t MetricReference(const std::vector<uint8_t>& pixels, const Counts& counts, int32_t lo,
+                        int32_t hi) {
   double best = 1e30;
   int32_t t = lo;
   for (int32_t s = lo; s <= hi; s++) {
@@ -173,12 +169,8 @@ int32_t MetricReference(const std::vector<uint8_t>& pixels, const Counts& counts
   return t;
 }
 
-int32_t MomentsReference(const std::vector<uint8_t>& pixels, const Counts& counts) {
-  if (pixels.empty()) return 255;
-  const auto [lowest, highest] = std::minmax_element(pixels.begin(), pixels.end());
-  const int32_t lo = *lowest;
-  const int32_t hi = *highest;
-  if (lo >= hi) return lo;
+int32_t MomentsReference(const std::vector<uint8_t>& pixels, const Counts& counts, int32_t lo,
+                         int32_t hi) {
   double best = 1e30;
   int32_t t = hi;
   for (int32_t s = lo; s < hi; s++) {
@@ -210,13 +202,9 @@ int32_t MomentsReference(const std::vector<uint8_t>& pixels, const Counts& count
   return t;
 }
 
-int32_t InterclassReference(const std::vector<uint8_t>& pixels) {
-  if (pixels.empty()) return 255;
-  const auto [lowest, highest] = std::minmax_element(pixels.begin(), pixels.end());
-  const int32_t lo = *lowest;
-  if (lo >= *highest) return lo;
+int32_t InterclassReference(const std::vector<uint8_t>& pixels, int32_t lo, int32_t hi) {
   double a = lo;
-  double b = *highest;
+  double b = hi;
   int32_t t = 0;
   for (int32_t round = 0; round < 20; round++) {
     const double mid = (a + b) * 0.5;
@@ -232,17 +220,19 @@ int32_t InterclassReference(const std::vector<uint8_t>& pixels) {
 
 int32_t Reference(int32_t method, const TestImage& image) {
   const std::vector<uint8_t> pixels = image.Pixels();
+  const Counts counts = CountsOf(image);
+  if (method == AUTOB_CLUSTERING) return ClusteringReference(pixels);
+  if (method == AUTOB_ENTROPY) return EntropyReference(counts);
+  if (pixels.empty()) return 255;
+  const auto [lowest, highest] = std::minmax_element(pixels.begin(), pixels.end());
+  if (*lowest == *highest) return *lowest;
   switch (method) {
-    case AUTOB_CLUSTERING:
-      return ClusteringReference(pixels);
-    case AUTOB_ENTROPY:
-      return EntropyReference(CountsOf(image));
     case AUTOB_METRIC:
-      return MetricReference(pixels, CountsOf(image));
+      return MetricReference(pixels, counts, *lowest, *highest);
     case AUTOB_MOMENTS:
-      return MomentsReference(pixels, CountsOf(image));
+      return MomentsReference(pixels, counts, *lowest, *highest);
     default:
-      return InterclassReference(pixels);
+      return InterclassReference(pixels, *lowest, *highest);
   }
 }
 

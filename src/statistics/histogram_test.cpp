@@ -9,9 +9,11 @@
 
 #include "statistics/histogram_test.h"
 #include "statistics/min_max.h"
+#include "tests/support/walks.h"
 
 namespace {
 
+using test::SparseMask;
 using test::TestImage;
 
 constexpr uint32_t UNTOUCHED = 0xABCDABCD;
@@ -51,18 +53,6 @@ void Check(const TestImage& image, const TestImage* mask, int32_t nbClasses, flo
   ExpectSameReport(again, expected.report);
 }
 
-TestImage PlacedMask(int32_t width, int32_t height, int32_t x, int32_t y, uint64_t seed) {
-  TestImage mask(IMAGE_U8, width, height, 1, seed);
-  test::Random random(seed);
-  for (int32_t row = 0; row < height; row++) {
-    for (int32_t column = 0; column < width; column++) {
-      if (random.Next() % 3 == 0) mask.Set<uint8_t>(column, row, 0);
-    }
-  }
-  EXPECT_EQ(ZEL_SetImageOffset(mask, x, y), 0);
-  return mask;
-}
-
 TEST(HistogramPixels, FollowsTheRuleForAllTypesSizesAndMasks) {
   struct Case {
     int32_t classes;
@@ -75,8 +65,8 @@ TEST(HistogramPixels, FollowsTheRuleForAllTypesSizesAndMasks) {
   for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
     for (const auto& [width, height] : test::ODD_SIZES) {
       const TestImage image(type, width, height, 2, 11);
-      const TestImage inside = PlacedMask(width, height, 0, 0, 5);
-      const TestImage shifted = PlacedMask(width + 3, height + 1, -2, 1, 6);
+      const TestImage inside = SparseMask(width, height, 0, 0, 5);
+      const TestImage shifted = SparseMask(width + 3, height + 1, -2, 1, 6);
       for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message()
                      << "type " << type << ", " << width << " x " << height << ", " << c.classes
@@ -205,7 +195,7 @@ TEST(Histogram, ExtremesOfZeroKeepTheSignOfTheFirstZero) {
 
 TEST(Histogram, NothingCountedGivesAReportOfZeros) {
   const TestImage image(IMAGE_U8, 8, 8);
-  const TestImage farAway = PlacedMask(4, 4, 100, 100, 1);
+  const TestImage farAway = SparseMask(4, 4, 100, 100, 1);
   Check(image, &farAway, 256, 0, 0);
   Check(image, &farAway, 10, 0, 0);
   const TestImage words(IMAGE_I16, 8, 8);
@@ -255,7 +245,7 @@ TEST(HistogramPixels, MinMaxFollowsTheRuleForAllTypesSizesAndMasks) {
     for (const auto& [width, height] : test::ODD_SIZES) {
       for (uint64_t seed = 1; seed < 6; seed++) {
         const TestImage image(type, width, height, 1, seed);
-        const TestImage mask = PlacedMask(width, height, 1, -1, seed);
+        const TestImage mask = SparseMask(width, height, 1, -1, seed);
         for (const TestImage* placed : {static_cast<const TestImage*>(nullptr), &mask}) {
           double low = type == IMAGE_U8 ? 255 : type == IMAGE_I16 ? 2147483648.0 : 1e38;
           double high = type == IMAGE_U8 ? 0 : -low;
@@ -281,7 +271,7 @@ TEST(HistogramPixels, FloatsOfWideRowsFollowTheRuleInAnyRange) {
   test::Random random(5);
   for (const int32_t width : {256, 300, 1025, 2200}) {
     const TestImage image(IMAGE_SGL, width, 9, 1, static_cast<uint64_t>(width));
-    const TestImage mask = PlacedMask(width + 9, 9, -4, 1, 8);
+    const TestImage mask = SparseMask(width + 9, 9, -4, 1, 8);
     for (int32_t y = 0; y < 9; y++) {
       for (int32_t x = 0; x < width; x += 7) {
         image.Set<float>(x, y,
