@@ -20,6 +20,7 @@ Playground::Playground(Input* input) : input_(input) {
     const auto type = static_cast<int16_t>(input->Byte() % 6);
     const int32_t border = input->Byte() % 5;
     if (ZEL_Create(&slot, type, border) != 0) continue;
+    if (const char* fault = CallModel::IssueFault(slot)) Require(false, fault);
     const int32_t width = input->Byte() % SMALL_SIDE;
     const int32_t height = input->Byte() % SMALL_SIDE;
     if (ZEL_SetImageSize(slot, width, height) != 0) continue;
@@ -48,11 +49,22 @@ Playground::~Playground() {
   Require(zel::HeapHooksGet()->liveBlocks == 0, "blocks are left after closing");
 }
 
-ImageRef Playground::Image() {
+ImageRef Playground::Image(Changes allowed) {
   const uint8_t kind = input_->Byte();
-  if (kind < 232) return slots_[kind % SLOTS];
-  if (kind < 244) return 0;
-  return kind < 250 ? 0xFFFFFFFF : input_->Word();
+  ImageRef image = 0;
+  if (kind < 232) {
+    image = slots_[kind % SLOTS];
+  } else if (kind >= 244) {
+    image = kind < 250 ? 0xFFFFFFFF : input_->Word();
+  }
+  model_.Names(image, allowed);
+  return image;
+}
+
+ImageRef* Playground::Slot() {
+  ImageRef* slot = &slots_[input_->Below(SLOTS)];
+  model_.Names(*slot, MADE | KIND | SIZE | CALIBRATION | EXTENDED);
+  return slot;
 }
 
 Playground::Shape Playground::ShapeOf(ImageRef image) const {
@@ -67,14 +79,12 @@ Playground::Shape Playground::ShapeOf(ImageRef image) const {
 void* Playground::Output(const ArrayLayout& layout) {
   const uint8_t choice = input_->Byte();
   if (choice % 32 == 31) return nullptr;
-  switch (choice / 32) {
-    case 0:
-      return arrays_.Make(layout, ArrayPlace::BeforeGuardPage);
-    case 1:
-      return arrays_.Make(layout, ArrayPlace::Misaligned);
-    default:
-      return arrays_.Make(layout, ArrayPlace::Heap);
-  }
+  ArrayPlace place = ArrayPlace::Heap;
+  if (choice / 32 == 0) place = ArrayPlace::BeforeGuardPage;
+  if (choice / 32 == 1) place = ArrayPlace::Misaligned;
+  uint8_t* array = arrays_.Make(layout, place);
+  model_.Brings(array, layout.bytes);
+  return array;
 }
 
 void* Playground::Array(const ArrayLayout& layout) {
@@ -83,6 +93,7 @@ void* Playground::Array(const ArrayLayout& layout) {
   const size_t given = std::min<size_t>(layout.bytes, input_->Byte());
   for (size_t i = 0; i < given; i++) array[i] = input_->Byte();
   for (size_t i = given; given != 0 && i < layout.bytes; i++) array[i] = array[i - given];
+  model_.Gives(array);
   return array;
 }
 

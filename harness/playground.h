@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "harness/call_model.h"
 #include "harness/caller_arrays.h"
 #include "harness/input.h"
 #include "orlune_ptk.h"
@@ -23,9 +24,13 @@ class Playground {
 
   Input& input() { return *input_; }
 
-  // Mostly the image of a slot, else 0 or a reference that names nothing.
-  ImageRef Image();
-  ImageRef* Slot() { return &slots_[input_->Below(SLOTS)]; }
+  CallModel& model() { return model_; }
+
+  // Mostly the image of a slot, else 0 or a reference that names nothing; and what the call may
+  // change of it.
+  ImageRef Image(Changes allowed);
+  // A variable that the call may give a new image.
+  ImageRef* Slot();
 
   struct Shape {
     int32_t type, width, height;
@@ -39,7 +44,8 @@ class Playground {
   T* OutputOf(size_t count) {
     return static_cast<T*>(Output(LayoutOf<T>(count)));
   }
-  // The same, filled by the input (and by what the input began, where it ends early).
+  // An array that a call reads, filled by the input (and by what the input began, where it ends
+  // early).
   void* Array(const ArrayLayout& layout);
   template <class T>
   T* ArrayOf(size_t count) {
@@ -60,6 +66,7 @@ class Playground {
   Input* input_;
   ImageRef slots_[SLOTS] = {};
   CallerArrays arrays_;
+  CallModel model_;
   BasicParticleReport* basicReports_ = nullptr;
   ParticleReport* particleReports_ = nullptr;
   QuantifyReport* regionReports_ = nullptr;

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 #include "core/world.h"
 
@@ -18,16 +19,29 @@ const ApiCall* RowOf(uint8_t code) {
   return rows[code];
 }
 
+// What the reporter keeps after a call that began with nothing in it.
+const char* ReportFault(const ApiCall& call, int32_t result) {
+  char procedure[ERROR_PROCEDURE_BYTES] = "";
+  if (ZEL_GetErrorMode() != ERROR_MODE_SILENT) return "the error mode changed";
+  const int32_t kept = ZEL_GetLastError(procedure);
+  if (call.answer == NO_STATUS) return nullptr;
+  if (result > 0) return "a positive result";
+  if (kept != result) return "the reporter kept another result";
+  const char* expected = call.reportedAs ? call.reportedAs : call.name;
+  if (result == 0) expected = "";
+  const bool isNamed = std::strcmp(procedure, expected) == 0 || call.reportedAs == ANY_NAME;
+  return isNamed ? nullptr : "the reporter kept another name";
+}
+
 void RunCall(const ApiCall& call, Playground* play) {
-  const bool hasStatus = call.answer == STATUS;
-  if (hasStatus) ZEL_GetLastError(nullptr);
+  ZEL_GetLastError(nullptr);
+  play->model().Begin();
   const int32_t result = call.run(*play);
-  play->EndCall();
   const char* fault = zel::WorldFault();
-  if (!fault && hasStatus) {
-    if (result > 0) fault = "a positive result";
-    if (ZEL_GetLastError(nullptr) != result) fault = "the reporter kept another result";
-  }
+  if (!fault) fault = ReportFault(call, result);
+  const bool failed = call.answer == STATUS && result != 0;
+  if (!fault) fault = play->model().Fault(failed, LeftoversOf(call, result));
+  play->EndCall();
   if (fault) {
     std::fprintf(stderr, "%s: %s (result %d)\n", call.name, fault, result);
     std::abort();
@@ -46,6 +60,14 @@ const std::vector<ApiCall>& ApiCalls() {
     return all;
   }();
   return calls;
+}
+
+Changes LeftoversOf(const ApiCall& call, int32_t result) {
+  Changes changes = 0;
+  for (const Leftovers& one : call.leftovers) {
+    if (one.result == ANY_FAILURE || one.result == result) changes |= one.changes;
+  }
+  return changes;
 }
 
 void RunCalls(Playground* play, int most) {

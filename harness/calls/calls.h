@@ -15,6 +15,16 @@ enum CallAnswer {
   NO_STATUS,  // anything else
 };
 
+// What a failing call has changed by then of the images that it names, or of the caller's outputs,
+// as its header tells. Of a framed source the border is always among it.
+struct Leftovers {
+  int32_t result;  // ANY_FAILURE, or the one that it holds for
+  Changes changes;
+};
+constexpr int32_t ANY_FAILURE = 0;
+
+inline constexpr char ANY_NAME[] = "";
+
 struct ApiCall {
   // The row's own, whatever other rows come and go; a code that is free again stays free. A new
   // family begins at the next ten.
@@ -22,6 +32,9 @@ struct ApiCall {
   const char* name;
   int32_t (*run)(Playground& play);
   CallAnswer answer = STATUS;
+  std::span<const Leftovers> leftovers = {};
+  const char* reportedAs =
+      nullptr;  // the name in the reports, where it is another one, or ANY_NAME
 };
 
 // The rows of each family.
@@ -36,9 +49,12 @@ extern const std::span<const ApiCall> FILE_CALLS;
 // All of them.
 const std::vector<ApiCall>& ApiCalls();
 
+// What a call may have changed by the time that it failed with this result.
+Changes LeftoversOf(const ApiCall& call, int32_t result);
+
 // Runs calls that the input chooses, at most `most`, and after each one checks that the world is
-// whole and that the result is what the reporter kept. Stops the program where it is not. A code
-// that no row has is passed over.
+// whole, that the result is what the reporter kept, and that nothing changed but what the call may
+// change. Stops the program where it is not so. A code that no row has is passed over.
 void RunCalls(Playground* play, int most);
 
 }  // namespace test

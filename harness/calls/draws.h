@@ -13,9 +13,19 @@
 
 namespace test::draw {
 
-inline ImageRef Image(Playground& play) {
-  return play.Image();
+// An image, of which the call may change what is named: the model of calls holds it to that.
+template <Changes allowed>
+ImageRef ImageThatMay(Playground& play) {
+  return play.Image(allowed);
 }
+constexpr auto Source = ImageThatMay<0>;
+constexpr auto FramedSource = ImageThatMay<BORDER>;
+constexpr auto MirroredSource = ImageThatMay<MIRRORED>;
+constexpr auto Destination = ImageThatMay<CALIBRATION | SIZE | PIXELS>;
+constexpr auto FramedDestination = ImageThatMay<CALIBRATION | SIZE | PIXELS | BORDER>;
+constexpr auto Changed = ImageThatMay<PIXELS>;
+// Anything: for a row that is still to tell.
+constexpr auto Image = ImageThatMay<ANYTHING>;
 inline ImageRef* Slot(Playground& play) {
   return play.Slot();
 }

@@ -16,10 +16,19 @@ int32_t EdgeMethodAnywhere(Playground& play) {
   return Below<16>(play) == 0 ? Int(play) : Below<7>(play);
 }
 
+// Under a mask the border comes along where both are of one width.
+constexpr Leftovers OF_FILTERS[] = {{-101, CALIBRATION | SIZE | PIXELS | BORDER}};
+
 constexpr ApiCall ROWS[] = {
-    {70, "ZEL_GrayEdge", Call<ZEL_GrayEdge, Image, Image, Image, EdgeMethodAnywhere, Float>},
-    {71, "ZEL_LowPass", Call<ZEL_LowPass, Image, Image, Image, Side, Side, Float>},
-    {72, "ZEL_NthOrder", Call<ZEL_NthOrder, Image, Image, Image, Side, Side, Int>},
+    {70, "ZEL_GrayEdge",
+     Call<ZEL_GrayEdge, MirroredSource, Source, FramedDestination, EdgeMethodAnywhere, Float>,
+     STATUS, OF_FILTERS},
+    {71, "ZEL_LowPass",
+     Call<ZEL_LowPass, MirroredSource, Source, FramedDestination, Side, Side, Float>, STATUS,
+     OF_FILTERS},
+    {72, "ZEL_NthOrder",
+     Call<ZEL_NthOrder, MirroredSource, Source, FramedDestination, Side, Side, Int>, STATUS,
+     OF_FILTERS, "KORNthOrder"},
 };
 
 }  // namespace

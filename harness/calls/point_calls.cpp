@@ -8,9 +8,9 @@ namespace {
 using namespace draw;
 
 template <auto function>
-constexpr auto ARITHMETIC = Call<function, Image, Image, Image, Float>;
+constexpr auto ARITHMETIC = Call<function, Source, Source, FramedDestination, Float>;
 template <auto function>
-constexpr auto LOGIC = Call<function, Image, Image, Image, Below<3>, Word>;
+constexpr auto LOGIC = Call<function, Source, Source, FramedDestination, Below<3>, Word>;
 
 // Entries of a table that pixels of the image can name; of other images no table is looked at.
 int32_t LevelsOf(Playground& play, ImageRef image) {
@@ -26,13 +26,15 @@ int32_t LevelsOf(Playground& play, ImageRef image) {
 }
 
 int32_t ConvertByLookup(Playground& play) {
-  const struct { ImageRef source, destination; } a{Image(play), Image(play)};
+  const struct { ImageRef source, destination; } a{Source(play), Destination(play)};
   const TypedArray table = ArrayUpTo(LevelsOf(play, a.source), play);
   return ZEL_ConvertByLookup(a.source, a.destination, table.type, table.elements, table.count);
 }
 
 int32_t UserLookup(Playground& play) {
-  const struct { ImageRef source, mask, destination; } a{Image(play), Image(play), Image(play)};
+  const struct {
+    ImageRef source, mask, destination;
+  } a{Source(play), Source(play), FramedDestination(play)};
   const TypedArray table = ArrayUpTo(LevelsOf(play, a.source), play);
   return ZEL_UserLookup(a.source, a.mask, a.destination, table.type, table.elements, table.count);
 }
@@ -41,11 +43,12 @@ int32_t MultiThreshold(Playground& play) {
   const struct {
     ImageRef source, destination;
     int32_t count;
-  } a{Image(play), Image(play), Below<6>(play) - 1};
+  } a{Source(play), FramedDestination(play), Below<6>(play) - 1};
   auto* classes = play.OutputOf<ThresholdClass>(Held(a.count));
   for (int32_t i = 0; classes && i < a.count; i++) {
     classes[i] = {Float(play), Float(play), Float(play), static_cast<uint16_t>(Below<2>(play))};
   }
+  play.model().Gives(classes);
   return ZEL_MultiThreshold(a.source, a.destination, a.count, classes);
 }
 
@@ -53,7 +56,7 @@ int32_t AutoBThreshold(Playground& play) {
   const struct {
     ImageRef image;
     int32_t method, type;
-  } a{Image(play), Below<7>(play) - 1, ArrayType(play)};
+  } a{Source(play), Below<7>(play) - 1, ArrayType(play)};
   const struct {
     void* lookup;
     int32_t* threshold;
@@ -69,7 +72,7 @@ int32_t AutoMThreshold(Playground& play) {
   const struct {
     ImageRef image;
     int32_t count, type;
-  } a{Image(play), ClassCount(play), ArrayType(play)};
+  } a{Source(play), ClassCount(play), ArrayType(play)};
   const bool isCount = a.count >= 2 && a.count <= 256;  // else nothing is written
   const struct {
     void* lookup;
@@ -83,7 +86,7 @@ int32_t Equalize(Playground& play) {
   const struct {
     ImageRef source, mask, destination;
     int32_t count;
-  } a{Image(play), Image(play), Image(play), Count(play)};
+  } a{Source(play), Source(play), FramedDestination(play), Count(play)};
   const struct {
     const uint32_t* histogram;
     const HistogramReport* report;
@@ -94,33 +97,44 @@ int32_t Equalize(Playground& play) {
                       b.high);
 }
 
+constexpr Leftovers OF_OPERATORS[] = {{-306, CALIBRATION},        {-303, CALIBRATION},
+                                      {-101, CALIBRATION},        {-300, CALIBRATION | SIZE},
+                                      {-302, CALIBRATION | SIZE}, {-202, CALIBRATION | SIZE}};
+constexpr Leftovers OF_CALIBRATION[] = {{-101, CALIBRATION}};
+
 constexpr ApiCall ROWS[] = {
-    {29, "ZEL_Add", ARITHMETIC<ZEL_Add>},
-    {30, "ZEL_Subtract", ARITHMETIC<ZEL_Subtract>},
-    {31, "ZEL_Multiply", ARITHMETIC<ZEL_Multiply>},
-    {32, "ZEL_Divide", ARITHMETIC<ZEL_Divide>},
-    {33, "ZEL_Modulo", ARITHMETIC<ZEL_Modulo>},
-    {34, "ZEL_MulDiv", ARITHMETIC<ZEL_MulDiv>},
-    {35, "ZEL_And", LOGIC<ZEL_And>},
-    {36, "ZEL_Or", LOGIC<ZEL_Or>},
-    {37, "ZEL_Xor", LOGIC<ZEL_Xor>},
-    {38, "ZEL_LogDiff", Call<ZEL_LogDiff, Image, Image, Image, Word>},
-    {39, "ZEL_Mask", Call<ZEL_Mask, Image, Image, Image>},
-    {40, "ZEL_Compare", Call<ZEL_Compare, Image, Image, Image, Int, Float>},
+    {29, "ZEL_Add", ARITHMETIC<ZEL_Add>, STATUS, OF_OPERATORS},
+    {30, "ZEL_Subtract", ARITHMETIC<ZEL_Subtract>, STATUS, OF_OPERATORS, "ZEL_Substract"},
+    {31, "ZEL_Multiply", ARITHMETIC<ZEL_Multiply>, STATUS, OF_OPERATORS},
+    {32, "ZEL_Divide", ARITHMETIC<ZEL_Divide>, STATUS, OF_OPERATORS},
+    {33, "ZEL_Modulo", ARITHMETIC<ZEL_Modulo>, STATUS, OF_OPERATORS},
+    {34, "ZEL_MulDiv", ARITHMETIC<ZEL_MulDiv>, STATUS, OF_OPERATORS},
+    {35, "ZEL_And", LOGIC<ZEL_And>, STATUS, OF_OPERATORS},
+    {36, "ZEL_Or", LOGIC<ZEL_Or>, STATUS, OF_OPERATORS},
+    {37, "ZEL_Xor", LOGIC<ZEL_Xor>, STATUS, OF_OPERATORS},
+    {38, "ZEL_LogDiff", Call<ZEL_LogDiff, Source, Source, FramedDestination, Word>, STATUS,
+     OF_OPERATORS},
+    {39, "ZEL_Mask", Call<ZEL_Mask, Source, Source, FramedDestination>},
+    {40, "ZEL_Compare", Call<ZEL_Compare, Source, Source, FramedDestination, Int, Float>, STATUS,
+     OF_OPERATORS},
 
-    {41, "ZEL_Cast", Call<ZEL_Cast, Image, ImageType>},
-    {42, "ZEL_Convert", Call<ZEL_Convert, Image, Image>},
-    {43, "ZEL_ConvertByLookup", ConvertByLookup},
-    {44, "ZEL_Shift16To8", Call<ZEL_Shift16To8, Image, Image, Int>},
+    {41, "ZEL_Cast", Call<ZEL_Cast, ImageThatMay<ANYTHING>, ImageType>},
+    {42, "ZEL_Convert", Call<ZEL_Convert, Source, ImageThatMay<ANYTHING>>, STATUS, OF_CALIBRATION},
+    {43, "ZEL_ConvertByLookup", ConvertByLookup, STATUS, OF_CALIBRATION},
+    {44, "ZEL_Shift16To8", Call<ZEL_Shift16To8, Source, Destination, Int>, STATUS, OF_CALIBRATION,
+     "ZEL_Shift16to8"},
 
-    {45, "ZEL_Threshold", Call<ZEL_Threshold, Image, Image, Float, Float, Float, Below<2>>},
-    {46, "ZEL_MultiThreshold", MultiThreshold},
+    {45, "ZEL_Threshold", Call<ZEL_Threshold, Source, Destination, Float, Float, Float, Below<2>>,
+     STATUS, OF_CALIBRATION},
+    {46, "ZEL_MultiThreshold", MultiThreshold, STATUS, OF_CALIBRATION},
     {47, "ZEL_AutoBThreshold", AutoBThreshold},
     {48, "ZEL_AutoMThreshold", AutoMThreshold},
 
-    {49, "ZEL_UserLookup", UserLookup},
-    {50, "ZEL_MathLookup", Call<ZEL_MathLookup, Image, Image, Image, Int, Float, Float, Float>},
-    {51, "ZEL_Equalize", Equalize},
+    {49, "ZEL_UserLookup", UserLookup, STATUS, OF_CALIBRATION},
+    {50, "ZEL_MathLookup",
+     Call<ZEL_MathLookup, Source, Source, FramedDestination, Int, Float, Float, Float>, STATUS,
+     OF_CALIBRATION},
+    {51, "ZEL_Equalize", Equalize, STATUS, OF_CALIBRATION},
 };
 
 }  // namespace

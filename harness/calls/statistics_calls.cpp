@@ -12,7 +12,7 @@ int32_t Histogram(Playground& play) {
     ImageRef image, mask;
     int32_t classes;
     float low, high;
-  } a{Image(play), Image(play), Int(play), Float(play), Float(play)};
+  } a{Source(play), Source(play), Int(play), Float(play), Float(play)};
   // The call limits the number of classes.
   const int32_t most = play.ShapeOf(a.image).type == IMAGE_U8 ? 256 : 4096;
   const struct {
@@ -31,7 +31,7 @@ int32_t LineProfile(Playground& play) {
     ImageRef image;
     Line line;
     int32_t type;
-  } a{Image(play), LineAnywhere(play), ArrayType(play)};
+  } a{Source(play), LineAnywhere(play), ArrayType(play)};
   const struct {
     void* profile;
     int32_t* count;
@@ -42,11 +42,14 @@ int32_t LineProfile(Playground& play) {
                          out.count, out.report);
 }
 
+constexpr Leftovers OF_COUNTS[] = {{ANY_FAILURE, OUTPUTS}};
+
 constexpr ApiCall ROWS[] = {
     {52, "ZEL_Histogram", Histogram},
     {53, "ZEL_Quantify",
-     Call<ZEL_Quantify, Image, Image, Output<QuantifyReport>, Regions, Output<int32_t>>},
-    {54, "ZEL_Centroid", Call<ZEL_Centroid, Image, Image, Output<float>, Output<float>>},
+     Call<ZEL_Quantify, Source, Source, Output<QuantifyReport>, Regions, Output<int32_t>>, STATUS,
+     OF_COUNTS},
+    {54, "ZEL_Centroid", Call<ZEL_Centroid, Source, Source, Output<float>, Output<float>>},
     {55, "ZEL_LineProfile", LineProfile},
 };
 

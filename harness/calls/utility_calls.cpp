@@ -12,7 +12,7 @@ int32_t GetRowCol(Playground& play) {
     ImageRef image;
     int16_t column;
     int32_t index, type;
-  } a{Image(play), static_cast<int16_t>(Below<2>(play)), Int(play), ArrayType(play)};
+  } a{Source(play), static_cast<int16_t>(Below<2>(play)), Int(play), ArrayType(play)};
   const Playground::Shape shape = play.ShapeOf(a.image);
   const struct {
     void* array;
@@ -27,7 +27,7 @@ int32_t GetLine(Playground& play) {
     ImageRef image;
     Line line;
     int32_t type;
-  } a{Image(play), LineAnywhere(play), ArrayType(play)};
+  } a{Source(play), LineAnywhere(play), ArrayType(play)};
   const struct {
     void* array;
     int32_t* count;
@@ -53,7 +53,7 @@ int32_t ImageToArray(Playground& play) {
     ImageRef image;
     Rect rect;
     int32_t type;
-  } a{Image(play), {Int(play), Int(play), Int(play), Int(play)}, ArrayType(play)};
+  } a{Source(play), {Int(play), Int(play), Int(play), Int(play)}, ArrayType(play)};
   const Playground::Shape shape = play.ShapeOf(a.image);
   const size_t pixels = Held(Overlap(a.rect.left, a.rect.width, shape.width)) *
                         Held(Overlap(a.rect.top, a.rect.height, shape.height));
@@ -69,23 +69,28 @@ int32_t ArrayToImage(Playground& play) {
   const struct {
     ImageRef image;
     int32_t type, width, height;
-  } a{Image(play), ArrayType(play), Below<50>(play) - 3, Below<50>(play) - 3};
+  } a{ImageThatMay<SIZE | PIXELS>(play), ArrayType(play), Below<50>(play) - 3, Below<50>(play) - 3};
   const void* array = play.Array(LayoutOf(a.type, Held(a.width) * Held(a.height)));
   return ZEL_ArrayToImage(a.image, a.type, array, a.width, a.height);
 }
 
+// A split may have resized the first field.
+constexpr Leftovers OF_INTERLACE[] = {{-101, SIZE}};
+
 constexpr ApiCall ROWS[] = {
-    {18, "ZEL_GetPixelValue", Call<ZEL_GetPixelValue, Image, Int, Int, Output<float>>},
-    {19, "ZEL_SetPixelValue", Call<ZEL_SetPixelValue, Image, Int, Int, Float>},
+    {18, "ZEL_GetPixelValue", Call<ZEL_GetPixelValue, Source, Int, Int, Output<float>>},
+    {19, "ZEL_SetPixelValue", Call<ZEL_SetPixelValue, Changed, Int, Int, Float>},
     {20, "ZEL_GetRowCol", GetRowCol},
-    {21, "ZEL_SetRowCol", Call<ZEL_SetRowCol, Image, Below<2>, Int, ArrayToRead>},
+    {21, "ZEL_SetRowCol", Call<ZEL_SetRowCol, Changed, Below<2>, Int, ArrayToRead>},
     {22, "ZEL_GetLine", GetLine},
-    {23, "ZEL_SetLine", Call<ZEL_SetLine, Image, LineAnywhere, ArrayToRead>},
+    {23, "ZEL_SetLine", Call<ZEL_SetLine, Changed, LineAnywhere, ArrayToRead>},
     {24, "ZEL_ImageToArray", ImageToArray},
     {25, "ZEL_ArrayToImage", ArrayToImage},
-    {26, "ZEL_FillImage", Call<ZEL_FillImage, Image, Image, Float, Word, Float, Float>},
-    {27, "ZEL_ClearPixels", Call<ZEL_ClearPixels, Image>},
-    {28, "ZEL_Interlace", Call<ZEL_Interlace, Image, Image, Image, Below<3>>},
+    {26, "ZEL_FillImage",
+     Call<ZEL_FillImage, ImageThatMay<PIXELS | BORDER>, Source, Float, Word, Float, Float>},
+    {27, "ZEL_ClearPixels", Call<ZEL_ClearPixels, ImageThatMay<PIXELS | BORDER>>},
+    {28, "ZEL_Interlace", Call<ZEL_Interlace, Destination, Destination, Destination, Below<3>>,
+     STATUS, OF_INTERLACE},
 };
 
 }  // namespace

@@ -43,8 +43,8 @@ typedef enum EdgeMethod {
  *              truncated, and NaN counts as 0; for IMAGE_SGL, NaN keeps every result.
  * Failures: -200; -301 for another source type; -309 for a border of 0. Then the border is filled.
  * -304 for another destination type; -301 for a mask that is not IMAGE_U8; -101 no memory, with size,
- * calibration and offset of destination changed by then. -102 no memory and -1001 no reference is
- * left, both where source or mask are replaced, which stay as they were. */
+ * calibration, offset and pixels of destination changed by then. -102 no memory and -1001 no
+ * reference is left, both where source or mask are replaced, which stay as they were. */
 int32_t ZEL_GrayEdge(ImageRef source, ImageRef mask, ImageRef destination, int32_t method,
                      float threshold);
 
@@ -64,8 +64,8 @@ int32_t ZEL_GrayEdge(ImageRef source, ImageRef mask, ImageRef destination, int32
  *              limited, and loses the sign: -500 is 500.
  * Failures: -200; -301 for another source type; -309 for a border that is too narrow. Then the border
  * is filled. -304 for another destination type; -301 for a mask that is not IMAGE_U8; -101 no memory,
- * with size, calibration and offset of destination changed by then. -102 no memory and -1001 no
- * reference is left, both where source or mask are replaced, which stay as they were. */
+ * with size, calibration, offset and pixels of destination changed by then. -102 no memory and -1001
+ * no reference is left, both where source or mask are replaced, which stay as they were. */
 int32_t ZEL_LowPass(ImageRef source, ImageRef mask, ImageRef destination, int32_t width,
                     int32_t height, float tolerance);
 
@@ -88,8 +88,8 @@ int32_t ZEL_LowPass(ImageRef source, ImageRef mask, ImageRef destination, int32_
  * Reported as "KORNthOrder".
  * Failures: -200; -301 for another source type; -309 for a border that is too narrow. Then the border
  * is filled. -304 for another destination type; -301 for a mask that is not IMAGE_U8; -101 no memory,
- * with size, calibration and offset of destination changed by then. -102 no memory and -1001 no
- * reference is left, both where source or mask are replaced, which stay as they were. */
+ * with size, calibration, offset and pixels of destination changed by then. -102 no memory and -1001
+ * no reference is left, both where source or mask are replaced, which stay as they were. */
 int32_t ZEL_NthOrder(ImageRef source, ImageRef mask, ImageRef destination, int32_t width,
                      int32_t height, int32_t order);
 

@@ -1,5 +1,6 @@
 // Every allocation of a whole session fails once, alone and with all that follow in its step: the
-// step reports no memory, nothing is lost or leaked, and the same call succeeds afterwards.
+// step reports no memory, nothing is lost or leaked or changed but what the header tells, and the
+// same call succeeds afterwards.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -7,6 +8,8 @@
 
 #include "core/heap.h"
 #include "core/world.h"
+#include "harness/call_model.h"
+#include "harness/calls/calls.h"
 #include "harness/memory_files.h"
 #include "harness/session/session.h"
 
@@ -35,6 +38,23 @@ bool IsMemoryFailure(int32_t result) {
   return result == -101 || result == -102;
 }
 
+// What a step left otherwise than it may when its call failed, or null. Steps don't tell which
+// images their call names, so that all may be those.
+const char* FaultOfFailure(test::CallModel* model, const Session& session, const Step& step,
+                           int32_t result) {
+  for (const ImageRef image :
+       {session.u8, session.other, session.mask, session.i16, session.sgl, session.complex,
+        session.rgb, session.target, session.target16, session.targetFloat}) {
+    model->Names(image, test::BORDER);
+  }
+  for (const test::ApiCall& call : test::ApiCalls()) {
+    if (std::string(call.name) == step.name) {
+      return model->Fault(true, test::LeftoversOf(call, result));
+    }
+  }
+  return "no row of wild calls has its name";
+}
+
 // Runs the session with its k-th allocation failing. True when there is no k-th one any more.
 bool RunWithFault(uint64_t k, bool all, const std::vector<uint64_t>& digests) {
   zel::HeapHooks* hooks = zel::HeapHooksGet();
@@ -45,15 +65,19 @@ bool RunWithFault(uint64_t k, bool all, const std::vector<uint64_t>& digests) {
     *hooks = {};
     hooks->failAt = k;
     hooks->failAllAfter = all;
+    test::CallModel model;
     for (size_t i = 0; i < Steps().size(); i++) {
       const Step& step = Steps()[i];
       session.outputs.clear();
+      model.Begin();
       const int32_t result = step.run(session);
       if (hooks->refusals != 0) {
         reachedEnd = false;
         hooks->failAt = 0;
         hooks->refusals = 0;
-        if (const char* fault = zel::WorldFault()) {
+        const char* fault = zel::WorldFault();
+        if (!fault && result != 0) fault = FaultOfFailure(&model, session, step, result);
+        if (fault) {
           ADD_FAILURE() << fault << ": " << step.name << ", step " << i << ", allocation " << k;
         }
         // A call may do without a spare row of a table, or a block that it only asked for in
