@@ -6,6 +6,7 @@
 
 #include "core/heap.h"
 #include "core/images.h"
+#include "core/tables.h"
 #include "harness/test_image.h"
 
 namespace {
@@ -120,8 +121,10 @@ TEST(ImageCopyPixels, OpaqueImagesCopyTheirBlock) {
   EXPECT_EQ(std::memcmp(VectorData<char>(Record(images[1])->pixels), "bytes", 5), 0);
   Record(images[0])->opaqueType = IMAGE_SGL;
   EXPECT_EQ(ImageCopyPixels(images[0], images[1]), 303);
+  std::memcpy(VectorData<char>(Record(images[0])->pixels), "other", 5);
   EXPECT_EQ(ImageClone(images[0], images[1]), 0);
   EXPECT_EQ(Record(images[1])->opaqueType, IMAGE_SGL);
+  EXPECT_EQ(std::memcmp(VectorData<char>(Record(images[1])->pixels), "other", 5), 0);
   for (const ImageRef image : images) ZEL_Dispose(image);
 }
 
@@ -190,6 +193,16 @@ TEST(Attachments, AreCopiedWithTheInfoAndThoseThatStayAreKept) {
   EXPECT_EQ(Record(loose)->attachments, 0);
   EXPECT_EQ(ImageCopyInfo(source, bare), 0);
   EXPECT_EQ(Attached(bare), (List{{1, 10}, {0, -1}}));
+}
+
+TEST(Attachments, GoWithTheirImage) {
+  const uint32_t handles = coreTables.handleRows;
+  {
+    const TestImage image(IMAGE_U8, 1, 1);
+    Attach(image, 1, 10);
+    Attach(image, 4, 11);
+  }
+  EXPECT_EQ(coreTables.handleRows, handles);
 }
 
 TEST(Attachments, GoIntoATemporaryImage) {
