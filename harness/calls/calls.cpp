@@ -62,6 +62,14 @@ const std::vector<ApiCall>& ApiCalls() {
   return calls;
 }
 
+const ApiCall& CallNamed(std::string_view name) {
+  for (const ApiCall& call : ApiCalls()) {
+    if (name == call.name) return call;
+  }
+  std::fprintf(stderr, "no row of wild calls has the name asked for\n");
+  std::abort();
+}
+
 Changes LeftoversOf(const ApiCall& call, int32_t result) {
   Changes changes = 0;
   for (const Leftovers& one : call.leftovers) {

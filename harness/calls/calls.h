@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string_view>
 #include <vector>
 
 #include "harness/playground.h"
@@ -48,6 +49,8 @@ extern const std::span<const ApiCall> FILE_CALLS;
 
 // All of them.
 const std::vector<ApiCall>& ApiCalls();
+
+const ApiCall& CallNamed(std::string_view name);
 
 // What a call may have changed by the time that it failed with this result.
 Changes LeftoversOf(const ApiCall& call, int32_t result);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/heap.h"
+#include "core/poison.h"
 #include "core/tables.h"
 #include "orlune_ptk.h"
 
@@ -305,6 +306,18 @@ TEST(Heap, ExportsBehaveAsTheCHeap) {
   ZEL_free(nullptr);
   ZEL_free(ZEL_realloc(nullptr, 3));
   ZEL_free(ZEL_malloc(0));
+}
+
+// What lies in front of a block is the heap's own.
+TEST(Heap, BlocksHaveEndsThatTheAddressSanitizerWatches) {
+#if defined(ZEL_ADDRESS_SANITIZER)
+  auto* block = static_cast<volatile uint8_t*>(ZEL_calloc(5, 3));
+  EXPECT_DEATH(static_cast<void>(block[-1]), "AddressSanitizer");
+  EXPECT_DEATH(static_cast<void>(block[15]), "AddressSanitizer");
+  ZEL_free(const_cast<uint8_t*>(block));
+#else
+  GTEST_SKIP() << "a build for the address sanitizer shows it";
+#endif
 }
 
 TEST(Heap, ACountTimesASizeDoesNotWrap) {
