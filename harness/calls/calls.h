@@ -55,6 +55,12 @@ const ApiCall& CallNamed(std::string_view name);
 // What a call may have changed by the time that it failed with this result.
 Changes LeftoversOf(const ApiCall& call, int32_t result);
 
+// How often RunCalls has made a call in this process. One without a status succeeds always.
+struct CallCounts {
+  uint64_t succeeded, failed;
+};
+CallCounts CountsOf(const ApiCall& call);
+
 // Runs calls that the input chooses, at most `most`, and after each one checks that the world is
 // whole, that the result is what the reporter kept, and that nothing changed but what the call may
 // change. Stops the program where it is not so. A code that no row has is passed over.
