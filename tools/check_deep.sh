@@ -55,7 +55,8 @@ check() {
 build() {
   local folder=$1 targets=$2
   # shellcheck disable=SC2086 # targets are words of their own
-  cmake -S . -B "$folder" -G Ninja -DPTK_BUILD_BENCHMARKS=OFF -DPTK_BUILD_TOOLS=OFF "${@:3}" >"$work/build.log" 2>&1 &&
+  cmake -S . -B "$folder" -G Ninja -DPTK_WARNINGS_AS_ERRORS=ON -DPTK_BUILD_BENCHMARKS=OFF \
+    -DPTK_BUILD_TOOLS=OFF "${@:3}" >"$work/build.log" 2>&1 &&
     cmake --build "$folder" --target $targets >>"$work/build.log" 2>&1 && return
   echo "check_deep.sh: $folder cannot be built:"
   tail -n 20 "$work/build.log"
@@ -65,7 +66,7 @@ build() {
 }
 
 build_release() {
-  build "$work/release" "$1" -DCMAKE_BUILD_TYPE=Release
+  build "build/deep-release" "$1" -DCMAKE_BUILD_TYPE=Release
 }
 
 readers=(read_native read_tiff read_bmp read_raw)
@@ -92,10 +93,10 @@ wild() {
 stage_calls() {
   local calls
   calls=$(share 20000000)
-  build "$work/asan" wild_calls -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG="-g -O1" \
-    -DPTK_SANITIZE=address || return
+  build "build/deep-asan" wild_calls -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG="-g -O1" \
+    -DCMAKE_C_FLAGS_DEBUG="-g -O1" -DPTK_SANITIZE=address || return
   check "wild calls, address and undefined-behaviour sanitizers" "$calls calls" \
-    wild "$calls" "$work/asan/fuzz/wild_calls"
+    wild "$calls" "build/deep-asan/fuzz/wild_calls"
   grep '^exports' "$work/wild.txt" >"$work/calls.txt"
   fuzz address "$(share 1000000)" "${sequences[@]}"
 }
@@ -116,9 +117,9 @@ stage_valgrind() {
   calls=$(share 200000)
   build_release "wild_calls session_digest" || return
   check "session of every export, valgrind" "1 session" \
-    "${under_valgrind[@]}" "$work/release/tests/session_digest"
+    "${under_valgrind[@]}" "build/deep-release/tests/session_digest"
   check "wild calls, valgrind" "$calls calls" wild "$calls" "${under_valgrind[@]}" \
-    "$work/release/fuzz/wild_calls"
+    "build/deep-release/fuzz/wild_calls"
 }
 
 # same_digests PROGRAM CALLS: what a build computes at all levels and for several numbers of workers,
@@ -145,9 +146,9 @@ same_digests() {
 digests() {
   local calls
   calls=$(share 100000)
-  build "$work/$1" "session_digest wild_calls" "${@:2}" || return
+  build "build/deep-$1" "session_digest wild_calls" "${@:2}" || return
   check "results of $1, each level of this processor with 1, 2, 3, 7 workers" "session, large images, $calls wild calls" \
-    same_digests "$work/$1" "$calls"
+    same_digests "build/deep-$1" "$calls"
 }
 
 stage_digests() {
@@ -191,7 +192,7 @@ stage_soak() {
   rounds=$(share 1000000)
   build_release soak_test || return
   check "soak: create, read, threshold, label, measure, cast, fail, dispose" "$rounds rounds" \
-    env ORLUNE_SOAK_ROUNDS="$rounds" "$work/release/tests/soak_test" --gtest_brief=1
+    env ORLUNE_SOAK_ROUNDS="$rounds" "build/deep-release/tests/soak_test" --gtest_brief=1
 }
 
 for stage in "${stages[@]}"; do
