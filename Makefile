@@ -1,5 +1,5 @@
 # Commands for people. Each sets up what it needs; the work is in tools/ and the CMake presets.
-.PHONY: help demo test asan bench bench-pages benchmark check-format tidy fuzz clean
+.PHONY: help demo test asan check-deep bench bench-pages benchmark check-format tidy fuzz clean
 
 help:
 	@echo "make demo          make scenes, inspect them, show the particles and the annotated pictures"
@@ -9,6 +9,7 @@ help:
 	@echo "make bench-pages   run them in full and write docs/benchmarks from the results"
 	@echo "make check-format  check the layout of the sources"
 	@echo "make tidy          look for suspicious code"
+	@echo "make check-deep    fuzzers, sanitizers and all builds for hours; writes docs/robustness.md"
 	@echo "make fuzz          run the fuzz targets for some seconds each"
 	@echo "make clean         remove what was built and the demonstration's files"
 
@@ -43,6 +44,10 @@ tidy:
 fuzz:
 	@tools/setup.sh --check-tools
 	tools/fuzz.sh
+
+check-deep:
+	@tools/setup.sh --deep-check
+	tools/check_deep.sh
 
 clean:
 	rm -rf build demo

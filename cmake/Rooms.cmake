@@ -26,6 +26,9 @@ list(JOIN level_calls " " level_calls)
 file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/generated/engine/level_list.h
      CONTENT "// Made by the build.\n#pragma once\n#define ZEL_FOR_EACH_LEVEL(X, ...) @level_calls@\n" @ONLY)
 
+# Without optimisation the compiler's vector functions are macros, which warn of themselves.
+set(PTK_ROW_OPTIMISATION "$<IF:$<CONFIG:Release>,-O3,-O1>" CACHE STRING "Optimisation of the row routines")
+
 # The library itself has no exceptions and no run-time type information.
 function(ptk_library_flags target)
   target_compile_options(${target} PRIVATE ${PTK_WARNING_FLAGS} ${PTK_FRAME_FLAGS} -fno-exceptions -fno-rtti
@@ -52,11 +55,10 @@ function(ptk_room name)
       if(NOT level STREQUAL "plain")
         target_compile_definitions(${rows} PRIVATE ZEL_VECTORS=1)
       endif()
-      # Without optimisation the compiler's vector functions are macros, which warn of themselves. No
-      # code looks at the flags or the errno that floating-point operations leave, so both sides of a
-      # choice may be computed and square roots need no check; values are the same.
+      # No code looks at the flags or the errno that floating-point operations leave, so both sides of
+      # a choice may be computed and square roots need no check; values are the same.
       target_compile_options(${rows} PRIVATE ${PTK_LEVEL_FLAGS_${level}} -fno-trapping-math -fno-math-errno
-                                             $<IF:$<CONFIG:Release>,-O3,-O1>)
+                                             ${PTK_ROW_OPTIMISATION})
       set_property(GLOBAL APPEND PROPERTY PTK_OBJECT_LIBRARIES ${rows})
       set_property(GLOBAL APPEND PROPERTY PTK_ROW_LIBRARIES ${rows})
     endforeach()

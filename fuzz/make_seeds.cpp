@@ -20,9 +20,11 @@ std::filesystem::path folder;
 void Write(const std::string& target, const std::string& name, const Bytes& bytes) {
   const std::filesystem::path place = folder / target;
   std::filesystem::create_directories(place);
-  std::ofstream(place / name, std::ios::binary)
-      .write(reinterpret_cast<const char*>(bytes.data()),
+  std::ofstream file(place / name, std::ios::binary);
+  file.write(reinterpret_cast<const char*>(bytes.data()),
              static_cast<std::streamsize>(bytes.size()));
+  file.close();
+  test::Require(file.good(), "a seed cannot be written");
 }
 
 Bytes Behind(Bytes head, const Bytes& tail) {

@@ -1,17 +1,18 @@
 #!/bin/sh
 # Installs what the build needs on Debian 12, and says what it installs. Does nothing when all is
 # there. With --benchmarks also what the benchmarks compare with, with --check-tools also what checks
-# the sources.
-# usage: setup.sh [--benchmarks] [--check-tools]
+# the sources, with --deep-check also what tools/check_deep.sh runs.
+# usage: setup.sh [--benchmarks] [--check-tools] [--deep-check]
 set -eu
 
 needed="make g++ cmake ninja-build pkgconf libgtest-dev libcli11-dev"
 for argument in "$@"; do
   case $argument in
     --benchmarks) needed="$needed libopencv-core-dev libopencv-imgproc-dev libopencv-imgcodecs-dev libleptonica-dev libtiff-dev" ;;
+    --deep-check) needed="$needed clang-19 libclang-rt-19-dev valgrind gcovr" ;;
     --check-tools) needed="$needed clang-format clang-tidy cppcheck clang-19 libclang-rt-19-dev" ;;
     *)
-      echo "usage: setup.sh [--benchmarks] [--check-tools]" >&2
+      echo "usage: setup.sh [--benchmarks] [--check-tools] [--deep-check]" >&2
       exit 2
       ;;
   esac

@@ -33,6 +33,8 @@ const char* ReportFault(const ApiCall& call, int32_t result) {
   return isNamed ? nullptr : "the reporter kept another name";
 }
 
+std::array<CallCounts, 256> countsByCode{};
+
 void RunCall(const ApiCall& call, Playground* play) {
   ZEL_GetLastError(nullptr);
   play->model().Begin();
@@ -40,6 +42,8 @@ void RunCall(const ApiCall& call, Playground* play) {
   const char* fault = zel::WorldFault();
   if (!fault) fault = ReportFault(call, result);
   const bool failed = call.answer == STATUS && result != 0;
+  CallCounts& counts = countsByCode[call.code];
+  (failed ? counts.failed : counts.succeeded)++;
   if (!fault) fault = play->model().Fault(failed, LeftoversOf(call, result));
   play->EndCall();
   if (fault) {
@@ -60,6 +64,18 @@ const std::vector<ApiCall>& ApiCalls() {
     return all;
   }();
   return calls;
+}
+
+const ApiCall& CallNamed(std::string_view name) {
+  for (const ApiCall& call : ApiCalls()) {
+    if (name == call.name) return call;
+  }
+  std::fprintf(stderr, "no row of wild calls has the name asked for\n");
+  std::abort();
+}
+
+CallCounts CountsOf(const ApiCall& call) {
+  return countsByCode[call.code];
 }
 
 Changes LeftoversOf(const ApiCall& call, int32_t result) {

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string_view>
 #include <vector>
 
 #include "harness/playground.h"
@@ -49,8 +50,16 @@ extern const std::span<const ApiCall> FILE_CALLS;
 // All of them.
 const std::vector<ApiCall>& ApiCalls();
 
+const ApiCall& CallNamed(std::string_view name);
+
 // What a call may have changed by the time that it failed with this result.
 Changes LeftoversOf(const ApiCall& call, int32_t result);
+
+// How often RunCalls has made a call in this process. One without a status succeeds always.
+struct CallCounts {
+  uint64_t succeeded, failed;
+};
+CallCounts CountsOf(const ApiCall& call);
 
 // Runs calls that the input chooses, at most `most`, and after each one checks that the world is
 // whole, that the result is what the reporter kept, and that nothing changed but what the call may

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/heap.h"
+#include "core/poison.h"
 #include "core/tables.h"
 #include "orlune_ptk.h"
 
@@ -73,6 +74,36 @@ TEST_F(Handles, ResizeKeepsContentsAndClearsWhatItAdds) {
   for (int i = 4; i < 5000; i++) ASSERT_EQ(data[i], 0);
   ASSERT_EQ(HandleResize(handle, 2), 0);
   EXPECT_EQ(std::string(VectorData<char>(handle), 2), "ab");
+}
+
+TEST_F(Handles, CountsThatWrapAreNoMemory) {
+  const Handle vector = HandleNew(0);
+  constexpr uint64_t half = uint64_t{1} << 32;
+  EXPECT_EQ(VectorResize2D(vector, 1, half, half), STATUS_MEMORY_FULL);
+  EXPECT_EQ(VectorResize2D(vector, 1u << 31, half, 2), STATUS_MEMORY_FULL);
+  EXPECT_EQ(VectorResize2D(vector, 0, half, half), STATUS_OK);  // of nothing
+  EXPECT_EQ(HandleByteSize(vector), 0u);
+  EXPECT_EQ(HandleNew(0x80000000u), 0);
+  int32_t value = 0;
+  EXPECT_EQ(HandleWrap(&value, 1u << 31, 2, 0, 0), 0);
+  const Handle empty = HandleWrap(nullptr, 4, 3, 0, 1);
+  EXPECT_EQ(HandleRow(empty)->blockBytes, 0u);
+  EXPECT_EQ(HandleUnwrap(empty), STATUS_OK);
+}
+
+TEST_F(Handles, HooksWithoutMemoryAreNotSetAndFreedRowsServeAgain) {
+  const CloseHook first = [](int32_t) -> Status { return 1; };
+  const CloseHook second = [](int32_t) -> Status { return 2; };
+  HeapHooksGet()->blockBudget = 1;
+  EXPECT_EQ(CloseHookSet(first, 0), STATUS_MEMORY_FULL);
+  HeapHooksGet()->blockBudget = 0;
+  EXPECT_EQ(CloseHookSet(first, 0), STATUS_OK);
+  EXPECT_EQ(CloseHookRun(first), 1);
+  const uint64_t requests = HeapHooksGet()->requests;
+  EXPECT_EQ(CloseHookSet(second, 0), STATUS_OK);  // in the row of the first
+  EXPECT_EQ(HeapHooksGet()->requests, requests);
+  EXPECT_EQ(CloseHookRun(second), 2);
+  EXPECT_EQ(CloseHookRun(nullptr), STATUS_HOOK_UNKNOWN);
 }
 
 TEST_F(Handles, ResizeBeyondTheLimitIsNoMemoryAndLeavesTheHandle) {
@@ -307,6 +338,18 @@ TEST(Heap, ExportsBehaveAsTheCHeap) {
   ZEL_free(ZEL_malloc(0));
 }
 
+// What lies in front of a block is the heap's own.
+TEST(Heap, BlocksHaveEndsThatTheAddressSanitizerWatches) {
+#if defined(ZEL_ADDRESS_SANITIZER)
+  auto* block = static_cast<volatile uint8_t*>(ZEL_calloc(5, 3));
+  EXPECT_DEATH(static_cast<void>(block[-1]), "AddressSanitizer");
+  EXPECT_DEATH(static_cast<void>(block[15]), "AddressSanitizer");
+  ZEL_free(const_cast<uint8_t*>(block));
+#else
+  GTEST_SKIP() << "a build for the address sanitizer shows it";
+#endif
+}
+
 TEST(Heap, ACountTimesASizeDoesNotWrap) {
   HeapHooksGet()->blockBudget = 1 << 20;  // refused by its true size, 16 GB
   EXPECT_EQ(ZEL_calloc(0x80000001u, 8), nullptr);
@@ -327,6 +370,24 @@ TEST(Heap, HooksFailOneOrAllThatFollow) {
   EXPECT_EQ(hooks->liveBlocks, 2);
   ZEL_free(first);
   ZEL_free(third);
+}
+
+TEST(Heap, BudgetsCountWhatIsLiveAndWhatAResizeGivesBack) {
+  HeapHooks* hooks = HeapHooksGet();
+  void* block = ZEL_malloc(600);
+  hooks->liveBudget = static_cast<uint64_t>(hooks->liveBytes) + 100;
+  EXPECT_EQ(ZEL_malloc(101), nullptr);
+  EXPECT_EQ(ZEL_realloc(block, 701), nullptr);
+  block = ZEL_realloc(block, 700);
+  ASSERT_NE(block, nullptr);
+  EXPECT_EQ(ZEL_realloc(block, 0), nullptr);  // released
+  hooks->liveBudget = 0;
+  // More than any machine gives.
+  void* small = HeapAllocate(1);
+  EXPECT_EQ(HeapResize(small, size_t{1} << 60), nullptr);
+  EXPECT_EQ(HeapAllocate(size_t{1} << 60), nullptr);
+  EXPECT_EQ(hooks->refusals, 4u);
+  HeapFree(small);
 }
 
 TEST(Heap, WorkArraysRefuseSizesBeyondTheLimit) {

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "core/poison.h"
 #include "orlune_ptk.h"
 
 namespace zel {
@@ -35,7 +36,10 @@ char* HeadOf(void* block) {
 
 size_t SizeOf(void* block) {
   size_t size = 0;
-  if (block) std::memcpy(&size, HeadOf(block), sizeof size);
+  if (!block) return size;
+  MemoryAllow(HeadOf(block), HEAD_BYTES);
+  std::memcpy(&size, HeadOf(block), sizeof size);
+  MemoryForbid(HeadOf(block), HEAD_BYTES);
   return size;
 }
 
@@ -46,6 +50,7 @@ void* Counted(void* head, size_t size) {
     return nullptr;
   }
   std::memcpy(head, &size, sizeof size);
+  MemoryForbid(head, HEAD_BYTES);
   hooks.liveBlocks++;
   hooks.liveBytes += static_cast<int64_t>(size);
   if (hooks.liveBytes > hooks.peakBytes) hooks.peakBytes = hooks.liveBytes;

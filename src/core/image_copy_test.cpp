@@ -7,6 +7,7 @@
 #include "core/heap.h"
 #include "core/images.h"
 #include "core/tables.h"
+#include "core/world.h"
 #include "harness/test_image.h"
 
 namespace {
@@ -213,6 +214,98 @@ TEST(Attachments, GoIntoATemporaryImage) {
   ASSERT_EQ(ImageCreateLike(&temporary, *Record(source)), 0);
   EXPECT_EQ(Attached(temporary), (List{{1, 10}, {0, -1}}));
   EXPECT_EQ(ImageDestroy(temporary), 0);
+}
+
+TEST(Attachments, WithoutMemoryAreNotCopiedAndLeaveTheSource) {
+  const TestImage source(IMAGE_U8, 1, 1);
+  Attach(source, 1, 10);
+  Attach(source, 2, 12);
+  Attach(source, 4, 11);
+  const List before = Attached(source);
+  HeapHooks* hooks = HeapHooksGet();
+  uint64_t refused = 0;
+  for (bool complete = false; !complete; refused++) {
+    const TestImage destination(IMAGE_U8, 1, 1);
+    hooks->requests = 0;
+    hooks->failAt = refused + 1;
+    const Status status = ImageCopyInfo(source, destination);
+    complete = hooks->requests <= refused;
+    hooks->failAt = 0;
+    EXPECT_TRUE(status == STATUS_OK || (!complete && status == STATUS_MEMORY_FULL)) << status;
+    EXPECT_EQ(Attached(source), before);
+    EXPECT_EQ(WorldFault(), nullptr);
+  }
+  EXPECT_GT(refused, 3u);
+}
+
+TEST(Attachments, WithoutMemoryKeepATemporaryImageFromBeingMadeWhole) {
+  const TestImage source(IMAGE_U8, 1, 1);
+  Attach(source, 1, 10);
+  HeapHooks* hooks = HeapHooksGet();
+  Status status = STATUS_MEMORY_FULL;
+  for (uint64_t at = 1; status != STATUS_OK && at < 50; at++) {
+    ImageRef temporary = 0;
+    hooks->requests = 0;
+    hooks->failAt = at;
+    status = ImageCreateLike(&temporary, *Record(source));
+    if (hooks->requests >= at && status == STATUS_OK) status = STATUS_MEMORY_FULL;  // a spare row
+    hooks->failAt = 0;
+    EXPECT_EQ(WorldFault(), nullptr);
+    if (temporary != 0) ImageDestroy(temporary);
+  }
+  EXPECT_EQ(status, STATUS_OK);
+}
+
+TEST(Attachments, OfAListThatIsNoneAreRefused) {
+  const TestImage image(IMAGE_U8, 1, 1);
+  constexpr Handle noHandle = 0x7FFF;
+  EXPECT_EQ(AttachmentsAppendCopies(noHandle, Record(image)->pixels), STATUS_INTERNAL);
+  Handle list = 0;
+  ASSERT_EQ(VectorNew(&list), STATUS_OK);
+  EXPECT_EQ(AttachmentsAppendCopies(list, noHandle), STATUS_INTERNAL);
+  EXPECT_EQ(VectorFree(list), STATUS_OK);
+}
+
+TEST(ImageCopyPixels, ARefusedBlockLeavesTheDestination) {
+  const TestImage source(IMAGE_U8, 300, 300);
+  for (const int32_t border : {0, 2}) {
+    const TestImage destination(IMAGE_U8, 4, 3, border, 7);
+    const std::vector<uint8_t> before = destination.Block();
+    HeapHooksGet()->blockBudget = 1000;
+    EXPECT_EQ(ImageCopyPixels(source, destination), STATUS_MEMORY_FULL);
+    HeapHooksGet()->blockBudget = 0;
+    EXPECT_EQ(destination.Block(), before);
+  }
+}
+
+TEST(ImageCopyPixels, OpaqueImagesWithoutMemoryStay) {
+  ImageRef images[2] = {0, 0};
+  for (ImageRef& image : images) ASSERT_EQ(ZEL_Create(&image, IMAGE_OPAQUE, 0), 0);
+  Record(images[0])->opaqueSize = 5000;
+  ASSERT_EQ(HandleResize(Record(images[0])->pixels, 5000), STATUS_OK);
+  HeapHooksGet()->blockBudget = 1000;
+  EXPECT_EQ(ImageCopyPixels(images[0], images[1]), STATUS_MEMORY_FULL);
+  EXPECT_EQ(ImageClone(images[0], images[1]), STATUS_MEMORY_FULL);
+  HeapHooksGet()->blockBudget = 0;
+  EXPECT_EQ(Record(images[1])->opaqueSize, 0);
+  // A larger block is kept where the image asks for that.
+  EXPECT_EQ(ImageClone(images[0], images[1]), STATUS_OK);
+  Record(images[1])->keepMemory = 1;
+  Record(images[0])->opaqueSize = 10;
+  EXPECT_EQ(ImageCopyPixels(images[0], images[1]), STATUS_OK);
+  EXPECT_EQ(Record(images[1])->opaqueSize, 5000);
+  for (const ImageRef image : images) ZEL_Dispose(image);
+}
+
+TEST(ImageFillAll, AnUnknownImageOrTypeIsRefused) {
+  const uint8_t pixel = 3;
+  EXPECT_EQ(ImageFillAll(UNKNOWN_IMAGE, &pixel), STATUS_BAD_IMAGE);
+  EXPECT_EQ(ImageClearAll(UNKNOWN_IMAGE), STATUS_BAD_IMAGE);
+  const TestImage image(IMAGE_U8, 3, 3);
+  Record(image)->type = 77;
+  EXPECT_EQ(ImageFillAll(image, &pixel), STATUS_BAD_LAYOUT_TYPE);
+  EXPECT_EQ(ImageClearAll(image), STATUS_BAD_LAYOUT_TYPE);
+  Record(image)->type = IMAGE_U8;
 }
 
 TEST(ImageFillAll, AU8ImageTakesOneRunFromTheBlocksStart) {

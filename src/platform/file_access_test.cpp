@@ -7,11 +7,45 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <string>
 #include <vector>
+
+namespace {
+
+int interruptions = 0;  // calls of the system that a signal comes before
+
+bool IsInterrupted() {
+  if (interruptions == 0) return false;
+  interruptions--;
+  errno = EINTR;
+  return true;
+}
+
+}  // namespace
+
+// The linker puts these in the place of the system's.
+extern "C" {
+int __real_open(const char* path, int how, ...);
+ssize_t __real_read(int file, void* bytes, size_t count);
+ssize_t __real_write(int file, const void* bytes, size_t count);
+int __wrap_open(const char* path, int how, mode_t permissions);
+ssize_t __wrap_read(int file, void* bytes, size_t count);
+ssize_t __wrap_write(int file, const void* bytes, size_t count);
+
+int __wrap_open(const char* path, int how, mode_t permissions) {
+  return IsInterrupted() ? -1 : __real_open(path, how, permissions);
+}
+ssize_t __wrap_read(int file, void* bytes, size_t count) {
+  return IsInterrupted() ? -1 : __real_read(file, bytes, count);
+}
+ssize_t __wrap_write(int file, const void* bytes, size_t count) {
+  return IsInterrupted() ? -1 : __real_write(file, bytes, count);
+}
+}
 
 namespace {
 
@@ -64,6 +98,24 @@ TEST_F(MachineFiles, WritingEmptiesAFileOrNot) {
   EXPECT_EQ(ReadText(), "HEllo world");
   WriteText("new", FileOpenMode::WriteTruncate);
   EXPECT_EQ(ReadText(), "new");
+}
+
+TEST_F(MachineFiles, SignalsInterruptNothing) {
+  interruptions = 3;
+  const int32_t written = files_.open(path_.c_str(), FileOpenMode::WriteTruncate);
+  ASSERT_GE(written, 0);
+  EXPECT_EQ(interruptions, 0);
+  interruptions = 3;
+  EXPECT_EQ(files_.write(written, "hello", 5), 5);
+  EXPECT_EQ(interruptions, 0);
+  EXPECT_EQ(files_.close(written), 0);
+  const int32_t file = files_.open(path_.c_str(), FileOpenMode::Read);
+  char text[6] = "";
+  interruptions = 3;
+  EXPECT_EQ(files_.read(file, text, 5), 5);
+  EXPECT_EQ(interruptions, 0);
+  EXPECT_STREQ(text, "hello");
+  EXPECT_EQ(files_.close(file), 0);
 }
 
 TEST_F(MachineFiles, NothingButRegularFilesIsOpened) {

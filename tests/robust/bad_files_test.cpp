@@ -9,6 +9,8 @@
 
 #include "core/heap.h"
 #include "core/images.h"
+#include "harness/call_model.h"
+#include "harness/calls/calls.h"
 #include "harness/memory_files.h"
 #include "harness/test_image.h"
 
@@ -69,9 +71,15 @@ Outcome ReadOnce(const Case& test, int32_t type, int32_t border, MemoryFiles* fi
   Outcome outcome;
   outcome.table.assign(256, 0xA5A5A5A5);
   int32_t count = -1;
+  test::CallModel model;
+  model.Begin();
+  model.Names(image, test::CALIBRATION | test::SIZE | test::PIXELS);
   const auto start = std::chrono::steady_clock::now();
   outcome.status = -ZEL_ReadFile(image, "f", test.wantsTable ? 1 : 0, outcome.table.data(), &count);
   const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
+  const test::Changes leftovers =
+      test::LeftoversOf(test::CallNamed("ZEL_ReadFile"), -outcome.status);
+  EXPECT_STREQ(model.Fault(outcome.status != 0, leftovers), nullptr);
   EXPECT_LT(took.count(), SECONDS_ALLOWED);
   EXPECT_LE(hooks->peakBytes - before, AllowanceFor(test, image));
   EXPECT_EQ(hooks->liveBlocks, blocks);

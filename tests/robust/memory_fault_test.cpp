@@ -47,12 +47,7 @@ const char* FaultOfFailure(test::CallModel* model, const Session& session, const
         session.rgb, session.target, session.target16, session.targetFloat}) {
     model->Names(image, test::BORDER);
   }
-  for (const test::ApiCall& call : test::ApiCalls()) {
-    if (std::string(call.name) == step.name) {
-      return model->Fault(true, test::LeftoversOf(call, result));
-    }
-  }
-  return "no row of wild calls has its name";
+  return model->Fault(true, test::LeftoversOf(test::CallNamed(step.name), result));
 }
 
 // Runs the session with its k-th allocation failing. True when there is no k-th one any more.

@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 
 #include "core/heap.h"
 #include "harness/memory_files.h"
@@ -11,13 +13,19 @@
 namespace {
 
 #if defined(__SANITIZE_ADDRESS__)
-constexpr int ROUNDS = 4000;
+constexpr int64_t ROUNDS_USUALLY = 4000;
 constexpr bool RESIDENT_COUNTS = false;  // the sanitizer keeps what is freed in quarantine
 #else
-constexpr int ROUNDS = 100000;
+constexpr int64_t ROUNDS_USUALLY = 100000;
 constexpr bool RESIDENT_COUNTS = true;
 #endif
 constexpr long GROWTH_ALLOWED = 1 << 20;
+
+// ORLUNE_SOAK_ROUNDS asks for more.
+int64_t Rounds() {
+  const char* wanted = std::getenv("ORLUNE_SOAK_ROUNDS");
+  return wanted ? std::max<int64_t>(std::atoll(wanted), 50) : ROUNDS_USUALLY;
+}
 
 long ResidentBytes() {
   long size = 0;
@@ -56,12 +64,13 @@ TEST(Soak, RoundsOfReadingAndMeasuringKeepMemoryFlat) {
     ASSERT_EQ(ZEL_WriteFile(picture, "picture", 1, nullptr, 0), 0);
   }
   ParticleReport* reports = nullptr;
-  for (int i = 0; i < ROUNDS / 50; i++) Round(&reports);
+  const int64_t rounds = Rounds();
+  for (int64_t i = 0; i < rounds / 50; i++) Round(&reports);
 
   const int64_t blocks = zel::HeapHooksGet()->liveBlocks;
   const int64_t bytes = zel::HeapHooksGet()->liveBytes;
   const long resident = ResidentBytes();
-  for (int i = 0; i < ROUNDS && !HasFatalFailure(); i++) Round(&reports);
+  for (int64_t i = 0; i < rounds && !HasFatalFailure(); i++) Round(&reports);
   EXPECT_EQ(zel::HeapHooksGet()->liveBlocks, blocks);
   EXPECT_EQ(zel::HeapHooksGet()->liveBytes, bytes);
   if (RESIDENT_COUNTS) {

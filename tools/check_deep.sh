@@ -1,0 +1,220 @@
+#!/usr/bin/env bash
+# What takes hours on an idle machine: many runs of the fuzz targets and many wild calls under the
+# sanitizers and valgrind, the same results from all builds, coverage, and a long soak. Writes what
+# was really run and what came out to docs/robustness.md. A stage that fails is told there, lets the
+# others run, and fails the script.
+# usage: tools/check_deep.sh [--scale X] [--out FILE] [STAGE...]
+#   --scale X   the share of the full counts, 1 if none is given: 0.01 tries everything out
+#   STAGE       readers calls memory valgrind digests coverage soak; all if none is given
+set -uo pipefail
+cd "$(dirname "$0")/.."
+
+scale=1
+out=docs/robustness.md
+stages=()
+while [ $# -gt 0 ]; do
+  case $1 in
+    --scale) scale=$2; shift 2 ;;
+    --out) out=$2; shift 2 ;;
+    readers | calls | memory | valgrind | digests | coverage | soak) stages+=("$1"); shift ;;
+    *) sed -n 's/^# \(usage.*\|  .*\)$/\1/p' "$0" >&2; exit 2 ;;
+  esac
+done
+[ ${#stages[@]} -gt 0 ] || stages=(readers calls memory valgrind digests coverage soak)
+
+work=build/deep
+rows=$work/rows.md
+mkdir -p "$work"
+: >"$rows"
+status=0
+
+# share COUNT: that much of the scale, at least 1.
+share() {
+  awk -v count="$1" -v scale="$scale" 'BEGIN { n = int(count * scale); print n < 1 ? 1 : n }'
+}
+
+# row WHAT COUNT SECONDS RESULT
+row() {
+  printf '| %s | %s | %s | %s |\n' "$@" >>"$rows"
+  printf '%s, %s: %s (%s s)\n' "$1" "$2" "$4" "$3"
+}
+
+# check WHAT COUNT COMMAND...: a row from a command; its last words are kept where it fails.
+check() {
+  local what=$1 count=$2 log=$work/log.txt began=$SECONDS
+  if "${@:3}" >"$log" 2>&1; then
+    row "$what" "$count" $((SECONDS - began)) "no finding"
+  else
+    row "$what" "$count" $((SECONDS - began)) "**FAILED**"
+    tail -n 30 "$log"
+    status=1
+  fi
+}
+
+# build FOLDER TARGETS OPTION...
+build() {
+  local folder=$1 targets=$2
+  # shellcheck disable=SC2086 # targets are words of their own
+  cmake -S . -B "$folder" -G Ninja -DPTK_WARNINGS_AS_ERRORS=ON -DPTK_BUILD_BENCHMARKS=OFF \
+    -DPTK_BUILD_TOOLS=OFF "${@:3}" >"$work/build.log" 2>&1 &&
+    cmake --build "$folder" --target $targets >>"$work/build.log" 2>&1 && return
+  echo "check_deep.sh: $folder cannot be built:"
+  tail -n 20 "$work/build.log"
+  row "build of $folder" "-" "-" "**FAILED**"
+  status=1
+  return 1
+}
+
+build_release() {
+  build "build/deep-release" "$1" -DCMAKE_BUILD_TYPE=Release
+}
+
+readers=(read_native read_tiff read_bmp read_raw)
+sequences=(chain api)
+
+# fuzz SANITIZER RUNS TARGET...
+fuzz() {
+  local target
+  for target in "${@:3}"; do
+    check "\`$target\`, $1 sanitizer" "$2 runs" tools/fuzz.sh --sanitizer "$1" --runs "$2" "$target"
+  done
+}
+
+stage_readers() {
+  fuzz address "$(share 10000000)" "${readers[@]}"
+}
+
+# wild CALLS PROGRAM: wild calls must reach every export often enough; the summary goes into a row.
+wild() {
+  "${@:2}" "$1" >"$work/wild.txt" 2>&1 || { cat "$work/wild.txt"; return 1; }
+  tail -n 3 "$work/wild.txt"
+}
+
+stage_calls() {
+  local calls
+  calls=$(share 20000000)
+  build "build/deep-asan" wild_calls -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG="-g -O1" \
+    -DCMAKE_C_FLAGS_DEBUG="-g -O1" -DPTK_SANITIZE=address || return
+  check "wild calls, address and undefined-behaviour sanitizers" "$calls calls" \
+    wild "$calls" "build/deep-asan/fuzz/wild_calls"
+  grep '^exports' "$work/wild.txt" >"$work/calls.txt"
+  fuzz address "$(share 1000000)" "${sequences[@]}"
+}
+
+stage_memory() {
+  local calls
+  fuzz memory "$(share 1000000)" "${readers[@]}" "${sequences[@]}"
+  calls=$(share 2000000)
+  cmake --build build/fuzz-memory --target wild_calls >"$work/build.log" 2>&1
+  check "wild calls, memory sanitizer" "$calls calls" wild "$calls" build/fuzz-memory/fuzz/wild_calls
+}
+
+under_valgrind=(valgrind -q --error-exitcode=99 --leak-check=full --show-leak-kinds=all
+  "--errors-for-leak-kinds=definite,indirect,possible" --track-origins=yes)
+
+stage_valgrind() {
+  local calls
+  calls=$(share 200000)
+  build_release "wild_calls session_digest" || return
+  check "session of every export, valgrind" "1 session" \
+    "${under_valgrind[@]}" "build/deep-release/tests/session_digest"
+  check "wild calls, valgrind" "$calls calls" wild "$calls" "${under_valgrind[@]}" \
+    "build/deep-release/fuzz/wild_calls"
+}
+
+# same_digests PROGRAM CALLS: what a build computes at all levels and for several numbers of workers,
+# and of wild calls, against the first one.
+same_digests() {
+  local level threads digest bad=0
+  for level in plain baseline v3 v4; do
+    for threads in 1 2 3 7; do
+      digest=$(ORLUNE_PTK_LEVEL=$level ORLUNE_PTK_THREADS=$threads "$1/tests/session_digest") || bad=1
+      digest+=$'\n'$(ORLUNE_PTK_LEVEL=$level ORLUNE_PTK_THREADS=$threads "$1/fuzz/wild_calls" "$2" |
+        grep '^digest') || bad=1
+      [ -f "$work/digest.txt" ] || echo "$digest" >"$work/digest.txt"
+      if [ "$digest" != "$(cat "$work/digest.txt")" ]; then
+        printf '%s at level %s with %s workers:\n%s\ninstead of\n%s\n' "$1" "$level" "$threads" \
+          "$digest" "$(cat "$work/digest.txt")"
+        bad=1
+      fi
+    done
+  done
+  return $bad
+}
+
+# digests NAME OPTION...: a build and its digests.
+digests() {
+  local calls
+  calls=$(share 100000)
+  build "build/deep-$1" "session_digest wild_calls" "${@:2}" || return
+  check "results of $1, each level of this processor with 1, 2, 3, 7 workers" "session, large images, $calls wild calls" \
+    same_digests "build/deep-$1" "$calls"
+}
+
+stage_digests() {
+  rm -f "$work/digest.txt"
+  digests g++-O3 -DCMAKE_BUILD_TYPE=Release
+  digests g++-O2 -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS_RELEASE=-O2 -DPTK_ROW_OPTIMISATION=-O2
+  digests g++-O0 -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-O0
+  digests g++-march=native -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS=-march=native
+  digests clang -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_COMPILER=clang++-19 -DCMAKE_C_COMPILER=clang-19
+}
+
+# covered FOLDER LINES BRANCHES: the sources of src/FOLDER, tests left out.
+covered() {
+  gcovr -r . --object-directory build/coverage --filter "src/$1/" --exclude '.*_test\.' \
+    --exclude-throw-branches --exclude-unreachable-branches --print-summary \
+    --fail-under-line "$2" --fail-under-branch "$3" -o "$work/coverage-$1.txt" build/coverage |
+    grep -E '^(lines|branches)' | sed 's/:/,/; s/ out of /, /' |
+    awk -F'[ ,()]+' '{ printf "%s %s ", $2, $1 }'
+  return "${PIPESTATUS[0]}"
+}
+
+gate() {
+  local found
+  if found=$(covered "$@"); then
+    row "coverage of \`src/$1\`, asked for $2 % lines and $3 % branches" "all tests" - "$found"
+  else
+    row "coverage of \`src/$1\`, asked for $2 % lines and $3 % branches" "all tests" - "**FAILED**: $found"
+    status=1
+  fi
+}
+
+stage_coverage() {
+  check "all tests, coverage build" "1 round" cmake --workflow --preset coverage
+  local folder
+  for folder in core files; do gate "$folder" 100 95; done
+  for folder in platform engine utilities statistics particles point filters; do gate "$folder" 98 90; done
+}
+
+stage_soak() {
+  local rounds
+  rounds=$(share 1000000)
+  build_release soak_test || return
+  check "soak: create, read, threshold, label, measure, cast, fail, dispose" "$rounds rounds" \
+    env ORLUNE_SOAK_ROUNDS="$rounds" "build/deep-release/tests/soak_test" --gtest_brief=1
+}
+
+for stage in "${stages[@]}"; do
+  printf '\n== %s (%d s so far)\n' "$stage" $SECONDS
+  "stage_$stage"
+done
+
+changes=$([ -z "$(git status --porcelain -- src include harness fuzz tests)" ] || echo " with changes")
+{
+  echo "# What the deep check found"
+  echo
+  echo "Written by \`make check-deep\` (\`tools/check_deep.sh\`). This run was at $scale of the full counts, of the"
+  echo "stages ${stages[*]}, on $(date -u +%Y-%m-%d), commit $(git rev-parse --short HEAD)$changes, with $(nproc) processors,"
+  echo "g++ $(g++ -dumpfullversion) and clang $(clang++-19 -dumpversion). It took $SECONDS s."
+  echo
+  echo "| check | count | seconds | result |"
+  echo "|---|---|---|---|"
+  cat "$rows"
+  if [ -s "$work/calls.txt" ]; then
+    echo
+    echo "Of the wild calls under the address sanitizer: $(cat "$work/calls.txt")."
+  fi
+} >"$out"
+echo "written: $out"
+exit $status
