@@ -169,7 +169,16 @@ Header ReadHeader(Bytes file) {
   return header;
 }
 
-Account AccountOf(const Header& header) {
+std::vector<uint32_t> ReadPalette(Bytes file, const Header& header) {
+  const Numbers numbers(file);
+  std::vector<uint32_t> palette(header.colours);
+  for (size_t i = 0; i < header.colours; ++i) {
+    palette[i] = numbers.At(header.paletteAt + i * header.paletteEntry, 3);
+  }
+  return palette;
+}
+
+Account AccountOf(Bytes file, const Header& header) {
   Account account;
   account.format = "BMP";
   account.width = header.width;
@@ -177,9 +186,8 @@ Account AccountOf(const Header& header) {
   account.compression = CompressionName(header);
   account.layout = header.topDown ? "rows from the top" : "rows from the bottom";
   if (header.bits <= 8) {
-    account.kind = "palette";
     account.bits = static_cast<int32_t>(header.bits);
-    account.colours = static_cast<int32_t>(header.colours);
+    DescribePalette(ReadPalette(file, header), &account);
   } else {
     account.kind = "colour";
     account.samples = header.masks[3] != 0 ? 4 : 3;
@@ -204,15 +212,6 @@ Account AccountOf(const Header& header) {
                          std::to_string(header.perMetreY) + " pixels a metre";
   }
   return account;
-}
-
-std::vector<uint32_t> ReadPalette(Bytes file, const Header& header) {
-  const Numbers numbers(file);
-  std::vector<uint32_t> palette(256);
-  for (size_t i = 0; i < header.colours; ++i) {
-    palette[i] = numbers.At(header.paletteAt + i * header.paletteEntry, 3);
-  }
-  return palette;
 }
 
 // A row of the file as it stands there. Throws for one that the file is too short for.
@@ -323,7 +322,7 @@ Picture ReadBmp(Bytes file, int32_t page, Want want) {
   OnlyPage(page, "BMP");
   const Header header = ReadHeader(file);
   Picture picture;
-  picture.account = AccountOf(header);
+  picture.account = AccountOf(file, header);
   if (want == Want::Account) return picture;
   if (header.width < 1 || header.height < 1) {
     throw BadFile("the BMP picture has no pixels: it is " + std::to_string(header.width) + " x " +

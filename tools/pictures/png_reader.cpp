@@ -97,6 +97,15 @@ void ReadHeader(png_structp png, png_infop info, Header* header) {
   if (unit != PNG_RESOLUTION_METER) header->perMetreX = header->perMetreY = 0;
 }
 
+std::vector<uint32_t> PaletteOf(const Header& header) {
+  std::vector<uint32_t> palette;
+  for (int i = 0; i < header.colours; ++i) {
+    const png_color& colour = header.palette[i];
+    palette.push_back(uint32_t{colour.red} << 16 | uint32_t{colour.green} << 8 | colour.blue);
+  }
+  return palette;
+}
+
 Account AccountOf(const Header& header) {
   Account account;
   account.format = "PNG";
@@ -104,10 +113,10 @@ Account AccountOf(const Header& header) {
   account.height = header.height;
   account.bits = header.bits;
   account.samples = (header.IsColour() ? 3 : 1) + (header.HasAlpha() ? 1 : 0);
-  account.kind = header.HasPalette() ? "palette" : header.IsColour() ? "colour" : "gray";
+  account.kind = header.IsColour() ? "colour" : "gray";
+  if (header.HasPalette()) DescribePalette(PaletteOf(header), &account);
   account.compression = "deflate";
   account.layout = header.interlace != PNG_INTERLACE_NONE ? "interlaced" : "";
-  account.colours = header.colours;
   if (header.HasAlpha() || header.transparent) {
     account.alpha = "straight";
     account.losses.push_back("alpha is left out");
@@ -182,13 +191,8 @@ Picture ReadPng(Bytes bytes, int32_t page, Want want) {
   Picture picture;
   picture.account = AccountOf(header);
   if (want == Want::Account) return picture;
-  std::vector<uint32_t> palette;
-  for (int i = 0; i < header.colours; ++i) {
-    const png_color& colour = header.palette[i];
-    palette.push_back(uint32_t{colour.red} << 16 | uint32_t{colour.green} << 8 | colour.blue);
-  }
   picture.raster = ReadPixels(&file, header, picture.account.samples);
-  picture.raster.palette = std::move(palette);
+  picture.raster.palette = PaletteOf(header);
   SettlePalette(&picture.raster);
   picture.raster = Upright(std::move(picture.raster), picture.account.orientation);
   return picture;

@@ -4,6 +4,13 @@
 #include <algorithm>
 
 namespace pictures {
+namespace {
+
+bool IsGray(uint32_t colour) {
+  return colour == (colour & 255) * 0x010101;
+}
+
+}  // namespace
 
 int32_t BytesOf(Sample sample) {
   switch (sample) {
@@ -43,11 +50,20 @@ Raster MakeRaster(int64_t width, int64_t height, int32_t channels, Sample sample
 void SettlePalette(Raster* raster) {
   if (raster->palette.empty()) return;
   raster->palette.resize(256);
-  const auto isGray = [](uint32_t colour) { return colour == (colour & 255) * 0x010101; };
-  if (!std::all_of(raster->palette.begin(), raster->palette.end(), isGray)) return;
+  if (!std::all_of(raster->palette.begin(), raster->palette.end(), IsGray)) return;
   std::transform(raster->bytes.begin(), raster->bytes.end(), raster->bytes.begin(),
                  [&](uint8_t number) { return static_cast<uint8_t>(raster->palette[number]); });
   raster->palette.clear();
+}
+
+void DescribePalette(std::span<const uint32_t> colours, Account* account) {
+  account->kind = "palette";
+  account->colours = static_cast<int32_t>(colours.size());
+  if (!std::all_of(colours.begin(), colours.end(), IsGray)) return;
+  account->kind = "gray";
+  bool ramp = colours.size() == 256;
+  for (size_t i = 0; i < colours.size(); ++i) ramp = ramp && (colours[i] & 255) == i;
+  if (!ramp) account->meaning = "grays of a palette";
 }
 
 void OnlyPage(int32_t page, const std::string& format) {

@@ -70,6 +70,9 @@ struct Picture {
 // A palette of grays alone gives way to the grays themselves.
 void SettlePalette(Raster* raster);
 
+// Says whether a file's colours are grays alone: then its picture is gray.
+void DescribePalette(std::span<const uint32_t> colours, Account* account);
+
 // Where the whole file is one picture: throws BadFile for a page that is not 1.
 void OnlyPage(int32_t page, const std::string& format);
 

@@ -97,6 +97,27 @@ std::string ResolutionOf(const TiffInput& file) {
   return Number(std::lround(x)) + " x " + Number(std::lround(y)) + name;
 }
 
+// A colour table has 16-bit values, but some writers left them at 8.
+std::vector<uint32_t> PaletteOf(const TiffInput& file, const TiffLayout& layout) {
+  uint16_t *red = nullptr, *green = nullptr, *blue = nullptr;
+  if (layout.bits > 8 ||
+      TIFFGetField(file.handle(), TIFFTAG_COLORMAP, &red, &green, &blue) == 0) {
+    return {};
+  }
+  const size_t colours = size_t{1} << layout.bits;
+  const auto small = [&](const uint16_t* values) {
+    return std::all_of(values, values + colours, [](uint16_t v) { return v < 256; });
+  };
+  const int shift = small(red) && small(green) && small(blue) ? 0 : 8;
+  std::vector<uint32_t> palette(colours);
+  for (size_t i = 0; i < colours; ++i) {
+    palette[i] = uint32_t{static_cast<uint8_t>(red[i] >> shift)} << 16 |
+                 uint32_t{static_cast<uint8_t>(green[i] >> shift)} << 8 |
+                 static_cast<uint8_t>(blue[i] >> shift);
+  }
+  return palette;
+}
+
 Account AccountOf(const TiffInput& file, const TiffLayout& layout) {
   Account account;
   account.format = "TIFF";
@@ -114,8 +135,8 @@ Account AccountOf(const TiffInput& file, const TiffLayout& layout) {
   const int32_t orientation = file.Field<uint16_t>(TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
   account.orientation = orientation >= 1 && orientation <= 8 ? orientation : 1;
   account.alpha = AlphaOf(file);
-  if (layout.photometric == PHOTOMETRIC_PALETTE && layout.bits <= 8) {
-    account.colours = 1 << layout.bits;
+  if (layout.photometric == PHOTOMETRIC_PALETTE) {
+    DescribePalette(PaletteOf(file, layout), &account);
   }
   account.resolution = ResolutionOf(file);
   const int32_t used = layout.Channels();
@@ -158,26 +179,6 @@ std::string Refusal(const TiffLayout& layout) {
   return TiffSampleRefusal(layout);
 }
 
-// A colour table has 16-bit values, but some writers left them at 8.
-std::vector<uint32_t> PaletteOf(TiffInput* file, const TiffLayout& layout) {
-  uint16_t *red = nullptr, *green = nullptr, *blue = nullptr;
-  if (TIFFGetField(file->handle(), TIFFTAG_COLORMAP, &red, &green, &blue) == 0) {
-    file->Fail("has a palette picture without a palette");
-  }
-  const size_t colours = size_t{1} << layout.bits;
-  const auto small = [&](const uint16_t* values) {
-    return std::all_of(values, values + colours, [](uint16_t v) { return v < 256; });
-  };
-  const int shift = small(red) && small(green) && small(blue) ? 0 : 8;
-  std::vector<uint32_t> palette(256);
-  for (size_t i = 0; i < colours; ++i) {
-    palette[i] = uint32_t{static_cast<uint8_t>(red[i] >> shift)} << 16 |
-                 uint32_t{static_cast<uint8_t>(green[i] >> shift)} << 8 |
-                 static_cast<uint8_t>(blue[i] >> shift);
-  }
-  return palette;
-}
-
 Raster ReadPage(TiffInput* file, const TiffLayout& layout, const Account& account) {
   const std::string refusal = Refusal(layout);
   if (!refusal.empty()) {
@@ -185,7 +186,8 @@ Raster ReadPage(TiffInput* file, const TiffLayout& layout, const Account& accoun
   }
   Raster raster = ReadTiffSamples(file, layout);
   if (layout.photometric == PHOTOMETRIC_PALETTE) {
-    raster.palette = PaletteOf(file, layout);
+    raster.palette = PaletteOf(*file, layout);
+    if (raster.palette.empty()) file->Fail("has a palette picture without a palette");
     SettlePalette(&raster);
   }
   return Upright(std::move(raster), account.orientation);
