@@ -39,7 +39,7 @@ struct Result {
   std::vector<std::string> remarks;
 };
 
-Result Converted(Loaded picture, const ConvertCommand& command) {
+Result Converted(Loaded picture, const ConvertCommand& command, PictureFormat format) {
   std::vector<std::string> remarks = picture.account.losses;
   if (command.stretch) {
     const Extremes extremes = ExtremesOf(picture.image);
@@ -48,6 +48,8 @@ Result Converted(Loaded picture, const ConvertCommand& command) {
     remarks.push_back("values " + Short(extremes.low) + " to " + Short(extremes.high) +
                       " are spread over 0 to 255");
   }
+  // Native files have no place for colours beside the pixels.
+  if (format == PictureFormat::Native && !picture.palette.empty()) ApplyPalette(&picture);
   const int32_t stored = picture.image.Info().type;
   const bool unsigned16 = command.type == TYPE_U16;
   const int32_t wanted = unsigned16 ? (stored == IMAGE_SGL ? int32_t{IMAGE_SGL} : int32_t{IMAGE_I16})
@@ -75,7 +77,7 @@ int Run(const ConvertCommand& command) {
     Loaded picture = ReadPicture(
         command.from, {.form = command.stretch ? Form::Gray : Form::AsStored,
                        .swapBytes = command.swapBytes});
-    const Result result = Converted(std::move(picture), command);
+    const Result result = Converted(std::move(picture), command, format);
     concerned = command.to;
     WritePicture(result.image, result.palette, result.depth, command.to, format);
     for (const std::string& remark : result.remarks) {

@@ -13,12 +13,13 @@ class RunDecoder {
         topDown_(topDown),
         pixels_(pixels),
         width_(width),
-        height_(height) {}
+        height_(height),
+        filled_(fourBits ? (int64_t{width} + 7) / 8 * 8 : (int64_t{width} + 3) / 4 * 4) {}
 
   int64_t Decode() {
     while (!done_) {
       // Some writers leave out the mark at the end.
-      if (at_ == runs_.size() && y_ >= height_ - 1 && x_ == width_) break;
+      if (at_ == runs_.size() && y_ >= height_ - 1 && x_ >= width_) break;
       if (at_ == runs_.size() && y_ >= height_) break;
       const int32_t length = Next();
       const int32_t value = Next();
@@ -41,6 +42,11 @@ class RunDecoder {
   }
 
   void Put(int32_t number) {
+    // Some writers run on to the row's end in the file, which 4 bytes divide.
+    if (x_ >= width_ && x_ < filled_ && y_ < height_) {
+      ++x_;
+      return;
+    }
     if (x_ >= width_ || y_ >= height_) {
       throw BadFile("the BMP file is damaged: a run leaves the picture in row " +
                     std::to_string(y_ + 1));
@@ -69,7 +75,7 @@ class RunDecoder {
     } else if (code == MOVE) {
       x_ += Next();
       y_ += Next();
-      if (x_ > width_ || y_ > height_) {
+      if (x_ > filled_ || y_ > height_) {
         throw BadFile("the BMP file is damaged: its runs leave the picture");
       }
     } else {
@@ -92,6 +98,7 @@ class RunDecoder {
   bool fourBits_, topDown_;
   uint8_t* pixels_;
   int32_t width_, height_;
+  int64_t filled_;  // pixels of a row with those that fill it up
   size_t at_ = 0;
   int32_t x_ = 0, y_ = 0;
   int64_t written_ = 0;
