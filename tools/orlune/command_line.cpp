@@ -43,9 +43,9 @@ std::map<std::string, PictureFormat> Formats() {
   return formats;
 }
 
-const std::map<std::string, int32_t> TYPES = {
-    {"u8", IMAGE_U8},   {"u16", TYPE_U16},          {"i16", IMAGE_I16},
-    {"sgl", IMAGE_SGL}, {"complex", IMAGE_COMPLEX}, {"rgb", IMAGE_RGB}};
+const std::map<std::string, int32_t> TYPES = {{"u8", IMAGE_U8},           {"u16", TYPE_U16},
+                                              {"i16", IMAGE_I16},         {"sgl", IMAGE_SGL},
+                                              {"complex", IMAGE_COMPLEX}, {"rgb", IMAGE_RGB}};
 
 constexpr char SWAP_HELP[] =
     "exchange the bytes of 16-bit samples: for files that say the\nwrong byte order";
@@ -216,8 +216,7 @@ void CommandLine::AddReporting(CLI::App* inspect) {
                    "write a TIFF of each whose pixels are the kept particles' numbers")
       ->type_name("FOLDER")
       ->group(group);
-  inspect
-      ->add_option("--rows", inspect_.rows, "list at most so many particles a picture; 0 is all")
+  inspect->add_option("--rows", inspect_.rows, "list at most so many particles a picture; 0 is all")
       ->type_name("N")
       ->capture_default_str()
       ->group(group);

@@ -16,8 +16,7 @@ bool IsNumber(int32_t type) {
 std::string RemarkOn(const Image& image, int32_t type, Depth depth) {
   if (!IsNumber(image.Info().type) || (!IsNumber(type) && type != IMAGE_RGB)) return "";
   const Extremes extremes = ExtremesOf(image);
-  const std::string values =
-      "its values of " + Short(extremes.low) + " to " + Short(extremes.high);
+  const std::string values = "its values of " + Short(extremes.low) + " to " + Short(extremes.high);
   if (depth == Depth::AsImage && (type == IMAGE_U8 || type == IMAGE_RGB)) {
     if (extremes.low < 0 || extremes.high > 255) {
       return values + " are limited to 0 to 255; --stretch spreads them over that range";
@@ -52,8 +51,9 @@ Result Converted(Loaded picture, const ConvertCommand& command, PictureFormat fo
   if (format == PictureFormat::Native && !picture.palette.empty()) ApplyPalette(&picture);
   const int32_t stored = picture.image.Info().type;
   const bool unsigned16 = command.type == TYPE_U16;
-  const int32_t wanted = unsigned16 ? (stored == IMAGE_SGL ? int32_t{IMAGE_SGL} : int32_t{IMAGE_I16})
-                                    : command.type.value_or(stored);
+  const int32_t wanted = unsigned16
+                             ? (stored == IMAGE_SGL ? int32_t{IMAGE_SGL} : int32_t{IMAGE_I16})
+                             : command.type.value_or(stored);
   const Depth depth = unsigned16     ? Depth::Unsigned16
                       : command.type ? Depth::AsImage
                                      : DepthOf(picture.account, picture.image);
@@ -75,8 +75,8 @@ int Run(const ConvertCommand& command) {
     plan.Writes(command.to, "the result");
     // Without a stretch, values are limited to what the wanted type holds: that is the cast's rule.
     Loaded picture = ReadPicture(
-        command.from, {.form = command.stretch ? Form::Gray : Form::AsStored,
-                       .swapBytes = command.swapBytes});
+        command.from,
+        {.form = command.stretch ? Form::Gray : Form::AsStored, .swapBytes = command.swapBytes});
     const Result result = Converted(std::move(picture), command, format);
     concerned = command.to;
     WritePicture(result.image, result.palette, result.depth, command.to, format);

@@ -123,15 +123,16 @@ std::string RecordOf(const Page& page) {
   out << "{\"page\": " << a.page << ", \"width\": " << a.width << ", \"height\": " << a.height
       << ", \"kind\": " << JsonText(a.kind) << ", \"bitsPerSample\": " << a.bits
       << ", \"samplesPerPixel\": " << a.samples << ", \"byteOrder\": " << JsonText(a.byteOrder)
-      << ", \"compression\": " << JsonText(a.compression)
-      << ", \"layout\": " << JsonText(a.layout) << ", \"meaning\": " << JsonText(a.meaning)
-      << ", \"orientation\": " << a.orientation << ", \"alpha\": " << JsonText(a.alpha)
-      << ", \"colours\": " << a.colours << ", \"resolution\": " << JsonText(a.resolution);
+      << ", \"compression\": " << JsonText(a.compression) << ", \"layout\": " << JsonText(a.layout)
+      << ", \"meaning\": " << JsonText(a.meaning) << ", \"orientation\": " << a.orientation
+      << ", \"alpha\": " << JsonText(a.alpha) << ", \"colours\": " << a.colours
+      << ", \"resolution\": " << JsonText(a.resolution);
   if (!page.complaint.empty()) {
     out << ", \"error\": " << JsonText(page.complaint);
   } else {
     out << ", \"readAs\": " << JsonText(page.type) << ", \"losses\": " << JsonTexts(a.losses)
-        << ", \"scale\": {\"x\": " << Exact(page.scaleX) << ", \"y\": " << Exact(page.scaleY) << "}";
+        << ", \"scale\": {\"x\": " << Exact(page.scaleX) << ", \"y\": " << Exact(page.scaleY)
+        << "}";
   }
   if (page.values && page.values->finite > 0) {
     out << ", \"values\": {\"low\": " << Exact(page.values->low)

@@ -60,7 +60,7 @@ class InspectRun {
         settings_(command.settings),
         measures_(command.measures.empty() ? UsualMeasures(command.settings) : command.measures),
         tableOut_(command.csv == STANDARD_STREAM || command.json == STANDARD_STREAM ? std::cerr
-                                                                                     : std::cout),
+                                                                                    : std::cout),
         progress_(command.files.size()) {}
 
   // Throws std::invalid_argument where a file would be written that is read, or written twice.

@@ -16,8 +16,7 @@ constexpr int32_t PARTICLE_BORDER = 2;  // what 8-connected particles need aroun
 // end is above its high end where there is none.
 Range InPixelValues(const Range& range, int32_t type) {
   const auto limits = [&](double lowest, double highest) {
-    return Range{std::max(std::ceil(range.low), lowest),
-                 std::min(std::floor(range.high), highest)};
+    return Range{std::max(std::ceil(range.low), lowest), std::min(std::floor(range.high), highest)};
   };
   if (type == IMAGE_U8) return limits(0, 255);
   if (type == IMAGE_I16) return limits(-32768, 32767);
@@ -70,8 +69,7 @@ void FindLevels(const InspectSettings& settings, const Image* place, const Extre
   }
   result->remark = boundary->remark;
   const int32_t type = result->picture.Info().type;
-  const Range levels =
-      result->stretched ? Range{extremes.low, extremes.high} : Range{0, 255};
+  const Range levels = result->stretched ? Range{extremes.low, extremes.high} : Range{0, 255};
   const double light =
       result->stretched ? ValueAtLevel(extremes, boundary->level, type) : boundary->level;
   // The lowest level begins at the darkest pixel.
@@ -85,8 +83,8 @@ void TakeGivenLevels(const Range& given, const Extremes& extremes, Inspection* r
   const Range levels = LevelsOf(result->account, result->picture.Info().type);
   const Range objects{std::max(given.low, levels.low), std::min(given.high, levels.high)};
   if (objects.low > objects.high || objects.low > extremes.high || objects.high < extremes.low) {
-    result->remark = "no pixel lies in the range: the picture's values are " +
-                     Short(extremes.low) + " to " + Short(extremes.high);
+    result->remark = "no pixel lies in the range: the picture's values are " + Short(extremes.low) +
+                     " to " + Short(extremes.high);
     if (objects.low > objects.high) return;
   }
   result->objects = objects;
@@ -160,8 +158,8 @@ Inspection Inspect(const std::string& path, const InspectSettings& settings) {
   const LabelPicture labelPicture(result.labels);
   result.timing.labelling = clock.Lap();
 
-  result.particles = MeasureParticles(mask, result.picture, result.labels, labelPicture,
-                                      settings.eightConnected);
+  result.particles =
+      MeasureParticles(mask, result.picture, result.labels, labelPicture, settings.eightConnected);
   for (Particle& particle : result.particles) {
     particle.kept = std::all_of(
         settings.keep.begin(), settings.keep.end(),

@@ -24,7 +24,7 @@ void Note(int signal) {
 }
 
 void Handle(int signal, void (*handler)(int)) {
-  struct sigaction action{};
+  struct sigaction action {};
   action.sa_handler = handler;
   action.sa_flags = SA_RESTART;
   sigemptyset(&action.sa_mask);
@@ -36,7 +36,7 @@ void Handle(int signal, void (*handler)(int)) {
 void WatchInterrupts() {
   for (const int signal : SIGNALS) {
     // What a shell started in the background with signals ignored stays so.
-    struct sigaction former{};
+    struct sigaction former {};
     sigaction(signal, nullptr, &former);
     if (former.sa_handler != SIG_IGN) Handle(signal, Note);
   }

@@ -16,7 +16,7 @@ struct PixelRun {
 
 struct Labels {
   int32_t width = 0, height = 0;
-  uint32_t count = 0;     // of particles
+  uint32_t count = 0;          // of particles
   std::vector<PixelRun> runs;  // in raster order
 };
 

@@ -34,7 +34,8 @@ std::string OneLine(std::string text) {
 // "--range LEVELS"
 std::string OptionText(const CLI::Option& option) {
   std::string text;
-  for (const std::string& name : option.get_snames()) text += ", \\fB" + Escaped("-" + name) + "\\fR";
+  for (const std::string& name : option.get_snames())
+    text += ", \\fB" + Escaped("-" + name) + "\\fR";
   for (const std::string& name : option.get_lnames()) {
     text += ", \\fB" + Escaped("--" + name) + "\\fR";
   }
@@ -51,7 +52,8 @@ void PutOptions(std::ostream& out, const CLI::App& command) {
       if (option->get_group() != group || option->get_positional()) continue;
       if (!headed && group != "Options") out << ".SS " << Escaped(group) << '\n';
       headed = true;
-      out << ".TP\n" << OptionText(*option) << '\n'
+      out << ".TP\n"
+          << OptionText(*option) << '\n'
           << Escaped(OneLine(option->get_description())) << '\n';
     }
   }
@@ -121,8 +123,8 @@ std::string ManualPage(const CommandLine& line, const CLI::App& command) {
   PutOptions(out, command);
   out << ".SH DESCRIPTION\n";
   PutFooter(out, command.get_footer());
-  out << ".SH SEE ALSO\n" << Escaped(whole ? "orlune-inspect(1), orlune-filter(1)" : "orlune(1)")
-      << '\n';
+  out << ".SH SEE ALSO\n"
+      << Escaped(whole ? "orlune-inspect(1), orlune-filter(1)" : "orlune(1)") << '\n';
   return out.str();
 }
 

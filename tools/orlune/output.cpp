@@ -36,7 +36,8 @@ Raster Unsigned16Of(const Image& image) {
         const auto value = static_cast<double>(from[x]);
         if (!(value >= 0 && value <= MOST_UNSIGNED16) || value != std::floor(value)) {
           throw std::invalid_argument(
-              "unsigned 16-bit pixels are whole numbers of 0 to 65535, and this picture has others");
+              "unsigned 16-bit pixels are whole numbers of 0 to 65535, and this picture has "
+              "others");
         }
         to[x] = static_cast<uint16_t>(value);
       }
@@ -90,7 +91,7 @@ Depth DepthOf(const Account& account, const Image& image) {
   const int32_t type = image.Info().type;
   const bool deep = type == IMAGE_I16 || (type == IMAGE_SGL && account.kind == "gray");
   return deep && account.kind != "float" && FitsUnsigned16(image) ? Depth::Unsigned16
-                                                                   : Depth::AsImage;
+                                                                  : Depth::AsImage;
 }
 
 void CheckType(PictureFormat format, int32_t imageType, Depth depth) {
@@ -114,8 +115,7 @@ void WritePicture(const Image& image, const std::vector<RGBValue>& palette, Dept
     WriteNative(image, path);
     return;
   }
-  const Raster raster =
-      depth == Depth::Unsigned16 ? Unsigned16Of(image) : RasterOf(image, palette);
+  const Raster raster = depth == Depth::Unsigned16 ? Unsigned16Of(image) : RasterOf(image, palette);
   switch (format) {
     case PictureFormat::Tiff:
       return WriteWhole(path, EncodeTiff(raster));

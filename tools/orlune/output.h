@@ -62,7 +62,7 @@ class NamesInFolder {
 
  private:
   std::filesystem::path folder_;
-  std::string suffix_;  // "-annotated.bmp"
+  std::string suffix_;               // "-annotated.bmp"
   std::map<std::string, int> used_;  // by the picture's name
 };
 

@@ -63,8 +63,9 @@ Image MaskOfSome(const Image& mask, const Labels& labels, uint32_t first, uint32
   return some;
 }
 
-// A particle is measured by itself, whatever others there are, so that a picture of too many can be
-// taken in parts.
+// A particle is measured by itself, so that a picture of too many can be taken in parts. Only the
+// outline of one that touches others by corners (with four neighbours) may come out longer or
+// shorter in a part, where those are missing.
 void MeasureByLibrary(const Image& mask, const Labels& labels, const LabelPicture& picture,
                       bool eight, int64_t most, std::vector<Particle>* particles) {
   const std::vector<int64_t> starts = StartsOf(labels, picture, eight);
@@ -75,7 +76,8 @@ void MeasureByLibrary(const Image& mask, const Labels& labels, const LabelPictur
     if (last == first) {
       throw std::runtime_error(
           "particle " + std::to_string(first + 1) + " has " + std::to_string(starts[first]) +
-          " starts of pieces, of which the library takes " + std::to_string(most) + ": a texture is taken for objects; "
+          " starts of pieces, of which the library takes " + std::to_string(most) +
+          ": a texture is taken for objects; "
           "choose other levels with --range, or smooth the picture with 'orlune filter' first");
     }
     const bool all = first == 0 && last == labels.count;
@@ -95,7 +97,8 @@ std::vector<std::vector<PixelRun>> RunsByParticle(const Labels& labels) {
   return runs;
 }
 
-void PutMoments(const std::vector<PixelRun>& runs, const Scale& scale, std::vector<double>* values) {
+void PutMoments(const std::vector<PixelRun>& runs, const Scale& scale,
+                std::vector<double>* values) {
   Moments moments;
   for (const PixelRun& run : runs) moments.Add(run);
   std::vector<double>& v = *values;
@@ -138,7 +141,8 @@ void PutHull(const std::vector<PixelRun>& runs, const Scale& scale, double area,
 }
 
 template <class T>
-void PutGrays(const std::vector<PixelRun>& runs, const ImageInfo& picture, std::vector<double>* values) {
+void PutGrays(const std::vector<PixelRun>& runs, const ImageInfo& picture,
+              std::vector<double>* values) {
   double sum = 0, pixels = 0;
   double low = std::numeric_limits<double>::infinity(), high = -low;
   const auto forPixels = [&](auto function) {

@@ -21,9 +21,10 @@ struct Particle {
 // number in one picture.
 constexpr int64_t MOST_STARTS = 65535;
 
-// Of the pixels of a mask that are not 0, whose numbers are the labels'. The mask is an IMAGE_U8 with
-// the picture's calibration; gray values come from the picture. A picture of more than mostStarts is
-// measured in parts. Throws LibraryFailure, and std::runtime_error for a particle of more.
+// Of the pixels of a mask that are not 0, whose numbers are the labels'. The mask is an IMAGE_U8
+// with the picture's calibration; gray values come from the picture. A picture of more than
+// mostStarts is measured in parts. Throws LibraryFailure, and std::runtime_error for a particle of
+// more.
 std::vector<Particle> MeasureParticles(const Image& mask, const Image& picture,
                                        const Labels& labels, const LabelPicture& labelPicture,
                                        bool eightConnected, int64_t mostStarts = MOST_STARTS);

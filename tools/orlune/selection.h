@@ -35,7 +35,8 @@ struct Condition {
 // "AreaPixels=50:500,Left>0". Throws std::invalid_argument that says what is wrong.
 std::vector<Condition> ParseConditions(std::string_view text);
 
-// "AreaPixels,Perimeter" or "all": all but those that only their names ask for. Throws std::invalid_argument.
+// "AreaPixels,Perimeter" or "all": all but those that only their names ask for. Throws
+// std::invalid_argument.
 std::vector<const Measure*> ParseMeasures(std::string_view text);
 
 }  // namespace front

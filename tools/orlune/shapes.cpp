@@ -166,8 +166,9 @@ HullMeasures MeasureHull(const std::vector<Corner>& hull, const Scale& scale) {
   std::vector<Point> points;
   // From the first corner on, so that no figures are lost far from the origin.
   for (const Corner& corner : hull) {
-    points.push_back({static_cast<double>(corner.x - hull.front().x) * static_cast<double>(scale.x),
-                      static_cast<double>(corner.y - hull.front().y) * static_cast<double>(scale.y)});
+    points.push_back(
+        {static_cast<double>(corner.x - hull.front().x) * static_cast<double>(scale.x),
+         static_cast<double>(corner.y - hull.front().y) * static_cast<double>(scale.y)});
   }
   HullMeasures measures;
   MeasureLargest(points, &measures);

@@ -38,7 +38,8 @@ struct Moments {
 // 180; 0 where no axis is longer than another.
 double AxisAngle(double xx, double yy, double xy);
 
-// The ellipse with the same second moments as the particle, whose pixels are rectangles, not points.
+// The ellipse with the same second moments as the particle, whose pixels are rectangles, not
+// points.
 struct Ellipse {
   double major = 0, minor = 0, angle = 0, eccentricity = 0;
 };

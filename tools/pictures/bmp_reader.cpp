@@ -1,5 +1,5 @@
-// BMP files of all kinds: any header, 1 to 32 bits, palettes of any length, run lengths, bit fields,
-// either row order.
+// BMP files of all kinds: any header, 1 to 32 bits, palettes of any length, run lengths, bit
+// fields, either row order.
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -128,7 +128,8 @@ void PlacePalette(const Numbers& numbers, size_t fileSize, Header* header) {
   size_t claimed = header->size >= 36 ? numbers.Long(FILE_HEADER + 32) : 0;
   if (claimed == 0 || claimed > most) claimed = most;
   const size_t end = header->pixelsAt == 0 ? fileSize : std::min(header->pixelsAt, fileSize);
-  const size_t room = end > header->paletteAt ? (end - header->paletteAt) / header->paletteEntry : 0;
+  const size_t room =
+      end > header->paletteAt ? (end - header->paletteAt) / header->paletteEntry : 0;
   header->colours = std::min(claimed, room);
   if (header->pixelsAt == 0) {
     header->pixelsAt = header->paletteAt + header->colours * header->paletteEntry;
@@ -259,12 +260,10 @@ void ReadIndexed(Bytes file, const Header& header, Raster* raster) {
 void ReadRuns(Bytes file, const Header& header, Raster* raster, Account* account) {
   *raster = MakeRaster(header.width, header.height, 1, Sample::U8);
   const Bytes runs = header.pixelsAt < file.size() ? file.subspan(header.pixelsAt) : Bytes();
-  const int64_t skipped =
-      DecodeRuns(runs, header.compression == RLE4, header.topDown, raster->bytes.data(),
-                 raster->width, raster->height);
+  const int64_t skipped = DecodeRuns(runs, header.compression == RLE4, header.topDown,
+                                     raster->bytes.data(), raster->width, raster->height);
   if (skipped > 0) {
-    account->losses.push_back(Count(skipped, "pixel") +
-                              " that the runs leave out became colour 0");
+    account->losses.push_back(Count(skipped, "pixel") + " that the runs leave out became colour 0");
   }
 }
 

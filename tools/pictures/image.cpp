@@ -138,8 +138,9 @@ Image Colours(const Raster& raster, int32_t bits, int32_t border, Account* accou
   return ForSample(raster.sample, [&](auto* sample) -> Image {
     using From = std::remove_pointer_t<decltype(sample)>;
     if constexpr (!std::is_unsigned_v<From>) {
-      throw BadFile("colours of signed numbers or floats have no agreed range of 8 bits; 'inspect' "
-                    "and 'filter' take their mean");
+      throw BadFile(
+          "colours of signed numbers or floats have no agreed range of 8 bits; 'inspect' "
+          "and 'filter' take their mean");
     } else {
       if (bits > 8) {
         account->losses.push_back("colours of " + std::to_string(bits) +

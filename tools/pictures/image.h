@@ -27,11 +27,12 @@ struct Loaded {
   std::vector<RGBValue> palette;  // 256 colours of an IMAGE_U8, or none
 };
 
-// A file by its name, "file.tif#3" for a page of it, "-" for the standard input. Throws BadFile, and
-// LibraryFailure.
+// A file by its name, "file.tif#3" for a page of it, "-" for the standard input. Throws BadFile,
+// and LibraryFailure.
 Loaded ReadPicture(const std::string& name, const ReadSettings& settings);
 
-// The accounts of all pages, without the pixels. A page that is damaged ends the list with a BadFile.
+// The accounts of all pages, without the pixels. A page that is damaged ends the list with a
+// BadFile.
 struct FileAccount {
   std::vector<Account> pages;
   std::string complaint;  // about the page behind the last one; empty for none

@@ -3,9 +3,8 @@
 #include <cstdio>
 #include <cstring>
 // After the standard headers that it needs.
-#include <jpeglib.h>
-
 #include <jerror.h>
+#include <jpeglib.h>
 
 #include "pictures/orientation.h"
 #include "pictures/readers.h"

@@ -125,7 +125,8 @@ Loaded ReadNative(Bytes file, const ReadSettings& settings) {
   Image read(settings.form == Form::Gray ? GrayType(stored) : stored, settings.border);
   Check(ZEL_ReadFile(read, memory.path().c_str(), 0, nullptr, nullptr));
 
-  // Reading makes every width even; the column that it adds to an odd one is no part of the picture.
+  // Reading makes every width even; the column that it adds to an odd one is no part of the
+  // picture.
   const ImageInfo from = read.Info();
   Image image(from.type, settings.border, info.width, info.height);
   Check(ZEL_SetImageCalibration(image, from.unit, from.xStep, from.yStep));

@@ -56,9 +56,9 @@ class ExifNumbers {
 Raster Upright(Raster stored, int32_t orientation) {
   const Turn turn = TurnOf(orientation);
   if (!turn.transposed && !turn.flippedX && !turn.flippedY) return stored;
-  Raster upright = MakeRaster(turn.transposed ? stored.height : stored.width,
-                              turn.transposed ? stored.width : stored.height, stored.channels,
-                              stored.sample);
+  Raster upright =
+      MakeRaster(turn.transposed ? stored.height : stored.width,
+                 turn.transposed ? stored.width : stored.height, stored.channels, stored.sample);
   upright.palette = std::move(stored.palette);
   const auto pixelBytes = static_cast<size_t>(stored.PixelBytes());
   for (int32_t y = 0; y < upright.height; ++y) {

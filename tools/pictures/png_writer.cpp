@@ -42,7 +42,7 @@ Header HeaderOf(const Raster& raster) {
     throw std::invalid_argument("PNG holds unsigned bytes and 16-bit numbers only");
   }
   header.bits = 8 * BytesOf(raster.sample);
-  header.colour = raster.channels == 3        ? PNG_COLOR_TYPE_RGB
+  header.colour = raster.channels == 3      ? PNG_COLOR_TYPE_RGB
                   : !raster.palette.empty() ? PNG_COLOR_TYPE_PALETTE
                                             : PNG_COLOR_TYPE_GRAY;
   for (size_t i = 0; i < raster.palette.size(); ++i) {

@@ -46,17 +46,17 @@ struct Account {
   std::string format;           // "TIFF"
   int32_t page = 1, pages = 1;  // which picture of how many
   int64_t width = 0, height = 0;
-  int32_t bits = 8;          // of a sample
-  int32_t samples = 1;       // a pixel, alpha and others included
+  int32_t bits = 8;           // of a sample
+  int32_t samples = 1;        // a pixel, alpha and others included
   std::string kind = "gray";  // "gray", "colour", "palette", "float", "signed", "complex"
-  std::string byteOrder;     // "little-endian"; empty where the format knows but one
+  std::string byteOrder;      // "little-endian"; empty where the format knows but one
   std::string compression = "none";
-  std::string layout;   // "strips of 16 rows"; empty where the format knows but one
-  std::string meaning;  // "0 is white"; empty for the usual one
-  int32_t orientation = 1;  // as in EXIF: 1 upright; others are turned when they are read
-  std::string alpha;        // "straight", "premultiplied"; empty for none
-  int32_t colours = 0;      // of a palette
-  std::string resolution;   // "300 x 300 pixels an inch"; empty for none
+  std::string layout;               // "strips of 16 rows"; empty where the format knows but one
+  std::string meaning;              // "0 is white"; empty for the usual one
+  int32_t orientation = 1;          // as in EXIF: 1 upright; others are turned when they are read
+  std::string alpha;                // "straight", "premultiplied"; empty for none
+  int32_t colours = 0;              // of a palette
+  std::string resolution;           // "300 x 300 pixels an inch"; empty for none
   std::vector<std::string> losses;  // what of the file is not in the pixels that were read
 
   int32_t PixelBits() const { return bits * samples; }

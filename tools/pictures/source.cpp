@@ -43,7 +43,7 @@ std::string Reason(int error) {
 
 // A pipe or a device under the name of a file would be waited for.
 size_t ExpectedBytes(int descriptor, bool standardInput) {
-  struct stat file{};
+  struct stat file {};
   if (::fstat(descriptor, &file) != 0) throw BadFile(Reason(errno));
   if (S_ISDIR(file.st_mode)) throw BadFile("this is a folder");
   if (S_ISREG(file.st_mode)) return static_cast<size_t>(file.st_size);

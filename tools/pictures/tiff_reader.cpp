@@ -100,8 +100,7 @@ std::string ResolutionOf(const TiffInput& file) {
 // A colour table has 16-bit values, but some writers left them at 8.
 std::vector<uint32_t> PaletteOf(const TiffInput& file, const TiffLayout& layout) {
   uint16_t *red = nullptr, *green = nullptr, *blue = nullptr;
-  if (layout.bits > 8 ||
-      TIFFGetField(file.handle(), TIFFTAG_COLORMAP, &red, &green, &blue) == 0) {
+  if (layout.bits > 8 || TIFFGetField(file.handle(), TIFFTAG_COLORMAP, &red, &green, &blue) == 0) {
     return {};
   }
   const size_t colours = size_t{1} << layout.bits;

@@ -158,7 +158,8 @@ class SampleReader {
 
   Raster Read() {
     // What a row takes is told by libtiff; what is taken out of it must lie within.
-    const uint64_t samples = uint64_t{grid_.blockWidth} * (layout_.planesApart ? 1 : layout_.samples);
+    const uint64_t samples =
+        uint64_t{grid_.blockWidth} * (layout_.planesApart ? 1 : layout_.samples);
     if (grid_.blockBytes <= 0 || grid_.rowBytes <= 0 ||
         static_cast<uint64_t>(grid_.rowBytes) < (samples * layout_.bits + 7) / 8) {
       file_->Fail("has rows of an odd size");
@@ -183,15 +184,16 @@ class SampleReader {
     const uint32_t height = std::min(grid_.blockHeight, layout_.height - top);
     const tmsize_t needed = static_cast<tmsize_t>(height) * grid_.rowBytes;
     const tmsize_t wanted = std::min(grid_.blockBytes, layout_.tiled ? grid_.blockBytes : needed);
-    const tmsize_t got =
-        layout_.tiled ? TIFFReadEncodedTile(file_->handle(), number, block_.data(), wanted)
-                      : TIFFReadEncodedStrip(file_->handle(), number, block_.data(), wanted);
+    const tmsize_t got = layout_.tiled
+                             ? TIFFReadEncodedTile(file_->handle(), number, block_.data(), wanted)
+                             : TIFFReadEncodedStrip(file_->handle(), number, block_.data(), wanted);
     if (got < 0 || got < std::min(needed, wanted) || needed > grid_.blockBytes) {
       file_->Fail(std::string("is cut or damaged in ") + (layout_.tiled ? "tile " : "strip ") +
                   std::to_string(number + 1));
     }
     for (uint32_t y = 0; y < height; ++y) {
-      const uint8_t* row = block_.data() + static_cast<size_t>(y) * static_cast<size_t>(grid_.rowBytes);
+      const uint8_t* row =
+          block_.data() + static_cast<size_t>(y) * static_cast<size_t>(grid_.rowBytes);
       uint8_t* to = raster_.Row(top + y) + left * raster_.PixelBytes();
       if (layout_.planesApart) {
         PutChannel(row, 0, 1, width, to, plane);

@@ -57,9 +57,8 @@ uint32_t FormatOf(Sample sample) {
 
 void CheckHeld(const Raster& raster) {
   const Sample s = raster.sample;
-  const bool held = s == Sample::U8 || (raster.channels == 1 && (s == Sample::U16 ||
-                                                                 s == Sample::I16 ||
-                                                                 s == Sample::F32));
+  const bool held = s == Sample::U8 || (raster.channels == 1 &&
+                                        (s == Sample::U16 || s == Sample::I16 || s == Sample::F32));
   if (!held) throw std::invalid_argument("TIFF is written with other samples only");
 }
 

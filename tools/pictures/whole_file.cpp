@@ -73,7 +73,7 @@ WholeFile::WholeFile(const std::string& path) : path_(path) {
     return;
   }
   std::error_code failed;
-  struct stat file{};
+  struct stat file {};
   const bool there = ::stat(path.c_str(), &file) == 0;
   if (there && S_ISDIR(file.st_mode)) Fail(EISDIR);
   if (there && !S_ISREG(file.st_mode)) {
@@ -139,7 +139,7 @@ void WriteWhole(const std::string& path, Bytes bytes) {
 }
 
 std::string IdentityOf(const fs::path& path) {
-  struct stat file{};
+  struct stat file {};
   if (::stat(path.c_str(), &file) == 0) {
     return std::to_string(file.st_dev) + ":" + std::to_string(file.st_ino);
   }
