@@ -119,9 +119,8 @@ std::string ManualPage(const CommandLine& line, const CLI::App& command) {
   } else {
     out << Synopsis(command, name) << '\n';
   }
-  out << ".SH OPTIONS\n";
+  out << ".SH DESCRIPTION\n" << Escaped(command.get_description()) << "\n.SH OPTIONS\n";
   PutOptions(out, command);
-  out << ".SH DESCRIPTION\n";
   PutFooter(out, command.get_footer());
   out << ".SH SEE ALSO\n"
       << Escaped(whole ? "orlune-inspect(1), orlune-filter(1)" : "orlune(1)") << '\n';
