@@ -106,7 +106,7 @@ TEST(Measures, StandAtTheirNumbersAndAllAreThoseThatNeedNoName) {
   for (size_t i = 0; i < AllMeasures().size(); ++i) EXPECT_EQ(AllMeasures()[i].number, i);
   EXPECT_EQ(ParseMeasures("all").size(), size_t{FIRST_BY_NAME});
   EXPECT_EQ(AllMeasures().size(), FIRST_BY_NAME + 12);
-  EXPECT_EQ(LibraryNumber(FindMeasure("LibraryOrientation")), uint32_t{MEASURE_ORIENTATION});
+  EXPECT_EQ(FindMeasure("LibraryOrientation").inLibrary, uint32_t{MEASURE_ORIENTATION});
   const std::vector<const Measure*> two = ParseMeasures("Perimeter, areapixels");
   ASSERT_EQ(two.size(), 2u);
   EXPECT_EQ(two[0]->name, "Perimeter");

@@ -138,7 +138,7 @@ std::vector<Measure> ListWithLibrarysOwn() {
     if (LISTED[i].maker != Maker::Front) continue;
     names.push_back("Library" + std::string(LISTED[i].name));
     list.push_back({list.size(), names.back(), LISTED[i].unit, Maker::LibraryByName,
-                    "the library's own number, by 32-bit sums"});
+                    "the library's own number, by 32-bit sums", static_cast<uint32_t>(i)});
   }
   return list;
 }
@@ -148,12 +148,6 @@ std::vector<Measure> ListWithLibrarysOwn() {
 const std::vector<Measure>& AllMeasures() {
   static const std::vector<Measure> LIST = ListWithLibrarysOwn();
   return LIST;
-}
-
-uint32_t LibraryNumber(const Measure& measure) {
-  if (measure.maker == Maker::Library) return static_cast<uint32_t>(measure.number);
-  const std::string_view name = measure.name.substr(std::string_view("Library").size());
-  return static_cast<uint32_t>(FindMeasure(name).number);
 }
 
 const Measure& FindMeasure(std::string_view name) {

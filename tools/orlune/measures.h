@@ -23,6 +23,7 @@ struct Measure {
   Unit unit;
   Maker maker;
   std::string_view meaning;
+  uint32_t inLibrary = 0;  // of one by name: the number that it has in the library
 
   // Of a 32-bit float, which is shown with no more figures than it has.
   bool IsFloat() const { return maker != Maker::Front; }
@@ -58,9 +59,6 @@ enum FrontMeasure : size_t {
 };
 
 const std::vector<Measure>& AllMeasures();
-
-// For one that the library computes under a name of its own: its number in the library.
-uint32_t LibraryNumber(const Measure& measure);
 
 // By name, in any mix of upper and lower case. Throws std::invalid_argument that tells the nearest
 // name.

@@ -44,7 +44,7 @@ void TakeReports(const Image& mask, bool eight, uint32_t first, std::vector<Part
     particle.rect = reports[i].rect;
     for (size_t m = 0; m < LIBRARY_MEASURES; ++m) particle.values[m] = static_cast<double>(own[m]);
     for (size_t m = FIRST_BY_NAME; m < all.size(); ++m) {
-      particle.values[m] = static_cast<double>(own[LibraryNumber(all[m])]);
+      particle.values[m] = static_cast<double>(own[all[m].inLibrary]);
     }
   }
 }

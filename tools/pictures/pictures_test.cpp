@@ -302,6 +302,41 @@ TEST(Writers, WhatIsWrittenReadsBack) {
   EXPECT_THROW(EncodeTiff(deepColour), std::invalid_argument);
 }
 
+// A field of a TIFF that the writer made, changed to another number.
+Pixels WithTag(Pixels file, uint16_t tag, uint16_t value) {
+  for (size_t entry = 10; entry + 12 <= file.size(); entry += 12) {
+    if ((file[entry] << 8 | file[entry + 1]) != tag) continue;
+    const size_t at = entry + (file[entry + 3] == 4 ? 10 : 8);  // the low half of a LONG
+    file[at] = static_cast<uint8_t>(value >> 8);
+    file[at + 1] = static_cast<uint8_t>(value);
+    break;
+  }
+  return file;
+}
+
+TEST(TiffReader, WhatIsNotReadIsToldInTheFilesWords) {
+  const Pixels gray = EncodeTiff(Ramp(1, Sample::U8));
+  const auto complaint = [&](uint16_t tag, uint16_t value) {
+    return Complaint([&] { ReadTiff(WithTag(gray, tag, value), 1, Want::Pixels); });
+  };
+  EXPECT_TRUE(Has(complaint(259, 64000), "page 1: compression 64000 is not read"));
+  EXPECT_TRUE(Has(complaint(277, 5), "5 samples a pixel are not read"));
+  EXPECT_TRUE(Has(complaint(262, 8), "photometric interpretation 8 (CIE L*a*b*, 1 samples"));
+  EXPECT_TRUE(Has(complaint(258, 33), "33-bit samples are not read"));
+  EXPECT_TRUE(
+      Has(Complaint([&] { ReadTiff(gray, 2, Want::Account); }), "has 1 page; there is no #2"));
+  EXPECT_TRUE(Has(Complaint([&] { ReadTiff(WithTag(gray, 257, 60000), 1, Want::Pixels); }), "cut"));
+}
+
+TEST(TiffReader, WhiteAtZeroIsTurnedRound) {
+  const Raster deep = Ramp(1, Sample::U16);
+  const Picture picture = ReadTiff(WithTag(EncodeTiff(deep), 262, 0), 1, Want::Pixels);
+  EXPECT_EQ(picture.account.meaning, "0 is white");
+  for (size_t i = 0; i < deep.bytes.size(); ++i) {
+    ASSERT_EQ(picture.raster.bytes[i], 255 - deep.bytes[i]);
+  }
+}
+
 class Files : public testing::Test {
  protected:
   void SetUp() override { fs::create_directories(folder_); }
