@@ -190,6 +190,7 @@ silent err
 cp "$scenes/washers.bmp" own.bmp
 run 2 inspect --csv own.bmp own.bmp
 in_err "that is a picture to be inspected"
+run 2 inspect --csv - --json - own.bmp
 run 2 inspect --csv both --json ./both own.bmp
 in_err "that is the CSV report"
 mkdir -p marks
@@ -272,6 +273,10 @@ in_out "edges "
 silent err
 run 0 filter --quiet --steps "median 5" "$scenes/washers.bmp" -o median.orln
 silent out
+"$orlune" filter --steps "median 5" --format png -o - "$scenes/washers.bmp" >median.png 2>err ||
+  fail "no filtered picture through a pipe"
+run 0 convert median.png median-back.orln
+cmp -s median.orln median-back.orln || fail "a filtered picture through a pipe is another one"
 run 0 filter --steps "edges sobel 4" median.orln -o two-steps.bmp
 cmp -s two-steps.bmp filtered/here/washers.bmp || fail "a chain is not its steps one by one"
 cmp -s two-steps.bmp "$scenes/washers.bmp" && fail "the filters did nothing"

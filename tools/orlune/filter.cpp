@@ -99,6 +99,7 @@ class FilterRun {
       : command_(command),
         outputs_(std::move(outputs)),
         border_(BorderOf(command.steps)),
+        out_(command.to == STANDARD_STREAM ? std::cerr : std::cout),
         progress_(command.files.size()) {
     total_.steps.resize(command.steps.size());
   }
@@ -206,34 +207,35 @@ class FilterRun {
                    total_.steps.begin(), std::plus<>());
     if (command_.quiet) return;
     progress_.Hide();
-    std::cout << result.line;
+    out_ << result.line;
     if (!std::cout) NoteClosedPipe();
   }
 
   void PrintSummary() const {
-    std::cout << '\n';
+    out_ << '\n';
     const size_t done = filtered_ + failed_;
     if (done < command_.files.size()) {
-      std::cout << "Stopped after " << done << " of " << Plural(command_.files.size(), "picture")
-                << '\n';
+      out_ << "Stopped after " << done << " of " << Plural(command_.files.size(), "picture")
+           << '\n';
     }
-    std::cout << Plural(filtered_, "picture") << " filtered";
-    if (failed_ > 0) std::cout << ", " << failed_ << " could not be";
-    std::cout << '\n';
+    out_ << Plural(filtered_, "picture") << " filtered";
+    if (failed_ > 0) out_ << ", " << failed_ << " could not be";
+    out_ << '\n';
     if (filtered_ == 0) return;
     Seconds time = total_.reading + total_.writing;
     for (const Seconds step : total_.steps) time += step;
-    std::cout << Fixed(total_.pixels / 1e6, 2) << " megapixels in " << Milliseconds(time)
-              << ": reading " << Milliseconds(total_.reading);
+    out_ << Fixed(total_.pixels / 1e6, 2) << " megapixels in " << Milliseconds(time) << ": reading "
+         << Milliseconds(total_.reading);
     for (size_t i = 0; i < total_.steps.size(); ++i) {
-      std::cout << ", " << command_.steps[i].step->name << ' ' << Milliseconds(total_.steps[i]);
+      out_ << ", " << command_.steps[i].step->name << ' ' << Milliseconds(total_.steps[i]);
     }
-    std::cout << ", writing " << Milliseconds(total_.writing) << '\n';
+    out_ << ", writing " << Milliseconds(total_.writing) << '\n';
   }
 
   const FilterCommand& command_;
   std::vector<Output> outputs_;
   int32_t border_;
+  std::ostream& out_;  // for texts: pictures may go to standard output
   std::optional<Image> mask_;
   FileResult total_;  // times and pixels of all files
   size_t filtered_ = 0, failed_ = 0;

@@ -8,7 +8,9 @@
 namespace front {
 
 std::string KindName(const Account& account) {
-  const std::string bits = std::to_string(account.PixelBits()) + "-bit ";
+  const bool several = account.kind == "colour" || account.kind == "complex";
+  const int32_t count = several ? account.PixelBits() : account.bits;  // of gray without alpha
+  const std::string bits = std::to_string(count) + "-bit ";
   if (account.kind == "signed") return bits + "signed gray";
   return bits + account.kind;
 }
