@@ -68,9 +68,49 @@ void TableSeeds() {
   }
   for (const bad_files::Case& one : bad_files::AllCases()) {
     if (one.file.size() < 6 || one.file.size() > 4000) continue;
+    if (one.file[0] == 'B') Write("front_bmp", "table-" + std::to_string(number), one.file);
     const auto options = static_cast<uint8_t>(number);
     Write(ReaderOf(one.file), "table-" + std::to_string(number++),
           Behind({options, 0x22}, one.file));
+  }
+}
+
+// Kinds of BMP that only the front reads: run lengths, bit fields, the oldest header, 1 to 32 bits.
+void FrontBmpSeeds() {
+  struct Kind {
+    uint8_t headerBytes, bits, compression, height;
+    Bytes behind;  // palette or masks, and pixels
+  };
+  const Kind kinds[] = {
+      {40, 8, 1, 2, {0, 0, 0, 0, 9, 9, 9, 0, 3, 1, 0, 0, 0, 2, 1, 0, 0, 3, 0, 1, 1, 0, 0, 1}},
+      {40, 4, 2, 2, {0, 0, 0, 0, 9, 9, 9, 0, 4, 0x10, 0, 0, 0, 4, 0x01, 0x10, 0, 1}},
+      {40, 16, 3, 1, {0, 0xF8, 0, 0, 0xE0, 7, 0, 0, 0x1F, 0, 0, 0, 1, 2, 3, 4, 5, 6, 7, 8}},
+      {40, 32, 0, 1, Bytes(16, 77)},
+      {40, 1, 0, 1, {0, 0, 0, 0, 255, 255, 255, 0, 0x60, 0, 0, 0}},
+      {40, 2, 0, 1, Bytes(20, 0x1B)},
+      {12, 4, 0, 1, Bytes(52, 3)}};
+  int number = 0;
+  for (const Kind& kind : kinds) {
+    Bytes file = {'B', 'M'};
+    const auto put = [&](uint32_t value, int bytes) {
+      for (int i = 0; i < bytes; i++) file.push_back(static_cast<uint8_t>(value >> (8 * i)));
+    };
+    const bool oldest = kind.headerBytes == 12;
+    const int side = oldest ? 2 : 4;
+    put(0, 8);
+    put(0, 4);  // pixels begin where the palette ends
+    put(kind.headerBytes, 4);
+    put(4, side);
+    put(kind.height, side);
+    put(1, 2);
+    put(kind.bits, 2);
+    if (!oldest) {
+      put(kind.compression, 4);
+      for (int i = 0; i < 3; i++) put(0, 4);
+      put(kind.bits <= 8 && kind.bits != 2 ? 2 : 0, 4);
+      put(0, 4);
+    }
+    Write("front_bmp", "kind-" + std::to_string(number++), Behind(file, kind.behind));
   }
 }
 
@@ -107,6 +147,7 @@ int main(int argc, char** argv) {
   FileSeeds("read_tiff", 2);
   FileSeeds("read_bmp", 3);
   TableSeeds();
+  FrontBmpSeeds();
   RawSeeds();
   CallSeeds();
   ZEL_CloseSys();

@@ -46,13 +46,30 @@ run 2
 in_out "Usage:"
 run 0 measures
 in_out "HeywoodCircularity"
-[ "$(grep -c '^ *[0-9]' out)" -eq 50 ] || fail "the measures are not 50"
+in_out "FeretMaximum"
+in_out "LibraryOrientation"
+run 0 help
+in_out "Usage:"
+run 0 help inspect
+in_out "--keep"
+in_out "otsu        where the variance"
+run 0 -V
+[ "$(cat out)" = "orlune $version" ] || fail "the version is not $version"
+run 2 help nothing
 
 # Use that makes no sense is explained, and nothing is done
 run 2 inspect
 in_err "FILE"
 run 2 frobnicate
 in_err "frobnicate"
+run 2 fliter
+in_err "did you mean filter?"
+run 2 inspect --anotate x "$scenes/washers.bmp"
+in_err "did you mean --annotate?"
+run 2 inspect --method otzu "$scenes/washers.bmp"
+in_err "did you mean otsu?"
+run 2 inspect --region 1,2,3 "$scenes/washers.bmp"
+run 2 inspect -j 0 "$scenes/washers.bmp"
 run 2 inspect --keep "AreaPixel>=50" "$scenes/washers.bmp"
 in_err "did you mean AreaPixels?"
 silent out
@@ -107,10 +124,10 @@ head -c 3000 "$scenes/washers.bmp" >short.bmp
 : >empty.tif
 run 1 inspect --dark "$scenes/washers.bmp" missing.tif text.bmp short.bmp empty.tif . \
   "$scenes/washers.bmp"
-in_err "missing.tif: unable to get info (ZEL_ReadFile returned -510)"
-in_err "text.bmp: file type not supported (ZEL_ReadFile returned -509)"
-in_err "short.bmp: file type not supported (ZEL_ReadFile returned -509)"
-in_err "empty.tif:"
+in_err "missing.tif: there is no such file"
+in_err "text.bmp: this is no TIFF, PNG, JPEG, BMP or native picture"
+in_err "short.bmp: the BMP file is cut: its 640 x 480 pixels take 307200 bytes, and there are 1922"
+in_err "empty.tif: the file is empty"
 in_err "this is a folder"
 in_out "2 pictures inspected, 5 could not be"
 [ "$(grep -c '11 particles' out)" -eq 2 ] || fail "the good files did not go on"
@@ -133,13 +150,59 @@ run 0 inspect --dark --csv - "$scenes/washers.bmp"
 [ "$(wc -l <out)" -eq 12 ] || fail "the CSV is not alone on standard output"
 in_err "1 picture inspected"
 run 1 inspect --json - --quiet missing.tif
-in_out '"error": {"number": -510, "message": "unable to get info'
+in_out '"error": {"message": "there is no such file"}'
 run 1 inspect --csv no/such/folder/list.csv "$scenes/washers.bmp"
 in_err "no/such/folder/list.csv"
 if [ -e /dev/full ]; then
   run 1 inspect --dark --csv /dev/full "$scenes/washers.bmp"
-  in_err "/dev/full: could not be written to its end"
+  in_err "/dev/full: cannot be written: the disk is full"
+  for command in "info $scenes/washers.bmp" "inspect $scenes/washers.bmp" measures help; do
+    # shellcheck disable=SC2086 # words of their own
+    "$orlune" $command >/dev/full 2>err
+    [ $? -eq 1 ] || fail "$command: a full standard output is no failure"
+    in_err "standard output cannot be written"
+    # shellcheck disable=SC2086
+    "$orlune" $command >&- 2>err
+    [ $? -eq 1 ] || fail "$command: a closed standard output is no failure"
+  done
+  run 1 convert "$scenes/washers.bmp" --format png /dev/full
+  in_err "the disk is full"
 fi
+# A disk that is full: nothing of the picture is left, and the former one stays
+if [ "$(id -u)" -eq 0 ] && mkdir -p small && mount -t tmpfs -o size=64k tmpfs small 2>/dev/null; then
+  echo former >small/a.bmp
+  run 1 convert "$scenes/washers.bmp" small/a.bmp
+  in_err "small/a.bmp: cannot be written: the disk is full"
+  [ "$(cat small/a.bmp)" = former ] || fail "a picture that was written before is lost"
+  run 1 convert "$scenes/washers.bmp" small/a.orln
+  run 1 inspect --dark --annotate small "$scenes/washers.bmp"
+  [ "$(ls small)" = a.bmp ] || fail "something half written is left"
+  umount small
+else
+  echo "skipped: a full disk (nothing can be mounted here)"
+fi
+# A reader that has seen enough
+"$orlune" measures 2>err | head -1 >out
+silent err
+"$orlune" inspect --dark "$scenes/washers.bmp" "$scenes/washers.bmp" 2>err | head -1 >out
+silent err
+# Outputs are no inputs, and no two outputs are one file
+cp "$scenes/washers.bmp" own.bmp
+run 2 inspect --csv own.bmp own.bmp
+in_err "that is a picture to be inspected"
+run 2 inspect --csv - --json - own.bmp
+run 2 inspect --csv both --json ./both own.bmp
+in_err "that is the CSV report"
+mkdir -p marks
+cp own.bmp marks/own-annotated.bmp
+run 2 inspect --annotate marks own.bmp marks/own-annotated.bmp
+in_err "that is a picture to be inspected"
+run 2 convert own.bmp ./own.bmp
+cmp -s own.bmp "$scenes/washers.bmp" || fail "an input was written over"
+# Names that a spreadsheet would take for formulas
+cp own.bmp "=own.bmp"
+run 0 inspect --dark --quiet --csv - =own.bmp
+in_out "./=own.bmp,1,"
 
 # Annotated pictures, also of files with the same name in different folders
 mkdir -p other
@@ -154,17 +217,29 @@ run 1 inspect --dark --annotate "$scenes/washers.bmp" "$scenes/washers.bmp"
 in_err "the folder cannot be made"
 
 # Conversions
-run 0 convert "$scenes/pins.tif" pins.orln
-run 0 convert pins.orln back.tif
-cmp -s "$scenes/pins.tif" back.tif || fail "TIFF to native and back is another file"
+for ending in tif png bmp; do
+  run 0 convert "$scenes/pins.tif" pins.orln
+  run 0 convert pins.orln "back.$ending"
+  run 0 convert "back.$ending" back.orln
+  cmp -s pins.orln back.orln || fail "$ending and back is another picture"
+done
+run 0 convert "$scenes/chips.tif" chips.orln
+run 0 convert chips.orln chips.png
+run 0 convert chips.png chips-back.orln
+cmp -s chips.orln chips-back.orln || fail "16-bit PNG and back is another picture"
 run 0 convert "$scenes/washers.bmp" washers.orln
 run 0 convert --format bmp washers.orln washers.picture
-cmp -s "$scenes/washers.bmp" washers.picture || fail "BMP to native and back is another file"
+run 0 convert washers.picture washers-back.orln
+cmp -s washers.orln washers-back.orln || fail "BMP to native and back is another picture"
+"$orlune" convert - --format png - <"$scenes/washers.bmp" >piped.png 2>err || fail "no picture through pipes"
+run 0 inspect --dark piped.png
+in_out "11 particles"
 run 0 convert --type u8 --stretch "$scenes/chips.tif" chips.bmp
 run 0 info chips.bmp
 in_out "8-bit gray"
 in_out "0 to 255"
 run 0 convert --type u8 "$scenes/chips.tif" limited.tif
+in_err "are limited to 0 to 255"
 run 0 convert --type rgb "$scenes/washers.bmp" washers-rgb.tif
 run 0 info washers-rgb.tif
 in_out "24-bit colour"
@@ -175,19 +250,17 @@ run 0 convert --type sgl "$scenes/chips.tif" chips-float.orln
 run 0 inspect --keep "AreaPixels>=200" chips-float.orln
 in_out "20 kept"
 run 0 convert "$scenes/pins.tif" pins.bmp
-in_err "24 bits"
+silent err
 run 0 inspect --keep "AreaPixels>=200" pins.bmp
 in_out "18 kept"
 run 2 convert "$scenes/chips.tif" chips-deep.bmp
 in_err "--type u8"
-run 2 convert --type u8 "$scenes/pins.tif" pins8.bmp
-in_err "--type rgb"
 run 2 convert "$scenes/pins.tif" pins.jpg
 in_err "--format"
 run 1 convert missing.tif out.bmp
-in_err "missing.tif: unable to get info"
+in_err "missing.tif: there is no such file"
 run 1 convert "$scenes/washers.bmp" no/such/folder/out.tif
-in_err "no/such/folder/out.tif: invalid parameter"
+in_err "no/such/folder/out.tif: cannot be written: there is no such folder"
 
 # Filters: chains on several files, of which each goes into the folder under its own name
 chain="median 5; edges sobel 4"
@@ -200,6 +273,10 @@ in_out "edges "
 silent err
 run 0 filter --quiet --steps "median 5" "$scenes/washers.bmp" -o median.orln
 silent out
+"$orlune" filter --steps "median 5" --format png -o - "$scenes/washers.bmp" >median.png 2>err ||
+  fail "no filtered picture through a pipe"
+run 0 convert median.png median-back.orln
+cmp -s median.orln median-back.orln || fail "a filtered picture through a pipe is another one"
 run 0 filter --steps "edges sobel 4" median.orln -o two-steps.bmp
 cmp -s two-steps.bmp filtered/here/washers.bmp || fail "a chain is not its steps one by one"
 cmp -s two-steps.bmp "$scenes/washers.bmp" && fail "the filters did nothing"
@@ -209,26 +286,26 @@ in_out "16-bit gray"
 run 0 inspect --keep "AreaPixels>=200" chips-median.tif
 in_out "20 kept"
 run 0 filter --steps "median 3" --format bmp "$scenes/pins.tif" --out filtered
-in_err "filtered/pins.bmp: written with 24 bits"
+silent err
 run 0 filter --steps "maximum 3" --mask "$scenes/washers.bmp" "$scenes/washers.bmp" -o masked.bmp
 run 1 filter --steps "maximum 3" --mask "$scenes/pins.tif" "$scenes/washers.bmp" -o not-masked.bmp
 in_err "the mask of 801 x 601 pixels does not fit"
 run 1 filter --steps "maximum 3" --mask missing.tif "$scenes/washers.bmp" -o not-masked.bmp
-in_err "missing.tif: unable to get info"
+in_err "missing.tif: there is no such file"
 [ ! -e not-masked.bmp ] || fail "filtered without the mask"
 
 # Those that cannot be read or written are named, and the others go on
 run 1 filter --steps "minimum 3" missing.tif text.bmp "$scenes/washers.bmp" --out filtered/some
-in_err "missing.tif: unable to get info (ZEL_ReadFile returned -510)"
-in_err "text.bmp: file type not supported (ZEL_ReadFile returned -509)"
+in_err "missing.tif: there is no such file"
+in_err "text.bmp: this is no TIFF"
 in_out "1 picture filtered, 2 could not be"
 [ -s filtered/some/washers.bmp ] || fail "the good file did not go on"
 [ ! -e filtered/some/missing.tif ] || fail "a picture of no file"
 run 1 filter --steps "median 3" --format bmp "$scenes/chips.tif" "$scenes/pins.tif" --out filtered/some
-in_err "filtered/some/chips.bmp: BMP holds u8 and rgb pixels, not i16"
+in_err "filtered/some/chips.bmp: BMP holds u8 and rgb pixels, not u16"
 in_out "1 picture filtered, 1 could not be"
 run 1 filter --steps "median 3" "$scenes/washers.bmp" -o no/such/folder/out.bmp
-in_err "no/such/folder/out.bmp: invalid parameter"
+in_err "no/such/folder/out.bmp: cannot be written: there is no such folder"
 run 1 filter --steps "median 3" "$scenes/washers.bmp" --out text.bmp
 in_err "text.bmp: the folder cannot be made"
 
@@ -261,6 +338,84 @@ in_err "step 1, median: the size must be 1 to 1000, or WIDTHxHEIGHT, not '0'"
 run 2 filter --steps "edges sobl" "$scenes/washers.bmp" --out filtered/never
 in_err "did you mean sobel?"
 [ ! -e filtered/never ] || fail "something was done"
+
+# Many files at a time tell the same in the same order
+tables() { grep -v 'megapixels in' "$1"; }
+set -- "$scenes/washers.bmp" missing.tif "$scenes/pins.tif" text.bmp "$scenes/mixed.orln"
+run 1 inspect --csv one.csv --json one.json --annotate one --labels one "$@"
+tables out >one.txt
+cp err one.err
+run 1 inspect -j 3 --csv three.csv --json three.json --annotate three --labels three "$@"
+tables out | sed 's/ in three$/ in one/' >three.txt
+cmp -s one.txt three.txt || fail "three workers tell other tables"
+cmp -s one.err err || fail "three workers tell other failures"
+cmp -s one.csv three.csv || fail "three workers make another CSV"
+cmp -s one.json three.json || fail "three workers make another JSON"
+diff -r one three >/dev/null || fail "three workers make other pictures"
+[ -s one/pins-labels.tif ] || fail "no label picture"
+run 0 filter -j 2 --quiet --steps "median 3" --out jobs "$scenes/washers.bmp" "$scenes/pins.tif"
+[ -s jobs/pins.tif ] || fail "no filtered picture of a worker"
+
+# Ctrl-C leaves whole files and a true count
+set --
+for i in 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20; do set -- "$@" "$scenes/mixed.orln"; done
+"$orlune" inspect --csv stopped.csv --json stopped.json "$@" "$@" "$@" "$@" >out 2>err &
+process=$!
+sleep 0.3
+kill -TERM $process
+wait $process
+status=$?
+what="an interrupted inspection"
+if [ $status -eq 0 ]; then
+  echo "skipped: an interrupted run (all was done before)"
+else
+  [ $status -eq 143 ] || fail "$what: exit status $status, not 143"
+  in_out "Stopped after"
+  grep -q '"complete": false' stopped.json || fail "$what: the JSON is not whole"
+  listed=$(grep -c '"file"' stopped.json)
+  in_out "$listed pictures inspected"
+  [ -s stopped.csv ] || fail "$what: no CSV"
+fi
+[ -z "$(find . -name '*.??????' -newer one.csv ! -name '*.*.*' | grep -E 'stopped\.(csv|json)\.')" ] || fail "half written files are left"
+
+# Pages, regions, masks
+run 0 inspect --dark --region 0,0,320,240 "$scenes/washers.bmp"
+in_out "3 particles"
+run 1 inspect --region 9999,0,5,5 "$scenes/washers.bmp"
+in_err "the region lies outside the picture of 640 x 480"
+run 0 inspect --range 300:400 "$scenes/washers.bmp"
+in_out "no pixel lies in the range: the picture's values are 43 to 229"
+run 1 inspect "$scenes/pins.tif#2"
+in_err "the TIFF file has 1 page; there is no #2"
+run 0 info --json "$scenes/chips.tif"
+in_out '"byteOrder": "big-endian"'
+
+# Manual pages and completions are made of the same list of options
+for command in "" inspect filter convert info; do
+  # shellcheck disable=SC2086
+  run 0 manual $command
+  in_out ".SH OPTIONS"
+  if command -v man >/dev/null; then
+    cp out page.1
+    MANWIDTH=90 man --warnings -l ./page.1 >page.txt 2>err || fail "man cannot show the page of '$command'"
+    silent err
+  fi
+done
+for shell in bash zsh fish; do
+  run 0 completions $shell
+  in_out "annotate"
+  cp out "completions.$shell"
+  if command -v $shell >/dev/null && [ $shell != fish ]; then
+    $shell -n "completions.$shell" || fail "$shell does not take its completions"
+  fi
+done
+if command -v bash >/dev/null; then
+  what="completion"
+  bash -c '. ./completions.bash; COMP_WORDS=(orlune inspect --me); COMP_CWORD=2; _orlune; echo "${COMPREPLY[@]}"
+           COMP_WORDS=(orlune inspect --method ot); COMP_CWORD=3; _orlune; echo "${COMPREPLY[@]}"' >out 2>err
+  in_out "--method --measures"
+  in_out "otsu"
+fi
 
 # A progress bar on a terminal, and none in a pipe
 many="$scenes/washers.bmp $scenes/washers.bmp $scenes/washers.bmp $scenes/washers.bmp"

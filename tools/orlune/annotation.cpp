@@ -1,9 +1,11 @@
-// The picture with what was found burnt into it.
+// Pictures made of what was found.
 #include "orlune/annotation.h"
 
 #include <algorithm>
 #include <string>
 #include <vector>
+
+#include "orlune/output.h"
 
 namespace front {
 namespace {
@@ -75,7 +77,7 @@ void ForDigitPixels(const std::string& number, Function function) {
 }
 
 // Above the rectangle where there is room, else inside it; never outside the picture.
-void DrawNumber(const Canvas& canvas, int32_t number, const ApiRect& rect) {
+void DrawNumber(const Canvas& canvas, uint32_t number, const ApiRect& rect) {
   const std::string text = std::to_string(number);
   const int32_t size = canvas.height() >= LARGE_PICTURE ? 2 : 1;
   const int32_t width = (static_cast<int32_t>(text.size()) * (FACE_WIDTH + 1) - 1) * size;
@@ -100,21 +102,20 @@ void CopyGray(const Image& gray, const Canvas& canvas) {
   }
 }
 
-// Colours those pixels of particles that have a neighbour outside. The label image's border is 0,
-// so the rows around the picture may be read.
+// Colours those pixels of particles that have a neighbour outside.
 void DrawOutlines(const Inspection& inspection, const Canvas& canvas) {
-  std::vector<RGBValue> colours(1 << 16, LEFT_OUT_COLOUR);  // by label
+  std::vector<RGBValue> colours(inspection.particles.size() + 1, LEFT_OUT_COLOUR);  // by label
   for (const Particle& particle : inspection.particles) {
-    if (particle.kept) colours[static_cast<uint16_t>(particle.number)] = KEPT_COLOUR;
+    if (particle.kept) colours[particle.number] = KEPT_COLOUR;
   }
-  const ImageInfo info = inspection.labels.Info();
-  for (int32_t y = 0; y < info.height; ++y) {
-    const uint16_t* above = Row<uint16_t>(info, y - 1);
-    const uint16_t* here = Row<uint16_t>(info, y);
-    const uint16_t* below = Row<uint16_t>(info, y + 1);
+  const LabelPicture labels(inspection.labels);
+  for (int32_t y = 0; y < labels.height(); ++y) {
+    const uint32_t* above = labels.Row(y - 1);
+    const uint32_t* here = labels.Row(y);
+    const uint32_t* below = labels.Row(y + 1);
     RGBValue* row = canvas.RowAt(y);
-    for (int32_t x = 0; x < info.width; ++x) {
-      const uint16_t label = here[x];
+    for (int32_t x = 0; x < labels.width(); ++x) {
+      const uint32_t label = here[x];
       const bool inside =
           here[x - 1] == label && here[x + 1] == label && above[x] == label && below[x] == label;
       if (label != 0 && !inside) row[x] = colours[label];
@@ -124,7 +125,7 @@ void DrawOutlines(const Inspection& inspection, const Canvas& canvas) {
 
 }  // namespace
 
-void WriteAnnotation(const Inspection& inspection, const std::filesystem::path& file) {
+void WriteAnnotation(const Inspection& inspection, const std::string& file) {
   const Image& gray = inspection.Gray();
   const ImageInfo info = gray.Info();
   const Image picture(IMAGE_RGB, 0, info.width, info.height);
@@ -141,7 +142,22 @@ void WriteAnnotation(const Inspection& inspection, const std::filesystem::path& 
   for (const Particle& particle : inspection.particles) {
     if (particle.kept) DrawNumber(canvas, particle.number, particle.rect);
   }
-  WritePicture(picture, file, PictureFormat::Bmp, {});
+  WritePicture(picture, {}, Depth::AsImage, file, PictureFormat::Bmp);
+}
+
+void WriteLabels(const Inspection& inspection, const std::string& file) {
+  constexpr uint32_t MOST_IN_16_BITS = 65535;
+  const Labels& labels = inspection.labels;
+  const Image picture(IMAGE_SGL, 0, labels.width, labels.height);
+  Check(ZEL_ClearPixels(picture));
+  const ImageInfo info = picture.Info();
+  for (const PixelRun& run : labels.runs) {
+    if (!inspection.particles[run.label - 1].kept) continue;
+    std::fill_n(Row<float>(info, run.y) + run.start, run.end - run.start,
+                static_cast<float>(run.label));
+  }
+  WritePicture(picture, {}, labels.count <= MOST_IN_16_BITS ? Depth::Unsigned16 : Depth::AsImage,
+               file, PictureFormat::Tiff);
 }
 
 }  // namespace front

@@ -1,14 +1,18 @@
-// The picture with what was found burnt into it.
+// Pictures made of what was found.
 #pragma once
 
-#include <filesystem>
+#include <string>
 
 #include "orlune/inspection.h"
 
 namespace front {
 
-// Writes a 24-bit BMP file: kept particles with a green outline, a yellow upright rectangle and
-// their number; particles left out with a red outline alone. Throws LibraryFailure.
-void WriteAnnotation(const Inspection& inspection, const std::filesystem::path& file);
+// Writes a 24-bit BMP file: the picture with kept particles in a green outline, a yellow upright
+// rectangle and their number; particles left out with a red outline alone. Throws as WritePicture.
+void WriteAnnotation(const Inspection& inspection, const std::string& file);
+
+// Writes a TIFF file whose pixels are the numbers of the kept particles they belong to, else 0: of
+// unsigned 16 bits, or floats where numbers need more. Throws as WritePicture.
+void WriteLabels(const Inspection& inspection, const std::string& file);
 
 }  // namespace front

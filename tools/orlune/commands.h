@@ -6,28 +6,33 @@
 #include <vector>
 
 #include "orlune/inspection.h"
+#include "orlune/output.h"
 #include "orlune/steps.h"
 
 namespace front {
 
-// Exit statuses.
+// Exit statuses. A run that was interrupted ends with 128 and the signal's number.
 constexpr int ALL_WELL = 0;
 constexpr int SOME_FAILED = 1;  // a file could not be read or written; the others were done
 constexpr int BAD_USE = 2;      // the command line makes no sense; nothing was done
 
 struct InfoCommand {
   std::vector<std::string> files;
+  bool json = false;
 };
 int Run(const InfoCommand& command);
 
 struct InspectCommand {
   std::vector<std::string> files;
   InspectSettings settings;
+  std::string mask;                      // file, empty for none
   std::vector<const Measure*> measures;  // empty: a choice that suits the table
   std::string csv;                       // file, "-" for the standard output, empty for none
   std::string json;
   std::string annotate;  // folder, empty for none
+  std::string labels;    // likewise
   size_t rows = 100;     // of a picture's table; 0 is no limit
+  size_t workers = 1;
   bool quiet = false;
 };
 int Run(const InspectCommand& command);
@@ -35,10 +40,11 @@ int Run(const InspectCommand& command);
 struct ConvertCommand {
   std::string from, to;
   std::optional<PictureFormat> format;  // none: by the ending of to
-  std::optional<int32_t> type;          // ImageType; none keeps the file's
+  std::optional<int32_t> type;          // ImageType, or TYPE_U16; none keeps the file's
   bool stretch = false;
   bool swapBytes = false;
 };
+constexpr int32_t TYPE_U16 = 100;  // unsigned 16-bit pixels, which only files have
 int Run(const ConvertCommand& command);
 
 struct FilterCommand {
@@ -48,15 +54,23 @@ struct FilterCommand {
   std::string to;                       // the picture of the only file
   std::string mask;                     // file, empty for none
   std::optional<PictureFormat> format;  // none: by the endings of the names
+  size_t workers = 1;
   bool swapBytes = false;
   bool quiet = false;
 };
 int Run(const FilterCommand& command);
 
-// The list of the 50 measures.
+// The list of measures.
 int ListMeasures();
 
-// "orlune: FILE: MESSAGE" on standard error, with a hint where one helps.
+// "FILE: MESSAGE", with a hint where one helps, and without the line's end.
+std::string FailureText(const std::string& file, const std::exception& failure);
+
+// "orlune: " with that text, on standard error.
 void PrintFailure(const std::string& file, const std::exception& failure);
+
+// Every page of the files that end in #all by a name of its own. Throws BadFile for one that cannot
+// be read.
+std::vector<std::string> WithAllPages(const std::vector<std::string>& files);
 
 }  // namespace front

@@ -1,36 +1,45 @@
 // Particles as comma-separated values.
 #include "orlune/numbers.h"
+#include "orlune/readable.h"
 #include "orlune/reports.h"
 
 namespace front {
 
 std::string CsvText(const std::string& text) {
-  if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
+  std::string safe = ReadableText(text);
+  // A spreadsheet would take the text for a formula. Names of files are the same with this before
+  // them.
+  constexpr std::string_view BEGIN_FORMULAS = "=+-@\t\r";
+  if (!safe.empty() && BEGIN_FORMULAS.find(safe[0]) != std::string_view::npos) {
+    safe = std::string("./").append(safe);
+  }
+  if (safe.find_first_of(",\"\r\n") == std::string::npos) return safe;
   std::string quoted = "\"";
-  for (const char c : text) {
+  for (const char c : safe) {
     if (c == '"') quoted += '"';
     quoted += c;
   }
   return quoted + '"';
 }
 
-CsvReport::CsvReport(std::ostream& out, std::vector<const Measure*> measures)
-    : out_(out), measures_(std::move(measures)) {
-  out_ << "File,Number";
-  for (const Measure* measure : measures_) out_ << ',' << measure->name;
-  out_ << '\n';
+std::string CsvHead(const MeasureList& measures) {
+  std::string head = "File,Number";
+  for (const Measure* measure : measures) head += "," + std::string(measure->name);
+  return head + '\n';
 }
 
-void CsvReport::Add(const Inspection& inspection) {
+std::string CsvRows(const Inspection& inspection, const MeasureList& measures) {
   const std::string path = CsvText(inspection.path);
+  std::string rows;
   for (const Particle& particle : inspection.particles) {
     if (!particle.kept) continue;
-    out_ << path << ',' << particle.number;
-    for (const Measure* measure : measures_) {
-      out_ << ',' << Exact(particle.values[measure->number]);
+    rows += path + ',' + std::to_string(particle.number);
+    for (const Measure* measure : measures) {
+      rows += ',' + ExactValue(*measure, particle.values[measure->number]);
     }
-    out_ << '\n';
+    rows += '\n';
   }
+  return rows;
 }
 
 }  // namespace front

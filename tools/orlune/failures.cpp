@@ -1,50 +1,52 @@
 // How failures are told, with a hint where the library's message is short of one.
-#include <filesystem>
 #include <iostream>
 
 #include "orlune/commands.h"
-#include "orlune/library.h"
 
 namespace front {
 namespace {
 
-std::string Hint(const std::string& file, const LibraryFailure& failure) {
-  std::error_code ignored;
-  if (failure.function() == "ZEL_WriteFile") {
-    return failure.number() == ZEL_ERR_FILE_OPEN
-               ? "is there such a folder, and may you write to it?"
-               : "";
+std::string Hint(const LibraryFailure& failure) {
+  if (failure.function() == "ZEL_WriteFile" && failure.number() == ZEL_ERR_FILE_OPEN) {
+    return "is there such a folder, and may you write to it?";
   }
-  switch (failure.number()) {
-    case ZEL_ERR_FILE_INFO:
-      if (!std::filesystem::exists(file, ignored)) return "there is no such file";
-      if (std::filesystem::is_directory(file, ignored)) return "this is a folder";
-      return "this is no ordinary file, or it is above 2 GiB";
-    case ZEL_ERR_FILE_OPEN:
-      return "may you read it?";
-    case ZEL_ERR_FILE_UNSUPPORTED:
-      return "this is no TIFF, BMP or native picture";
-    case ZEL_ERR_BAD_FILE_FORMAT:
-      return "TIFF files must be uncompressed and complete";
-    case ZEL_ERR_BAD_FILE_HEADER:
-      return "the file is damaged, or of a kind that is not read";
-    case ZEL_ERR_MEMORY_FULL:
-      return failure.function() == "ZEL_Label" ? "more than 65535 pieces: the threshold finds noise"
-                                               : "";
-    default:
-      return "";
-  }
+  if (failure.function() == "ZEL_WriteFile") return "is the disk full?";
+  return failure.number() == ZEL_ERR_MEMORY_FULL ? "the picture is too large for this machine" : "";
 }
 
 }  // namespace
 
-void PrintFailure(const std::string& file, const std::exception& failure) {
-  std::cerr << "orlune: " << file << ": " << failure.what();
+std::string FailureText(const std::string& file, const std::exception& failure) {
+  std::string text = file + ": ";
+  if (dynamic_cast<const std::bad_alloc*>(&failure) != nullptr) return text + "not enough memory";
+  text += failure.what();
   if (const auto* reported = dynamic_cast<const LibraryFailure*>(&failure)) {
-    const std::string hint = Hint(file, *reported);
-    if (!hint.empty()) std::cerr << "; " << hint;
+    const std::string hint = Hint(*reported);
+    if (!hint.empty()) text += "; " + hint;
   }
-  std::cerr << '\n';
+  return text;
+}
+
+void PrintFailure(const std::string& file, const std::exception& failure) {
+  std::cerr << "orlune: " << FailureText(file, failure) << '\n';
+}
+
+std::vector<std::string> WithAllPages(const std::vector<std::string>& files) {
+  const std::string mark = "#all";
+  std::vector<std::string> names;
+  for (const std::string& file : files) {
+    const bool all = file.size() > mark.size() && file.ends_with(mark);
+    if (!all) {
+      names.push_back(file);
+      continue;
+    }
+    const std::string path = file.substr(0, file.size() - mark.size());
+    const int32_t pages = DescribeFile(path + "#1").pages.front().pages;
+    for (int32_t page = 1; page <= pages; ++page) {
+      names.push_back(path + "#" + std::to_string(page));
+    }
+  }
+  return names;
 }
 
 }  // namespace front

@@ -1,33 +1,21 @@
 // orlune filter: picture files put through a chain of filters.
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <functional>
 #include <iostream>
-#include <map>
 #include <stdexcept>
 
 #include "orlune/commands.h"
+#include "orlune/interrupts.h"
 #include "orlune/numbers.h"
-#include "orlune/output.h"
+#include "orlune/parcel.h"
 #include "orlune/progress.h"
+#include "orlune/tasks.h"
+#include "pictures/source.h"
 
 namespace front {
 namespace {
 
 namespace fs = std::filesystem;
-
-// Two names of one file give the same text, also of one that is not there yet.
-std::string IdentityOf(const fs::path& path) {
-  struct stat file;
-  if (::stat(path.c_str(), &file) == 0) {
-    return std::to_string(file.st_dev) + ":" + std::to_string(file.st_ino);
-  }
-  std::error_code failed;
-  const fs::path whole = fs::absolute(path, failed);
-  const fs::path plain = fs::weakly_canonical(whole, failed);
-  return (failed ? whole.lexically_normal() : plain).string();
-}
 
 struct Output {
   fs::path path;
@@ -37,7 +25,13 @@ struct Output {
 Output OutputFor(const FilterCommand& command, const std::string& file) {
   fs::path path = command.to;
   if (!command.folder.empty()) {
-    path = fs::path(command.folder) / fs::path(file).filename();
+    const Source source = SourceOf(file);
+    fs::path name = fs::path(source.path).filename();
+    if (source.IsStandardInput()) name = "standard-input";
+    if (source.pageNamed) {
+      name = name.stem().string() + "-" + std::to_string(source.page) + name.extension().string();
+    }
+    path = fs::path(command.folder) / name;
     if (command.format) path.replace_extension(EndingOf(*command.format));
   }
   return {path, command.format ? *command.format : FormatByEnding(path)};
@@ -53,62 +47,51 @@ std::vector<Output> PlanOutputs(const FilterCommand& command) {
     throw std::invalid_argument("-o is for one file, --out for " +
                                 std::to_string(command.files.size()));
   }
-  std::map<std::string, std::string> uses;  // what a file is needed for, by identity
-  if (!command.mask.empty()) uses[IdentityOf(command.mask)] = "the mask";
-  for (const std::string& file : command.files) uses[IdentityOf(file)] = "a picture to be filtered";
-
+  FilePlan plan;
+  if (!command.mask.empty()) plan.Reads(command.mask, "the mask");
+  for (const std::string& file : command.files) plan.Reads(file, "a picture to be filtered");
   std::vector<Output> outputs;
   for (const std::string& file : command.files) {
     outputs.push_back(OutputFor(command, file));
-    const std::string path = outputs.back().path.string();
-    const auto [use, free] = uses.try_emplace(IdentityOf(path), "the result of " + file);
-    if (!free) {
-      throw std::invalid_argument("the result of " + file + " cannot go to " + path + ": that is " +
-                                  use->second);
-    }
+    plan.Writes(outputs.back().path.string(), "the result of " + file);
   }
   return outputs;
-}
-
-template <class T, class Test>
-Image Marked(const Image& picture, Test isMarked) {
-  const ImageInfo from = picture.Info();
-  Image mask(IMAGE_U8, 0, from.width, from.height);
-  const ImageInfo to = mask.Info();
-  for (int32_t y = 0; y < from.height; ++y) {
-    const T* source = Row<T>(from, y);
-    std::transform(source, source + from.width, Row<uint8_t>(to, y),
-                   [&](const T& v) { return static_cast<uint8_t>(isMarked(v)); });
-  }
-  return mask;
-}
-
-// 1 where a pixel is not 0, or not black. The mean of a colour would not do: it may be 0.
-Image ReadMask(const std::string& path) {
-  struct Complex {
-    float real, imaginary;
-  };
-  Picture picture = ReadPicture(path, {});
-  if (!picture.palette.empty()) ApplyPalette(&picture);
-  const auto notZero = [](auto v) { return v != 0; };
-  switch (picture.image.Info().type) {
-    case IMAGE_U8:
-      return Marked<uint8_t>(picture.image, notZero);
-    case IMAGE_I16:
-      return Marked<int16_t>(picture.image, notZero);
-    case IMAGE_SGL:
-      return Marked<float>(picture.image, notZero);
-    case IMAGE_COMPLEX:
-      return Marked<Complex>(picture.image,
-                             [](const Complex& v) { return v.real != 0 || v.imaginary != 0; });
-    default:
-      return Marked<RGBValue>(picture.image, [](RGBValue v) { return (v & 0xFFFFFF) != 0; });
-  }
 }
 
 std::string SizeText(const ImageInfo& info) {
   return std::to_string(info.width) + " x " + std::to_string(info.height);
 }
+
+// What there is to say of a file, made where it was filtered and told where all come together.
+struct FileResult {
+  bool filtered = false;
+  std::string line;       // for standard output
+  std::string complaint;  // for standard error
+  double pixels = 0;
+  Seconds reading{}, writing{};
+  std::vector<Seconds> steps;
+
+  std::string Pack() const {
+    ParcelWriter parcel;
+    parcel.Put(filtered).Put(line).Put(complaint).Put(pixels).Put(reading).Put(writing);
+    parcel.Put(steps.size());
+    for (const Seconds& step : steps) parcel.Put(step);
+    return parcel.Take();
+  }
+  static FileResult Unpack(const std::string& bytes) {
+    ParcelReader parcel(bytes);
+    FileResult result;
+    result.filtered = parcel.Get<bool>();
+    result.line = parcel.Text();
+    result.complaint = parcel.Text();
+    result.pixels = parcel.Get<double>();
+    result.reading = parcel.Get<Seconds>();
+    result.writing = parcel.Get<Seconds>();
+    result.steps.resize(parcel.Get<size_t>());
+    for (Seconds& step : result.steps) step = parcel.Get<Seconds>();
+    return result;
+  }
+};
 
 class FilterRun {
  public:
@@ -116,8 +99,10 @@ class FilterRun {
       : command_(command),
         outputs_(std::move(outputs)),
         border_(BorderOf(command.steps)),
-        stepTimes_(command.steps.size()),
-        progress_(command.files.size()) {}
+        out_(command.to == STANDARD_STREAM ? std::cerr : std::cout),
+        progress_(command.files.size()) {
+    total_.steps.resize(command.steps.size());
+  }
 
   // False when there is no mask or no folder; nothing is filtered then.
   bool Open() {
@@ -128,117 +113,145 @@ class FilterRun {
       return false;
     }
     try {
-      if (!command_.folder.empty()) fs::create_directories(command_.folder);
-    } catch (const fs::filesystem_error& failure) {
-      PrintFailure(command_.folder,
-                   std::runtime_error("the folder cannot be made: " + failure.code().message()));
+      if (!command_.folder.empty()) MakeFolder(command_.folder);
+    } catch (const std::exception& failure) {
+      PrintFailure(command_.folder, failure);
       return false;
     }
     return true;
   }
 
   int Work() {
-    for (size_t i = 0; i < command_.files.size(); ++i) {
-      progress_.Done(i);
-      FilterFile(command_.files[i], outputs_[i]);
-    }
+    RunTasks({.tasks = command_.files.size(),
+              .workers = command_.workers,
+              .work = [&](size_t task) { return FilterFile(task).Pack(); },
+              .take =
+                  [&](size_t task, std::optional<std::string> result) {
+                    Take(result ? FileResult::Unpack(*result) : Lost(task));
+                    progress_.Done(task + 1);
+                  }});
     progress_.Hide();
     if (!command_.quiet) PrintSummary();
     return failed_ == 0 ? ALL_WELL : SOME_FAILED;
   }
 
  private:
-  void FilterFile(const std::string& file, const Output& output) {
+  FileResult FilterFile(size_t task) const {
+    const std::string& file = command_.files[task];
+    const Output& output = outputs_[task];
     std::string concerned = file;
+    FileResult result;
     try {
       Clock clock;
-      Picture picture = ReadPicture(file, {Form::Gray, command_.swapBytes, border_});
-      picture.palette.clear();  // its colours are grays by now
-      const Seconds reading = clock.Lap();
-      CheckSize(picture.image.Info());
-      std::vector<Seconds> stepTimes;
+      Loaded picture = ReadPicture(
+          file, {.form = Form::Gray, .swapBytes = command_.swapBytes, .border = border_});
+      result.reading = clock.Lap();
+      CheckSize(picture.image);
+      const Depth depth = DepthOf(picture.account, picture.image);
       for (const ChosenStep& step : command_.steps) {
         Apply(step, picture.image, mask_ ? ImageRef(*mask_) : 0);
-        stepTimes.push_back(clock.Lap());
+        result.steps.push_back(clock.Lap());
       }
 
       concerned = output.path.string();
-      const FileInfo read = picture.file;
-      const std::string remark = WriteFitting(std::move(picture), output.path, output.format);
-      writing_ += clock.Lap();
-      reading_ += reading;
-      std::transform(stepTimes.begin(), stepTimes.end(), stepTimes_.begin(), stepTimes_.begin(),
-                     std::plus<>());
-      Report(file, output, read, remark);
+      // Filters of whole numbers give such, but not always those of an unsigned type.
+      const bool still = depth == DepthOf(picture.account, picture.image);
+      WritePicture(picture.image, {}, still ? depth : Depth::AsImage, concerned, output.format);
+      result.writing = clock.Lap();
+      const ImageInfo info = picture.image.Info();
+      result.pixels = 1.0 * info.width * info.height;
+      result.line =
+          file + ": " + HeadLine(picture.account) + "; filtered: " + output.path.string() + '\n';
+      for (const std::string& loss : picture.account.losses) {
+        result.line += "  note: " + loss + '\n';
+      }
+      result.filtered = true;
     } catch (const std::exception& failure) {
-      progress_.Hide();
-      std::cout.flush();
-      PrintFailure(concerned, failure);
-      ++failed_;
+      result.complaint = "orlune: " + FailureText(concerned, failure) + '\n';
     }
+    return result;
+  }
+
+  FileResult Lost(size_t task) const {
+    FileResult result;
+    result.complaint =
+        "orlune: " + command_.files[task] + ": the process that filtered it was ended\n";
+    return result;
   }
 
   // The library fills a border that is wider than the picture with other pixels than the
   // neighbours, and takes a mask of any size.
-  void CheckSize(const ImageInfo& picture) const {
+  void CheckSize(const Image& image) const {
+    const ImageInfo picture = image.Info();
     if (std::min(picture.width, picture.height) < border_) {
       throw std::invalid_argument("the picture of " + SizeText(picture) +
                                   " pixels is too small for these steps: they take at least " +
                                   std::to_string(border_) + " on each side");
     }
-    if (!mask_) return;
-    const ImageInfo mask = mask_->Info();
-    if (mask.width != picture.width || mask.height != picture.height) {
-      throw std::invalid_argument("the mask of " + SizeText(mask) +
-                                  " pixels does not fit on the picture of " + SizeText(picture));
-    }
+    if (mask_) CheckMaskFits(*mask_, image);
   }
 
-  void Report(const std::string& file, const Output& output, const FileInfo& read,
-              const std::string& remark) {
-    ++filtered_;
-    pixels_ += 1.0 * read.width * read.height;
-    if (command_.quiet && remark.empty()) return;
-    progress_.Hide();
-    if (!command_.quiet) {
-      std::cout << file << ": " << FormatName(read) << ", " << read.width << " x " << read.height
-                << ", " << KindName(read) << "; filtered: " << output.path.string() << '\n';
-    }
-    if (!remark.empty()) {
+  void Take(const FileResult& result) {
+    if (!result.filtered) {
+      ++failed_;
+      progress_.Hide();
       std::cout.flush();
-      std::cerr << "orlune: " << output.path.string() << ": " << remark << '\n';
+      std::cerr << result.complaint;
+      return;
     }
+    ++filtered_;
+    total_.pixels += result.pixels;
+    total_.reading += result.reading;
+    total_.writing += result.writing;
+    std::transform(result.steps.begin(), result.steps.end(), total_.steps.begin(),
+                   total_.steps.begin(), std::plus<>());
+    if (command_.quiet) return;
+    progress_.Hide();
+    out_ << result.line;
+    if (!std::cout) NoteClosedPipe();
   }
 
   void PrintSummary() const {
-    std::cout << '\n' << Plural(filtered_, "picture") << " filtered";
-    if (failed_ > 0) std::cout << ", " << failed_ << " could not be";
-    std::cout << '\n';
-    if (filtered_ == 0) return;
-    Seconds total = reading_ + writing_;
-    for (const Seconds time : stepTimes_) total += time;
-    std::cout << Fixed(pixels_ / 1e6, 2) << " megapixels in " << Milliseconds(total) << ": reading "
-              << Milliseconds(reading_);
-    for (size_t i = 0; i < stepTimes_.size(); ++i) {
-      std::cout << ", " << command_.steps[i].step->name << ' ' << Milliseconds(stepTimes_[i]);
+    out_ << '\n';
+    const size_t done = filtered_ + failed_;
+    if (done < command_.files.size()) {
+      out_ << "Stopped after " << done << " of " << Plural(command_.files.size(), "picture")
+           << '\n';
     }
-    std::cout << ", writing " << Milliseconds(writing_) << '\n';
+    out_ << Plural(filtered_, "picture") << " filtered";
+    if (failed_ > 0) out_ << ", " << failed_ << " could not be";
+    out_ << '\n';
+    if (filtered_ == 0) return;
+    Seconds time = total_.reading + total_.writing;
+    for (const Seconds step : total_.steps) time += step;
+    out_ << Fixed(total_.pixels / 1e6, 2) << " megapixels in " << Milliseconds(time) << ": reading "
+         << Milliseconds(total_.reading);
+    for (size_t i = 0; i < total_.steps.size(); ++i) {
+      out_ << ", " << command_.steps[i].step->name << ' ' << Milliseconds(total_.steps[i]);
+    }
+    out_ << ", writing " << Milliseconds(total_.writing) << '\n';
   }
 
   const FilterCommand& command_;
   std::vector<Output> outputs_;
   int32_t border_;
+  std::ostream& out_;  // for texts: pictures may go to standard output
   std::optional<Image> mask_;
-  Seconds reading_{}, writing_{};
-  std::vector<Seconds> stepTimes_;  // of each step, in all files
+  FileResult total_;  // times and pixels of all files
   size_t filtered_ = 0, failed_ = 0;
-  double pixels_ = 0;
   Progress progress_;
 };
 
 }  // namespace
 
-int Run(const FilterCommand& command) {
+int Run(const FilterCommand& asked) {
+  FilterCommand command = asked;
+  try {
+    command.files = WithAllPages(asked.files);
+  } catch (const std::exception& failure) {
+    std::cerr << "orlune: " << failure.what() << '\n';
+    return SOME_FAILED;
+  }
   std::vector<Output> outputs;
   try {
     outputs = PlanOutputs(command);

@@ -9,8 +9,10 @@
 #include "core/errors.h"
 #include "orlune/annotation.h"
 #include "orlune/numbers.h"
+#include "orlune/output.h"
 #include "orlune/progress.h"
 #include "orlune/reports.h"
+#include "pictures/writers.h"
 
 namespace {
 
@@ -100,9 +102,11 @@ TEST(Conditions, ScalesAreAboveZero) {
   }
 }
 
-TEST(Measures, AllFiftyStandAtTheirNumbers) {
-  for (size_t i = 0; i < MEASURE_COUNT; ++i) EXPECT_EQ(AllMeasures()[i].number, i);
-  EXPECT_EQ(ParseMeasures("all").size(), MEASURE_COUNT);
+TEST(Measures, StandAtTheirNumbersAndAllAreThoseThatNeedNoName) {
+  for (size_t i = 0; i < AllMeasures().size(); ++i) EXPECT_EQ(AllMeasures()[i].number, i);
+  EXPECT_EQ(ParseMeasures("all").size(), size_t{FIRST_BY_NAME});
+  EXPECT_EQ(AllMeasures().size(), FIRST_BY_NAME + 12);
+  EXPECT_EQ(FindMeasure("LibraryOrientation").inLibrary, uint32_t{MEASURE_ORIENTATION});
   const std::vector<const Measure*> two = ParseMeasures("Perimeter, areapixels");
   ASSERT_EQ(two.size(), 2u);
   EXPECT_EQ(two[0]->name, "Perimeter");
@@ -206,50 +210,61 @@ class JsonChecker {
 };
 
 Inspection MadeUpInspection(const std::string& path) {
+  Account account;
+  account.format = "BMP";
+  account.width = 40;
+  account.height = 30;
   Inspection inspection{.path = path,
-                        .file = {3, 8, 1, 40, 30},
+                        .account = account,
                         .objects = Range{100, 255},
+                        .remark = {},
                         .scale = {},
                         .unit = "mm",
                         .particles = std::vector<Particle>(3),
                         .timing = {},
                         .picture = Image(IMAGE_U8),
                         .stretched = {},
-                        .labels = Image(IMAGE_I16, 2)};
-  for (int32_t i = 0; i < 3; ++i) {
-    Particle& particle = inspection.particles[static_cast<size_t>(i)];
+                        .labels = {}};
+  for (uint32_t i = 0; i < 3; ++i) {
+    Particle& particle = inspection.particles[i];
     particle.number = i + 1;
-    particle.values.fill(0.1f * static_cast<float>(i + 1));
+    const float value = 0.1f * static_cast<float>(i + 1);
+    particle.values.assign(AllMeasures().size(), static_cast<double>(value));
   }
   inspection.particles[1].kept = false;
-  inspection.particles[2].values[45] = std::numeric_limits<float>::infinity();
-  inspection.particles[2].values[46] = std::numeric_limits<float>::quiet_NaN();
+  inspection.particles[2].values[45] = std::numeric_limits<double>::infinity();
+  inspection.particles[2].values[46] = std::numeric_limits<double>::quiet_NaN();
   return inspection;
 }
 
 const std::string WILD_NAME =
     "a \"b\", \\c\nd\t\x01 \xC3\xA9 \xFF\xC0\xAF\xED\xA0\x80 \xF0\x9F\x98\x80.bmp";
 
-TEST(Json, IsWellFormedForWildNamesAndUndefinedMeasures) {
+std::string JsonOf(const std::vector<std::string>& records) {
   std::ostringstream out;
-  JsonReport report(out, ParseMeasures("all"));
-  InspectSettings settings;
-  report.Add(MadeUpInspection(WILD_NAME), settings);
-  report.AddFailure(WILD_NAME, -510, "unable to \"get\" info");
-  report.Add(MadeUpInspection("plain.bmp"), settings);
-  report.Finish(Summary{});
-  EXPECT_TRUE(JsonChecker(out.str()).WellFormed()) << out.str();
-  EXPECT_TRUE(Has(out.str(), "\"HeywoodCircularity\": null"));
-  EXPECT_TRUE(Has(out.str(), "\"number\": -510"));
-  EXPECT_TRUE(Has(out.str(), "\"found\": 3, \"kept\": 2"));
-  EXPECT_FALSE(Has(out.str(), "{\"number\": 2,"));
+  JsonReport report(out);
+  for (const std::string& record : records) report.Add(record);
+  report.Finish(Summary{}, true);
+  return out.str();
+}
+
+TEST(Json, IsWellFormedForWildNamesAndUndefinedMeasures) {
+  const MeasureList all = ParseMeasures("all");
+  Inspection odd = MadeUpInspection(WILD_NAME);
+  odd.remark = "the \"boundary\"";
+  odd.account.losses = {"alpha is left out", "more"};
+  const std::string json =
+      JsonOf({JsonRecord(odd, {}, all), JsonFailure(WILD_NAME, "unable to \"get\" info"),
+              JsonRecord(MadeUpInspection("plain.bmp"), {}, all)});
+  EXPECT_TRUE(JsonChecker(json).WellFormed()) << json;
+  EXPECT_TRUE(Has(json, "\"HeywoodCircularity\": null"));
+  EXPECT_TRUE(Has(json, "\"found\": 3, \"kept\": 2"));
+  EXPECT_TRUE(Has(json, "\"losses\": [\"alpha is left out\", \"more\"]"));
+  EXPECT_FALSE(Has(json, "{\"number\": 2,"));
 }
 
 TEST(Json, OfNoFilesIsWellFormed) {
-  std::ostringstream out;
-  JsonReport report(out, ParseMeasures("AreaPixels"));
-  report.Finish(Summary{});
-  EXPECT_TRUE(JsonChecker(out.str()).WellFormed()) << out.str();
+  EXPECT_TRUE(JsonChecker(JsonOf({})).WellFormed());
 }
 
 TEST(Json, TextsKeepGoodCharactersAndReplaceBadBytes) {
@@ -263,13 +278,33 @@ TEST(Json, TextsKeepGoodCharactersAndReplaceBadBytes) {
 }
 
 TEST(Csv, QuotesNamesAndWritesNumbersThatReadBack) {
-  std::ostringstream out;
-  CsvReport report(out, ParseMeasures("AreaPixels,Perimeter"));
-  report.Add(MadeUpInspection("a,\"b\".bmp"));
-  EXPECT_EQ(out.str(),
-            "File,Number,AreaPixels,Perimeter\n"
+  const MeasureList measures = ParseMeasures("AreaPixels,Perimeter");
+  EXPECT_EQ(CsvHead(measures), "File,Number,AreaPixels,Perimeter\n");
+  EXPECT_EQ(CsvRows(MadeUpInspection("a,\"b\".bmp"), measures),
             "\"a,\"\"b\"\".bmp\",1,0.1,0.1\n"
             "\"a,\"\"b\"\".bmp\",3,0.3,0.3\n");
+}
+
+TEST(Csv, NamesAreNoFormulasAndReadable) {
+  EXPECT_EQ(CsvText("=1+1.bmp"), "./=1+1.bmp");
+  EXPECT_EQ(CsvText("@x"), "./@x");
+  EXPECT_EQ(CsvText("-x,y"), "\"./-x,y\"");
+  EXPECT_EQ(CsvText("a=b"), "a=b");
+  EXPECT_EQ(CsvText("a\xFF.bmp"), "a\xEF\xBF\xBD.bmp");
+}
+
+TEST(Reports, ANumberThatIsNoneIsNoneInAllOfThem) {
+  const MeasureList measures = ParseMeasures("HeywoodCircularity,TypeFactor,AreaPixels");
+  const Inspection inspection = MadeUpInspection("x.bmp");
+  EXPECT_TRUE(Has(CsvRows(inspection, measures), "x.bmp,3,,,0.3\n"));
+  EXPECT_TRUE(Has(JsonRecord(inspection, {}, measures),
+                  "\"HeywoodCircularity\": null, \"TypeFactor\": null"));
+  std::ostringstream table;
+  PrintTable(table, inspection, {}, measures, 0);
+  EXPECT_FALSE(Has(table.str(), "inf"));
+  EXPECT_FALSE(Has(table.str(), "nan"));
+  EXPECT_FALSE(
+      ParseConditions("HeywoodCircularity>0").front().Holds(inspection.particles[2].values[45]));
 }
 
 TEST(Numbers, ReadBackTheSame) {
@@ -356,13 +391,13 @@ TEST_F(Pictures, TheColumnThatReadingAddsToAnOddWidthIsNoObject) {
 
 TEST_F(Pictures, LightAndDarkObjectsOfTwoLevelsAreFoundByEveryMethod) {
   const std::string path = Write("two.orln", TWO_DOTS, 7, 9, 1);
-  for (int method = AUTOB_CLUSTERING; method <= AUTOB_INTERCLASS; ++method) {
+  for (const MethodRow& row : AllMethods()) {
     InspectSettings settings;
-    settings.method = static_cast<AutoBMethod>(method);
-    EXPECT_EQ(Inspect(path, settings).particles.size(), 2u) << method;
+    settings.method = row.method;
+    EXPECT_EQ(Inspect(path, settings).particles.size(), 2u) << row.name;
     settings.dark = true;
     const Inspection dark = Inspect(path, settings);
-    EXPECT_EQ(dark.particles.size(), 1u) << method;
+    EXPECT_EQ(dark.particles.size(), 1u) << row.name;
     EXPECT_EQ(dark.objects->high, 8);
   }
 }
@@ -372,6 +407,7 @@ TEST_F(Pictures, APictureOfOneLevelHasNoObjects) {
   const Inspection inspection = Inspect(path, {});
   EXPECT_TRUE(inspection.particles.empty());
   EXPECT_FALSE(inspection.objects.has_value());
+  EXPECT_EQ(inspection.remark, "the picture has no contrast");
 }
 
 TEST_F(Pictures, CornersJoinPixelsOnlyWithEightNeighbours) {
@@ -411,24 +447,47 @@ TEST_F(Pictures, ScaleAndConditionsApplyToTheMeasures) {
 }
 
 TEST_F(Pictures, SixteenBitPicturesTakeRangesInTheirOwnValues) {
-  std::vector<int16_t> pixels(100, 1000);
+  Raster raster = MakeRaster(10, 10, 1, Sample::U16);
+  auto* pixels = reinterpret_cast<uint16_t*>(raster.bytes.data());
+  std::fill_n(pixels, 100, uint16_t{1000});
   pixels[33] = pixels[34] = 3000;
-  pixels[71] = -500;
-  const Image image(IMAGE_I16);
-  Check(ZEL_ArrayToImage(image, ARRAY_I16, pixels.data(), 10, 10));
+  pixels[71] = 50000;
   const std::string path = (folder_ / "deep.tif").string();
-  Check(ZEL_WriteFile(image, path.c_str(), 2, nullptr, 0));
+  WriteWhole(path, EncodeTiff(raster));
   InspectSettings settings;
   settings.range = Range{2999, 3000};
   const Inspection light = Inspect(path, settings);
   ASSERT_EQ(light.particles.size(), 1u);
   EXPECT_EQ(light.particles[0].values[MEASURE_AREA_PIXELS], 2);
-  settings.range = ParseRange(":-1");
+  settings.range = ParseRange("40000:");
+  ASSERT_EQ(Inspect(path, settings).particles.size(), 1u);
+  EXPECT_EQ(Inspect(path, settings).particles[0].values[GRAY_MAXIMUM], 50000);
+  EXPECT_EQ(Inspect(path, settings).objects->high, 65535);
+  settings.range = ParseRange("2999.5:3000.5");
   EXPECT_EQ(Inspect(path, settings).particles.size(), 1u);
-  settings.swapBytes = true;  // 1000 and 3000 then are below 0, and -500 is 3326
-  const Inspection swapped = Inspect(path, settings);
-  ASSERT_EQ(swapped.particles.size(), 1u);
-  EXPECT_EQ(swapped.particles[0].values[MEASURE_AREA_PIXELS], 99);
+  settings.range = ParseRange("1000.5:2999.5");
+  EXPECT_TRUE(Inspect(path, settings).particles.empty());
+}
+
+TEST_F(Pictures, ARegionAndAMaskLimitLevelsAndObjects) {
+  const std::string path = Write("dots.orln", TWO_DOTS, 10, 200, 1);
+  InspectSettings settings;
+  settings.region = ParseRegion("4,2,9,9");
+  EXPECT_EQ(Inspect(path, settings).particles.size(), 1u);
+  settings.region = ParseRegion("3,0,2,3");
+  EXPECT_EQ(Inspect(path, settings).remark, "the picture has no contrast");
+  settings.region = ParseRegion("7,0,1,1");
+  EXPECT_THROW(Inspect(path, settings), std::invalid_argument);
+  settings.region.reset();
+  const Image mask = ReadMask(
+      Write("mask.orln", {"#......", "##.....", "##.....", ".......", "......."}, 0, 1, 1));
+  settings.mask = &mask;
+  const Inspection inspection = Inspect(path, settings);
+  ASSERT_EQ(inspection.particles.size(), 1u);
+  EXPECT_EQ(inspection.particles[0].values[MEASURE_AREA_PIXELS], 2);
+  for (const char* bad : {"1,2,3", "1,2,0,4", "-1,2,3,4", "1,2,3,4.5", "a,2,3,4"}) {
+    EXPECT_NE(Complaint([&] { ParseRegion(bad); }), "no complaint") << bad;
+  }
 }
 
 TEST_F(Pictures, PaletteColoursAreInspectedByTheirGray) {
@@ -446,14 +505,24 @@ TEST_F(Pictures, PaletteColoursAreInspectedByTheirGray) {
   EXPECT_EQ(inspection.objects->low, 85);
 }
 
-TEST_F(Pictures, AnUnreadableFileGivesTheLibrarysNumber) {
-  try {
-    Inspect((folder_ / "missing.tif").string(), {});
-    FAIL();
-  } catch (const LibraryFailure& failure) {
-    EXPECT_EQ(failure.number(), -510);
-    EXPECT_STREQ(failure.what(), "unable to get info (ZEL_ReadFile returned -510)");
-  }
+TEST_F(Pictures, AnUnreadableFileSaysWhy) {
+  EXPECT_EQ(Complaint([&] { Inspect((folder_ / "missing.tif").string(), {}); }),
+            "there is no such file");
+  EXPECT_EQ(Complaint([&] { Inspect(folder_.string(), {}); }), "this is a folder");
+}
+
+TEST_F(Pictures, LabelPicturesHoldTheNumbersOfKeptParticles) {
+  const std::string path = Write("dots.orln", TWO_DOTS, 10, 200, 1);
+  InspectSettings settings;
+  settings.keep = ParseConditions("AreaPixels=1");
+  const std::string file = (folder_ / "labels.tif").string();
+  WriteLabels(Inspect(path, settings), file);
+  const Loaded labels = ReadPicture(file, {});
+  const ImageInfo info = labels.image.Info();
+  ASSERT_EQ(info.type, IMAGE_I16);
+  EXPECT_EQ(labels.account.kind, "gray");
+  EXPECT_EQ(Row<int16_t>(info, 3)[5], 2);
+  EXPECT_EQ(Row<int16_t>(info, 1)[1], 0);  // of the one that was left out
 }
 
 TEST_F(Pictures, AnnotationMarksKeptParticlesAndThoseLeftOut) {
@@ -465,9 +534,9 @@ TEST_F(Pictures, AnnotationMarksKeptParticlesAndThoseLeftOut) {
   const std::string path = Write("mark.orln", rows, 0, 200, 1);
   InspectSettings settings;
   settings.keep = ParseConditions("AreaPixels>1");
-  const fs::path marked = folder_ / "marked.bmp";
+  const std::string marked = (folder_ / "marked.bmp").string();
   WriteAnnotation(Inspect(path, settings), marked);
-  const Picture picture = ReadPicture(marked, {});
+  const Loaded picture = ReadPicture(marked, {});
   const ImageInfo info = picture.image.Info();
   ASSERT_EQ(info.type, IMAGE_RGB);
   const auto pixel = [&](int x, int y) { return Row<RGBValue>(info, y)[x] & 0xFFFFFF; };
@@ -486,9 +555,9 @@ TEST_F(Pictures, AnnotationMarksKeptParticlesAndThoseLeftOut) {
 
 TEST_F(Pictures, AnnotationOfPartsAtTheEdgeStaysInside) {
   const std::string path = Write("edge.orln", {"###", "#.#", "###"}, 0, 255, 1);
-  const fs::path marked = folder_ / "marked.bmp";
+  const std::string marked = (folder_ / "marked.bmp").string();
   WriteAnnotation(Inspect(path, {}), marked);
-  EXPECT_EQ(ReadPicture(marked, {}).file.width, 3);
+  EXPECT_EQ(ReadPicture(marked, {}).account.width, 3);
 }
 
 }  // namespace

@@ -3,96 +3,110 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+
+#include "orlune/numbers.h"
 
 namespace front {
 namespace {
 
 constexpr int32_t PARTICLE_BORDER = 2;  // what 8-connected particles need around the picture
 
+// Of a range of numbers, the part that pixels of a type can have: whole numbers, or floats. Its low
+// end is above its high end where there is none.
+Range InPixelValues(const Range& range, int32_t type) {
+  const auto limits = [&](double lowest, double highest) {
+    return Range{std::max(std::ceil(range.low), lowest), std::min(std::floor(range.high), highest)};
+  };
+  if (type == IMAGE_U8) return limits(0, 255);
+  if (type == IMAGE_I16) return limits(-32768, 32767);
+  constexpr float INFINITE = std::numeric_limits<float>::infinity();
+  auto low = static_cast<float>(range.low), high = static_cast<float>(range.high);
+  if (static_cast<double>(low) < range.low) low = std::nextafter(low, INFINITE);
+  if (static_cast<double>(high) > range.high) high = std::nextafter(high, -INFINITE);
+  return {static_cast<double>(low), static_cast<double>(high)};
+}
+
 // 1 where a pixel lies in the range, 0 elsewhere, with the border that particle functions need.
 Image MaskOf(const Image& image, const Range& range) {
-  Image mask(image.Info().type, PARTICLE_BORDER);
-  Check(ZEL_Threshold(image, mask, static_cast<float>(range.low), static_cast<float>(range.high), 1,
-                      1));
+  const ImageInfo info = image.Info();
+  const Range inside = InPixelValues(range, info.type);
+  if (inside.low > inside.high) {
+    Image none(IMAGE_U8, PARTICLE_BORDER, info.width, info.height);
+    Check(ZEL_SetImageCalibration(none, info.unit, info.xStep, info.yStep));
+    Check(ZEL_ClearPixels(none));
+    return none;
+  }
+  Image mask(info.type, PARTICLE_BORDER);
+  Check(ZEL_Threshold(image, mask, static_cast<float>(inside.low), static_cast<float>(inside.high),
+                      1, 1));
   Check(ZEL_Cast(mask, IMAGE_U8));
   return mask;
 }
 
-Image EmptyMaskOf(const Image& image) {
-  const ImageInfo info = image.Info();
-  Image mask(IMAGE_U8, PARTICLE_BORDER, info.width, info.height);
-  Check(ZEL_SetImageCalibration(mask, info.unit, info.xStep, info.yStep));
-  Check(ZEL_ClearPixels(mask));
-  return mask;
+// The least value that the stretch brings to a level or above.
+double ValueAtLevel(const Extremes& extremes, double level, int32_t type) {
+  const double step = (extremes.high - extremes.low) / 255;
+  const double value = extremes.low + (level - 0.5) * step;
+  return type == IMAGE_SGL ? value : std::ceil(value);
 }
 
-// The boundary that the method finds in an 8-bit picture. A picture of two levels has only one.
-std::optional<int32_t> Boundary(const Image& gray, AutoBMethod method) {
-  uint32_t histogram[256];
-  Check(ZEL_Histogram(gray, 0, 256, 0, 255, histogram, nullptr));
-  const auto filled = [](uint32_t count) { return count != 0; };
-  const auto levels = std::count_if(std::begin(histogram), std::end(histogram), filled);
-  if (levels < 2) return std::nullopt;
-  if (levels == 2) {
-    const auto last = std::find_if(std::rbegin(histogram), std::rend(histogram), filled);
-    return static_cast<int32_t>(std::distance(last, std::rend(histogram))) - 1;
+// The greatest value below another one.
+double ValueBelow(double value, int32_t type) {
+  if (type != IMAGE_SGL) return value - 1;
+  return std::nextafter(value, -std::numeric_limits<double>::infinity());
+}
+
+void FindLevels(const InspectSettings& settings, const Image* place, const Extremes& extremes,
+                Inspection* result) {
+  const Image& gray = result->Gray();
+  const std::optional<Boundary> boundary =
+      place != nullptr ? FindBoundary(PixelsAt(*place, gray), settings.method)
+                       : FindBoundary(gray, settings.method);
+  if (!boundary) {
+    result->remark = extremes.finite == 0 ? "no pixel has a number" : "the picture has no contrast";
+    return;
   }
-  int32_t threshold = 0;
-  Check(ZEL_AutoBThreshold(gray, method, ARRAY_U8, nullptr, &threshold));
-  return threshold;
+  result->remark = boundary->remark;
+  const int32_t type = result->picture.Info().type;
+  const Range levels = result->stretched ? Range{extremes.low, extremes.high} : Range{0, 255};
+  const double light =
+      result->stretched ? ValueAtLevel(extremes, boundary->level, type) : boundary->level;
+  // The lowest level begins at the darkest pixel.
+  const double first = boundary->level == 0 ? levels.low : light;
+  if (settings.dark && boundary->level == 0) return;
+  result->objects =
+      settings.dark ? Range{levels.low, ValueBelow(first, type)} : Range{first, levels.high};
 }
 
-// Levels that an integer or float image can hold, so that an open end of a range shows as a value.
-Range LevelsOf(const FileInfo& file, int32_t type) {
-  if (type == IMAGE_I16) return {-32768, 32767};
-  if (type == IMAGE_U8) return {0, file.bitsPerPixel < 8 ? (1 << file.bitsPerPixel) - 1.0 : 255.0};
-  return {};
+void TakeGivenLevels(const Range& given, const Extremes& extremes, Inspection* result) {
+  const Range levels = LevelsOf(result->account, result->picture.Info().type);
+  const Range objects{std::max(given.low, levels.low), std::min(given.high, levels.high)};
+  if (objects.low > objects.high || objects.low > extremes.high || objects.high < extremes.low) {
+    result->remark = "no pixel lies in the range: the picture's values are " + Short(extremes.low) +
+                     " to " + Short(extremes.high);
+    if (objects.low > objects.high) return;
+  }
+  result->objects = objects;
 }
 
 // Finds the objects, and says by which levels.
 Image FindObjects(const InspectSettings& settings, Inspection* result) {
-  const Image& picture = result->picture;
+  const std::optional<Image> place = PlaceOf(settings.region, settings.mask, result->picture);
+  const Extremes extremes = ExtremesOf(result->picture);
+  const int32_t type = result->picture.Info().type;
+  if (type != IMAGE_U8 || LevelsOf(result->account, type).high < 255) {
+    result->stretched = Stretch(result->picture, extremes);
+  }
   if (settings.range) {
-    const Range levels = LevelsOf(result->file, picture.Info().type);
-    const Range objects{std::max(settings.range->low, levels.low),
-                        std::min(settings.range->high, levels.high)};
-    if (objects.low > objects.high) return EmptyMaskOf(picture);
-    result->objects = objects;
-    return MaskOf(picture, objects);
+    TakeGivenLevels(*settings.range, extremes, result);
+  } else {
+    FindLevels(settings, place ? &*place : nullptr, extremes, result);
   }
-
-  const Image& gray = result->Gray();
-  const std::optional<int32_t> boundary = Boundary(gray, settings.method);
-  if (!boundary || (settings.dark && *boundary == 0)) return EmptyMaskOf(gray);
-  const Range objects = settings.dark ? Range{0, *boundary - 1.0} : Range{1.0 * *boundary, 255};
-  // In the file's own values, which a stretch has left behind.
-  const Extremes extremes = result->stretched ? ExtremesOf(picture) : Extremes{0, 255, 0};
-  const double step = (extremes.high - extremes.low) / 255;
-  result->objects = Range{extremes.low + objects.low * step, extremes.low + objects.high * step};
-  return MaskOf(gray, objects);
-}
-
-std::vector<Particle> MeasureParticles(const Image& mask, Connectivity connectivity) {
-  ParticleReport* found = nullptr;
-  int32_t count = 0;
-  const int32_t status = ZEL_Particle(mask, connectivity, &found, &count);
-  const Block<ParticleReport> reports(found);
-  Check(status);
-
-  std::array<uint32_t, MEASURE_COUNT> numbers;
-  for (uint32_t i = 0; i < MEASURE_COUNT; ++i) numbers[i] = i;
-  std::vector<float> values(MEASURE_COUNT * static_cast<size_t>(count));
-  Check(
-      ZEL_ParticleCoeffs(mask, numbers.data(), MEASURE_COUNT, reports.get(), count, values.data()));
-
-  std::vector<Particle> particles(static_cast<size_t>(count));
-  for (size_t i = 0; i < particles.size(); ++i) {
-    particles[i].number = static_cast<int32_t>(i) + 1;
-    particles[i].rect = reports[i].rect;
-    std::copy_n(values.begin() + static_cast<std::ptrdiff_t>(i * MEASURE_COUNT), MEASURE_COUNT,
-                particles[i].values.begin());
-  }
-  return particles;
+  const Range none{1, 0};
+  Image mask = MaskOf(result->picture, result->objects.value_or(none));
+  if (place) KeepAt(*place, mask);
+  return mask;
 }
 
 }  // namespace
@@ -115,55 +129,37 @@ size_t Inspection::Kept() const {
       std::count_if(particles.begin(), particles.end(), [](const Particle& p) { return p.kept; }));
 }
 
-std::string_view MethodName(AutoBMethod method) {
-  switch (method) {
-    case AUTOB_CLUSTERING:
-      return "clustering";
-    case AUTOB_ENTROPY:
-      return "entropy";
-    case AUTOB_METRIC:
-      return "metric";
-    case AUTOB_MOMENTS:
-      return "moments";
-    case AUTOB_INTERCLASS:
-      return "interclass";
-  }
-  return "";
-}
-
 Inspection Inspect(const std::string& path, const InspectSettings& settings) {
   Clock clock;
-  Picture picture = ReadPicture(path, {Form::Gray, settings.swapBytes});
+  Loaded picture = ReadPicture(path, {.form = Form::Gray, .swapBytes = settings.swapBytes});
   const ImageInfo info = picture.image.Info();
 
   Inspection result{.path = path,
-                    .file = picture.file,
+                    .account = std::move(picture.account),
                     .objects = {},
+                    .remark = {},
                     .scale = settings.scale.value_or(Scale{info.xStep, info.yStep}),
                     .unit = "px",
                     .particles = {},
                     .timing = {},
                     .picture = std::move(picture.image),
                     .stretched = {},
-                    .labels = Image(IMAGE_I16, PARTICLE_BORDER)};
+                    .labels = {}};
   if (result.scale.x != 1 || result.scale.y != 1 || !settings.unit.empty()) {
     result.unit = settings.unit.empty() ? "unit" : settings.unit;
   }
   Check(ZEL_SetImageCalibration(result.picture, info.unit, result.scale.x, result.scale.y));
   result.timing.reading = clock.Lap();
 
-  if (info.type != IMAGE_U8 || picture.file.bitsPerPixel < 8) {
-    result.stretched = Stretch(result.picture);
-  }
   const Image mask = FindObjects(settings, &result);
   result.timing.thresholding = clock.Lap();
 
-  const Connectivity connectivity = settings.eightConnected ? CONNECTIVITY_8 : CONNECTIVITY_4;
-  int32_t labelled = 0;
-  Check(ZEL_Label(mask, result.labels, connectivity, &labelled));
+  result.labels = LabelRuns(mask, settings.eightConnected);
+  const LabelPicture labelPicture(result.labels);
   result.timing.labelling = clock.Lap();
 
-  result.particles = MeasureParticles(mask, connectivity);
+  result.particles =
+      MeasureParticles(mask, result.picture, result.labels, labelPicture, settings.eightConnected);
   for (Particle& particle : result.particles) {
     particle.kept = std::all_of(
         settings.keep.begin(), settings.keep.end(),

@@ -2,37 +2,42 @@
 #include <cmath>
 
 #include "orlune/numbers.h"
+#include "orlune/readable.h"
 #include "orlune/reports.h"
 
 namespace front {
 namespace {
 
-// Bytes of the UTF-8 character at the start of the text; 0 when it is none.
-size_t CharacterLength(std::string_view text) {
-  const auto byte = [&](size_t i) { return static_cast<unsigned char>(text[i]); };
-  const auto follows = [&](size_t i, unsigned low, unsigned high) {
-    return i < text.size() && byte(i) >= low && byte(i) <= high;
-  };
-  const unsigned first = byte(0);
-  if (first < 0x80) return 1;
-  if (first >= 0xC2 && first <= 0xDF) return follows(1, 0x80, 0xBF) ? 2 : 0;
-  if (first >= 0xE0 && first <= 0xEF) {
-    // Neither longer forms of shorter characters, nor halves of pairs.
-    const unsigned low = first == 0xE0 ? 0xA0 : 0x80, high = first == 0xED ? 0x9F : 0xBF;
-    return follows(1, low, high) && follows(2, 0x80, 0xBF) ? 3 : 0;
-  }
-  if (first >= 0xF0 && first <= 0xF4) {
-    const unsigned low = first == 0xF0 ? 0x90 : 0x80, high = first == 0xF4 ? 0x8F : 0xBF;
-    return follows(1, low, high) && follows(2, 0x80, 0xBF) && follows(3, 0x80, 0xBF) ? 4 : 0;
-  }
-  return 0;
+std::string StartOfFile(const std::string& path) {
+  return "  {\"file\": " + JsonText(path);
 }
 
-std::string JsonNumber(float value) {
-  return std::isfinite(value) ? Exact(value) : "null";
+std::string ThresholdRecord(const Inspection& inspection, const InspectSettings& settings) {
+  std::string record = "{\"method\": ";
+  record += JsonText(settings.range ? "range" : std::string(MethodName(settings.method)));
+  if (inspection.objects) {
+    record += ", \"low\": " + JsonNumber(inspection.objects->low) +
+              ", \"high\": " + JsonNumber(inspection.objects->high);
+  }
+  if (!inspection.remark.empty()) record += ", \"remark\": " + JsonText(inspection.remark);
+  return record + "}";
+}
+
+std::string ParticleRecord(const Particle& particle, const MeasureList& measures) {
+  std::string record = "    {\"number\": " + std::to_string(particle.number);
+  for (const Measure* measure : measures) {
+    record += ", \"" + std::string(measure->name) + "\": ";
+    const std::string value = ExactValue(*measure, particle.values[measure->number]);
+    record += value.empty() ? "null" : value;
+  }
+  return record + "}";
 }
 
 }  // namespace
+
+std::string JsonNumber(double value) {
+  return std::isfinite(value) ? Exact(value) : "null";
+}
 
 std::string JsonText(const std::string& text) {
   constexpr char HEX[] = "0123456789abcdef";
@@ -54,55 +59,57 @@ std::string JsonText(const std::string& text) {
   return quoted + '"';
 }
 
-JsonReport::JsonReport(std::ostream& out, std::vector<const Measure*> measures)
-    : out_(out), measures_(std::move(measures)) {
-  out_ << "{\"program\": \"orlune\", \"version\": \"" << ORLUNE_VERSION << "\",\n \"files\": [";
+std::string JsonTexts(const std::vector<std::string>& texts) {
+  std::string list = "[";
+  for (const std::string& text : texts) list += (list.size() > 1 ? ", " : "") + JsonText(text);
+  return list + "]";
 }
 
-void JsonReport::StartFile(const std::string& path) {
-  out_ << (first_ ? "\n" : ",\n") << "  {\"file\": " << JsonText(path);
-  first_ = false;
-}
-
-void JsonReport::Add(const Inspection& inspection, const InspectSettings& settings) {
-  StartFile(inspection.path);
-  const FileInfo& file = inspection.file;
-  out_ << ", \"format\": " << JsonText(FormatName(file)) << ", \"width\": " << file.width
-       << ", \"height\": " << file.height << ", \"bitsPerPixel\": " << file.bitsPerPixel << ",\n"
-       << "   \"threshold\": {\"method\": "
-       << JsonText(settings.range ? "range" : std::string(MethodName(settings.method)));
-  if (inspection.objects) {
-    out_ << ", \"low\": " << JsonNumber(static_cast<float>(inspection.objects->low))
-         << ", \"high\": " << JsonNumber(static_cast<float>(inspection.objects->high));
-  }
-  out_ << "}, \"connectivity\": " << (settings.eightConnected ? 8 : 4)
-       << ", \"scale\": {\"x\": " << JsonNumber(inspection.scale.x)
-       << ", \"y\": " << JsonNumber(inspection.scale.y)
-       << ", \"unit\": " << JsonText(inspection.unit)
-       << "},\n   \"found\": " << inspection.particles.size() << ", \"kept\": " << inspection.Kept()
-       << ", \"particles\": [";
+std::string JsonRecord(const Inspection& inspection, const InspectSettings& settings,
+                       const MeasureList& measures) {
+  const Account& account = inspection.account;
+  std::string record = StartOfFile(inspection.path);
+  record += ", \"format\": " + JsonText(account.format) +
+            ", \"page\": " + std::to_string(account.page) +
+            ", \"pages\": " + std::to_string(account.pages) +
+            ", \"width\": " + std::to_string(inspection.labels.width) +
+            ", \"height\": " + std::to_string(inspection.labels.height) +
+            ", \"bitsPerPixel\": " + std::to_string(account.PixelBits()) +
+            ", \"losses\": " + JsonTexts(account.losses) + ",\n";
+  record += "   \"threshold\": " + ThresholdRecord(inspection, settings) +
+            ", \"connectivity\": " + (settings.eightConnected ? "8" : "4") +
+            ", \"scale\": {\"x\": " + Exact(inspection.scale.x) +
+            ", \"y\": " + Exact(inspection.scale.y) + ", \"unit\": " + JsonText(inspection.unit) +
+            "},\n";
+  record += "   \"found\": " + std::to_string(inspection.particles.size()) +
+            ", \"kept\": " + std::to_string(inspection.Kept()) + ", \"particles\": [";
   bool first = true;
   for (const Particle& particle : inspection.particles) {
     if (!particle.kept) continue;
-    out_ << (first ? "\n" : ",\n") << "    {\"number\": " << particle.number;
-    for (const Measure* measure : measures_) {
-      out_ << ", \"" << measure->name << "\": " << JsonNumber(particle.values[measure->number]);
-    }
-    out_ << '}';
+    record += (first ? "\n" : ",\n") + ParticleRecord(particle, measures);
     first = false;
   }
-  out_ << "]}";
+  return record + "]}";
 }
 
-void JsonReport::AddFailure(const std::string& path, int32_t number, const std::string& message) {
-  StartFile(path);
-  out_ << ", \"error\": {\"number\": " << number << ", \"message\": " << JsonText(message) << "}}";
+std::string JsonFailure(const std::string& path, const std::string& message) {
+  return StartOfFile(path) + ", \"error\": {\"message\": " + JsonText(message) + "}}";
 }
 
-void JsonReport::Finish(const Summary& summary) {
+JsonReport::JsonReport(std::ostream& out) : out_(out) {
+  out_ << "{\"program\": \"orlune\", \"version\": \"" << ORLUNE_VERSION << "\",\n \"files\": [";
+}
+
+void JsonReport::Add(const std::string& record) {
+  out_ << (first_ ? "\n" : ",\n") << record;
+  first_ = false;
+}
+
+void JsonReport::Finish(const Summary& summary, bool whole) {
   out_ << "],\n \"summary\": {\"inspected\": " << summary.inspected
        << ", \"failed\": " << summary.failed << ", \"found\": " << summary.found
-       << ", \"kept\": " << summary.kept << "}}\n";
+       << ", \"kept\": " << summary.kept << ", \"complete\": " << (whole ? "true" : "false")
+       << "}}\n";
 }
 
 }  // namespace front

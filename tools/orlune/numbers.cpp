@@ -15,6 +15,11 @@ std::string Exact(float value) {
   return {text, std::to_chars(text, text + LONGEST, value).ptr};
 }
 
+std::string Exact(double value) {
+  char text[LONGEST];
+  return {text, std::to_chars(text, text + LONGEST, value).ptr};
+}
+
 std::string Fixed(double value, int decimals) {
   char text[LONGEST];
   return {text, std::to_chars(text, text + LONGEST, value, std::chars_format::fixed, decimals).ptr};

@@ -1,58 +1,36 @@
-// Picture files as images, in the form that a task wants.
+// Pictures as the commands need them: what is told of them, and how they are brought into 8 bits.
 #pragma once
 
-#include <filesystem>
 #include <string>
-#include <vector>
 
-#include "orlune/library.h"
+#include "pictures/image.h"
 
 namespace front {
 
-enum class Form {
-  AsStored,  // the image type that holds the file's pixels without loss
-  Gray       // one number a pixel: the mean of the colours, the magnitude of complex values
-};
+using namespace pictures;  // NOLINT: the room beneath, of which this one is the upper floor
 
-enum class PictureFormat : int32_t {
-  Native = FILE_FORMAT_NATIVE,
-  Tiff = FILE_FORMAT_TIFF,
-  Bmp = FILE_FORMAT_BMP
-};
-
-struct ReadSettings {
-  Form form = Form::AsStored;
-  bool swapBytes = false;  // exchange the bytes of 16-bit pixels
-  int32_t border = 0;      // of the image
-};
-
-struct Picture {
-  FileInfo file{};
-  Image image;                    // of the file's own size
-  std::vector<RGBValue> palette;  // 256 colours, or none
-};
-
-// Throws LibraryFailure.
-Picture ReadPicture(const std::filesystem::path& path, const ReadSettings& settings);
-
-// The palette, where there is one, goes with 8-bit pixels. Throws LibraryFailure.
-void WritePicture(const Image& image, const std::filesystem::path& path, PictureFormat format,
-                  const std::vector<RGBValue>& palette);
-
-// Gives a palette picture its real colours: the image becomes RGB, the palette goes.
-void ApplyPalette(Picture* picture);
-
-std::string FormatName(const FileInfo& file);  // "TIFF"
-std::string KindName(const FileInfo& file);    // "16-bit gray"
+std::string KindName(const Account& account);  // "16-bit gray"
+std::string SizeName(const Account& account);  // "640 x 480"
+std::string HeadLine(const Account& account);  // "TIFF page 2 of 5, 640 x 480, 16-bit gray"
 std::string TypeName(int32_t imageType);       // "i16"
 
-// An 8-bit copy of a gray image: its darkest pixel becomes 0, its brightest 255.
-Image Stretch(const Image& gray);
+// Both ends included.
+struct Range {
+  double low = 0, high = 0;
+};
 
+// The values that samples of a file's kind can have, where they have ends.
+Range LevelsOf(const Account& account, int32_t imageType);
+
+// Of finite pixels; with 0 of them all are 0.
 struct Extremes {
   double low = 0, high = 0, mean = 0;
+  int64_t finite = 0, others = 0;  // pixels
 };
 // Of an image of type U8, I16 or SGL.
 Extremes ExtremesOf(const Image& image);
+
+// An 8-bit copy of a gray image: its darkest finite pixel becomes 0, its brightest 255.
+Image Stretch(const Image& gray, const Extremes& extremes);
 
 }  // namespace front

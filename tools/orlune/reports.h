@@ -1,15 +1,16 @@
-// What inspections found, as a table for people, as CSV and as JSON.
+// What inspections found, as a table for people, as CSV and as JSON. A number that is infinite or
+// undefined is none in all of them: a dash in the table, an empty field, null.
 #pragma once
 
-#include <exception>
 #include <ostream>
-#include <span>
 #include <string>
 #include <vector>
 
 #include "orlune/inspection.h"
 
 namespace front {
+
+using MeasureList = std::vector<const Measure*>;
 
 // Files and particles of a whole run.
 struct Summary {
@@ -18,46 +19,44 @@ struct Summary {
   double pixels = 0;
   Timing timing;
 
-  void Add(const Inspection& inspection);
+  Summary& operator+=(const Summary& other);
 };
+Summary SummaryOf(const Inspection& inspection);
 
 // The head line of a picture and, for each kept particle, a row with a column for each measure.
 // Of more than maxRows particles the rest are only counted; 0 is no limit.
 void PrintTable(std::ostream& out, const Inspection& inspection, const InspectSettings& settings,
-                std::span<const Measure* const> measures, size_t maxRows);
+                const MeasureList& measures, size_t maxRows);
 
 void PrintSummary(std::ostream& out, const Summary& summary);
 
+// A measure with all its figures; empty for a number that is infinite or undefined.
+std::string ExactValue(const Measure& measure, double value);
+
 // One line for each kept particle: file, number, measures. Texts are quoted where they need it, and
 // numbers read back exactly.
-class CsvReport {
- public:
-  CsvReport(std::ostream& out, std::vector<const Measure*> measures);
-  void Add(const Inspection& inspection);
+std::string CsvHead(const MeasureList& measures);
+std::string CsvRows(const Inspection& inspection, const MeasureList& measures);
+std::string CsvText(const std::string& text);
 
- private:
-  std::ostream& out_;
-  std::vector<const Measure*> measures_;
-};
+// A record for each file, failed ones included. Numbers read back exactly.
+std::string JsonRecord(const Inspection& inspection, const InspectSettings& settings,
+                       const MeasureList& measures);
+std::string JsonFailure(const std::string& path, const std::string& message);
+std::string JsonText(const std::string& text);  // with its quotes; invalid UTF-8 is replaced
+std::string JsonTexts(const std::vector<std::string>& texts);
+std::string JsonNumber(double value);
 
-// One object with a record for each file, failed ones included, and the summary. Numbers read back
-// exactly; those that JSON has no form for (infinite, undefined) are null.
+// One object with the records and the summary.
 class JsonReport {
  public:
-  JsonReport(std::ostream& out, std::vector<const Measure*> measures);
-  void Add(const Inspection& inspection, const InspectSettings& settings);
-  void AddFailure(const std::string& path, int32_t number, const std::string& message);
-  void Finish(const Summary& summary);
+  explicit JsonReport(std::ostream& out);
+  void Add(const std::string& record);
+  void Finish(const Summary& summary, bool whole);  // whole: no file was left out
 
  private:
-  void StartFile(const std::string& path);
-
   std::ostream& out_;
-  std::vector<const Measure*> measures_;
   bool first_ = true;
 };
-
-std::string CsvText(const std::string& text);
-std::string JsonText(const std::string& text);  // with its quotes; invalid UTF-8 is replaced
 
 }  // namespace front

@@ -62,7 +62,7 @@ Range ParseRange(std::string_view text) {
   if (low.empty() && high.empty()) {
     throw std::invalid_argument("the range ':' has no end: write MIN:MAX, MIN: or :MAX");
   }
-  Range range;
+  Range range = EVERYTHING;
   if (!low.empty()) range.low = ParseNumber(low);
   if (!high.empty()) range.high = ParseNumber(high);
   if (range.low > range.high) {
@@ -84,6 +84,7 @@ Scale ParseScale(std::string_view text) {
 }
 
 bool Condition::Holds(double value) const {
+  if (!std::isfinite(value)) return false;  // no number is no such number
   const bool aboveLow = lowExcluded ? value > range.low : value >= range.low;
   const bool belowHigh = highExcluded ? value < range.high : value <= range.high;
   return aboveLow && belowHigh;
@@ -100,7 +101,9 @@ std::vector<Condition> ParseConditions(std::string_view text) {
 std::vector<const Measure*> ParseMeasures(std::string_view text) {
   std::vector<const Measure*> measures;
   if (Trim(text) == "all") {
-    for (const Measure& measure : AllMeasures()) measures.push_back(&measure);
+    for (const Measure& measure : AllMeasures()) {
+      if (measure.maker != Maker::LibraryByName) measures.push_back(&measure);
+    }
     return measures;
   }
   for (const std::string_view piece : Split(text, ',')) measures.push_back(&FindMeasure(piece));

@@ -8,28 +8,23 @@
 #include <vector>
 
 #include "orlune/measures.h"
+#include "orlune/pictures.h"
+#include "orlune/shapes.h"
 
 namespace front {
 
-// Both ends included.
-struct Range {
-  double low = -std::numeric_limits<double>::infinity();
-  double high = std::numeric_limits<double>::infinity();
-};
+constexpr Range EVERYTHING{-std::numeric_limits<double>::infinity(),
+                           std::numeric_limits<double>::infinity()};
 
 // "100:200", "100:" or ":200". Throws std::invalid_argument.
 Range ParseRange(std::string_view text);
-
-struct Scale {
-  float x = 1, y = 1;  // width and height of a pixel
-};
 
 // "0.05" or "0.05,0.06". Throws std::invalid_argument.
 Scale ParseScale(std::string_view text);
 
 struct Condition {
   const Measure* measure = nullptr;
-  Range range;
+  Range range = EVERYTHING;
   bool lowExcluded = false;   // the measure must be above the low end
   bool highExcluded = false;  // the measure must be below the high end
 
@@ -40,7 +35,8 @@ struct Condition {
 // "AreaPixels=50:500,Left>0". Throws std::invalid_argument that says what is wrong.
 std::vector<Condition> ParseConditions(std::string_view text);
 
-// "AreaPixels,Perimeter" or "all". Throws std::invalid_argument.
+// "AreaPixels,Perimeter" or "all": all but those that only their names ask for. Throws
+// std::invalid_argument.
 std::vector<const Measure*> ParseMeasures(std::string_view text);
 
 }  // namespace front

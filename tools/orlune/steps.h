@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "orlune/library.h"
+#include "orlune/pictures.h"
 
 namespace front {
 

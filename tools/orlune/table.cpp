@@ -39,21 +39,21 @@ std::vector<std::string> BreakName(std::string_view name) {
 }
 
 // As many decimals as four to five figures of the largest value need; none for whole numbers.
-int DecimalsFor(const std::vector<float>& values, Unit unit) {
-  const auto whole = [](float v) { return !std::isfinite(v) || v == std::floor(v); };
+int DecimalsFor(const std::vector<double>& values, Unit unit) {
+  const auto whole = [](double v) { return !std::isfinite(v) || v == std::floor(v); };
   if (unit == Unit::Count || std::all_of(values.begin(), values.end(), whole)) return 0;
   if (unit == Unit::Degrees) return 1;
   double largest = 0;
-  for (const float value : values) {
-    if (std::isfinite(value)) largest = std::max(largest, std::abs(static_cast<double>(value)));
+  for (const double value : values) {
+    if (std::isfinite(value)) largest = std::max(largest, std::abs(value));
   }
   return largest >= 1000 ? 1 : largest >= 10 ? 2 : 3;
 }
 
-std::string Cell(float value, int decimals) {
-  constexpr float LARGE = 1e7f;
-  return std::isfinite(value) && std::abs(value) < LARGE ? Fixed(value, decimals)
-                                                         : Short(static_cast<double>(value));
+std::string Cell(double value, int decimals) {
+  constexpr double LARGE = 1e7;
+  if (!std::isfinite(value)) return "-";
+  return std::abs(value) < LARGE ? Fixed(value, decimals) : Short(value);
 }
 
 Column MakeColumn(const Measure& measure, const Inspection& inspection, size_t rows) {
@@ -62,12 +62,12 @@ Column MakeColumn(const Measure& measure, const Inspection& inspection, size_t r
   const std::string unit = UnitText(measure.unit, inspection.unit);
   column.head.push_back(unit.empty() ? "" : "[" + unit + "]");
 
-  std::vector<float> values;
+  std::vector<double> values;
   for (const Particle& particle : inspection.particles) {
     if (particle.kept && values.size() < rows) values.push_back(particle.values[measure.number]);
   }
   const int decimals = DecimalsFor(values, measure.unit);
-  for (const float value : values) column.cells.push_back(Cell(value, decimals));
+  for (const double value : values) column.cells.push_back(Cell(value, decimals));
   return column;
 }
 
@@ -99,22 +99,32 @@ std::string Level(double value) {
   return std::isinf(value) ? (value < 0 ? "lowest" : "highest") : Short(value);
 }
 
-}  // namespace
-
-void PrintTable(std::ostream& out, const Inspection& inspection, const InspectSettings& settings,
-                std::span<const Measure* const> measures, size_t maxRows) {
-  const FileInfo& file = inspection.file;
-  out << inspection.path << ": " << FormatName(file) << ", " << file.width << " x " << file.height
-      << ", " << KindName(file) << '\n';
+// Which levels are objects and why, or why none are.
+std::string LevelsText(const Inspection& inspection, const InspectSettings& settings) {
+  const std::string remark = inspection.remark.empty() ? "" : " (" + inspection.remark + ")";
   const std::string method = settings.range
                                  ? "as given"
                                  : "by the " + std::string(MethodName(settings.method)) + " method";
   if (inspection.objects) {
-    out << "  objects: levels " << Level(inspection.objects->low) << " to "
-        << Level(inspection.objects->high) << ", " << method << "; ";
-  } else {
-    out << "  objects: none, the picture has no contrast; ";
+    return "levels " + Level(inspection.objects->low) + " to " + Level(inspection.objects->high) +
+           ", " + method + remark;
   }
+  if (!inspection.remark.empty()) return "none, " + inspection.remark;
+  return "none, nothing is darker than the darkest level, " + method;
+}
+
+}  // namespace
+
+std::string ExactValue(const Measure& measure, double value) {
+  if (!std::isfinite(value)) return "";
+  return measure.IsFloat() ? Exact(static_cast<float>(value)) : Exact(value);
+}
+
+void PrintTable(std::ostream& out, const Inspection& inspection, const InspectSettings& settings,
+                const MeasureList& measures, size_t maxRows) {
+  out << inspection.path << ": " << HeadLine(inspection.account) << '\n';
+  for (const std::string& loss : inspection.account.losses) out << "  note: " << loss << '\n';
+  out << "  objects: " << LevelsText(inspection, settings) << "; ";
   const size_t found = inspection.particles.size(), kept = inspection.Kept();
   out << Plural(found, "particle");
   if (!settings.keep.empty()) out << ", " << kept << " kept";
@@ -134,12 +144,22 @@ void PrintTable(std::ostream& out, const Inspection& inspection, const InspectSe
   if (rows < kept) out << "  ... and " << kept - rows << " more; --rows 0 lists them all\n";
 }
 
-void Summary::Add(const Inspection& inspection) {
-  inspected += 1;
-  found += inspection.particles.size();
-  kept += inspection.Kept();
-  pixels += 1.0 * inspection.file.width * inspection.file.height;
-  timing += inspection.timing;
+Summary& Summary::operator+=(const Summary& other) {
+  inspected += other.inspected;
+  failed += other.failed;
+  found += other.found;
+  kept += other.kept;
+  pixels += other.pixels;
+  timing += other.timing;
+  return *this;
+}
+
+Summary SummaryOf(const Inspection& inspection) {
+  return {.inspected = 1,
+          .found = inspection.particles.size(),
+          .kept = inspection.Kept(),
+          .pixels = 1.0 * inspection.labels.width * inspection.labels.height,
+          .timing = inspection.timing};
 }
 
 void PrintSummary(std::ostream& out, const Summary& summary) {

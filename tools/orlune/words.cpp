@@ -98,6 +98,16 @@ std::string_view NearestName(std::string_view word, const std::vector<std::strin
   return nearest;
 }
 
+std::string Suggestion(std::string_view word, const std::vector<std::string_view>& names,
+                       std::string_view before) {
+  if (names.empty()) return "";
+  const std::string_view nearest = NearestName(word, names);
+  const std::string wanted = Lower(word), own = Lower(nearest);
+  const bool part = wanted.size() > 1 && own.find(wanted) != std::string::npos;
+  if (!part && EditDistance(wanted, own) > std::max<size_t>(2, own.size() / 3)) return "";
+  return "; did you mean " + std::string(before) + std::string(nearest) + "?";
+}
+
 std::string ListOf(const std::vector<std::string_view>& names) {
   std::string list;
   for (size_t i = 0; i < names.size(); ++i) {

@@ -23,6 +23,10 @@ double ParseNumber(std::string_view text);
 // The one of the names, at least one, that the word most likely was meant to be.
 std::string_view NearestName(std::string_view word, const std::vector<std::string_view>& names);
 
+// "; did you mean NAME?" where one of the names is near to the word, else "".
+std::string Suggestion(std::string_view word, const std::vector<std::string_view>& names,
+                       std::string_view before = "");
+
 // "a, b or c"
 std::string ListOf(const std::vector<std::string_view>& names);
 

@@ -1,5 +1,6 @@
 // orlune_scenes: writes the inspection scenes as picture files, and what is truly in them.
 #include <cstdio>
+#include <cstring>
 #include <exception>
 #include <filesystem>
 #include <fstream>
@@ -7,6 +8,7 @@
 #include <stdexcept>
 
 #include "orlune_ptk.h"
+#include "pictures/writers.h"
 #include "scenes/scenes.h"
 
 namespace {
@@ -24,8 +26,24 @@ int32_t FormatOf(const std::filesystem::path& file) {
   return ending == ".tif" ? FILE_FORMAT_TIFF : FILE_FORMAT_BMP;
 }
 
+// Deep TIFF files in the byte order that their header tells, as other programs read them.
+void WriteDeepTiff(const scenes::Picture& picture, const std::string& name) {
+  pictures::Raster raster =
+      pictures::MakeRaster(picture.width, picture.height, 1, pictures::Sample::U16);
+  std::memcpy(raster.bytes.data(), picture.pixels.data(), raster.bytes.size());
+  const std::vector<uint8_t> bytes = pictures::EncodeTiff(raster);
+  std::ofstream file(name, std::ios::binary);
+  file.write(reinterpret_cast<const char*>(bytes.data()),
+             static_cast<std::streamsize>(bytes.size()));
+  if (!file.flush()) throw std::runtime_error(name + " could not be written");
+}
+
 void WritePicture(const scenes::Picture& picture, const std::filesystem::path& file) {
   const std::string name = file.string();
+  if (picture.bits > 8 && FormatOf(file) == FILE_FORMAT_TIFF) {
+    WriteDeepTiff(picture, name);
+    return;
+  }
   ImageRef image = 0;
   Check(ZEL_Create(&image, picture.bits == 8 ? IMAGE_U8 : IMAGE_I16, 0), name);
   Check(ZEL_ArrayToImage(image, ARRAY_U16, picture.pixels.data(), picture.width, picture.height),

@@ -1,11 +1,11 @@
 // Failures of the library and their messages.
-#include "orlune/library.h"
+#include "pictures/library.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <iterator>
 
-namespace front {
+namespace pictures {
 namespace {
 
 struct Message {
@@ -62,4 +62,4 @@ void Check(int32_t status) {
   throw LibraryFailure(status, function);
 }
 
-}  // namespace front
+}  // namespace pictures

@@ -9,7 +9,7 @@
 
 #include "orlune_ptk.h"
 
-namespace front {
+namespace pictures {
 
 // A failure that the library reported.
 class LibraryFailure : public std::runtime_error {
@@ -72,4 +72,4 @@ struct FreeBlock {
 template <class T>
 using Block = std::unique_ptr<T[], FreeBlock>;
 
-}  // namespace front
+}  // namespace pictures

@@ -1,0 +1,391 @@
+// The command line: commands and options.
+#include "orlune/command_line.h"
+
+#include <algorithm>
+#include <iomanip>
+#include <iostream>
+#include <sstream>
+
+#include "orlune/help_texts.h"
+#include "orlune/tasks.h"
+#include "orlune/words.h"
+
+namespace front {
+namespace {
+
+// Turns a parser's complaint into one of the command line.
+template <class Function>
+void Parse(const std::string& option, Function function) {
+  try {
+    function();
+  } catch (const std::invalid_argument& error) {
+    throw CLI::ValidationError(option, error.what());
+  }
+}
+
+// An option whose text a parser turns into a value.
+template <class Take>
+CLI::Option* AddParsed(CLI::App* command, const std::string& name, const std::string& option,
+                       Take take, const std::string& help) {
+  return command->add_option_function<std::string>(
+      name, [=](const std::string& text) { Parse(option, [&] { take(text); }); }, help);
+}
+
+std::map<std::string, Method> Methods() {
+  std::map<std::string, Method> methods;
+  for (const MethodRow& row : AllMethods()) methods[std::string(row.name)] = row.method;
+  return methods;
+}
+
+std::map<std::string, PictureFormat> Formats() {
+  std::map<std::string, PictureFormat> formats;
+  for (const FormatRow& row : AllFormats()) formats[std::string(row.name)] = row.format;
+  return formats;
+}
+
+const std::map<std::string, int32_t> TYPES = {{"u8", IMAGE_U8},           {"u16", TYPE_U16},
+                                              {"i16", IMAGE_I16},         {"sgl", IMAGE_SGL},
+                                              {"complex", IMAGE_COMPLEX}, {"rgb", IMAGE_RGB}};
+
+constexpr char SWAP_HELP[] =
+    "exchange the bytes of 16-bit samples: for files that say the\nwrong byte order";
+constexpr char FORMAT_HELP[] = "native, tiff, png or bmp; otherwise by the ending of the name";
+
+std::string MethodsHelp() {
+  std::ostringstream help;
+  for (const MethodRow& row : AllMethods()) {
+    help << "  " << std::left << std::setw(12) << row.name << row.meaning << '\n';
+  }
+  return help.str();
+}
+
+// Options without the remarks about others that they exclude: the texts say what goes together.
+class HelpText : public CLI::Formatter {
+ public:
+  HelpText() { column_width(26); }
+
+  std::string make_option_opts(const CLI::Option* option) const override {
+    const bool many = option->get_positional() && option->get_expected_max() > 1;
+    std::string text = option->get_positional() ? "" : option->get_type_name();
+    if (!text.empty()) text.insert(0, " ");
+    if (many) text += "...";
+    if (!option->get_default_str().empty()) text += " (" + option->get_default_str() + ")";
+    return text;
+  }
+
+  std::string make_help(const CLI::App* app, std::string name,
+                        CLI::AppFormatMode mode) const override {
+    std::string help = CLI::Formatter::make_help(app, std::move(name), mode);
+    for (size_t at; (at = help.find("\n\n\n")) != std::string::npos;) help.erase(at, 1);
+    return help;
+  }
+};
+
+}  // namespace
+
+template <class Value, class Take>
+CLI::Option* CommandLine::AddChoice(CLI::App* command, const std::string& name,
+                                    const std::map<std::string, Value>& values, Take take,
+                                    const std::string& help) {
+  CLI::Option* option = AddParsed(
+      command, name, name,
+      [=](const std::string& text) {
+        const auto found = values.find(text);
+        if (found != values.end()) return take(found->second);
+        std::vector<std::string_view> names;
+        for (const auto& [word, value] : values) names.push_back(word);
+        throw std::invalid_argument(Quoted(text) + " is none of " + ListOf(names) +
+                                    Suggestion(text, names));
+      },
+      help);
+  for (const auto& [word, value] : values) choices_[option].push_back(word);
+  return option;
+}
+
+void CommandLine::AddFiles(CLI::App* command, std::vector<std::string>* files) {
+  command->add_option("FILE", *files, "picture files; FILE#3 is a page, - standard input")
+      ->required()
+      ->type_name("FILE");
+}
+
+void CommandLine::AddWorkers(CLI::App* command, size_t* workers, const std::string& group) {
+  CLI::Option* option = AddParsed(
+      command, "-j,--jobs", "-j", [=](const std::string& text) { *workers = ParseWorkers(text); },
+      "work on so many files at a time; auto is one a processor");
+  option->type_name("N");
+  choices_[option] = {"auto"};
+  if (!group.empty()) option->group(group);
+}
+
+void CommandLine::AddInfo() {
+  CLI::App* info = app_.add_subcommand("info", "tell what picture files hold");
+  AddFiles(info, &info_.files);
+  info->add_flag("--json", info_.json, "tell it as JSON");
+  info->footer(INFO_FOOTER);
+}
+
+void CommandLine::AddFinding(CLI::App* inspect) {
+  const std::string group = "Finding objects";
+  InspectSettings* settings = &inspect_.settings;
+  CLI::Option* range = AddParsed(
+      inspect, "--range", "--range",
+      [=](const std::string& text) { settings->range = ParseRange(text); },
+      "grey levels of objects: MIN:MAX, MIN: or :MAX");
+  range->type_name("LEVELS")->group(group);
+  CLI::Option* method = AddChoice(
+      inspect, "--method", Methods(), [=](Method chosen) { settings->method = chosen; },
+      "how to find the boundary: clustering (used if nothing is said),\nentropy, metric, moments, "
+      "interclass, otsu");
+  method->type_name("METHOD")->group(group)->excludes(range);
+  CLI::Option* light = inspect->add_flag(
+      "--light", [](int64_t) {}, "objects are lighter than the background (usual)");
+  CLI::Option* dark =
+      inspect->add_flag("--dark", settings->dark, "objects are darker than the background");
+  light->group(group)->excludes(range);
+  dark->group(group)->excludes(range)->excludes(light);
+  AddChoice(
+      inspect, "--connectivity", std::map<std::string, bool>{{"4", false}, {"8", true}},
+      [=](bool eight) { settings->eightConnected = eight; },
+      "pixels that touch by a corner are joined (8, usual) or not (4)")
+      ->type_name("4|8")
+      ->group(group);
+  AddParsed(
+      inspect, "--region", "--region",
+      [=](const std::string& text) { settings->region = ParseRegion(text); },
+      "look only into this rectangle of each picture")
+      ->type_name("LEFT,TOP,WIDTH,HEIGHT")
+      ->group(group);
+  inspect->add_option("--mask", inspect_.mask, "look only where this picture is not 0")
+      ->type_name("FILE")
+      ->group(group);
+  inspect->add_flag("--swap-bytes", settings->swapBytes, SWAP_HELP)->group(group);
+}
+
+void CommandLine::AddMeasuring(CLI::App* inspect) {
+  const std::string group = "Measuring";
+  InspectSettings* settings = &inspect_.settings;
+  inspect
+      ->add_option_function<std::vector<std::string>>(
+          "--keep",
+          [=](const std::vector<std::string>& texts) {
+            for (const std::string& text : texts) {
+              Parse("--keep", [&] {
+                for (Condition& c : ParseConditions(text)) settings->keep.push_back(c);
+              });
+            }
+          },
+          "keep only particles for which this holds, as \"AreaPixels>=50\";\nmay be given again")
+      ->allow_extra_args(false)
+      ->type_name("CONDITION")
+      ->group(group);
+  AddParsed(
+      inspect, "--measures", "--measures",
+      [this](const std::string& text) { inspect_.measures = ParseMeasures(text); },
+      "measures to list, with commas between them, or all")
+      ->type_name("NAMES")
+      ->group(group);
+  AddParsed(
+      inspect, "--scale", "--scale",
+      [=](const std::string& text) { settings->scale = ParseScale(text); },
+      "size of a pixel in the unit, or X,Y for width and height")
+      ->type_name("SIZE")
+      ->group(group);
+  inspect->add_option("--unit", settings->unit, "name of the unit, as mm")
+      ->type_name("NAME")
+      ->group(group);
+}
+
+void CommandLine::AddReporting(CLI::App* inspect) {
+  const std::string group = "Reporting";
+  inspect
+      ->add_option("--csv", inspect_.csv, "write the kept particles as CSV; - is standard output")
+      ->type_name("FILE")
+      ->group(group);
+  inspect
+      ->add_option("--json", inspect_.json,
+                   "write all that was found as JSON; - is standard output")
+      ->type_name("FILE")
+      ->group(group);
+  inspect
+      ->add_option("--annotate", inspect_.annotate,
+                   "write each picture as BMP with outlines, rectangles and numbers")
+      ->type_name("FOLDER")
+      ->group(group);
+  inspect
+      ->add_option("--labels", inspect_.labels,
+                   "write a TIFF of each whose pixels are the kept particles' numbers")
+      ->type_name("FOLDER")
+      ->group(group);
+  inspect->add_option("--rows", inspect_.rows, "list at most so many particles a picture; 0 is all")
+      ->type_name("N")
+      ->capture_default_str()
+      ->group(group);
+  AddWorkers(inspect, &inspect_.workers, group);
+  inspect->add_flag("--quiet", inspect_.quiet, "print no table and no summary")->group(group);
+}
+
+void CommandLine::AddInspect() {
+  CLI::App* inspect = app_.add_subcommand("inspect", "find, measure and list the particles");
+  AddFiles(inspect, &inspect_.files);
+  AddFinding(inspect);
+  AddMeasuring(inspect);
+  AddReporting(inspect);
+  inspect->footer(INSPECT_FOOTER + MethodsHelp() + INSPECT_EXAMPLES);
+}
+
+void CommandLine::AddFilter() {
+  CLI::App* filter =
+      app_.add_subcommand("filter", "apply filters to pictures, one after the other");
+  AddFiles(filter, &filter_.files);
+  AddParsed(
+      filter, "--steps", "--steps",
+      [this](const std::string& text) { filter_.steps = ParseChain(text); },
+      "what to do, with semicolons between the steps, as\n\"median 5; edges sobel 20\"")
+      ->required()
+      ->type_name("STEPS");
+  CLI::Option* folder =
+      filter->add_option("--out", filter_.folder, "write a picture of each file into this folder");
+  folder->type_name("FOLDER");
+  filter->add_option("-o", filter_.to, "write the picture of one file to this file")
+      ->type_name("OUT")
+      ->excludes(folder);
+  filter
+      ->add_option("--mask", filter_.mask,
+                   "filter only where this picture, of the same size, is not 0")
+      ->type_name("FILE");
+  AddChoice(
+      filter, "--format", Formats(), [this](PictureFormat format) { filter_.format = format; },
+      FORMAT_HELP)
+      ->type_name("FORMAT");
+  filter->add_flag("--swap-bytes", filter_.swapBytes, SWAP_HELP);
+  AddWorkers(filter, &filter_.workers, "");
+  filter->add_flag("--quiet", filter_.quiet, "print no list and no summary");
+  filter->footer(FILTER_FOOTER + StepsHelp() + FILTER_EXAMPLES);
+}
+
+void CommandLine::AddConvert() {
+  CLI::App* convert = app_.add_subcommand("convert", "write a picture in another format or type");
+  convert->add_option("IN", convert_.from, "picture file to read")->required()->type_name("IN");
+  convert->add_option("OUT", convert_.to, "picture file to write")->required()->type_name("OUT");
+  AddChoice(
+      convert, "--format", Formats(), [this](PictureFormat format) { convert_.format = format; },
+      FORMAT_HELP)
+      ->type_name("FORMAT");
+  AddChoice(
+      convert, "--type", TYPES, [this](int32_t type) { convert_.type = type; },
+      "u8, u16, i16, sgl, complex or rgb; otherwise that of IN")
+      ->type_name("TYPE");
+  convert->add_flag("--stretch", convert_.stretch,
+                    "make it gray, and spread its values from darkest to brightest\nover 0 to 255");
+  convert->add_flag("--swap-bytes", convert_.swapBytes, SWAP_HELP);
+  convert->footer(CONVERT_FOOTER);
+}
+
+void CommandLine::AddOthers() {
+  app_.add_subcommand("measures", "list the measures of a particle");
+  CLI::App* help = app_.add_subcommand("help", "tell how a command is used");
+  CLI::Option* topic = help->add_option("COMMAND", helpTopic_, "name of the command");
+  CLI::App* completions =
+      app_.add_subcommand("completions", "print completions of the command line for a shell");
+  CLI::Option* shell = completions->add_option("SHELL", shell_, "bash, zsh or fish");
+  shell->required();
+  choices_[shell] = {"bash", "fish", "zsh"};
+  completions->footer(COMPLETIONS_FOOTER);
+  CLI::App* manual = app_.add_subcommand("manual", "print the manual page of a command for man");
+  manual->add_option("COMMAND", manualTopic_, "name of the command; otherwise of the program");
+  for (const CLI::App* command : Commands()) choices_[topic].push_back(command->get_name());
+}
+
+CommandLine::CommandLine()
+    : app_("orlune finds, measures and lists the particles of picture files.", "orlune") {
+  app_.set_version_flag("-V,--version", std::string("orlune ") + ORLUNE_VERSION,
+                        "print the version");
+  app_.set_help_flag("-h,--help", "print this help");
+  app_.require_subcommand(0, 1);
+  app_.formatter(std::make_shared<HelpText>());
+  AddInfo();
+  AddInspect();
+  AddFilter();
+  AddConvert();
+  AddOthers();
+  app_.footer(PROGRAM_FOOTER);
+}
+
+std::vector<const CLI::App*> CommandLine::Commands() const {
+  return app_.get_subcommands([](const CLI::App*) { return true; });
+}
+
+const CLI::App* CommandLine::FindCommand(const std::string& name) const {
+  for (const CLI::App* command : Commands()) {
+    if (command->get_name() == name) return command;
+  }
+  return nullptr;
+}
+
+std::vector<std::string> CommandLine::ChoicesOf(const CLI::Option& option) const {
+  const auto found = choices_.find(&option);
+  return found == choices_.end() ? std::vector<std::string>() : found->second;
+}
+
+std::string CommandLine::WrongName(int argc, char** argv) const {
+  const CLI::App* command = &app_;
+  for (int i = 1; i < argc; ++i) {
+    const std::string word = argv[i];
+    if (word == "--") break;
+    if (command == &app_ && !word.starts_with('-')) {
+      command = FindCommand(word);
+      if (command != nullptr) continue;
+      std::vector<std::string_view> names;
+      for (const CLI::App* other : Commands()) names.push_back(other->get_name());
+      return "there is no command " + Quoted(word) + Suggestion(word, names);
+    }
+    if (!word.starts_with("--")) continue;
+    const std::string name = word.substr(2, word.find('=') - 2);
+    std::vector<std::string_view> names;
+    for (const CLI::Option* option : command->get_options()) {
+      for (const std::string& known : option->get_lnames()) names.push_back(known);
+    }
+    if (std::find(names.begin(), names.end(), name) != names.end()) continue;
+    const std::string suggestion = Suggestion(name, names, "--");
+    return "there is no option " + Quoted("--" + name) + suggestion;
+  }
+  return "";
+}
+
+int CommandLine::Run(int argc, char** argv) {
+  const std::string wrong = WrongName(argc, argv);
+  if (!wrong.empty()) {
+    std::cerr << "orlune: " << wrong << "\n'orlune help' tells how it is used.\n";
+    return BAD_USE;
+  }
+  try {
+    app_.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    if (error.get_exit_code() == 0) return app_.exit(error);  // help and version
+    std::cerr << "orlune: " << error.what() << "\n'orlune help' tells how it is used.\n";
+    return BAD_USE;
+  }
+  const auto asked = [&](const char* name) { return FindCommand(name)->parsed(); };
+  if (asked("info")) return front::Run(info_);
+  if (asked("inspect")) return front::Run(inspect_);
+  if (asked("filter")) return front::Run(filter_);
+  if (asked("convert")) return front::Run(convert_);
+  if (asked("measures")) return ListMeasures();
+  if (asked("completions")) {
+    const std::string script = Completions(*this, shell_);
+    std::cout << script;
+    if (script.empty()) std::cerr << "orlune: completions are made for bash, zsh and fish\n";
+    return script.empty() ? BAD_USE : ALL_WELL;
+  }
+  const bool manual = asked("manual");
+  const std::string& topic = manual ? manualTopic_ : helpTopic_;
+  const CLI::App* command = topic.empty() ? &app_ : FindCommand(topic);
+  if (command == nullptr) {
+    std::cerr << "orlune: there is no command " << Quoted(topic) << '\n';
+    return BAD_USE;
+  }
+  std::cout << (manual ? ManualPage(*this, *command) : command->help());
+  return manual || asked("help") ? ALL_WELL : BAD_USE;
+}
+
+}  // namespace front

@@ -1,0 +1,94 @@
+// The longer texts of the help, by command.
+#pragma once
+
+namespace front {
+
+constexpr char PROGRAM_FOOTER[] = R"(
+Examples:
+  orlune info scan.tif
+  orlune inspect --dark --keep "AreaPixels>=50" parts/*.png
+  orlune inspect --scale 0.05 --unit mm --csv parts.csv --annotate marked parts/*.tif
+  orlune filter --steps "median 5; edges sobel 20" --out filtered parts/*.tif
+  orlune convert --type u8 --stretch deep.tif view.png
+
+Pictures: native (.orln), TIFF, PNG, JPEG and BMP files of all usual kinds. scan.tif#3 is the third
+page of a TIFF, scan.tif#all all of them, and - is standard input.
+
+'orlune help COMMAND' tells more about a command.
+Exit status: 0 all went well; 1 a file could not be read or written; 2 wrong use; 128 and the
+signal's number after an interrupt.)";
+
+constexpr char INFO_FOOTER[] = R"(
+For each page: size, kind of pixels, how they are stored, what type of image they are read as, the
+values in it, and what of the file is lost on the way. A page that cannot be read says why.
+
+Examples:
+  orlune info scan.tif
+  orlune info --json photo.jpg scan.tif#2)";
+
+constexpr char INSPECT_FOOTER[] = R"(
+How objects are found:
+  Every pixel whose grey level lies in the range is object, all others are background. Without
+  --range, --method finds the boundary in each picture, and objects are the pixels at or above it,
+  with --dark those below it. Colour pictures are inspected by the mean of their colours.
+  --range is in the values that the file's pixels have for its viewer, whatever their depth: 0 is
+  black also where the file says that 0 is white, and 16-bit pixels reach to 65535. The automatic
+  methods work on 8 bits: other pictures are spread for them from their darkest to their brightest
+  pixel. A boundary at an end of the levels is told. With --region or --mask the levels are those
+  of that part, and objects are only there. Touching objects form one particle.
+
+Methods:
+)";
+
+constexpr char INSPECT_EXAMPLES[] = R"(
+Which particles are kept:
+  --keep takes comparisons of measures, in the units that the table shows, with commas between them;
+  all must hold:  --keep "AreaPixels>=50,NumberOfHoles=1"  --keep "Left=10:500"
+  'orlune measures' lists them.
+
+Examples:
+  orlune inspect part.tif
+  orlune inspect --dark --keep "AreaPixels>=50" --annotate marked parts/*.bmp
+  orlune inspect --range 1800:4095 --measures AreaPixels,FeretMaximum,Solidity,GrayMean deep.tif
+  orlune inspect -j auto --scale 0.05 --unit mm --json parts.json --quiet parts/*.tif)";
+
+constexpr char FILTER_FOOTER[] = R"(
+What is filtered:
+  The steps follow one another on the picture in memory, which keeps its depth. Colour pictures are
+  filtered by the mean of their colours. Neighbours beyond the picture are its own pixels, mirrored
+  at the edge: no side of it may be shorter than half of the largest window. Under a mask, each step
+  changes only the pixels where the mask is not 0.
+
+Where pictures go:
+  --out makes a picture of the same name in a folder for each file, -o one picture of one file. The
+  ending tells the format: .orln, .tif, .png or .bmp. A picture that is read is never written over,
+  nor are two pictures written to one file.
+
+Steps:
+)";
+
+constexpr char FILTER_EXAMPLES[] = R"(
+Examples:
+  orlune filter --steps "median 5" part.tif -o quiet.tif
+  orlune filter --steps "lowpass 3 10; edges sobel 20" --out edges parts/*.bmp
+  orlune filter --steps "rank 9x1 2" --mask tray.bmp --format png --out ranked parts/*.tif)";
+
+constexpr char CONVERT_FOOTER[] = R"(
+Formats: native (.orln) holds all types and the scale of a pixel; TIFF (.tif, .tiff) holds u8, u16,
+i16, sgl and rgb; PNG (.png) u8, u16 and rgb; BMP (.bmp) u8 and rgb. Types: u8 0 to 255; u16 0 to
+65535; i16 -32768 to 32767; sgl 32-bit float; complex two floats; rgb three bytes. Values beyond a
+type's range are limited to it, unless --stretch spreads them over 0 to 255. What is lost is told.
+OUT may be - for standard output, with --format.
+
+Examples:
+  orlune convert part.bmp part.tif
+  orlune convert --type u8 --stretch deep.tif view.png
+  orlune convert scan.tif#3 page.png
+  orlune convert --type sgl part.tif part.orln)";
+
+constexpr char COMPLETIONS_FOOTER[] = R"(
+Examples:
+  orlune completions bash >~/.local/share/bash-completion/completions/orlune
+  orlune completions fish >~/.config/fish/completions/orlune.fish)";
+
+}  // namespace front
