@@ -1,0 +1,200 @@
+// Convolution: the sum of a pixel's neighbours, each times a coefficient of a matrix.
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+#include "engine/window.h"
+#include "filters/convolution_rows.h"
+
+namespace zel {
+namespace {
+
+constexpr int64_t FEWEST_COEFFICIENTS = 3;  // a matrix of less copies
+
+int64_t CoefficientCount(const ConvolutionMatrix& matrix) {
+  return matrix.width < 1 || matrix.height < 1 ? 0 : int64_t{matrix.width} * matrix.height;
+}
+
+WindowReach ReachOf(const ConvolutionMatrix& matrix) {
+  return {.above = (matrix.height - 1) / 2, .below = matrix.height / 2};
+}
+
+// The border that is asked for, and the one that is read.
+int32_t BorderNeeded(const ConvolutionMatrix& matrix) {
+  return (std::max({matrix.width, matrix.height, 1}) - 1) / 2;
+}
+int32_t BorderRead(const ConvolutionMatrix& matrix) {
+  return std::max(matrix.width, matrix.height) / 2;
+}
+
+BorderFill FillOf(int32_t borderFill) {
+  switch (borderFill) {
+    case BORDER_FILL_MIRROR:
+      return BORDER_MIRROR;
+    case BORDER_FILL_REPLICATE:
+      return BORDER_REPLICATE;
+    default:
+      return BORDER_ZERO;
+  }
+}
+
+// ---- a border that is too narrow by one
+
+// Fills what lies one pixel beyond the border on the right and below, as if the border were wider.
+// `pixels` has the border of `border` pixels filled and room for one more.
+void BorderExtend(const PixelView& pixels, int32_t border, BorderFill fill) {
+  const auto bytes = static_cast<size_t>(pixels.pixelBytes);
+  const auto at = [&](int64_t x, int64_t y) {
+    return pixels.Row<uint8_t>(y) + x * pixels.pixelBytes;
+  };
+  const bool isZero = fill == BORDER_ZERO;
+  const bool isMirror = fill == BORDER_MIRROR;
+  const int64_t fromX = pixels.width - 1 - (isMirror ? border : 0);
+  const int64_t fromY = pixels.height - 1 - (isMirror ? border : 0);
+  for (int64_t y = -border; y < int64_t{pixels.height} + border; y++) {
+    uint8_t* to = at(int64_t{pixels.width} + border, y);
+    if (isZero) {
+      std::memset(to, 0, bytes);
+    } else {
+      std::memcpy(to, at(fromX, y), bytes);
+    }
+  }
+  uint8_t* to = at(-border, int64_t{pixels.height} + border);
+  const auto rowBytes =
+      static_cast<size_t>(int64_t{pixels.width} + 2 * int64_t{border} + 1) * bytes;
+  if (isZero) {
+    std::memset(to, 0, rowBytes);
+  } else {
+    std::memcpy(to, at(-border, fromY), rowBytes);
+  }
+}
+
+// A copy of an image whose border is wider by one pixel.
+Status WidenedCopy(const Image& source, BorderFill fill, ScratchImage* copy) {
+  const int32_t border = source.border;
+  const Status status = copy->Create(source.type, source.width, source.height, border + 1);
+  if (status != STATUS_OK) return status;
+  const PixelView from = ViewOf(source);
+  const PixelView to = ViewOf(*copy->image());
+  const int64_t before = int64_t{border} * from.pixelBytes;
+  const auto bytes = static_cast<size_t>(from.RowBytes() + 2 * before);
+  for (int64_t y = -border; y < int64_t{from.height} + border; y++) {
+    std::memcpy(to.Row<uint8_t>(y) - before, from.Row<uint8_t>(y) - before, bytes);
+  }
+  BorderExtend(to, border, fill);
+  return STATUS_OK;
+}
+
+// ---- what the row routines are told
+
+struct ConvolutionPlan {
+  WorkArray<ConvolutionTap> taps;
+  ConvolutionRule rule{};
+  bool isFractional = false;
+  bool fitsBytes = true;  // coefficients of -128 to 127
+};
+
+bool IsWhole(float coefficient) {
+  return coefficient >= -2147483648.0f && coefficient < 2147483648.0f &&
+         coefficient == std::trunc(coefficient);
+}
+
+float DividerOf(const ConvolutionMatrix& matrix, double sum) {
+  if (matrix.divider != 0.0f) return matrix.divider;
+  const auto rounded = static_cast<float>(sum);
+  return rounded != 0.0f ? rounded : 1.0f;
+}
+
+// Larger than 1 / divider by 2^-42 of it, so that a quotient that is a whole number is not missed,
+// while none that is not reaches the next one: with numerator and divider of 24 bits it is at least
+// 2^-24 / 32768 of its size away from a whole number up to 32768, and with a numerator of 32 bits
+// likewise. Quotients by an infinite divider are 0, and those that are no numbers count as 0.
+double ReciprocalOf(float divider) {
+  if (std::isnan(divider) || std::isinf(divider)) return 0.0;
+  return 1.0 / static_cast<double>(divider) * (1.0 + 0x1p-42);
+}
+
+Status PlanMake(const ConvolutionMatrix& matrix, int32_t type, ConvolutionPlan* plan) {
+  if (!plan->taps.Allocate(static_cast<uint64_t>(CoefficientCount(matrix)))) {
+    return STATUS_MEMORY_FULL;
+  }
+  const int64_t count = CoefficientCount(matrix);
+  double sum = 0.0;
+  for (int64_t i = 0; i < count; i++) {
+    const float coefficient = matrix.coefficients[i];
+    sum += static_cast<double>(coefficient);
+    plan->isFractional |= !IsWhole(coefficient);
+    plan->fitsBytes &= coefficient >= INT8_MIN && coefficient <= INT8_MAX;
+  }
+  int32_t taps = 0;
+  for (int32_t row = 0; row < matrix.height; row++) {
+    for (int32_t column = 0; column < matrix.width; column++) {
+      const float coefficient = matrix.coefficients[int64_t{row} * matrix.width + column];
+      // A product with 0 is none unless the pixel may be infinite or no number.
+      if (coefficient == 0.0f && type != IMAGE_SGL) continue;
+      const int32_t whole = plan->isFractional ? 0 : static_cast<int32_t>(coefficient);
+      plan->taps[static_cast<size_t>(taps++)] = {row, column - (matrix.width - 1) / 2, whole,
+                                                 coefficient};
+    }
+  }
+  ConvolutionRule& rule = plan->rule;
+  rule.taps = plan->taps.data();
+  rule.tapCount = taps;
+  rule.divider = DividerOf(matrix, sum);
+  rule.reciprocal = ReciprocalOf(rule.divider);
+  return STATUS_OK;
+}
+
+WindowRow<ConvolutionRule> RowOf(const WindowViews& views, ConvolutionPlan* plan) {
+  constexpr int32_t groupColumns = 4;
+  const ConvolutionRows& rows = convolutionRows();
+  const int32_t type = views.source.type;
+  if (plan->isFractional || type == IMAGE_SGL) return rows.real.For(type);
+  if (type == IMAGE_U8 && plan->fitsBytes && plan->rule.divider == 1.0f) {
+    plan->rule.wrappedColumns = WindowGroupedColumns(views, groupColumns);
+    if (plan->rule.wrappedColumns > 0) return rows.u8Wrapped;
+  }
+  return rows.whole.For(type);
+}
+
+Status Convolute(const WindowImages& images, ConvolutionMatrix* matrix, int32_t borderFill) {
+  if (!matrix) return STATUS_NULL_POINTER;
+  const bool copies = CoefficientCount(*matrix) < FEWEST_COEFFICIENTS;
+  if (!copies && !matrix->coefficients) return STATUS_NULL_POINTER;
+
+  const BorderFill fill = FillOf(borderFill);
+  Operands operands;
+  WindowOperandsSettle(images, fill, BorderNeeded(*matrix), &operands);
+  if (operands.HasFailed()) return operands.status();
+  if (copies) {
+    operands.TakePixels();
+    return operands.status();
+  }
+
+  ConvolutionPlan plan;
+  Status status = PlanMake(*matrix, operands.source().type, &plan);
+  if (status != STATUS_OK) return status;
+  matrix->divider = plan.rule.divider;
+
+  WindowViews views = WindowViewsOf(operands);
+  ScratchImage widened;
+  if (!views.IsEmpty() && operands.source().border < BorderRead(*matrix)) {
+    status = WidenedCopy(operands.source(), fill, &widened);
+    if (status != STATUS_OK) return status;
+    const PixelView pixels = ViewOf(*widened.image());
+    views.source = operands.HasMask() ? pixels.Part(operands.overlap()) : pixels;
+  }
+  const RowEffort effort = 1 + plan.rule.tapCount;
+  status = WindowWalk(views, ReachOf(*matrix), effort, RowOf(views, &plan), plan.rule);
+  if (status == STATUS_OK) operands.Written();
+  return status;
+}
+
+}  // namespace
+}  // namespace zel
+
+int32_t ZEL_Convolute(ImageRef source, ImageRef mask, ImageRef dest, ConvolutionMatrix* matrix,
+                      int32_t borderFill) {
+  return ZEL_ProcessError("ZEL_Convolute",
+                          zel::Convolute({source, mask, dest}, matrix, borderFill));
+}
