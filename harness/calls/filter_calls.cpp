@@ -19,6 +19,43 @@ int32_t EdgeMethodAnywhere(Playground& play) {
 // Under a mask the border comes along where both are of one width.
 constexpr Leftovers OF_FILTERS[] = {{-101, CALIBRATION | SIZE | PIXELS | BORDER}};
 
+// Of any shape that a border of the playground serves, and any coefficients.
+int32_t Convolute(Playground& play) {
+  const struct {
+    ImageRef source, mask, destination;
+    int32_t width, height;
+    float divider;
+    int32_t fill, kind;
+  } a{Image(play), Image(play), Image(play), Side(play),
+      Side(play),  Float(play), Int(play),   Below<4>(play)};
+  // Those that a test of the border refuses are not there.
+  const bool isRead = a.width > 0 && a.height > 0 && a.width < 64 && a.height < 64;
+  auto* coefficients = play.ArrayOf<float>(isRead ? Held(int64_t{a.width} * a.height) : 0);
+  for (int32_t i = 0; isRead && coefficients && a.kind != 0 && i < a.width * a.height; i++) {
+    coefficients[i] = static_cast<float>(Below<7>(play) - 2);
+  }
+  ConvolutionMatrix matrix{a.width, a.height, coefficients, a.divider};
+  const bool isNull = Below<64>(play) == 0;
+  return ZEL_Convolute(a.source, a.mask, a.destination, isNull ? nullptr : &matrix, a.fill);
+}
+
+int32_t ConvoluteByStandard(Playground& play) {
+  const struct {
+    ImageRef source, mask, destination;
+    int32_t family, size, index, fill;
+  } a{Image(play), Image(play), Image(play), Int(play), Int(play), Int(play), Int(play)};
+  return ZEL_Convolute(a.source, a.mask, a.destination,
+                       ZEL_GetConvolutionMatrix(a.family, a.size, a.index), a.fill);
+}
+
+int32_t Correlate(Playground& play) {
+  const struct {
+    ImageRef source, pattern, destination;
+    ApiRect rect;
+  } a{Image(play), Image(play), Image(play), {Int(play), Int(play), Int(play), Int(play)}};
+  return ZEL_Correlate(a.source, a.pattern, a.destination, a.rect);
+}
+
 constexpr ApiCall ROWS[] = {
     {70, "ZEL_GrayEdge",
      Call<ZEL_GrayEdge, MirroredSource, Source, FramedDestination, EdgeMethodAnywhere, Float>,

@@ -104,9 +104,9 @@ ConvolutionMatrix* ZEL_GetConvolutionMatrix(int32_t family, int32_t size, int32_
  * rect:           what is computed. It is limited to the image: a left or top side beyond the last
  *                 pixel lies on it, and so does a right or lower side beyond the image, which is one
  *                 pixel less than one that ends with the image. Negative sides are 0.
- * Failures: -200; -301 for a source or template that is not IMAGE_U8; -101 no memory; -102 no memory
- * and -1001 no reference is left for a copy of the source; -304 for another destination type; -101 no
- * memory, with size, calibration and offset of dest changed by then. */
+ * Failures: -200; -301 for a source or template that is not IMAGE_U8; -101 no memory; -304 for another
+ * destination type. -101 no memory, with dest resized and cleared by then. -102 no memory and -1001 no
+ * reference is left, both where source is replaced, which stays as it was. */
 int32_t ZEL_Correlate(ImageRef source, ImageRef templateImage, ImageRef dest, ApiRect rect);
 
 #pragma GCC visibility pop

@@ -365,26 +365,36 @@ TEST(Convolute, ByEveryDivider) {
   }
 }
 
-// Along a ramp, a sum takes every value from 0 to 255 times the coefficients' sum: the pixels of
-// each window are the two neighbouring values.
+// Along a ramp that rises by one a window, the sum of a row's pixels rises by one a pixel: it takes
+// every value.
 TEST(Convolute, DividesEverySumExactly) {
-  for (const int32_t side : {3, 5, 7, 11}) {
-    const int32_t count = side * side;
-    const TestImage source(IMAGE_U8, count * 8, side * 32, 5, 1);
-    // Window n holds n pixels more than 255 * count in all.
-    for (const float divider : {static_cast<float>(count), static_cast<float>(count) - 1, 2.0f,
-                                3.0f, static_cast<float>(count) / 2, 6.1f, 127.0f, 250.0f}) {
-      // Sums of a row of `side` pixels by coefficients of `side` alone, in every order.
-      Matrix matrix = AllOf(side, side, 1, divider);
-      for (int32_t y = 0; y < source.height(); y++) {
-        for (int32_t x = 0; x < source.width(); x++) {
-          const int64_t n = int64_t{y / side * (source.width() / side) + x / side};
-          const int64_t sum = n * 255 * count / (int64_t{32} * source.width() / side) + x % side;
-          source.Set(x, y, static_cast<uint8_t>(std::min<int64_t>(255, sum / count + (x % 3))));
-        }
+  Random random(12);
+  for (int32_t columns = 3; columns <= 130; columns += columns < 30 ? 1 : 7) {
+    const int32_t length = 255 * columns;
+    const TestImage source(IMAGE_U8, length, std::max(columns / 2, 1), columns / 2, 3);
+    for (int32_t x = 0; x < length; x++) {
+      const auto pixel = static_cast<uint8_t>((x + columns - 1) / columns);
+      for (int32_t y = 0; y < source.height(); y++) source.Set(x, y, pixel);
+    }
+    const auto sum = static_cast<float>(columns);
+    for (const float divider :
+         {sum, sum - 1, static_cast<float>(random.Between(2, 300)), random.Float(1, 90), sum / 2}) {
+      TestImage destination(IMAGE_U8, 1, 1);
+      Matrix matrix = AllOf(columns, 1, 1, divider);
+      ConvolutionMatrix record = matrix.Record();
+      ASSERT_EQ(ZEL_Convolute(source, 0, destination, &record, BORDER_FILL_REPLICATE), 0);
+      const Surrounded pixels(source, BORDER_FILL_REPLICATE);
+      int32_t windowSum = 0;
+      for (int32_t i = 0; i < columns; i++) {
+        windowSum += static_cast<int32_t>(pixels(i - (columns - 1) / 2, 0));
       }
-      ExpectConvolved(source, matrix, 0);
-      if (HasFatalFailure()) return;
+      for (int32_t x = 0; x < length; x++) {
+        const double quotient = windowSum / static_cast<double>(divider);
+        ASSERT_EQ(destination.Get<uint8_t>(x, 0), Cut(quotient, IMAGE_U8))
+            << windowSum << " / " << divider;
+        windowSum +=
+            static_cast<int32_t>(pixels(x + columns / 2 + 1, 0) - pixels(x - (columns - 1) / 2, 0));
+      }
     }
   }
 }
