@@ -120,6 +120,16 @@ ZEL_INLINE Floats ReciprocalEstimate(Floats v) {
 ZEL_INLINE Ints Truncate(Floats v) {
   return (Ints)_mm512_maskz_cvttps_epi32(ALL_LANES, (__m512)v);
 }
+ZEL_INLINE Ints ProductsTruncated(Ints v, double factor) {
+  const __m512d factors = _mm512_set1_pd(factor);
+  const auto half = [&](__m256i ints) {
+    const __m512d products = _mm512_mul_pd(_mm512_maskz_cvtepi32_pd(0xFF, ints), factors);
+    return _mm512_maskz_cvttpd_epi32(0xFF, products);
+  };
+  const __m256i low = half(_mm512_maskz_extracti64x4_epi64(0xFF, Of(v), 0));
+  const __m256i high = half(_mm512_maskz_extracti64x4_epi64(0xFF, Of(v), 1));
+  return (Ints)__builtin_shufflevector(low, high, 0, 1, 2, 3, 4, 5, 6, 7);
+}
 // On a boundary of vectors, past the caches.
 ZEL_INLINE void Stream(uint8_t* to, Bytes v) {
   _mm512_stream_si512(reinterpret_cast<__m512i*>(to), Of(v));
@@ -184,6 +194,14 @@ ZEL_INLINE Floats ReciprocalEstimate(Floats v) {
 }
 ZEL_INLINE Ints Truncate(Floats v) {
   return (Ints)_mm256_cvttps_epi32((__m256)v);
+}
+ZEL_INLINE Ints ProductsTruncated(Ints v, double factor) {
+  const __m256d factors = _mm256_set1_pd(factor);
+  const auto half = [&](__m128i ints) {
+    return _mm256_cvttpd_epi32(_mm256_mul_pd(_mm256_cvtepi32_pd(ints), factors));
+  };
+  return (Ints)_mm256_set_m128i(half(_mm256_extracti128_si256(Of(v), 1)),
+                                half(_mm256_castsi256_si128(Of(v))));
 }
 // On a boundary of vectors, past the caches.
 ZEL_INLINE void Stream(uint8_t* to, Bytes v) {

@@ -1,19 +1,14 @@
 // Convolution: the sum of a pixel's neighbours, each times a coefficient of a matrix.
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 
 #include "engine/window.h"
-#include "filters/convolution_rows.h"
+#include "filters/convolution_plan.h"
 
 namespace zel {
 namespace {
 
 constexpr int64_t FEWEST_COEFFICIENTS = 3;  // a matrix of less copies
-
-int64_t CoefficientCount(const ConvolutionMatrix& matrix) {
-  return matrix.width < 1 || matrix.height < 1 ? 0 : int64_t{matrix.width} * matrix.height;
-}
 
 WindowReach ReachOf(const ConvolutionMatrix& matrix) {
   return {.above = (matrix.height - 1) / 2, .below = matrix.height / 2};
@@ -85,81 +80,9 @@ Status WidenedCopy(const Image& source, BorderFill fill, ScratchImage* copy) {
   return STATUS_OK;
 }
 
-// ---- what the row routines are told
-
-struct ConvolutionPlan {
-  WorkArray<ConvolutionTap> taps;
-  ConvolutionRule rule{};
-  bool isFractional = false;
-  bool fitsBytes = true;  // coefficients of -128 to 127
-};
-
-bool IsWhole(float coefficient) {
-  return coefficient >= -2147483648.0f && coefficient < 2147483648.0f &&
-         coefficient == std::trunc(coefficient);
-}
-
-float DividerOf(const ConvolutionMatrix& matrix, double sum) {
-  if (matrix.divider != 0.0f) return matrix.divider;
-  const auto rounded = static_cast<float>(sum);
-  return rounded != 0.0f ? rounded : 1.0f;
-}
-
-// Larger than 1 / divider by 2^-42 of it, so that a quotient that is a whole number is not missed,
-// while none that is not reaches the next one: with numerator and divider of 24 bits it is at least
-// 2^-24 / 32768 of its size away from a whole number up to 32768, and with a numerator of 32 bits
-// likewise. Quotients by an infinite divider are 0, and those that are no numbers count as 0.
-double ReciprocalOf(float divider) {
-  if (std::isnan(divider) || std::isinf(divider)) return 0.0;
-  return 1.0 / static_cast<double>(divider) * (1.0 + 0x1p-42);
-}
-
-Status PlanMake(const ConvolutionMatrix& matrix, int32_t type, ConvolutionPlan* plan) {
-  if (!plan->taps.Allocate(static_cast<uint64_t>(CoefficientCount(matrix)))) {
-    return STATUS_MEMORY_FULL;
-  }
-  const int64_t count = CoefficientCount(matrix);
-  double sum = 0.0;
-  for (int64_t i = 0; i < count; i++) {
-    const float coefficient = matrix.coefficients[i];
-    sum += static_cast<double>(coefficient);
-    plan->isFractional |= !IsWhole(coefficient);
-    plan->fitsBytes &= coefficient >= INT8_MIN && coefficient <= INT8_MAX;
-  }
-  int32_t taps = 0;
-  for (int32_t row = 0; row < matrix.height; row++) {
-    for (int32_t column = 0; column < matrix.width; column++) {
-      const float coefficient = matrix.coefficients[int64_t{row} * matrix.width + column];
-      // A product with 0 is none unless the pixel may be infinite or no number.
-      if (coefficient == 0.0f && type != IMAGE_SGL) continue;
-      const int32_t whole = plan->isFractional ? 0 : static_cast<int32_t>(coefficient);
-      plan->taps[static_cast<size_t>(taps++)] = {row, column - (matrix.width - 1) / 2, whole,
-                                                 coefficient};
-    }
-  }
-  ConvolutionRule& rule = plan->rule;
-  rule.taps = plan->taps.data();
-  rule.tapCount = taps;
-  rule.divider = DividerOf(matrix, sum);
-  rule.reciprocal = ReciprocalOf(rule.divider);
-  return STATUS_OK;
-}
-
-WindowRow<ConvolutionRule> RowOf(const WindowViews& views, ConvolutionPlan* plan) {
-  constexpr int32_t groupColumns = 4;
-  const ConvolutionRows& rows = convolutionRows();
-  const int32_t type = views.source.type;
-  if (plan->isFractional || type == IMAGE_SGL) return rows.real.For(type);
-  if (type == IMAGE_U8 && plan->fitsBytes && plan->rule.divider == 1.0f) {
-    plan->rule.wrappedColumns = WindowGroupedColumns(views, groupColumns);
-    if (plan->rule.wrappedColumns > 0) return rows.u8Wrapped;
-  }
-  return rows.whole.For(type);
-}
-
 Status Convolute(const WindowImages& images, ConvolutionMatrix* matrix, int32_t borderFill) {
   if (!matrix) return STATUS_NULL_POINTER;
-  const bool copies = CoefficientCount(*matrix) < FEWEST_COEFFICIENTS;
+  const bool copies = ConvolutionCount(*matrix) < FEWEST_COEFFICIENTS;
   if (!copies && !matrix->coefficients) return STATUS_NULL_POINTER;
 
   const BorderFill fill = FillOf(borderFill);
@@ -172,7 +95,7 @@ Status Convolute(const WindowImages& images, ConvolutionMatrix* matrix, int32_t 
   }
 
   ConvolutionPlan plan;
-  Status status = PlanMake(*matrix, operands.source().type, &plan);
+  Status status = ConvolutionPlanMake(*matrix, operands.source().type, &plan);
   if (status != STATUS_OK) return status;
   matrix->divider = plan.rule.divider;
 
@@ -185,7 +108,7 @@ Status Convolute(const WindowImages& images, ConvolutionMatrix* matrix, int32_t 
     views.source = operands.HasMask() ? pixels.Part(operands.overlap()) : pixels;
   }
   const RowEffort effort = 1 + plan.rule.tapCount;
-  status = WindowWalk(views, ReachOf(*matrix), effort, RowOf(views, &plan), plan.rule);
+  status = WindowWalk(views, ReachOf(*matrix), effort, ConvolutionRowOf(views, &plan), plan.rule);
   if (status == STATUS_OK) operands.Written();
   return status;
 }

@@ -2,9 +2,12 @@
 // after coefficient, then their quotients.
 #include "filters/convolution_rows.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 #include "core/numbers.h"
+#include "engine/vectors.h"
 
 namespace zel::ZEL_LEVEL {
 namespace {
@@ -70,28 +73,206 @@ void WholeColumns(const void* const* rows, void* to, int64_t begin, int64_t end,
   }
 }
 
-template <class Pixel>
-void WholeRow(const void* const* rows, void* to, int32_t width, const ConvolutionRule& rule) {
-  WholeColumns<Pixel>(rows, to, 0, width, rule);
-}
+// ---- U8 in sums of 16 bits, what becomes of them
 
-void WrappedColumns(const void* const* rows, void* to, int64_t end, const ConvolutionRule& rule) {
+struct Limited {
+  explicit Limited(const ConvolutionRule&) {}
+  template <class Lane, class Limit>
+  ZEL_INLINE static Lane Of(Lane sum, Limit zero, Limit top) {
+    const Lane lower = sum > zero ? sum : zero;
+    return lower < top ? lower : top;
+  }
+  ZEL_INLINE uint8_t operator()(uint16_t sum) const {
+    return static_cast<uint8_t>(Of(static_cast<int16_t>(sum), int16_t{0}, int16_t{UINT8_MAX}));
+  }
+#if defined(ZEL_WIDE_VECTORS)
+  ZEL_INLINE UnsignedWords operator()(UnsignedWords sums) const {
+    return (UnsignedWords)Of((Words)sums, Words{}, Words{} + UINT8_MAX);
+  }
+#endif
+};
+
+template <bool hasSign>
+struct Divided {
+  uint16_t multiplier, shift;
+  explicit Divided(const ConvolutionRule& rule) : multiplier(rule.multiplier), shift(rule.shift) {}
+
+  ZEL_INLINE uint8_t operator()(uint16_t sum) const {
+    const bool isNegative = hasSign && static_cast<int16_t>(sum) < 0;
+    const auto positive = static_cast<uint16_t>(isNegative ? 0 : sum);
+    const auto product = static_cast<uint16_t>((uint32_t{positive} * multiplier) >> 16);
+    const auto quotient = static_cast<uint16_t>(product >> shift);
+    return static_cast<uint8_t>(quotient < UINT8_MAX ? quotient : UINT8_MAX);
+  }
+#if defined(ZEL_WIDE_VECTORS)
+  ZEL_INLINE UnsignedWords operator()(UnsignedWords sums) const {
+    if constexpr (hasSign) sums = (UnsignedWords)((Words)sums > 0 ? (Words)sums : Words{});
+    const UnsignedWords top = UnsignedWords{} + UINT8_MAX;
+    const UnsignedWords quotients = HighProducts(sums, UnsignedWords{} + multiplier) >> shift;
+    return quotients < top ? quotients : top;
+  }
+#endif
+};
+
+template <class Finish>
+void WordColumns(const void* const* rows, void* to, int64_t end, const ConvolutionRule& rule) {
   uint16_t sums[BLOCK];
+  const Finish finish(rule);
   for (int64_t first = 0; first < end; first += BLOCK) {
     const int64_t count = end - first < BLOCK ? end - first : BLOCK;
     WholeSums<uint8_t>(rows, first, count, rule, sums);
     uint8_t* __restrict results = static_cast<uint8_t*>(to) + first;
-    for (int64_t x = 0; x < count; x++) {
-      const auto sum = static_cast<int16_t>(sums[x]);
-      const int16_t upper = sum < UINT8_MAX ? sum : int16_t{UINT8_MAX};
-      results[x] = static_cast<uint8_t>(upper > 0 ? upper : 0);
-    }
+    for (int64_t x = 0; x < count; x++) results[x] = finish(sums[x]);
   }
 }
 
-void WrappedRow(const void* const* rows, void* to, int32_t width, const ConvolutionRule& rule) {
-  WrappedColumns(rows, to, rule.wrappedColumns, rule);
-  WholeColumns<uint8_t>(rows, to, rule.wrappedColumns, width, rule);
+#if defined(ZEL_WIDE_VECTORS)
+
+// ---- sums of pairs: those of even and of odd columns side by side
+
+using UnsignedInts = uint32_t __attribute__((vector_size(VECTOR_BYTES)));
+
+// Calls for groups of columns, the last of which may cover some of the one before once more.
+template <int32_t columns, class Group>
+ZEL_INLINE void EachGroup(int64_t end, const Group& group) {
+  for (int64_t x = 0; x < end; x += columns) group(x < end - columns ? x : end - columns);
+}
+
+template <class V, size_t vectors>
+struct PairedSums {
+  V even[vectors], odd[vectors];
+};
+
+template <class V, size_t vectors, class Pixel>
+ZEL_INLINE void TermAdd(const ConvolutionTerm& term, const void* const* rows, int64_t x,
+                        PairedSums<V, vectors>* sums) {
+  using Pixels = std::conditional_t<sizeof(Pixel) == 1, Bytes, Words>;
+  constexpr size_t lanes = sizeof(Pixels) / sizeof(Pixel);
+  const Pixel* pixels = static_cast<const Pixel*>(rows[term.row]) + x + term.column;
+  const auto weights = (Pixels)(Ints{} + static_cast<int32_t>(term.weights));
+  for (size_t v = 0; v < vectors; v++) {
+    sums->even[v] += (V)PairSums(Load<Pixels>(pixels + v * lanes), weights);
+    sums->odd[v] += (V)PairSums(Load<Pixels>(pixels + v * lanes + 1), weights);
+  }
+}
+
+template <class Finish, size_t vectors>
+ZEL_INLINE void WordGroup(const void* const* rows, uint8_t* to, int64_t x,
+                          const ConvolutionRule& rule, const Finish& finish) {
+  PairedSums<UnsignedWords, vectors> sums{};
+  for (int32_t i = 0; i < rule.termCount; i++) {
+    TermAdd<UnsignedWords, vectors, uint8_t>(rule.terms[i], rows, x, &sums);
+  }
+  for (size_t v = 0; v < vectors; v++) {
+    Store(to + x + v * VECTOR_BYTES, (Bytes)(finish(sums.even[v]) | finish(sums.odd[v]) << 8));
+  }
+}
+
+template <class Finish>
+ZEL_INLINE bool WordGroups(const void* const* rows, void* to, int64_t end,
+                           const ConvolutionRule& rule) {
+  if (rule.termCount == 0 || end < VECTOR_BYTES) return false;
+  auto* results = static_cast<uint8_t*>(to);
+  const Finish finish(rule);
+  if (end < 2 * VECTOR_BYTES) {
+    EachGroup<VECTOR_BYTES>(
+        end, [&](int64_t x) { WordGroup<Finish, 1>(rows, results, x, rule, finish); });
+  } else {
+    EachGroup<2 * VECTOR_BYTES>(
+        end, [&](int64_t x) { WordGroup<Finish, 2>(rows, results, x, rule, finish); });
+  }
+  return true;
+}
+
+// Quotients in 32 bits, limited to a type. By dividers below 1 they need not fit.
+struct Quotients {
+  double reciprocal;
+  bool isWhole;  // a divider of 1
+  explicit Quotients(const ConvolutionRule& rule)
+      : reciprocal(rule.reciprocal), isWhole(rule.divider == 1.0f) {}
+  static bool Fit(const ConvolutionRule& rule) {
+    return rule.reciprocal > -1.0000001 && rule.reciprocal < 1.0000001;
+  }
+  ZEL_INLINE Ints operator()(Ints sums, int32_t low, int32_t high) const {
+    const Ints quotients = isWhole ? sums : ProductsTruncated(sums, reciprocal);
+    const Ints lower = quotients > low ? quotients : Ints{} + low;
+    return lower < high ? lower : Ints{} + high;
+  }
+};
+
+// Sums of bytes are kept in 16 bits as long as they fit. Each vector of 32-bit sums is of every
+// fourth column.
+ZEL_INLINE void ByteGroup(const void* const* rows, uint8_t* to, int64_t x,
+                          const ConvolutionRule& rule, const Quotients& quotients) {
+  UnsignedInts sums[4] = {};
+  PairedSums<Words, 1> words{};
+  for (int32_t i = 0; i < rule.termCount; i++) {
+    const ConvolutionTerm& term = rule.terms[i];
+    TermAdd<Words, 1, uint8_t>(term, rows, x, &words);
+    if (!term.isLast) continue;
+    sums[0] += (UnsignedInts)((Ints)words.even[0] << 16 >> 16);
+    sums[1] += (UnsignedInts)((Ints)words.odd[0] << 16 >> 16);
+    sums[2] += (UnsignedInts)((Ints)words.even[0] >> 16);
+    sums[3] += (UnsignedInts)((Ints)words.odd[0] >> 16);
+    words = {};
+  }
+  Ints results{};
+  for (int32_t k = 0; k < 4; k++) results |= quotients((Ints)sums[k], 0, UINT8_MAX) << (8 * k);
+  Store(to + x, results);
+}
+
+ZEL_INLINE void ShortGroup(const void* const* rows, int16_t* to, int64_t x,
+                           const ConvolutionRule& rule, const Quotients& quotients) {
+  PairedSums<UnsignedInts, 1> sums{};
+  for (int32_t i = 0; i < rule.termCount; i++) {
+    TermAdd<UnsignedInts, 1, int16_t>(rule.terms[i], rows, x, &sums);
+  }
+  const Ints even = quotients((Ints)sums.even[0], INT16_MIN, INT16_MAX);
+  const Ints odd = quotients((Ints)sums.odd[0], INT16_MIN, INT16_MAX);
+  Store(to + x, (even & 0xFFFF) | odd << 16);
+}
+
+ZEL_INLINE bool WholeGroups(const void* const* rows, uint8_t* to, int64_t end,
+                            const ConvolutionRule& rule) {
+  if (rule.termCount == 0 || end < VECTOR_BYTES || !Quotients::Fit(rule)) return false;
+  const Quotients quotients(rule);
+  EachGroup<VECTOR_BYTES>(end, [&](int64_t x) { ByteGroup(rows, to, x, rule, quotients); });
+  return true;
+}
+
+ZEL_INLINE bool WholeGroups(const void* const* rows, int16_t* to, int64_t end,
+                            const ConvolutionRule& rule) {
+  if (rule.termCount == 0 || end < VECTOR_BYTES / 2 || !Quotients::Fit(rule)) return false;
+  const Quotients quotients(rule);
+  EachGroup<VECTOR_BYTES / 2>(end, [&](int64_t x) { ShortGroup(rows, to, x, rule, quotients); });
+  return true;
+}
+
+#else
+
+template <class Finish>
+ZEL_INLINE bool WordGroups(const void* const*, void*, int64_t, const ConvolutionRule&) {
+  return false;
+}
+template <class Pixel>
+ZEL_INLINE bool WholeGroups(const void* const*, Pixel*, int64_t, const ConvolutionRule&) {
+  return false;
+}
+
+#endif
+
+template <class Pixel>
+void WholeRow(const void* const* rows, void* to, int32_t width, const ConvolutionRule& rule) {
+  if (WholeGroups(rows, static_cast<Pixel*>(to), width, rule)) return;
+  WholeColumns<Pixel>(rows, to, 0, width, rule);
+}
+
+// The columns behind those that are wrapped have sums of 32 bits.
+template <class Finish>
+void WordRow(const void* const* rows, void* to, int32_t width, const ConvolutionRule& rule) {
+  const int32_t end = rule.wrappedColumns;
+  if (!WordGroups<Finish>(rows, to, end, rule)) WordColumns<Finish>(rows, to, end, rule);
+  if (end < width) WholeColumns<uint8_t>(rows, to, end, width, rule);
 }
 
 // Of a sum that is no number, 0.
@@ -133,7 +314,9 @@ void FloatRow(const void* const* rows, void* to, int32_t width, const Convolutio
 }  // namespace
 
 extern const ConvolutionRows convolutionRows = {
-    .u8Wrapped = &WrappedRow,
+    .wrapped = &WordRow<Limited>,
+    .dividedSigned = &WordRow<Divided<true>>,
+    .dividedUnsigned = &WordRow<Divided<false>>,
     .whole = {.u8 = &WholeRow<uint8_t>, .i16 = &WholeRow<int16_t>, .sgl = nullptr},
     .real = {.u8 = &RealRow<uint8_t>, .i16 = &RealRow<int16_t>, .sgl = &FloatRow},
 };

@@ -17,9 +17,23 @@ struct ConvolutionTap {
   float real;
 };
 
+// Two neighbouring coefficients of a row, with the first one's place. Bytes (U8) or words (I16) of
+// the weights, the first one lowest, and once more where there is room.
+struct ConvolutionTerm {
+  int32_t row;
+  int32_t column;
+  uint32_t weights;
+  bool isLast;  // of those whose sums, of bytes, are sure to fit 16 bits
+};
+
 struct ConvolutionRule {
   const ConvolutionTap* taps;
   int32_t tapCount;
+
+  // The same for whole coefficients that fit bytes or words with a sign, in pairs of which none can
+  // have a sum beyond 16 bits; else there are none.
+  const ConvolutionTerm* terms;
+  int32_t termCount;
 
   // U8: the sums of so many columns from the left are cut to 16 bits.
   int32_t wrappedColumns;
@@ -27,12 +41,16 @@ struct ConvolutionRule {
   float divider;
   // Of the divider, and a little more: the product with it, cut toward zero, is the quotient.
   double reciprocal;
+  // U8, where sums fit 16 bits: (sum x multiplier >> 16) >> shift is the quotient of a sum that is
+  // not negative.
+  uint16_t multiplier, shift;
 };
 
 struct ConvolutionRows {
-  WindowRow<ConvolutionRule> u8Wrapped;  // whole coefficients, a divider of 1
-  WindowRows<ConvolutionRule> whole;     // sums of 32 bits; none for SGL
-  WindowRows<ConvolutionRule> real;      // sums of floats
+  // U8, sums of 16 bits: limited, or divided by the multiplier where they have a sign or not.
+  WindowRow<ConvolutionRule> wrapped, dividedSigned, dividedUnsigned;
+  WindowRows<ConvolutionRule> whole;  // sums of 32 bits; none for SGL
+  WindowRows<ConvolutionRule> real;   // sums of floats
 };
 ZEL_ROW_TABLE(ConvolutionRows, convolutionRows)
 
