@@ -42,7 +42,8 @@ Status TapsMake(const ConvolutionMatrix& matrix, int32_t type, ConvolutionPlan* 
       // The product with 0 is 0 unless a pixel may be infinite or no number.
       if (coefficient == 0.0f && type != IMAGE_SGL) continue;
       const int32_t whole = plan->isFractional ? 0 : static_cast<int32_t>(coefficient);
-      plan->taps[count++] = {row, column - (matrix.width - 1) / 2, whole, coefficient};
+      plan->taps[count++] = {row, column - (matrix.width - 1) / 2, whole,
+                             static_cast<double>(coefficient)};
     }
   }
   plan->rule.taps = plan->taps.data();
@@ -209,6 +210,8 @@ int64_t ConvolutionCount(const ConvolutionMatrix& matrix) {
 
 Status ConvolutionPlanMake(const ConvolutionMatrix& matrix, int32_t type, ConvolutionPlan* plan) {
   const double sum = CoefficientsLookAt(matrix, plan);
+  plan->rule.columns = matrix.width;
+  plan->rule.rows = matrix.height;
   plan->rule.divider = DividerOf(matrix, sum);
   plan->rule.reciprocal = ReciprocalOf(plan->rule.divider);
   const Status status = TapsMake(matrix, type, plan);

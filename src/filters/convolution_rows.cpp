@@ -37,7 +37,7 @@ ZEL_INLINE void RealSums(const void* const* rows, int64_t first, int64_t count,
   for (int32_t i = 0; i < rule.tapCount; i++) {
     const ConvolutionTap& tap = rule.taps[i];
     const Pixel* pixels = static_cast<const Pixel*>(rows[tap.row]) + first + tap.column;
-    const auto coefficient = static_cast<double>(tap.real);
+    const double coefficient = tap.real;
     for (int64_t x = 0; x < count; x++) sums[x] += coefficient * static_cast<double>(pixels[x]);
   }
 }
@@ -126,17 +126,17 @@ void WordColumns(const void* const* rows, void* to, int64_t end, const Convoluti
   }
 }
 
-#if defined(ZEL_WIDE_VECTORS)
-
-// ---- sums of pairs: those of even and of odd columns side by side
-
-using UnsignedInts = uint32_t __attribute__((vector_size(VECTOR_BYTES)));
-
 // Calls for groups of columns, the last of which may cover some of the one before once more.
 template <int32_t columns, class Group>
 ZEL_INLINE void EachGroup(int64_t end, const Group& group) {
   for (int64_t x = 0; x < end; x += columns) group(x < end - columns ? x : end - columns);
 }
+
+#if defined(ZEL_WIDE_VECTORS)
+
+// ---- sums of pairs: those of even and of odd columns side by side
+
+using UnsignedInts = uint32_t __attribute__((vector_size(VECTOR_BYTES)));
 
 template <class V, size_t vectors>
 struct PairedSums {
@@ -275,6 +275,96 @@ void WordRow(const void* const* rows, void* to, int32_t width, const Convolution
   if (end < width) WholeColumns<uint8_t>(rows, to, end, width, rule);
 }
 
+// ---- sums of floats
+
+#if defined(ZEL_VECTORS)
+
+// Pixels of the window's rows as they are added, for some columns of results. The first is that of
+// the first window.
+struct WidenedRows {
+  static constexpr int64_t ROOM = 1600;
+  double pixels[ROOM];
+  int64_t pitch;
+
+  static int64_t ResultsThatFit(const ConvolutionRule& rule) {
+    return ROOM / rule.rows - rule.columns + 1;
+  }
+};
+
+template <class Pixel>
+ZEL_INLINE void RowsWiden(const void* const* rows, int64_t first, int64_t count,
+                          const ConvolutionRule& rule, WidenedRows* widened) {
+  widened->pitch = count + rule.columns - 1;
+  for (int32_t j = 0; j < rule.rows; j++) {
+    const Pixel* pixels = static_cast<const Pixel*>(rows[j]) + first - (rule.columns - 1) / 2;
+    double* __restrict to = widened->pixels + j * widened->pitch;
+    for (int64_t x = 0; x < widened->pitch; x++) to[x] = static_cast<double>(pixels[x]);
+  }
+}
+
+constexpr size_t REAL_VECTORS = 8;
+constexpr int32_t REAL_COLUMNS = REAL_VECTORS * DOUBLE_LANES;
+
+ZEL_INLINE void RealGroup(const WidenedRows& widened, int64_t x, const ConvolutionRule& rule,
+                          double* to) {
+  Doubles sums[REAL_VECTORS] = {};
+  const int64_t left = (rule.columns - 1) / 2;
+  for (int32_t i = 0; i < rule.tapCount; i++) {
+    const ConvolutionTap& tap = rule.taps[i];
+    const double* pixels = widened.pixels + tap.row * widened.pitch + x + tap.column + left;
+    const Doubles coefficient = Doubles{} + tap.real;
+    for (size_t v = 0; v < REAL_VECTORS; v++) {
+      sums[v] = MultiplyAdd(coefficient, Load<Doubles>(pixels + v * DOUBLE_LANES), sums[v]);
+    }
+  }
+  for (size_t v = 0; v < REAL_VECTORS; v++) Store(to + v * DOUBLE_LANES, sums[v]);
+}
+
+template <class Pixel>
+ZEL_INLINE void BlockRealSums(const void* const* rows, int64_t first, int64_t count,
+                              const ConvolutionRule& rule, double* sums) {
+  if (count < REAL_COLUMNS) return RealSums<Pixel>(rows, first, count, rule, sums);
+  WidenedRows widened;
+  RowsWiden<Pixel>(rows, first, count, rule, &widened);
+  EachGroup<REAL_COLUMNS>(count, [&](int64_t x) { RealGroup(widened, x, rule, sums + x); });
+}
+
+ZEL_INLINE int64_t RealBlock(const ConvolutionRule& rule) {
+  const int64_t fit = WidenedRows::ResultsThatFit(rule) / REAL_COLUMNS * REAL_COLUMNS;
+  return fit < REAL_COLUMNS ? 0 : fit < BLOCK ? fit : BLOCK;
+}
+
+#else
+
+template <class Pixel>
+ZEL_INLINE void BlockRealSums(const void* const* rows, int64_t first, int64_t count,
+                              const ConvolutionRule& rule, double* sums) {
+  RealSums<Pixel>(rows, first, count, rule, sums);
+}
+ZEL_INLINE int64_t RealBlock(const ConvolutionRule&) {
+  return BLOCK;
+}
+
+#endif
+
+// Calls finish(sums, first, count) for blocks of columns.
+template <class Pixel, class Finish>
+ZEL_INLINE void EachRealBlock(const void* const* rows, int32_t width, const ConvolutionRule& rule,
+                              const Finish& finish) {
+  double sums[BLOCK];
+  const int64_t fit = RealBlock(rule);
+  const int64_t block = fit > 0 ? fit : BLOCK;
+  for (int64_t first = 0; first < width; first += block) {
+    const int64_t count = width - first < block ? width - first : block;
+    if (fit > 0) {
+      BlockRealSums<Pixel>(rows, first, count, rule, sums);
+    } else {
+      RealSums<Pixel>(rows, first, count, rule, sums);
+    }
+    finish(sums, first, count);
+  }
+}
+
 // Of a sum that is no number, 0.
 template <class Pixel>
 ZEL_INLINE Pixel QuotientOrZero(double sum, double reciprocal) {
@@ -284,31 +374,29 @@ ZEL_INLINE Pixel QuotientOrZero(double sum, double reciprocal) {
 
 template <class Pixel>
 void RealRow(const void* const* rows, void* to, int32_t width, const ConvolutionRule& rule) {
-  double sums[BLOCK];
   const double reciprocal = rule.reciprocal;
-  for (int64_t first = 0; first < width; first += BLOCK) {
-    const int64_t count = width - first < BLOCK ? width - first : BLOCK;
-    RealSums<Pixel>(rows, first, count, rule, sums);
+  EachRealBlock<Pixel>(rows, width, rule, [&](const double* sums, int64_t first, int64_t count) {
     Pixel* __restrict results = static_cast<Pixel*>(to) + first;
     for (int64_t x = 0; x < count; x++) {
       const auto sum = static_cast<double>(static_cast<float>(sums[x]));
       results[x] = QuotientOrZero<Pixel>(sum, reciprocal);
     }
-  }
+  });
 }
 
 // The 64-bit quotient of two 32-bit floats, rounded to 32 bits, is their 32-bit quotient: as it is
 // no closer to the middle between two of these than 2^-49 of its size, or lies there, rounding to
 // 53 bits before doesn't carry it across.
 void FloatRow(const void* const* rows, void* to, int32_t width, const ConvolutionRule& rule) {
-  double sums[BLOCK];
   const float divider = rule.divider;
-  for (int64_t first = 0; first < width; first += BLOCK) {
-    const int64_t count = width - first < BLOCK ? width - first : BLOCK;
-    RealSums<float>(rows, first, count, rule, sums);
+  EachRealBlock<float>(rows, width, rule, [&](const double* sums, int64_t first, int64_t count) {
     float* __restrict results = static_cast<float*>(to) + first;
-    for (int64_t x = 0; x < count; x++) results[x] = static_cast<float>(sums[x]) / divider;
-  }
+    if (divider == 1.0f) {
+      for (int64_t x = 0; x < count; x++) results[x] = static_cast<float>(sums[x]);
+    } else {
+      for (int64_t x = 0; x < count; x++) results[x] = static_cast<float>(sums[x]) / divider;
+    }
+  });
 }
 
 }  // namespace

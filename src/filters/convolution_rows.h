@@ -14,7 +14,7 @@ struct ConvolutionTap {
   int32_t row;     // of the window
   int32_t column;  // counted from the result's
   int32_t whole;   // the coefficient as an integer; not set where one is fractional
-  float real;
+  double real;
 };
 
 // Two neighbouring coefficients of a row, with the first one's place. Bytes (U8) or words (I16) of
@@ -27,6 +27,8 @@ struct ConvolutionTerm {
 };
 
 struct ConvolutionRule {
+  int32_t columns, rows;  // of the window
+
   const ConvolutionTap* taps;
   int32_t tapCount;
 

@@ -2,15 +2,17 @@
 #include "filters/correlation_rows.h"
 
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 
 #include "core/numbers.h"
+#include "engine/vectors.h"
 #include "filters/window_sums.h"
 
 namespace zel::ZEL_LEVEL {
 namespace {
 
-constexpr int64_t TILE_ROWS = CORRELATION_TILE_ROWS;
+constexpr size_t TILE_ROWS = CORRELATION_TILE_ROWS;
 constexpr int64_t TILE_COLUMNS = CORRELATION_TILE_COLUMNS;
 
 void Bias(const uint8_t* pixels, CorrelationPixel* to, int64_t count) {
@@ -51,16 +53,125 @@ constexpr CorrelationEnergy<Sum> ENERGY = {
 
 // ---- products
 
-constexpr int32_t WEIGHT_COLUMNS = 1;
+#if defined(ZEL_LEVEL_v4)
 
-void Pack(const uint8_t* pixels, int64_t columns, uint32_t* weights) {
-  for (int64_t i = 0; i < columns; i++) weights[i] = pixels[i];
+// A weight is four pixels of the template. Sums of every fourth column are side by side.
+constexpr int32_t WEIGHT_COLUMNS = 4;
+
+template <size_t rows>
+struct TileSums {
+  Ints ofRow[rows][4];
+};
+
+// What one row of pixels adds: it lies under row `row` of the template for the first row of
+// results.
+template <size_t rows>
+ZEL_INLINE void RowAdd(const CorrelationSource& source, const CorrelationTemplate& pattern,
+                       int64_t row, TileSums<rows>* sums) {
+  const CorrelationPixel* pixels = source.pixels + row * source.pitch;
+  const uint32_t* weights = pattern.weights + row * pattern.pitch;
+  for (int64_t i = 0; i < pattern.rowWeights; i++, pixels += 4) {
+    for (size_t phase = 0; phase < 4; phase++) {
+      const auto values = Load<Bytes>(pixels + phase);
+      for (size_t k = 0; k < rows; k++) {
+        const uint32_t weight = weights[i - static_cast<int64_t>(k) * pattern.pitch];
+        const auto weightOfAll = (Bytes)(Ints{} + static_cast<int32_t>(weight));
+        sums->ofRow[k][phase] = AddDotProducts(sums->ofRow[k][phase], weightOfAll, values);
+      }
+    }
+  }
 }
 
-template <int64_t rows>
+ZEL_INLINE void SumsAdd(const Ints (&phases)[4], int32_t* to) {
+  using Longs = int64_t __attribute__((vector_size(VECTOR_BYTES)));
+  const auto low = [](Ints a, Ints b) {
+    return (Longs)__builtin_shufflevector(a, b, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7,
+                                          23);
+  };
+  const auto high = [](Ints a, Ints b) {
+    return (Longs)__builtin_shufflevector(a, b, 8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14,
+                                          30, 15, 31);
+  };
+  const auto store = [to](int64_t column, Longs first, Longs second) {
+    const auto begin = (Ints)__builtin_shufflevector(first, second, 0, 8, 1, 9, 2, 10, 3, 11);
+    const auto end = (Ints)__builtin_shufflevector(first, second, 4, 12, 5, 13, 6, 14, 7, 15);
+    Store(to + column, Load<Ints>(to + column) + begin);
+    Store(to + column + 16, Load<Ints>(to + column + 16) + end);
+  };
+  store(0, low(phases[0], phases[1]), low(phases[2], phases[3]));
+  store(32, high(phases[0], phases[1]), high(phases[2], phases[3]));
+}
+
+template <size_t rows>
 void Products(const CorrelationSource& source, const CorrelationTemplate& pattern,
               const CorrelationSums& results) {
-  for (int64_t row = 0; row < rows; row++) {
+  TileSums<rows> sums{};
+  const int64_t count = pattern.rows + static_cast<int64_t>(rows) - 1;
+  for (int64_t row = 0; row < count; row++) RowAdd(source, pattern, row, &sums);
+  for (size_t k = 0; k < rows; k++) {
+    SumsAdd(sums.ofRow[k], results.sums + static_cast<int64_t>(k) * results.pitch);
+  }
+}
+
+#elif defined(ZEL_LEVEL_v3)
+
+// A weight is two pixels of the template as words. Sums of even and of odd columns are apart.
+constexpr int32_t WEIGHT_COLUMNS = 2;
+constexpr int64_t COLUMNS = 16;
+
+template <size_t rows>
+struct TileSums {
+  Ints even[rows], odd[rows];
+};
+
+// What one row of pixels adds: it lies under row `row` of the template for the first row of
+// results.
+template <size_t rows>
+ZEL_INLINE void RowAdd(const CorrelationSource& source, const CorrelationTemplate& pattern,
+                       int64_t row, TileSums<rows>* sums) {
+  const CorrelationPixel* pixels = source.pixels + row * source.pitch;
+  const uint32_t* weights = pattern.weights + row * pattern.pitch;
+  for (int64_t i = 0; i < pattern.rowWeights; i++, pixels += 2) {
+    const Words even = WidenBytes(pixels);
+    const Words odd = WidenBytes(pixels + 1);
+    for (size_t k = 0; k < rows; k++) {
+      const uint32_t weight = weights[i - static_cast<int64_t>(k) * pattern.pitch];
+      const auto weightOfAll = (Words)(Ints{} + static_cast<int32_t>(weight));
+      sums->even[k] += PairSums(even, weightOfAll);
+      sums->odd[k] += PairSums(odd, weightOfAll);
+    }
+  }
+}
+
+template <size_t rows>
+void Products(const CorrelationSource& source, const CorrelationTemplate& pattern,
+              const CorrelationSums& results) {
+  const int64_t count = pattern.rows + static_cast<int64_t>(rows) - 1;
+  for (int64_t x = 0; x < TILE_COLUMNS; x += COLUMNS) {
+    TileSums<rows> sums{};
+    for (int64_t row = 0; row < count; row++) {
+      RowAdd({source.pixels + x, source.pitch}, pattern, row, &sums);
+    }
+    for (size_t k = 0; k < rows; k++) {
+      int32_t* to = results.sums + static_cast<int64_t>(k) * results.pitch + x;
+      const Ints even = sums.even[k];
+      const Ints odd = sums.odd[k];
+      const auto begin = __builtin_shufflevector(even, odd, 0, 8, 1, 9, 2, 10, 3, 11);
+      const auto end = __builtin_shufflevector(even, odd, 4, 12, 5, 13, 6, 14, 7, 15);
+      Store(to, Load<Ints>(to) + begin);
+      Store(to + 8, Load<Ints>(to + 8) + end);
+    }
+  }
+}
+
+#else
+
+constexpr int32_t WEIGHT_COLUMNS = 1;
+
+template <size_t rows>
+void Products(const CorrelationSource& source, const CorrelationTemplate& pattern,
+              const CorrelationSums& results) {
+  for (int64_t row = 0; row < static_cast<int64_t>(rows); row++) {
     int32_t sums[TILE_COLUMNS] = {};
     for (int64_t j = 0; j < pattern.rows; j++) {
       const CorrelationPixel* pixels = source.pixels + (row + j) * source.pitch;
@@ -72,6 +183,20 @@ void Products(const CorrelationSource& source, const CorrelationTemplate& patter
     }
     int32_t* __restrict to = results.sums + row * results.pitch;
     for (int64_t x = 0; x < TILE_COLUMNS; x++) to[x] += sums[x];
+  }
+}
+
+#endif
+
+// Beyond the row there are pixels of 0.
+void Pack(const uint8_t* pixels, int64_t columns, uint32_t* weights) {
+  constexpr int64_t bits = 32 / WEIGHT_COLUMNS;
+  for (int64_t first = 0; first < columns; first += WEIGHT_COLUMNS) {
+    uint32_t weight = 0;
+    for (int64_t i = 0; i < WEIGHT_COLUMNS && first + i < columns; i++) {
+      weight |= uint32_t{pixels[first + i]} << (i * bits);
+    }
+    *weights++ = weight;
   }
 }
 
