@@ -34,13 +34,14 @@ Status TapsMake(const ConvolutionMatrix& matrix, int32_t type, ConvolutionPlan* 
   if (!plan->taps.Allocate(static_cast<uint64_t>(ConvolutionCount(matrix)))) {
     return STATUS_MEMORY_FULL;
   }
+  const bool takesFloats = plan->isFractional || type == IMAGE_SGL;
   const float* coefficients = matrix.coefficients;
   size_t count = 0;
   for (int32_t row = 0; row < matrix.height; row++) {
     for (int32_t column = 0; column < matrix.width; column++) {
       const float coefficient = *coefficients++;
       // The product with 0 is 0 unless a pixel may be infinite or no number.
-      if (coefficient == 0.0f && type != IMAGE_SGL) continue;
+      if (coefficient == 0.0f && !takesFloats) continue;
       const int32_t whole = plan->isFractional ? 0 : static_cast<int32_t>(coefficient);
       plan->taps[count++] = {row, column - (matrix.width - 1) / 2, whole,
                              static_cast<double>(coefficient)};

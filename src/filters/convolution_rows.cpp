@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
+#include <utility>
 
 #include "core/numbers.h"
 #include "engine/vectors.h"
@@ -283,22 +284,24 @@ void WordRow(const void* const* rows, void* to, int32_t width, const Convolution
 // the first window.
 struct WidenedRows {
   static constexpr int64_t ROOM = 1600;
-  double pixels[ROOM];
+  alignas(VECTOR_BYTES) double pixels[ROOM];
   int64_t pitch;
 
   static int64_t ResultsThatFit(const ConvolutionRule& rule) {
-    return ROOM / rule.rows - rule.columns + 1;
+    return ROOM / rule.rows - rule.columns - 2 * DOUBLE_LANES;
   }
 };
 
 template <class Pixel>
 ZEL_INLINE void RowsWiden(const void* const* rows, int64_t first, int64_t count,
                           const ConvolutionRule& rule, WidenedRows* widened) {
-  widened->pitch = count + rule.columns - 1;
+  const int64_t columns = count + rule.columns - 1;
+  // With a vector behind the columns, which is loaded but not used.
+  widened->pitch = (columns + 2 * DOUBLE_LANES - 1) / DOUBLE_LANES * DOUBLE_LANES;
   for (int32_t j = 0; j < rule.rows; j++) {
     const Pixel* pixels = static_cast<const Pixel*>(rows[j]) + first - (rule.columns - 1) / 2;
     double* __restrict to = widened->pixels + j * widened->pitch;
-    for (int64_t x = 0; x < widened->pitch; x++) to[x] = static_cast<double>(pixels[x]);
+    for (int64_t x = 0; x < columns; x++) to[x] = static_cast<double>(pixels[x]);
   }
 }
 
@@ -320,13 +323,67 @@ ZEL_INLINE void RealGroup(const WidenedRows& widened, int64_t x, const Convoluti
   for (size_t v = 0; v < REAL_VECTORS; v++) Store(to + v * DOUBLE_LANES, sums[v]);
 }
 
+#if defined(ZEL_LEVEL_v4)
+
+// Loads of as many bytes as a cache line has take twice as long where they are not on its boundary:
+// the shifted ones are put together from those that are.
+
+template <size_t shift, size_t... lanes>
+ZEL_INLINE Doubles Shifted(Doubles first, Doubles second, std::index_sequence<lanes...>) {
+  return __builtin_shufflevector(first, second, (shift + lanes)...);
+}
+
+template <size_t column>
+ZEL_INLINE void ColumnAdd(const Doubles (&pixels)[REAL_VECTORS + 1], double coefficient,
+                          Doubles (&sums)[REAL_VECTORS]) {
+  constexpr auto lanes = std::make_index_sequence<DOUBLE_LANES>{};
+  for (size_t v = 0; v < REAL_VECTORS; v++) {
+    const Doubles shifted = Shifted<column>(pixels[v], pixels[v + 1], lanes);
+    sums[v] = MultiplyAdd(Doubles{} + coefficient, shifted, sums[v]);
+  }
+}
+
+template <size_t... columns>
+ZEL_INLINE void NarrowGroup(const WidenedRows& widened, int64_t x, const ConvolutionRule& rule,
+                            double* to, std::index_sequence<columns...>) {
+  Doubles sums[REAL_VECTORS] = {};
+  const ConvolutionTap* taps = rule.taps;
+  const double* row = widened.pixels + x;
+  for (int32_t j = 0; j < rule.rows; j++, row += widened.pitch, taps += sizeof...(columns)) {
+    Doubles pixels[REAL_VECTORS + 1];
+    for (size_t v = 0; v <= REAL_VECTORS; v++) pixels[v] = Load<Doubles>(row + v * DOUBLE_LANES);
+    (ColumnAdd<columns>(pixels, taps[columns].real, sums), ...);
+  }
+  for (size_t v = 0; v < REAL_VECTORS; v++) Store(to + v * DOUBLE_LANES, sums[v]);
+}
+
+template <size_t columns>
+ZEL_INLINE void NarrowGroups(const WidenedRows& widened, int64_t count, const ConvolutionRule& rule,
+                             double* sums) {
+  EachGroup<REAL_COLUMNS>(count, [&](int64_t x) {
+    NarrowGroup(widened, x, rule, sums + x, std::make_index_sequence<columns>{});
+  });
+}
+
+#endif
+
+ZEL_INLINE void RealGroups(const WidenedRows& widened, int64_t count, const ConvolutionRule& rule,
+                           double* sums) {
+#if defined(ZEL_LEVEL_v4)
+  if (rule.columns == 3) return NarrowGroups<3>(widened, count, rule, sums);
+  if (rule.columns == 5) return NarrowGroups<5>(widened, count, rule, sums);
+  if (rule.columns == 7) return NarrowGroups<7>(widened, count, rule, sums);
+#endif
+  EachGroup<REAL_COLUMNS>(count, [&](int64_t x) { RealGroup(widened, x, rule, sums + x); });
+}
+
 template <class Pixel>
 ZEL_INLINE void BlockRealSums(const void* const* rows, int64_t first, int64_t count,
                               const ConvolutionRule& rule, double* sums) {
   if (count < REAL_COLUMNS) return RealSums<Pixel>(rows, first, count, rule, sums);
   WidenedRows widened;
   RowsWiden<Pixel>(rows, first, count, rule, &widened);
-  EachGroup<REAL_COLUMNS>(count, [&](int64_t x) { RealGroup(widened, x, rule, sums + x); });
+  RealGroups(widened, count, rule, sums);
 }
 
 ZEL_INLINE int64_t RealBlock(const ConvolutionRule& rule) {
@@ -351,7 +408,7 @@ ZEL_INLINE int64_t RealBlock(const ConvolutionRule&) {
 template <class Pixel, class Finish>
 ZEL_INLINE void EachRealBlock(const void* const* rows, int32_t width, const ConvolutionRule& rule,
                               const Finish& finish) {
-  double sums[BLOCK];
+  alignas(64) double sums[BLOCK];
   const int64_t fit = RealBlock(rule);
   const int64_t block = fit > 0 ? fit : BLOCK;
   for (int64_t first = 0; first < width; first += block) {

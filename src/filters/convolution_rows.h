@@ -29,7 +29,7 @@ struct ConvolutionTerm {
 struct ConvolutionRule {
   int32_t columns, rows;  // of the window
 
-  const ConvolutionTap* taps;
+  const ConvolutionTap* taps;  // all of them for sums of floats, else those that are not 0
   int32_t tapCount;
 
   // The same for whole coefficients that fit bytes or words with a sign, in pairs of which none can
