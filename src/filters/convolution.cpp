@@ -80,6 +80,55 @@ Status WidenedCopy(const Image& source, BorderFill fill, ScratchImage* copy) {
   return STATUS_OK;
 }
 
+// ---- the pass by factors
+
+// The sums of the rows that a window covers, in a ring.
+void BandByFactors(const WindowBand& band, const ConvolutionPlan& plan,
+                   const ConvolutionRoutine& routine) {
+  const ConvolutionRows& rows = convolutionRows();
+  const ConvolutionFactors& factors = plan.factors;
+  const PixelView& source = band.views.source;
+  const int64_t bytes = ConvolutionSumsBytes(source.width);
+  const int32_t count = factors.rows;
+  const int32_t above = (count - 1) / 2;
+  const auto place = [&](int64_t y) {
+    return band.memory + (y - band.begin + above) % count * bytes;
+  };
+  const auto sum = [&](int64_t y) {
+    rows.across(source.Row<const void*>(y), place(y), source.width, factors);
+  };
+  const int32_t wrapped = plan.rule.wrappedColumns;
+  for (int64_t y = int64_t{band.begin} - above; y < int64_t{band.begin} + count / 2; y++) sum(y);
+  for (int32_t y = band.begin; y < band.end; y++) {
+    sum(int64_t{y} + count / 2);
+    const uint8_t* sums[CONVOLUTION_MOST_FACTOR_ROWS];
+    const void* pixels[CONVOLUTION_MOST_FACTOR_ROWS];
+    for (int32_t j = 0; j < count; j++) {
+      const int64_t row = int64_t{y} - above + j;
+      sums[j] = place(row);
+      pixels[j] = source.Row<uint8_t>(row) + wrapped;
+    }
+    auto* to = static_cast<uint8_t*>(band.RowBegin(y));
+    routine.down(sums, source.Row<const void*>(y), to, factors, plan.rule);
+    if (wrapped < source.width) {
+      rows.whole.u8(pixels, to + wrapped, source.width - wrapped, plan.rule);
+    }
+    band.RowEnd(y);
+  }
+}
+
+Status Walk(const WindowViews& views, const ConvolutionMatrix& matrix, ConvolutionPlan* plan) {
+  const ConvolutionRoutine routine = ConvolutionRoutineOf(views, plan);
+  const RowEffort effort = 1 + std::min(plan->rule.tapCount, INT16_MAX) / 2;
+  if (!routine.down) return WindowWalk(views, ReachOf(matrix), effort, routine.row, plan->rule);
+  const WindowPlan windowPlan{
+      .memoryBytes = matrix.height * ConvolutionSumsBytes(views.source.width),
+      .effort = matrix.height,
+      .leastRows = matrix.height};
+  return WindowBandsRun(views, windowPlan,
+                        [&](const WindowBand& band) { BandByFactors(band, *plan, routine); });
+}
+
 Status Convolute(const WindowImages& images, ConvolutionMatrix* matrix, int32_t borderFill) {
   if (!matrix) return STATUS_NULL_POINTER;
   const bool copies = ConvolutionCount(*matrix) < FEWEST_COEFFICIENTS;
@@ -107,8 +156,7 @@ Status Convolute(const WindowImages& images, ConvolutionMatrix* matrix, int32_t 
     const PixelView pixels = ViewOf(*widened.image());
     views.source = operands.HasMask() ? pixels.Part(operands.overlap()) : pixels;
   }
-  const RowEffort effort = 1 + plan.rule.tapCount;
-  status = WindowWalk(views, ReachOf(*matrix), effort, ConvolutionRowOf(views, &plan), plan.rule);
+  status = Walk(views, *matrix, &plan);
   if (status == STATUS_OK) operands.Written();
   return status;
 }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace zel {
 namespace {
@@ -140,6 +141,93 @@ Status TermsMake(const ConvolutionMatrix& matrix, int32_t type, ConvolutionPlan*
   return STATUS_OK;
 }
 
+// ---- factors
+
+// The coefficients of a matrix of bytes, and where its centre is.
+struct ByteMatrix {
+  const ConvolutionMatrix& matrix;
+  int32_t centreColumn, centreRow;
+
+  explicit ByteMatrix(const ConvolutionMatrix& of)
+      : matrix(of), centreColumn((of.width - 1) / 2), centreRow((of.height - 1) / 2) {}
+  int32_t At(int32_t column, int32_t row) const {
+    return static_cast<int32_t>(matrix.coefficients[int64_t{row} * matrix.width + column]);
+  }
+  bool IsCentre(int32_t column, int32_t row) const {
+    return column == centreColumn && row == centreRow;
+  }
+};
+
+// A coefficient that is neither in the centre's row nor in its column.
+bool ReferenceFind(const ByteMatrix& bytes, int32_t* column, int32_t* row) {
+  for (*row = 0; *row < bytes.matrix.height; ++*row) {
+    for (*column = 0; *column < bytes.matrix.width; ++*column) {
+      if (*row == bytes.centreRow || *column == bytes.centreColumn) continue;
+      if (bytes.At(*column, *row) != 0) return true;
+    }
+  }
+  return false;
+}
+
+// False where the matrix is no such product.
+bool FactorsFind(const ByteMatrix& bytes, int8_t* across, ConvolutionFactors* factors) {
+  const ConvolutionMatrix& matrix = bytes.matrix;
+  int32_t column = 0;
+  int32_t row = 0;
+  if (!ReferenceFind(bytes, &column, &row)) return false;
+  int32_t divisor = 0;
+  for (int32_t i = 0; i < matrix.width; i++) divisor = std::gcd(divisor, bytes.At(i, row));
+  for (int32_t i = 0; i < matrix.width; i++) {
+    across[i] = static_cast<int8_t>(bytes.At(i, row) / divisor);
+  }
+  factors->rows = matrix.height;
+  for (int32_t j = 0; j < matrix.height; j++) {
+    const int32_t weight = bytes.At(column, j) / across[column];
+    factors->down[j] = static_cast<int16_t>(weight);
+    for (int32_t i = 0; i < matrix.width; i++) {
+      const int32_t rest = bytes.At(i, j) - weight * across[i];
+      if (bytes.IsCentre(i, j)) factors->centre = static_cast<int16_t>(rest);
+      if (rest != 0 && !bytes.IsCentre(i, j)) return false;
+    }
+  }
+  return true;
+}
+
+// What factors have to save before the rows of sums are worth their memory.
+constexpr int32_t FEWEST_TERMS_SAVED = 3;
+
+Status FactorsMake(const ConvolutionMatrix& matrix, ConvolutionPlan* plan) {
+  const int32_t width = matrix.width;
+  if (plan->rule.termCount == 0 || width < 3 || matrix.height < 3 ||
+      std::max(width, matrix.height) > CONVOLUTION_MOST_FACTOR_ROWS) {
+    return STATUS_OK;
+  }
+  int8_t across[CONVOLUTION_MOST_FACTOR_ROWS];
+  ConvolutionFactors& factors = plan->factors;
+  if (!FactorsFind(ByteMatrix(matrix), across, &factors)) return STATUS_OK;
+
+  const auto columns = static_cast<uint64_t>(width);
+  if (!plan->factorTaps.Allocate(columns) || !plan->factorTerms.Allocate(columns)) {
+    return STATUS_MEMORY_FULL;
+  }
+  TermList list{plan->factorTerms.data(), 0, true, {}};
+  float coefficients[CONVOLUTION_MOST_FACTOR_ROWS];
+  int32_t taps = 0;
+  for (int32_t i = 0; i < width; i++) {
+    coefficients[i] = across[i];
+    if (across[i] != 0) {
+      plan->factorTaps[static_cast<size_t>(taps++)] = {0, i - (width - 1) / 2, across[i], 0};
+    }
+  }
+  list.AddRow(coefficients, width, 0);
+  factors.across.taps = plan->factorTaps.data();
+  factors.across.tapCount = taps;
+  factors.across.terms = list.terms;
+  factors.across.termCount = list.count;
+  plan->hasFactors = list.count + matrix.height + FEWEST_TERMS_SAVED <= plan->rule.termCount;
+  return STATUS_OK;
+}
+
 // ---- dividers
 
 float DividerOf(const ConvolutionMatrix& matrix, double sum) {
@@ -183,24 +271,27 @@ bool MultiplierSettle(float divider, double largestSum, ConvolutionRule* rule) {
   return true;
 }
 
-WindowRow<ConvolutionRule> ByteRowOf(const WindowViews& views, ConvolutionPlan* plan) {
+ConvolutionRoutine ByteRoutineOf(const WindowViews& views, ConvolutionPlan* plan) {
   const ConvolutionRows& rows = convolutionRows();
   ConvolutionRule& rule = plan->rule;
   const double largestSum = UINT8_MAX * plan->positiveSum;
   const bool fitsSigned = largestSum <= INT16_MAX && UINT8_MAX * plan->negativeSum >= INT16_MIN;
   const bool fitsUnsigned = largestSum <= UINT16_MAX && plan->negativeSum == 0.0;
   rule.wrappedColumns = views.source.width;
+  plan->factors.across.wrappedColumns = views.source.width;
   if (rule.divider == 1.0f) {
-    if (fitsSigned) return rows.wrapped;
+    if (fitsSigned) return {rows.wrapped, rows.wrappedDown};
     constexpr int32_t groupColumns = 4;
     const bool fitsBytes = plan->lowest >= INT8_MIN && plan->highest <= INT8_MAX;
     rule.wrappedColumns = fitsBytes ? WindowGroupedColumns(views, groupColumns) : 0;
-    return rule.wrappedColumns > 0 ? rows.wrapped : rows.whole.u8;
+    if (rule.wrappedColumns > 0) return {rows.wrapped, rows.wrappedDown};
+    return {rows.whole.u8, nullptr};
   }
   if ((fitsSigned || fitsUnsigned) && MultiplierSettle(rule.divider, largestSum, &rule)) {
-    return fitsUnsigned ? rows.dividedUnsigned : rows.dividedSigned;
+    if (fitsUnsigned) return {rows.dividedUnsigned, rows.dividedUnsignedDown};
+    return {rows.dividedSigned, rows.dividedSignedDown};
   }
-  return rows.whole.u8;
+  return {rows.whole.u8, nullptr};
 }
 
 }  // namespace
@@ -215,14 +306,19 @@ Status ConvolutionPlanMake(const ConvolutionMatrix& matrix, int32_t type, Convol
   plan->rule.rows = matrix.height;
   plan->rule.divider = DividerOf(matrix, sum);
   plan->rule.reciprocal = ReciprocalOf(plan->rule.divider);
-  const Status status = TapsMake(matrix, type, plan);
-  return status != STATUS_OK ? status : TermsMake(matrix, type, plan);
+  Status status = TapsMake(matrix, type, plan);
+  if (status == STATUS_OK) status = TermsMake(matrix, type, plan);
+  if (status == STATUS_OK && type == IMAGE_U8) status = FactorsMake(matrix, plan);
+  return status;
 }
 
-WindowRow<ConvolutionRule> ConvolutionRowOf(const WindowViews& views, ConvolutionPlan* plan) {
+ConvolutionRoutine ConvolutionRoutineOf(const WindowViews& views, ConvolutionPlan* plan) {
   const int32_t type = views.source.type;
-  if (plan->isFractional || type == IMAGE_SGL) return convolutionRows().real.For(type);
-  return type == IMAGE_U8 ? ByteRowOf(views, plan) : convolutionRows().whole.i16;
+  if (plan->isFractional || type == IMAGE_SGL) return {convolutionRows().real.For(type), nullptr};
+  if (type != IMAGE_U8) return {convolutionRows().whole.For(type), nullptr};
+  ConvolutionRoutine routine = ByteRoutineOf(views, plan);
+  if (!plan->hasFactors) routine.down = nullptr;
+  return routine;
 }
 
 }  // namespace zel

@@ -276,6 +276,100 @@ void WordRow(const void* const* rows, void* to, int32_t width, const Convolution
   if (end < width) WholeColumns<uint8_t>(rows, to, end, width, rule);
 }
 
+// ---- by factors: sums across rows, then down
+
+ZEL_INLINE void PlainAcross(const void* row, uint16_t* sums, int64_t width,
+                            const ConvolutionRule& rule) {
+  WholeSums<uint8_t>(&row, 0, width, rule, sums);
+}
+
+template <class Finish>
+ZEL_INLINE void PlainDown(const uint8_t* const* sumRows, const uint8_t* centre, uint8_t* to,
+                          int64_t end, const ConvolutionFactors& factors, const Finish& finish) {
+  uint16_t sums[BLOCK];
+  for (int64_t first = 0; first < end; first += BLOCK) {
+    const int64_t count = end - first < BLOCK ? end - first : BLOCK;
+    const auto own = static_cast<uint16_t>(factors.centre);
+    for (int64_t x = 0; x < count; x++) sums[x] = static_cast<uint16_t>(own * centre[first + x]);
+    for (int32_t j = 0; j < factors.rows; j++) {
+      const auto* row = reinterpret_cast<const uint16_t*>(sumRows[j]) + first;
+      const auto weight = static_cast<uint16_t>(factors.down[j]);
+      for (int64_t x = 0; x < count; x++) {
+        sums[x] = static_cast<uint16_t>(sums[x] + uint32_t{weight} * row[x]);
+      }
+    }
+    uint8_t* __restrict results = to + first;
+    for (int64_t x = 0; x < count; x++) results[x] = finish(sums[x]);
+  }
+}
+
+#if defined(ZEL_WIDE_VECTORS)
+
+// Groups of sums lie one after the other, those of even columns before those of odd ones.
+constexpr int64_t GROUP_SUMS_BYTES = 2 * VECTOR_BYTES;
+
+void Across(const void* row, uint8_t* sums, int32_t width, const ConvolutionFactors& factors) {
+  if (width < VECTOR_BYTES) {
+    return PlainAcross(row, reinterpret_cast<uint16_t*>(sums), width, factors.across);
+  }
+  const ConvolutionRule& rule = factors.across;
+  EachGroup<VECTOR_BYTES>(width, [&](int64_t x) {
+    PairedSums<UnsignedWords, 1> group{};
+    for (int32_t i = 0; i < rule.termCount; i++) {
+      TermAdd<UnsignedWords, 1, uint8_t>(rule.terms[i], &row, x, &group);
+    }
+    Store(sums, group.even[0]);
+    Store(sums + VECTOR_BYTES, group.odd[0]);
+    sums += GROUP_SUMS_BYTES;
+  });
+}
+
+template <class Finish>
+ZEL_INLINE void DownGroup(const uint8_t* const* sumRows, int64_t offset, const uint8_t* centre,
+                          uint8_t* to, const ConvolutionFactors& factors, const Finish& finish) {
+  const auto pixels = (UnsignedWords)Load<Bytes>(centre);
+  const auto own = static_cast<uint16_t>(factors.centre);
+  UnsignedWords even = (pixels & 0xFF) * own;
+  UnsignedWords odd = (pixels >> 8) * own;
+  for (int32_t j = 0; j < factors.rows; j++) {
+    const uint8_t* sums = sumRows[j] + offset;
+    const auto weight = static_cast<uint16_t>(factors.down[j]);
+    even += Load<UnsignedWords>(sums) * weight;
+    odd += Load<UnsignedWords>(sums + VECTOR_BYTES) * weight;
+  }
+  Store(to, (Bytes)(finish(even) | finish(odd) << 8));
+}
+
+template <class Finish>
+void Down(const uint8_t* const* sums, const void* centre, void* to,
+          const ConvolutionFactors& factors, const ConvolutionRule& rule) {
+  const Finish finish(rule);
+  const auto* pixels = static_cast<const uint8_t*>(centre);
+  auto* results = static_cast<uint8_t*>(to);
+  const int32_t width = factors.across.wrappedColumns;
+  if (width < VECTOR_BYTES) return PlainDown(sums, pixels, results, width, factors, finish);
+  int64_t offset = 0;
+  EachGroup<VECTOR_BYTES>(width, [&](int64_t x) {
+    DownGroup(sums, offset, pixels + x, results + x, factors, finish);
+    offset += GROUP_SUMS_BYTES;
+  });
+}
+
+#else
+
+void Across(const void* row, uint8_t* sums, int32_t width, const ConvolutionFactors& factors) {
+  PlainAcross(row, reinterpret_cast<uint16_t*>(sums), width, factors.across);
+}
+
+template <class Finish>
+void Down(const uint8_t* const* sums, const void* centre, void* to,
+          const ConvolutionFactors& factors, const ConvolutionRule& rule) {
+  PlainDown(sums, static_cast<const uint8_t*>(centre), static_cast<uint8_t*>(to),
+            factors.across.wrappedColumns, factors, Finish(rule));
+}
+
+#endif
+
 // ---- sums of floats
 
 #if defined(ZEL_VECTORS)
@@ -462,6 +556,10 @@ extern const ConvolutionRows convolutionRows = {
     .wrapped = &WordRow<Limited>,
     .dividedSigned = &WordRow<Divided<true>>,
     .dividedUnsigned = &WordRow<Divided<false>>,
+    .across = &Across,
+    .wrappedDown = &Down<Limited>,
+    .dividedSignedDown = &Down<Divided<true>>,
+    .dividedUnsignedDown = &Down<Divided<false>>,
     .whole = {.u8 = &WholeRow<uint8_t>, .i16 = &WholeRow<int16_t>, .sgl = nullptr},
     .real = {.u8 = &RealRow<uint8_t>, .i16 = &RealRow<int16_t>, .sgl = &FloatRow},
 };

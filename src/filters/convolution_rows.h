@@ -48,9 +48,34 @@ struct ConvolutionRule {
   uint16_t multiplier, shift;
 };
 
+// A matrix that is the product of a column and a row of coefficients, but for its centre: rows are
+// summed up once, for all windows that they lie in, in 16 bits that wrap around.
+constexpr int32_t CONVOLUTION_MOST_FACTOR_ROWS = 32;
+struct ConvolutionFactors {
+  ConvolutionRule across;  // the row, as a matrix of its own, for all columns
+  int16_t down[CONVOLUTION_MOST_FACTOR_ROWS];
+  int32_t rows;
+  int16_t centre;  // what the matrix's centre has besides
+};
+
+// Bytes that the sums of a row take.
+constexpr int64_t ConvolutionSumsBytes(int64_t width) {
+  constexpr int64_t mostColumnsOfGroup = 64;
+  return (width / mostColumnsOfGroup + 1) * mostColumnsOfGroup * 2;
+}
+using ConvolutionAcross = void (*)(const void* row, uint8_t* sums, int32_t width,
+                                   const ConvolutionFactors& factors);
+// A row of results, all in 16 bits, from the sums of the window's rows. `rule` is that of the whole
+// matrix.
+using ConvolutionDown = void (*)(const uint8_t* const* sums, const void* centre, void* to,
+                                 const ConvolutionFactors& factors, const ConvolutionRule& rule);
+
 struct ConvolutionRows {
   // U8, sums of 16 bits: limited, or divided by the multiplier where they have a sign or not.
   WindowRow<ConvolutionRule> wrapped, dividedSigned, dividedUnsigned;
+  // The same by factors.
+  ConvolutionAcross across;
+  ConvolutionDown wrappedDown, dividedSignedDown, dividedUnsignedDown;
   WindowRows<ConvolutionRule> whole;  // sums of 32 bits; none for SGL
   WindowRows<ConvolutionRule> real;   // sums of floats
 };
