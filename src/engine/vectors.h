@@ -134,6 +134,9 @@ ZEL_INLINE Ints ProductsTruncated(Ints v, double factor) {
 ZEL_INLINE Doubles MultiplyAdd(Doubles a, Doubles b, Doubles sum) {
   return (Doubles)_mm512_fmadd_pd((__m512d)a, (__m512d)b, (__m512d)sum);
 }
+ZEL_INLINE Doubles WidenFloats(const float* from) {
+  return (Doubles)_mm512_maskz_cvtps_pd(0xFF, Load<__m256>(from));
+}
 // Sums of four neighbouring products, of bytes without and with a sign.
 ZEL_INLINE Ints AddDotProducts(Ints sums, Bytes a, Bytes withSign) {
   return (Ints)_mm512_dpbusd_epi32(Of(sums), Of(a), Of(withSign));
@@ -215,6 +218,9 @@ ZEL_INLINE Ints ProductsTruncated(Ints v, double factor) {
 ZEL_INLINE Doubles MultiplyAdd(Doubles a, Doubles b, Doubles sum) {
   return (Doubles)_mm256_fmadd_pd((__m256d)a, (__m256d)b, (__m256d)sum);
 }
+ZEL_INLINE Doubles WidenFloats(const float* from) {
+  return (Doubles)_mm256_cvtps_pd(Load<__m128>(from));
+}
 ZEL_INLINE Words WidenBytes(const int8_t* from) {
   return (Words)_mm256_cvtepi8_epi16(Load<__m128i>(from));
 }
@@ -273,6 +279,9 @@ ZEL_INLINE Ints Truncate(Floats v) {
 // Exact products only: they are not rounded.
 ZEL_INLINE Doubles MultiplyAdd(Doubles a, Doubles b, Doubles sum) {
   return a * b + sum;
+}
+ZEL_INLINE Doubles WidenFloats(const float* from) {
+  return (Doubles)_mm_cvtps_pd(_mm_setr_ps(from[0], from[1], 0, 0));
 }
 // On a boundary of vectors, past the caches.
 ZEL_INLINE void Stream(uint8_t* to, Bytes v) {

@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
-#include <utility>
 
 #include "core/numbers.h"
 #include "engine/vectors.h"
@@ -374,126 +373,83 @@ void Down(const uint8_t* const* sums, const void* centre, void* to,
 
 #if defined(ZEL_VECTORS)
 
-// Pixels of the window's rows as they are added, for some columns of results. The first is that of
-// the first window.
-struct WidenedRows {
-  static constexpr int64_t ROOM = 1600;
-  alignas(VECTOR_BYTES) double pixels[ROOM];
-  int64_t pitch;
-
-  static int64_t ResultsThatFit(const ConvolutionRule& rule) {
-    return ROOM / rule.rows - rule.columns - 2 * DOUBLE_LANES;
-  }
-};
-
-template <class Pixel>
-ZEL_INLINE void RowsWiden(const void* const* rows, int64_t first, int64_t count,
-                          const ConvolutionRule& rule, WidenedRows* widened) {
-  const int64_t columns = count + rule.columns - 1;
-  // With a vector behind the columns, which is loaded but not used.
-  widened->pitch = (columns + 2 * DOUBLE_LANES - 1) / DOUBLE_LANES * DOUBLE_LANES;
-  for (int32_t j = 0; j < rule.rows; j++) {
-    const Pixel* pixels = static_cast<const Pixel*>(rows[j]) + first - (rule.columns - 1) / 2;
-    double* __restrict to = widened->pixels + j * widened->pitch;
-    for (int64_t x = 0; x < columns; x++) to[x] = static_cast<double>(pixels[x]);
-  }
-}
-
 constexpr size_t REAL_VECTORS = 8;
 constexpr int32_t REAL_COLUMNS = REAL_VECTORS * DOUBLE_LANES;
 
-ZEL_INLINE void RealGroup(const WidenedRows& widened, int64_t x, const ConvolutionRule& rule,
+ZEL_INLINE void RealGroup(const float* const* rows, int64_t x, const ConvolutionRule& rule,
                           double* to) {
   Doubles sums[REAL_VECTORS] = {};
-  const int64_t left = (rule.columns - 1) / 2;
   for (int32_t i = 0; i < rule.tapCount; i++) {
     const ConvolutionTap& tap = rule.taps[i];
-    const double* pixels = widened.pixels + tap.row * widened.pitch + x + tap.column + left;
+    const float* pixels = rows[tap.row] + x + tap.column;
     const Doubles coefficient = Doubles{} + tap.real;
     for (size_t v = 0; v < REAL_VECTORS; v++) {
-      sums[v] = MultiplyAdd(coefficient, Load<Doubles>(pixels + v * DOUBLE_LANES), sums[v]);
+      sums[v] = MultiplyAdd(coefficient, WidenFloats(pixels + v * DOUBLE_LANES), sums[v]);
     }
   }
   for (size_t v = 0; v < REAL_VECTORS; v++) Store(to + v * DOUBLE_LANES, sums[v]);
 }
 
-#if defined(ZEL_LEVEL_v4)
-
-// Loads of as many bytes as a cache line has take twice as long where they are not on its boundary:
-// the shifted ones are put together from those that are.
-
-template <size_t shift, size_t... lanes>
-ZEL_INLINE Doubles Shifted(Doubles first, Doubles second, std::index_sequence<lanes...>) {
-  return __builtin_shufflevector(first, second, (shift + lanes)...);
-}
-
-template <size_t column>
-ZEL_INLINE void ColumnAdd(const Doubles (&pixels)[REAL_VECTORS + 1], double coefficient,
-                          Doubles (&sums)[REAL_VECTORS]) {
-  constexpr auto lanes = std::make_index_sequence<DOUBLE_LANES>{};
-  for (size_t v = 0; v < REAL_VECTORS; v++) {
-    const Doubles shifted = Shifted<column>(pixels[v], pixels[v + 1], lanes);
-    sums[v] = MultiplyAdd(Doubles{} + coefficient, shifted, sums[v]);
-  }
-}
-
-template <size_t... columns>
-ZEL_INLINE void NarrowGroup(const WidenedRows& widened, int64_t x, const ConvolutionRule& rule,
-                            double* to, std::index_sequence<columns...>) {
-  Doubles sums[REAL_VECTORS] = {};
-  const ConvolutionTap* taps = rule.taps;
-  const double* row = widened.pixels + x;
-  for (int32_t j = 0; j < rule.rows; j++, row += widened.pitch, taps += sizeof...(columns)) {
-    Doubles pixels[REAL_VECTORS + 1];
-    for (size_t v = 0; v <= REAL_VECTORS; v++) pixels[v] = Load<Doubles>(row + v * DOUBLE_LANES);
-    (ColumnAdd<columns>(pixels, taps[columns].real, sums), ...);
-  }
-  for (size_t v = 0; v < REAL_VECTORS; v++) Store(to + v * DOUBLE_LANES, sums[v]);
-}
-
-template <size_t columns>
-ZEL_INLINE void NarrowGroups(const WidenedRows& widened, int64_t count, const ConvolutionRule& rule,
-                             double* sums) {
-  EachGroup<REAL_COLUMNS>(count, [&](int64_t x) {
-    NarrowGroup(widened, x, rule, sums + x, std::make_index_sequence<columns>{});
-  });
-}
-
-#endif
-
-ZEL_INLINE void RealGroups(const WidenedRows& widened, int64_t count, const ConvolutionRule& rule,
+ZEL_INLINE void RealGroups(const float* const* rows, int64_t count, const ConvolutionRule& rule,
                            double* sums) {
-#if defined(ZEL_LEVEL_v4)
-  if (rule.columns == 3) return NarrowGroups<3>(widened, count, rule, sums);
-  if (rule.columns == 5) return NarrowGroups<5>(widened, count, rule, sums);
-  if (rule.columns == 7) return NarrowGroups<7>(widened, count, rule, sums);
-#endif
-  EachGroup<REAL_COLUMNS>(count, [&](int64_t x) { RealGroup(widened, x, rule, sums + x); });
+  EachGroup<REAL_COLUMNS>(count, [&](int64_t x) { RealGroup(rows, x, rule, sums + x); });
+}
+
+constexpr int32_t MOST_ROWS = 32;
+
+// Integers as floats, row after row, for a block of results.
+constexpr int64_t FLOAT_ROOM = 2560;
+
+template <class Pixel>
+ZEL_INLINE int64_t RealBlock(const ConvolutionRule& rule) {
+  if (rule.rows > MOST_ROWS) return 0;
+  if (sizeof(Pixel) == sizeof(float)) return BLOCK;
+  const int64_t fit = FLOAT_ROOM / rule.rows - rule.columns + 1;
+  return fit < REAL_COLUMNS ? 0 : fit < BLOCK ? fit : BLOCK;
+}
+
+ZEL_INLINE void BlockRealSums(const float* const* rows, int64_t count, const ConvolutionRule& rule,
+                              double* sums) {
+  RealGroups(rows, count, rule, sums);
 }
 
 template <class Pixel>
-ZEL_INLINE void BlockRealSums(const void* const* rows, int64_t first, int64_t count,
-                              const ConvolutionRule& rule, double* sums) {
-  if (count < REAL_COLUMNS) return RealSums<Pixel>(rows, first, count, rule, sums);
-  WidenedRows widened;
-  RowsWiden<Pixel>(rows, first, count, rule, &widened);
-  RealGroups(widened, count, rule, sums);
+ZEL_INLINE void BlockRealSums(const Pixel* const* rows, int64_t count, const ConvolutionRule& rule,
+                              double* sums) {
+  float floats[FLOAT_ROOM];
+  const float* floatRows[MOST_ROWS];
+  const int64_t columns = count + rule.columns - 1;
+  const int64_t left = (rule.columns - 1) / 2;
+  for (int32_t j = 0; j < rule.rows; j++) {
+    const Pixel* pixels = rows[j] - left;
+    float* __restrict to = floats + j * columns;
+    for (int64_t x = 0; x < columns; x++) to[x] = pixels[x];
+    floatRows[j] = to + left;
+  }
+  RealGroups(floatRows, count, rule, sums);
 }
 
-ZEL_INLINE int64_t RealBlock(const ConvolutionRule& rule) {
-  const int64_t fit = WidenedRows::ResultsThatFit(rule) / REAL_COLUMNS * REAL_COLUMNS;
-  return fit < REAL_COLUMNS ? 0 : fit < BLOCK ? fit : BLOCK;
+// False for blocks that are too small or windows that are too large.
+template <class Pixel>
+ZEL_INLINE bool FastRealSums(const void* const* rows, int64_t first, int64_t count,
+                             const ConvolutionRule& rule, double* sums) {
+  if (count < REAL_COLUMNS || rule.rows > MOST_ROWS) return false;
+  const Pixel* pixels[MOST_ROWS];
+  for (int32_t j = 0; j < rule.rows; j++) pixels[j] = static_cast<const Pixel*>(rows[j]) + first;
+  BlockRealSums(pixels, count, rule, sums);
+  return true;
 }
 
 #else
 
 template <class Pixel>
-ZEL_INLINE void BlockRealSums(const void* const* rows, int64_t first, int64_t count,
-                              const ConvolutionRule& rule, double* sums) {
-  RealSums<Pixel>(rows, first, count, rule, sums);
-}
 ZEL_INLINE int64_t RealBlock(const ConvolutionRule&) {
-  return BLOCK;
+  return 0;
+}
+template <class Pixel>
+ZEL_INLINE bool FastRealSums(const void* const*, int64_t, int64_t, const ConvolutionRule&,
+                             double*) {
+  return false;
 }
 
 #endif
@@ -503,13 +459,11 @@ template <class Pixel, class Finish>
 ZEL_INLINE void EachRealBlock(const void* const* rows, int32_t width, const ConvolutionRule& rule,
                               const Finish& finish) {
   alignas(64) double sums[BLOCK];
-  const int64_t fit = RealBlock(rule);
+  const int64_t fit = RealBlock<Pixel>(rule);
   const int64_t block = fit > 0 ? fit : BLOCK;
   for (int64_t first = 0; first < width; first += block) {
     const int64_t count = width - first < block ? width - first : block;
-    if (fit > 0) {
-      BlockRealSums<Pixel>(rows, first, count, rule, sums);
-    } else {
+    if (fit == 0 || !FastRealSums<Pixel>(rows, first, count, rule, sums)) {
       RealSums<Pixel>(rows, first, count, rule, sums);
     }
     finish(sums, first, count);
