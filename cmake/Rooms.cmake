@@ -9,7 +9,7 @@ if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$")
   list(APPEND PTK_ALL_LEVELS baseline v3 v4)
   set(PTK_LEVEL_FLAGS_baseline "")
   set(PTK_LEVEL_FLAGS_v3 -march=x86-64-v3)
-  set(PTK_LEVEL_FLAGS_v4 -march=x86-64-v4 -mavx512vbmi -mavx512vbmi2 -mprefer-vector-width=512)
+  set(PTK_LEVEL_FLAGS_v4 -march=x86-64-v4 -mavx512vbmi -mavx512vbmi2 -mavx512vnni -mprefer-vector-width=512)
 endif()
 
 # A build for trying, or under a slow compiler, may leave levels out.

@@ -12,6 +12,7 @@
  *   casts.h       from one pixel type to another
  *   thresholds.h  ranges of grey levels, given or found
  *   lookups.h     grey levels through tables and laws
+ *   convolution.h a pixel's neighbours, weighted by a matrix; templates found
  *   filters.h     a pixel and its neighbours: edges, smoothing
  *   statistics.h  histograms, regions, centroids, profiles
  *   particles.h   connected pixels, numbered, measured, selected
@@ -57,6 +58,7 @@
 #define ORLUNE_PTK_H
 
 #include "orlune_ptk/casts.h"
+#include "orlune_ptk/convolution.h"
 #include "orlune_ptk/errors.h"
 #include "orlune_ptk/files.h"
 #include "orlune_ptk/filters.h"

@@ -228,9 +228,13 @@ Status ImageCopyInfo(const Image& source, Image* to) {
 
 Status ImageClearAll(ImageRef reference) {
   Image* image = nullptr;
-  Status status = ImageLookup(reference, &image);
+  const Status status = ImageLookup(reference, &image);
+  return status != STATUS_OK ? status : ImageClearAll(image);
+}
+
+Status ImageClearAll(Image* image) {
   int64_t bytes = 0;
-  if (status == STATUS_OK) status = BlockBytes(*image, &bytes);
+  const Status status = BlockBytes(*image, &bytes);
   if (status == STATUS_OK) MemFill(VectorData<void>(image->pixels), 0, static_cast<size_t>(bytes));
   return status;
 }

@@ -78,6 +78,7 @@ Status ImageCopyInfo(ImageRef source, ImageRef destination);
 Status ImageCopyInfo(const Image& source, Image* destination);
 
 Status ImageClearAll(ImageRef reference);  // the whole block
+Status ImageClearAll(Image* image);
 // The first (height + 2 border) x (width + 2 border) bytes of a U8 block, whatever the row pitch;
 // for other types that many pixels from the start of each line. Null clears the whole block.
 Status ImageFillAll(ImageRef reference, const void* pixel);

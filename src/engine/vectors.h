@@ -120,6 +120,27 @@ ZEL_INLINE Floats ReciprocalEstimate(Floats v) {
 ZEL_INLINE Ints Truncate(Floats v) {
   return (Ints)_mm512_maskz_cvttps_epi32(ALL_LANES, (__m512)v);
 }
+ZEL_INLINE Ints ProductsTruncated(Ints v, double factor) {
+  const __m512d factors = _mm512_set1_pd(factor);
+  const auto half = [&](__m256i ints) {
+    const __m512d products = _mm512_mul_pd(_mm512_maskz_cvtepi32_pd(0xFF, ints), factors);
+    return _mm512_maskz_cvttpd_epi32(0xFF, products);
+  };
+  const __m256i low = half(_mm512_maskz_extracti64x4_epi64(0xFF, Of(v), 0));
+  const __m256i high = half(_mm512_maskz_extracti64x4_epi64(0xFF, Of(v), 1));
+  return (Ints)__builtin_shufflevector(low, high, 0, 1, 2, 3, 4, 5, 6, 7);
+}
+// Exact products only: they are not rounded.
+ZEL_INLINE Doubles MultiplyAdd(Doubles a, Doubles b, Doubles sum) {
+  return (Doubles)_mm512_fmadd_pd((__m512d)a, (__m512d)b, (__m512d)sum);
+}
+ZEL_INLINE Doubles WidenFloats(const float* from) {
+  return (Doubles)_mm512_maskz_cvtps_pd(0xFF, Load<__m256>(from));
+}
+// Sums of four neighbouring products, of bytes without and with a sign.
+ZEL_INLINE Ints AddDotProducts(Ints sums, Bytes a, Bytes withSign) {
+  return (Ints)_mm512_dpbusd_epi32(Of(sums), Of(a), Of(withSign));
+}
 // On a boundary of vectors, past the caches.
 ZEL_INLINE void Stream(uint8_t* to, Bytes v) {
   _mm512_stream_si512(reinterpret_cast<__m512i*>(to), Of(v));
@@ -185,6 +206,24 @@ ZEL_INLINE Floats ReciprocalEstimate(Floats v) {
 ZEL_INLINE Ints Truncate(Floats v) {
   return (Ints)_mm256_cvttps_epi32((__m256)v);
 }
+ZEL_INLINE Ints ProductsTruncated(Ints v, double factor) {
+  const __m256d factors = _mm256_set1_pd(factor);
+  const auto half = [&](__m128i ints) {
+    return _mm256_cvttpd_epi32(_mm256_mul_pd(_mm256_cvtepi32_pd(ints), factors));
+  };
+  return (Ints)_mm256_set_m128i(half(_mm256_extracti128_si256(Of(v), 1)),
+                                half(_mm256_castsi256_si128(Of(v))));
+}
+// Exact products only: they are not rounded.
+ZEL_INLINE Doubles MultiplyAdd(Doubles a, Doubles b, Doubles sum) {
+  return (Doubles)_mm256_fmadd_pd((__m256d)a, (__m256d)b, (__m256d)sum);
+}
+ZEL_INLINE Doubles WidenFloats(const float* from) {
+  return (Doubles)_mm256_cvtps_pd(Load<__m128>(from));
+}
+ZEL_INLINE Words WidenBytes(const int8_t* from) {
+  return (Words)_mm256_cvtepi8_epi16(Load<__m128i>(from));
+}
 // On a boundary of vectors, past the caches.
 ZEL_INLINE void Stream(uint8_t* to, Bytes v) {
   _mm256_stream_si256(reinterpret_cast<__m256i*>(to), Of(v));
@@ -236,6 +275,13 @@ ZEL_INLINE Floats ReciprocalEstimate(Floats v) {
 }
 ZEL_INLINE Ints Truncate(Floats v) {
   return (Ints)_mm_cvttps_epi32((__m128)v);
+}
+// Exact products only: they are not rounded.
+ZEL_INLINE Doubles MultiplyAdd(Doubles a, Doubles b, Doubles sum) {
+  return a * b + sum;
+}
+ZEL_INLINE Doubles WidenFloats(const float* from) {
+  return (Doubles)_mm_cvtps_pd(_mm_setr_ps(from[0], from[1], 0, 0));
 }
 // On a boundary of vectors, past the caches.
 ZEL_INLINE void Stream(uint8_t* to, Bytes v) {

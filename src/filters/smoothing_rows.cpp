@@ -3,9 +3,9 @@
 
 #include <cmath>
 #include <cstdint>
-#include <utility>
 
 #include "core/numbers.h"
+#include "filters/window_sums.h"
 
 namespace zel::ZEL_LEVEL {
 namespace {
@@ -23,36 +23,6 @@ void ColumnsSlide(const void* entering, const void* leaving, void* columnSums, i
   const auto* out = static_cast<const Pixel*>(leaving);
   auto* __restrict sums = static_cast<Sum*>(columnSums);
   for (int64_t x = 0; x < count; x++) sums[x] = static_cast<Sum>(sums[x] + (in[x] - out[x]));
-}
-
-// sums[x] is the sum of `columns` neighbouring column sums from x on. They are put together from
-// sums of 1, 2, 4 and so on columns.
-template <class Sum>
-ZEL_INLINE const Sum* WindowSums(const Sum* columnSums, Sum* memory, int64_t columns,
-                                 int64_t width) {
-  const int64_t count = width + columns - 1;
-  Sum* __restrict sums = memory;
-  const Sum* spans = columnSums;
-  Sum* spare = memory + count;
-  Sum* otherSpare = spare + count;
-  int64_t done = 0;
-  for (int64_t length = 1;; length *= 2) {
-    if ((columns & length) != 0) {
-      const Sum* from = spans + done;
-      if (done == 0) {
-        for (int64_t x = 0; x < width; x++) sums[x] = from[x];
-      } else {
-        for (int64_t x = 0; x < width; x++) sums[x] = static_cast<Sum>(sums[x] + from[x]);
-      }
-      done += length;
-    }
-    if (done == columns) return sums;
-    Sum* __restrict doubled = spare;
-    const int64_t last = count - 2 * length;
-    for (int64_t x = 0; x <= last; x++) doubled[x] = static_cast<Sum>(spans[x] + spans[x + length]);
-    spans = doubled;
-    std::swap(spare, otherSpare);
-  }
 }
 
 ZEL_INLINE uint16_t HighHalf(uint16_t a, uint16_t b) {

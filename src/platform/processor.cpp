@@ -53,7 +53,7 @@ bool HasV4() {
   return HasV3() && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
          __builtin_cpu_supports("avx512cd") && __builtin_cpu_supports("avx512dq") &&
          __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512vbmi") &&
-         __builtin_cpu_supports("avx512vbmi2");
+         __builtin_cpu_supports("avx512vbmi2") && __builtin_cpu_supports("avx512vnni");
 }
 #endif
 

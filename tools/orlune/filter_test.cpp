@@ -73,8 +73,9 @@ TEST(Chains, EveryEdgeMethodHasItsNumber) {
 
 TEST(Chains, RangesIncludeTheirEnds) {
   for (const char* good :
-       {"median 1", "median 1000", "median 1x1000", "lowpass 3 0", "lowpass 3 100", "edges sobel 0",
-        "rank 3 0", "rank 3 8", "rank 2x5 9", "rank 1000 999999", "edges sigma", "edges sigma 0"}) {
+       {"convolve gradient3 31", "convolve gaussian7", "median 1", "median 1000", "median 1x1000",
+        "lowpass 3 0", "lowpass 3 100", "edges sobel 0", "rank 3 0", "rank 3 8", "rank 2x5 9",
+        "rank 1000 999999", "edges sigma", "edges sigma 0"}) {
     EXPECT_EQ(Complaint(good), "no complaint") << good;
   }
 }

@@ -36,8 +36,50 @@ int32_t Rank(ImageRef image, ImageRef mask, const Window& window, int32_t order)
   return ZEL_NthOrder(image, mask, 0, window.width, window.height, order);
 }
 
+// A family of standard matrices and a size, as one number.
+constexpr int32_t MatricesOf(ConvolutionFamily family, int32_t side) {
+  return family * 10 + side;
+}
+
+ConvolutionMatrix* MatrixOf(const Arguments& arguments, int32_t index) {
+  const int32_t matrices = arguments[0].Whole();
+  return ZEL_GetConvolutionMatrix(matrices / 10, matrices % 10, index);
+}
+
 std::vector<Step> MakeSteps() {
   return {
+      {.name = "convolve",
+       .parameters =
+           {{.name = "MATRIX",
+             .kind = Kind::Choice,
+             .choices = {{"gradient3", MatricesOf(CONVOLUTION_GRADIENT, 3)},
+                         {"gradient5", MatricesOf(CONVOLUTION_GRADIENT, 5)},
+                         {"gradient7", MatricesOf(CONVOLUTION_GRADIENT, 7)},
+                         {"laplacian3", MatricesOf(CONVOLUTION_LAPLACIAN, 3)},
+                         {"laplacian5", MatricesOf(CONVOLUTION_LAPLACIAN, 5)},
+                         {"laplacian7", MatricesOf(CONVOLUTION_LAPLACIAN, 7)},
+                         {"smoothing3", MatricesOf(CONVOLUTION_SMOOTHING, 3)},
+                         {"smoothing5", MatricesOf(CONVOLUTION_SMOOTHING, 5)},
+                         {"smoothing7", MatricesOf(CONVOLUTION_SMOOTHING, 7)},
+                         {"gaussian3", MatricesOf(CONVOLUTION_GAUSSIAN, 3)},
+                         {"gaussian5", MatricesOf(CONVOLUTION_GAUSSIAN, 5)},
+                         {"gaussian7", MatricesOf(CONVOLUTION_GAUSSIAN, 7)}}},
+            {.name = "INDEX", .kind = Kind::Whole, .low = 0, .high = 31, .optional = true}},
+       .meaning = "neighbours weighted by a standard matrix, one of a family and a size",
+       .complaint = [](const Arguments& a) -> std::string {
+         const ConvolutionMatrix* last = MatrixOf(a, INT32_MAX);
+         int32_t count = 1;
+         while (MatrixOf(a, count - 1) != last) count++;
+         return a[1].Whole() < count
+                    ? ""
+                    : "the index must be 0 to " + std::to_string(count - 1) + " for this matrix";
+       },
+       .border = [](const Arguments& a) { return MatrixOf(a, 0)->width / 2; },
+       .apply =
+           [](ImageRef image, ImageRef mask, const Arguments& a) {
+             return ZEL_Convolute(image, mask, 0, MatrixOf(a, a[1].Whole()), BORDER_FILL_MIRROR);
+           }},
+
       {.name = "edges",
        .parameters = {{.name = "METHOD",
                        .kind = Kind::Choice,
