@@ -237,7 +237,7 @@ TEST_F(Handles, AFailedGrowthOfTheTablesIsRetried) {
 
 TEST_F(Handles, TextGoesAmongAllThreeForms) {
   const auto address = [](const void* pointer) { return reinterpret_cast<uintptr_t>(pointer); };
-  char terminated[600];
+  char terminated[600] = {};
   uint8_t counted[300];
   EXPECT_EQ(TextConvert(0, address("hello"), 0, address(terminated)), 5);
   EXPECT_STREQ(terminated, "hello");
