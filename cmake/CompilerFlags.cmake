@@ -34,7 +34,7 @@ endif()
 # Callers have threads with stacks of 64 KB. Sanitizers make frames of their own size.
 set(PTK_FRAME_FLAGS)
 if(PTK_SANITIZE STREQUAL "" AND NOT PTK_FUZZ)
-  set(PTK_FRAME_FLAGS -Werror=frame-larger-than=16384 -Wframe-larger-than=16384)
+  set(PTK_FRAME_FLAGS -Werror=frame-larger-than=16384)
 endif()
 
 if(PTK_FUZZ)

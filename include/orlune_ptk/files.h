@@ -14,6 +14,8 @@
  * - Two SHORTs or two to four BYTEs inside a TIFF directory entry are taken for an offset.
  * - A TIFF with photometric 0 has every bit of an IMAGE_U8 or IMAGE_I16 image inverted: one bit
  *   0 and 1 read as 255 and 254. TIFF rows of fewer than 8 bits are one stream without padding.
+ *   Pixels that such a file is too short to hold are inverted too, but for those in memory that the
+ *   image did not have before where these pass 1 MiB and 16 times the file's length: they are 0.
  * - A strip's byte count is made a multiple of the width in pixels.
  * - A TIFF colour map of fewer than 768 values is taken as having that many entries in each of the
  *   three colours; values behind its end are 0.
@@ -67,7 +69,8 @@ int32_t ZEL_PtkFileInfo(const char* path, FileInfo* info);
  * leaves over is 0. Pixels that the file is too short to hold keep what the resized image held. The
  * border is not written. The calibration becomes the file's for native files (both steps from the
  * one stored ratio), else unit 3 and steps of 1.0. The mask offset stays. A file without pixels
- * gives 0 x 0.
+ * gives 0 x 0. What a read costs in time and in memory that is really used follows what the file
+ * holds and the image held, whatever size the file claims.
  *
  *   from \ to       IMAGE_U8       IMAGE_I16      IMAGE_SGL      IMAGE_COMPLEX   IMAGE_RGB
  *   1, 2, 4, 8 bits the sample     the sample     the sample     as real part    as all colours

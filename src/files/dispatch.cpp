@@ -80,31 +80,22 @@ Status TakeReadOptions(const ReadRequest& request, FileContext* context) {
   return STATUS_OK;
 }
 
-// An odd width leaves one column of the image that the file knows nothing of. What lies behind the
-// end of the former block is zero already, in pages that nothing may have touched yet.
-void ClearLastColumn(const Image& image, int64_t formerBytes) {
-  const PixelView view = ViewOf(image);
-  const int64_t end = std::min<int64_t>(formerBytes, HandleByteSize(image.pixels));
-  const uint8_t* formerEnd = VectorData<uint8_t>(image.pixels) + end;
-  const PixelView column = view.Columns(view.width - 1, view.width);
-  for (int64_t y = 0; y < column.height; y++) {
-    auto* pixel = column.Row<uint8_t>(y);
-    if (pixel >= formerEnd) return;
-    std::memset(pixel, 0, static_cast<size_t>(column.pixelBytes));
-  }
-}
-
-Status PixelStage(const OpenFile& file, const Image& image, int64_t formerBytes,
-                  FileContext* context) {
+Status PixelStage(const OpenFile& file, const Image& image, FileContext* context) {
   if (!TypeHasPixels(image.type)) return STATUS_BAD_LAYOUT_TYPE;
-  PixelStream stream{ViewOf(image), {}};
+  const Untouched untouched = HandleUntouched(image.pixels);
+  const PixelView view = ViewOf(image);
+  PixelStream stream{view, untouched, {}};
   // A 0 x 0 image has none of the file's rows.
   if (stream.view.width > 0) stream.view.width = context->width;
   Status status = STATUS_OK;
   if (context->scaleToRange == 1) status = SampleRangeScan(file, context, &stream);
   if (status == STATUS_OK)
     status = OperationsOf(context->format)->readData(file, *context, &stream);
-  if (stream.view.width % 2 != 0) ClearLastColumn(image, formerBytes);
+  // An odd width leaves one column of the image that the file knows nothing of.
+  if (stream.view.width % 2 != 0) {
+    PixelRowsClear(view.Columns(view.width - 1, view.width), stream.untouched);
+  }
+  HandleUntouchedSet(image.pixels, stream.untouched);
   return status;
 }
 
@@ -167,10 +158,9 @@ Status FileReadKernel(ImageRef reference, const char* path, const ReadRequest& r
   image->unit = static_cast<int16_t>(context->unit);
   image->xStep = context->ratioX;
   image->yStep = context->ratioY;
-  const int64_t formerBytes = HandleByteSize(image->pixels);
   const int32_t evenWidth = context->width + context->width % 2;
   status = ImageLayoutSize(image, evenWidth, context->height, true);
-  return status != STATUS_OK ? status : PixelStage(file, *image, formerBytes, context);
+  return status != STATUS_OK ? status : PixelStage(file, *image, context);
 }
 
 Status FileWriteKernel(ImageRef reference, const char* path, const WriteRequest& request) {

@@ -25,8 +25,8 @@ struct PixelRows {
 // the start of the last one. Where rows follow each other without gaps it is a single one. Stops
 // when the visitor answers false.
 template <class Visit>
-void VisitRows(const PixelView& spread, int64_t position, int64_t count, Visit visit) {
-  const PixelView view = RowsJoin(spread);
+void VisitRows(PixelStream* stream, int64_t position, int64_t count, Visit visit) {
+  const PixelView view = RowsJoin(stream->view);
   while (count > 0) {
     const int64_t row = position / view.width;
     const int64_t column = position % view.width;
@@ -34,6 +34,9 @@ void VisitRows(const PixelView& spread, int64_t position, int64_t count, Visit v
     const int64_t rows = whole ? count / view.width : 1;
     const int64_t pixels = whole ? view.width : std::min<int64_t>(count, view.width - column);
     uint8_t* first = view.Row<uint8_t>(row) + column * view.pixelBytes;
+    const uint8_t* last = first + (rows - 1) * view.pitch;
+    stream->untouched.Touch(std::min<const uint8_t*>(first, last),
+                            std::max<const uint8_t*>(first, last) + pixels * view.pixelBytes);
     if (!visit(PixelRows{first, view.pitch, pixels, rows})) return;
     position += rows * pixels;
     count -= rows * pixels;
@@ -79,7 +82,7 @@ Status ReadDirect(const OpenFile& file, const FileContext& context, const Sample
   bool more = true;
   while (more && left > 0) {
     const int64_t count = std::min(left, step);
-    VisitRows(stream->view, position, count, [&](const PixelRows& rows) {
+    VisitRows(stream, position, count, [&](const PixelRows& rows) {
       const int64_t wanted = rows.pixels * pixelBytes * rows.rows;
       int64_t got = 0;
       status =
@@ -99,7 +102,7 @@ void ConvertRun(const SampleConverter& converter, const uint8_t* samples, int64_
   count = std::min(count, stream->Pixels() - position);
   if (count <= 0) return;
   int64_t first = 0;
-  VisitRows(stream->view, position, count, [&](const PixelRows& rows) {
+  VisitRows(stream, position, count, [&](const PixelRows& rows) {
     for (int64_t row = 0; row < rows.rows; row++) {
       converter.Convert(samples, first, rows.pixels, rows.first + row * rows.pitch);
       first += rows.pixels;
@@ -153,6 +156,28 @@ Status ReadConvertingRows(const OpenFile& file, const FileContext& context, cons
     }
   }
   return STATUS_OK;
+}
+
+// Hands over the bytes of all rows but those that lie untouched. Rows that do so altogether are not
+// even counted: a file may claim to have any number of them.
+template <class Visit>
+void VisitTouched(const PixelView& spread, const Untouched& untouched, Visit visit) {
+  if (spread.IsEmpty()) return;
+  const PixelView view = RowsJoin(spread);
+  const int64_t rowsBefore = (untouched.from - view.origin + view.pitch - 1) / view.pitch;
+  const int64_t rowsUpTo = (untouched.to - view.origin) / view.pitch;
+  const int64_t skipFrom = std::clamp<int64_t>(rowsBefore, 0, view.height);
+  const int64_t skipTo = std::clamp<int64_t>(rowsUpTo, skipFrom, view.height);
+  const auto visitRow = [&](int64_t y) {
+    uint8_t* begin = view.Row<uint8_t>(y);
+    uint8_t* end = begin + view.RowBytes();
+    const int64_t before = std::clamp<int64_t>(untouched.from - begin, 0, end - begin);
+    const int64_t behind = std::clamp<int64_t>(end - untouched.to, 0, end - begin - before);
+    if (before > 0) visit(begin, before);
+    if (behind > 0) visit(end - behind, behind);
+  };
+  for (int64_t y = 0; y < skipFrom; y++) visitRow(y);
+  for (int64_t y = skipTo; y < view.height; y++) visitRow(y);
 }
 
 // Rows that follow each other in the file and in the stream are one.
@@ -283,10 +308,15 @@ Status PixelRowsWriteAll(const OpenFile& file, const FileContext& context, const
                         {.pack = reverse, .sampleBytes = view.pixelBytes, .rowPadding = 0});
 }
 
-void PixelRowsInvert(const PixelView& view) {
-  const auto invert = sampleRows().invertBytes;
-  const PixelView rows = RowsJoin(view);
-  for (int64_t y = 0; y < rows.height; y++) invert(rows.Row<void>(y), rows.RowBytes());
+void PixelStreamInvert(int64_t unread, PixelStream* stream) {
+  if (stream->untouched.Bytes() <= unread) stream->untouched.from = stream->untouched.to;
+  VisitTouched(stream->view, stream->untouched, sampleRows().invertBytes);
+}
+
+void PixelRowsClear(const PixelView& view, const Untouched& untouched) {
+  VisitTouched(view, untouched, [](void* bytes, int64_t count) {
+    std::memset(bytes, 0, static_cast<size_t>(count));
+  });
 }
 
 void PixelRowsCompact(const PixelView& view) {

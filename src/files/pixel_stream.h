@@ -2,6 +2,7 @@
 // the rows of an image on their way to a file.
 #pragma once
 
+#include "core/handles.h"
 #include "core/heap.h"
 #include "core/views.h"
 #include "files/access.h"
@@ -15,6 +16,7 @@ namespace zel {
 // its value.
 struct PixelStream {
   PixelView view;
+  Untouched untouched;        // of the block that the view lies in, less what is written
   WorkArray<uint8_t> buffer;  // for samples that have to be converted; made when first needed
   int64_t bufferBytes = 0;
 
@@ -60,8 +62,11 @@ Status PixelRowsWrite(const OpenFile& file, const PixelView& view);
 // byte first.
 Status PixelRowsWriteAll(const OpenFile& file, const FileContext& context, const PixelView& view);
 
-// Bitwise NOT of the view's pixels.
-void PixelRowsInvert(const PixelView& view);
+// Bitwise NOT of the stream's pixels. Of those that lie untouched, more than `unread` bytes stay as
+// they are: zero.
+void PixelStreamInvert(int64_t unread, PixelStream* stream);
+// Sets the pixels of a view to 0, without touching what reads 0 already.
+void PixelRowsClear(const PixelView& view, const Untouched& untouched);
 // Moves the rows together in memory, without gaps.
 void PixelRowsCompact(const PixelView& view);
 

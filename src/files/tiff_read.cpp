@@ -11,6 +11,12 @@
 namespace zel {
 namespace {
 
+// Pixels that nothing was read for are inverted with the others, but no more of them than a file of
+// this length might have been cut of: a few bytes may claim two thousand million pixels. A byte of
+// a file becomes at most 16 of the image that is inverted.
+constexpr int64_t UNREAD_BYTES = 1 << 20;
+constexpr int64_t UNREAD_BYTES_A_BYTE = 16;
+
 constexpr int64_t MAP_BYTES = 3 * 2 * int64_t{TABLE_ENTRIES};
 
 Status ClassOf(const TiffEssentials& essentials, PixelClass* pixelClass) {
@@ -174,7 +180,9 @@ Status TiffReadData(const OpenFile& file, const FileContext& context, PixelStrea
   Status status = TiffDecodeEssentials(context, &essentials);
   if (status == STATUS_OK) status = ReadStrips(file, essentials, context, stream);
   const bool inverts = essentials.photometric == 0 && TypeIsInteger(stream->view.type);
-  if (status == STATUS_OK && inverts) PixelRowsInvert(stream->view);
+  if (status == STATUS_OK && inverts) {
+    PixelStreamInvert(UNREAD_BYTES + UNREAD_BYTES_A_BYTE * context.dataSize, stream);
+  }
   return status;
 }
 
