@@ -58,8 +58,7 @@ int32_t ZEL_ConvertByLookup(ImageRef source, ImageRef destination, int32_t array
  * source:      IMAGE_I16.
  * destination: IMAGE_U8. 0 is the source, and so -301.
  * shift:       bits, limited to 0 to 8.
- * Failures: -200; -301 images of other types; -101, with the source's calibration and offset in the
- * destination by then. */
+ * Failures: -200; -301 images of other types; -101. All leave everything as it was. */
 int32_t ZEL_Shift16To8(ImageRef source, ImageRef destination, int32_t shift);
 
 #pragma GCC visibility pop

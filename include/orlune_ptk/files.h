@@ -111,7 +111,10 @@ int32_t ZEL_ReadFile(ImageRef image, const char* path, int32_t wantTable, RGBVal
  *
  * The image is not changed. Only when writing the pixels fails (-511, -512) and there is line
  * padding or a border are its rows left moved together, without what lies between them; a colour
- * BMP is spared even then.
+ * BMP is spared even then, and so is any image where only closing the file fails.
+ *
+ * The rows of a colour BMP that could not be written, on a full disk say, are no failure: kept. Who
+ * must know compares the file's length with 54 + height x (3 width rounded up to a multiple of 4).
  * image:  of a type that the format takes. 0 x 0 gives a native file or BMP of a header alone.
  * path:   of the file, zero-terminated. NULL counts as an empty one.
  * format: an ImageFileFormat.
@@ -122,7 +125,8 @@ int32_t ZEL_ReadFile(ImageRef image, const char* path, int32_t wantTable, RGBVal
  * file is not touched. -503 the file cannot be opened, or is no regular file. -500 the type is none
  * that TIFF or native takes, -101 no memory for the header: an empty file is left. -500 the header
  * cannot be written, -512 the pixels cannot be written (not reported for the rows of a colour BMP),
- * -511 for a seek in a TIFF, -101 no memory for a conversion: the file stays as far as it came. */
+ * or the system tells only on closing the file that it could not keep them, -511 for a seek in a
+ * TIFF, -101 no memory for a conversion: the file stays as far as it came. */
 int32_t ZEL_WriteFile(ImageRef image, const char* path, int32_t format, const RGBValue* table,
                       int32_t count);
 

@@ -7,8 +7,7 @@
  *   border of the same width as its own; then the pixels that the mask selects are mapped. Where
  *   the mask does not touch the source, that copy is all, and the destination keeps its calibration
  *   and mask offset. The mask may be the destination, which then becomes the result.
- * - After -101 a destination that could not be resized has the source's calibration and offset
- *   where there is no mask. Other failures change nothing.
+ * - A failing call changes nothing.
  */
 #ifndef ORLUNE_PTK_LOOKUPS_H
 #define ORLUNE_PTK_LOOKUPS_H

@@ -166,7 +166,7 @@ int32_t ZEL_ClearPixels(ImageRef image);
  * mode:        an InterlaceMode.
  * Failures: -200; -304 for a field of another type than the frame's; -301 for IMAGE_OPAQUE; -101
  * no memory. -102 no memory and -1001 no reference is left, both for a copy of a field that is the
- * frame of a join. A join changes nothing then; a split may have resized the first field. */
+ * frame of a join. All leave everything as it was. */
 int32_t ZEL_Interlace(ImageRef frame, ImageRef firstField, ImageRef secondField, int32_t mode);
 
 #pragma GCC visibility pop

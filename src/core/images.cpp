@@ -217,6 +217,12 @@ Status ImageLayoutSize(Image* image, int32_t width, int32_t height, bool keep) {
   return STATUS_OK;
 }
 
+bool ImageShrinksTo(const Image& image, int32_t width, int32_t height) {
+  Layout layout{};
+  return LayoutOf(width, height, image.border, PixelBytesOf(image.type), &layout) &&
+         layout.bytes < int64_t{HandleByteSize(image.pixels)};
+}
+
 Status PixelSize(int32_t type, int32_t* bytes) {
   const int32_t known = PixelBytesOf(type);
   if (known == 0) return STATUS_BAD_LAYOUT_TYPE;

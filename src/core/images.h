@@ -60,6 +60,9 @@ Status ImageSetSize(ImageRef reference, int32_t width, int32_t height);
 // The same for a record. keep: a block that is large enough stays where the image asks for that.
 Status ImageLayoutSize(Image* image, int32_t width, int32_t height, bool keep);
 
+// Whether the image's pixel block would have fewer bytes at that size: memory for it is always had.
+bool ImageShrinksTo(const Image& image, int32_t width, int32_t height);
+
 Status PixelSize(int32_t type, int32_t* bytes);
 Status ImagePixelAddress(ImageRef reference, int32_t x, int32_t y, void** address);
 

@@ -1,13 +1,15 @@
 // The thin layer that turns what the machine's files answer into failure numbers.
 #pragma once
 
+#include <utility>
+
 #include "core/status.h"
 #include "platform/file_access.h"
 
 namespace zel {
 
-// A file of one call, closed at the end of the scope. What closing answers is of no interest: all
-// that mattered has been read or written by then.
+// A file of one call, closed at the end of the scope. What closing answers is of no interest where
+// all that mattered has been read by then, or has failed; one that was written is finished before.
 class OpenFile {
  public:
   OpenFile() = default;
@@ -20,6 +22,11 @@ class OpenFile {
   Status Open(const char* path, FileOpenMode mode) {  // STATUS_FILE_OPEN
     number_ = FilesInUse().open(path, mode);
     return number_ < 0 ? STATUS_FILE_OPEN : STATUS_OK;
+  }
+  // Closes a file that has been written. A write is complete only now: a network, or a quota, may
+  // refuse what it took before. STATUS_FILE_WRITE.
+  Status Finish() {
+    return FilesInUse().close(std::exchange(number_, -1)) < 0 ? STATUS_FILE_WRITE : STATUS_OK;
   }
   int32_t number() const { return number_; }
 

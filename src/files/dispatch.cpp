@@ -180,7 +180,7 @@ Status FileWriteKernel(ImageRef reference, const char* path, const WriteRequest&
   const PixelView view = ViewOf(*image);
   status = format->writeData(file, context, view);
   if (LeavesRowsTogether(*format, *image, status)) PixelRowsCompact(view);
-  return status;
+  return status == STATUS_OK ? file.Finish() : status;
 }
 
 }  // namespace zel

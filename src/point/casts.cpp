@@ -147,8 +147,8 @@ Status Shift16To8(ImageRef source, ImageRef destination, int32_t shift) {
   status = ImageLookup(destination == 0 ? source : destination, &to);
   if (status != STATUS_OK) return status;
   if (to->type != IMAGE_U8) return STATUS_BAD_TYPE;
-  status = ImageCopyInfo(*from, to);
-  if (status == STATUS_OK) status = ImageLayoutSize(to, from->width, from->height, true);
+  status = ImageLayoutSize(to, from->width, from->height, true);
+  if (status == STATUS_OK) status = ImageCopyInfo(*from, to);
   if (status != STATUS_OK) return status;
   PointWalk(ViewsOf(*from, *to), castRows().shift, BitShift{Clamped(shift, 0, MAX_SHIFT)});
   return STATUS_OK;

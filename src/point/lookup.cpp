@@ -101,8 +101,8 @@ PointViews LookupSettle(Operands* operands) {
     if (operands->overlap().IsEmpty()) return {};
     operands->TakeInfo();
   } else {
-    operands->TakeInfo();
     operands->TakeSize();
+    operands->TakeInfo();
   }
   if (operands->HasFailed()) return {};
   return {.first = operands->From(),

@@ -22,6 +22,9 @@ struct MathLaw {
   double estimateFirst;
   double estimateExponent;
   double inverseRange;
+  // Exponents so near 0 that 80 bits round every power to 1: the law has one value.
+  bool isFlat;
+  long double flatValue;
 };
 
 const long double EXP_RATE = std::log(10.0L) * 0.01L;
@@ -79,16 +82,26 @@ Estimate LawEstimate(const MathLaw& law, double d) {
       return {value, 8.0 * UNIT * std::fabs(value)};
     }
     default: {
-      const double power = std::pow(d, law.estimateExponent);
-      // The exponent is off by a rounding, which counts by the logarithm of d: below 104.
-      const double relative = 8.0 * UNIT * (104.0 * std::fabs(law.estimateExponent) + 1.0);
-      return {(power - 1.0) * factor, relative * (power + 1.0) * std::fabs(factor)};
+      // The power less 1, from its logarithm, which keeps what a power near 1 has lost. The
+      // logarithm is off by the errors of d, of the exponent, of its own and of their product; and
+      // 80 bits round the power itself, before the 1 is taken away.
+      constexpr double POWER_ROUNDING = 0x1p-60;
+      const double exponent = law.estimateExponent;
+      const double position = exponent * std::log(d);
+      const double power = std::expm1(position);
+      const double offBy = 8.0 * UNIT * (std::fabs(position) + std::fabs(exponent));
+      const double error =
+          8.0 * UNIT * std::fabs(power) + (offBy + POWER_ROUNDING) * (std::fabs(power) + 2.0);
+      return {power * factor, error * std::fabs(factor)};
     }
   }
 }
 
 // The law's value at the distance of a pixel from an origin, plus a constant, as a 32-bit float.
 float LawStored(const MathLaw& law, double pixel, double origin, float added) {
+  if (law.isFlat && pixel == pixel) {
+    return static_cast<float>(law.flatValue + static_cast<long double>(added));
+  }
   const Estimate estimate = LawEstimate(law, pixel - origin);
   const double sum = estimate.value + static_cast<double>(added);
   const double error =
@@ -140,6 +153,11 @@ MathLaw LawOf(int32_t operation, float x, const LookupLimits& limits) {
   law.estimateFirst = static_cast<double>(law.first);
   law.estimateExponent = static_cast<double>(law.exponent);
   law.inverseRange = 1.0 / range;
+  // No logarithm of a distance is longer than 104, and a power this near 1 is rounded to it.
+  constexpr long double FLAT_EXPONENT = 0x1p-70L / 104.0L;
+  const bool isPower = law.operation == MATH_POWERX || law.operation == MATH_POWER1X;
+  law.isFlat = isPower && std::fabs(law.exponent) < FLAT_EXPONENT;
+  law.flatValue = (1.0L - 1.0L) * law.span / law.last;
   return law;
 }
 

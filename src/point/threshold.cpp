@@ -29,11 +29,20 @@ void ThresholdCheck(ImageRef source, ImageRef destination, Operands* operands) {
   LookupCheck(source, 0, destination, &TypeIsScalar, operands);
 }
 
+// Unlike other tables a threshold gives its destination the source's information before its size:
+// where the size cannot be had, the information is there. Kept.
+PointViews ThresholdSettle(Operands* operands) {
+  operands->TakeInfo();
+  operands->TakeSize();
+  if (operands->HasFailed()) return {};
+  return {.first = operands->From(), .second = {}, .result = operands->To(), .mask = {}};
+}
+
 Status Threshold(ImageRef source, ImageRef destination, float rangeMin, float rangeMax,
                  float newValue, bool keep) {
   Operands operands;
   ThresholdCheck(source, destination, &operands);
-  const PointViews views = LookupSettle(&operands);
+  const PointViews views = ThresholdSettle(&operands);
   if (operands.HasFailed()) return operands.status();
   const ThresholdRows& rows = thresholdRows();
   switch (views.result.type) {
@@ -97,7 +106,7 @@ Status MultiThreshold(ImageRef source, ImageRef destination, const ThresholdClas
   const Status status = byTable ? TableOfClasses(type, classes, count, &table) : STATUS_OK;
   if (status != STATUS_OK) return status;
 
-  const PointViews views = LookupSettle(&operands);
+  const PointViews views = ThresholdSettle(&operands);
   if (operands.HasFailed()) return operands.status();
   if (count < 1) {
     operands.TakePixels();

@@ -2,6 +2,7 @@
 #include "statistics/histogram.h"
 
 #include <algorithm>
+#include <cfenv>
 #include <cstring>
 
 #include "core/heap.h"
@@ -19,10 +20,20 @@ double ExtentOf(const ClassMap& map) {
   return map.max - map.min + 1.0;
 }
 
+// Not inlined, so that nothing of it is moved to where the caller's rounding is in force.
+[[gnu::noinline]] void ClassMapScale(ClassMap* map) {
+  map->scale = map->classes > 1 ? static_cast<float>(map->classes / ExtentOf(*map)) : 0.0f;
+  map->offset = static_cast<float>((static_cast<double>(map->scale) - 1.0) * 0.5);
+}
+
+// The classes of integers are the same whatever way the caller's floats are rounded: the position
+// of an integer is exact, once these two are settled.
 ClassMap ClassMapOf(double min, double max, int32_t classes) {
   ClassMap map{min, max, 0.0f, 0.0f, classes};
-  if (classes > 1) map.scale = static_cast<float>(classes / ExtentOf(map));
-  map.offset = static_cast<float>((static_cast<double>(map.scale) - 1.0) * 0.5);
+  const int rounding = std::fegetround();
+  if (rounding != FE_TONEAREST) std::fesetround(FE_TONEAREST);
+  ClassMapScale(&map);
+  if (rounding != FE_TONEAREST) std::fesetround(rounding);
   return map;
 }
 

@@ -65,20 +65,27 @@ void CountNumbers(const uint16_t* numbers, int32_t width, int32_t length, uint32
 
 constexpr int32_t CLASS_BLOCK = 64;  // pixels whose classes are found together
 
-// The nearest whole number, from an exact half the lower one, of positions from 0 on.
-ZEL_INLINE void RoundPositions(Doubles* positions) {
+// The nearest whole numbers, from an exact half the lower ones, of positions from 0 on, whatever
+// way the caller's floats are rounded.
+ZEL_INLINE void RoundPositions(const double* positions, int32_t* numbers) {
 #if defined(ZEL_LEVEL_v4) || defined(ZEL_LEVEL_v3)
-  // From 0.5 on the difference is exact, and below it the result is 0 in any case.
-  const Doubles below = *positions - 0.5;
+  alignas(VECTOR_BYTES) double whole[CLASS_BLOCK];
+  for (int32_t x = 0; x < CLASS_BLOCK; x += DOUBLE_LANES) {
+    // From 0.5 on the difference is exact, and below it the result is 0 in any case.
+    const Doubles below = Load<Doubles>(positions + x) - 0.5;
 #if defined(ZEL_LEVEL_v4)
-  *positions = _mm512_maskz_roundscale_pd(0xFF, below, _MM_FROUND_TO_POS_INF | _MM_FROUND_NO_EXC);
+    constexpr int up = _MM_FROUND_TO_POS_INF | _MM_FROUND_NO_EXC;
+    Store(whole + x, Doubles(_mm512_maskz_roundscale_pd(0xFF, below, up)));
 #else
-  *positions = _mm256_ceil_pd(below);
+    Store(whole + x, Doubles(_mm256_ceil_pd(below)));
 #endif
+  }
+  for (int32_t x = 0; x < CLASS_BLOCK; x++) numbers[x] = static_cast<int32_t>(whole[x]);
 #else
-  constexpr double whole = 0x1.8p52;  // added and taken away: rounds, an exact half to even
-  const Doubles even = (*positions + whole) - whole;
-  *positions = even - *positions == 0.5 ? even - 1.0 : even;
+  for (int32_t x = 0; x < CLASS_BLOCK; x++) {
+    const auto cut = static_cast<int32_t>(positions[x]);
+    numbers[x] = cut + static_cast<int32_t>(positions[x] - cut > 0.5);
+  }
 #endif
 }
 
@@ -94,11 +101,10 @@ ZEL_INLINE void ClassesOfBlock(const T* pixels, const ClassMap& map, uint16_t* c
     Doubles position = (value - map.min) * scale + offset;
     position = position > 0.0 ? position : Doubles{};  // NaN too
     position = position < last ? position : last;
-    RoundPositions(&position);
     Store(positions + x, position);
   }
   alignas(VECTOR_BYTES) int32_t numbers[CLASS_BLOCK];
-  for (int32_t x = 0; x < CLASS_BLOCK; x++) numbers[x] = static_cast<int32_t>(positions[x]);
+  RoundPositions(positions, numbers);
   // The ends of the range are values of the pixels' type.
   const T min = static_cast<T>(map.min);
   const T max = static_cast<T>(map.max);

@@ -1,6 +1,7 @@
 // Two fields joined into a frame, and a frame split into its fields.
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "engine/operands.h"
 
@@ -61,14 +62,26 @@ Status FieldsJoin(const InterlaceImages& images) {
   return STATUS_OK;
 }
 
+// Sizes both fields or, without memory, neither: one that shrinks comes last, since it cannot fail,
+// and one that has grown shrinks back with all that it held.
+Status FieldsTakeSize(Image* first, Image* second, int32_t width, int32_t height) {
+  if (first && ImageShrinksTo(*first, width, height)) std::swap(first, second);
+  const Image former = first ? *first : Image{};
+  Status status = STATUS_OK;
+  if (first) status = ImageLayoutSize(first, width, height, true);
+  if (status != STATUS_OK || !second) return status;
+  status = ImageLayoutSize(second, width, height, true);
+  if (status != STATUS_OK && first) ImageLayoutSize(first, former.width, former.height, true);
+  return status;
+}
+
 Status FrameSplit(const InterlaceImages& images) {
   Image* frame = images.frame;
   const int32_t height = frame->height / 2;
-  for (Image* field : {images.even, images.odd}) {
-    if (!field || field == frame) continue;
-    const Status status = ImageLayoutSize(field, frame->width, height, true);
-    if (status != STATUS_OK) return status;
-  }
+  const auto unlessFrame = [&](Image* field) { return field != frame ? field : nullptr; };
+  const Status status =
+      FieldsTakeSize(unlessFrame(images.even), unlessFrame(images.odd), frame->width, height);
+  if (status != STATUS_OK) return status;
 
   const PixelView whole = ViewOf(*frame);
   const PixelView even = images.even ? ViewOf(*images.even) : PixelView{};

@@ -2,6 +2,7 @@
 // headers tell it.
 #include <gtest/gtest.h>
 
+#include <utility>
 #include <vector>
 
 #include "core/heap.h"
@@ -111,9 +112,24 @@ TEST(Destinations, ThatCannotBeResizedHaveTheCalibrationAndTheirPixels) {
   expectCalibrated(ZEL_Threshold(bytes, toBytes, 1, 2, 3, 1));
   expectCalibrated(ZEL_Convert(bytes, toWords));
   expectCalibrated(ZEL_ConvertByLookup(bytes, toWords, ARRAY_U8, table, 2));
-  expectCalibrated(ZEL_Shift16To8(words, toBytes, 2));
-  expectCalibrated(ZEL_UserLookup(bytes, 0, toBytes, ARRAY_U8, table, 2));
-  expectCalibrated(ZEL_Equalize(bytes, 0, toBytes, nullptr, 0, nullptr, 0, 0));
+}
+
+TEST(Destinations, ThatTakeTheirSizeFirstAreAsTheyWereWhenItCannotBeHad) {
+  const TestImage bytes = Marked(IMAGE_U8, LARGE, LARGE, 1);
+  const TestImage words = Marked(IMAGE_I16, LARGE, LARGE, 1);
+  const TestImage destination = Marked(IMAGE_U8, 5, 4, 2);
+  const std::vector<uint8_t> before = destination.Block();
+  const uint8_t table[2] = {1, 0};
+  const SmallBlocksOnly noMemory;
+  const auto expectUntouched = [&](int32_t result) {
+    EXPECT_EQ(result, ZEL_ERR_MEMORY_FULL);
+    EXPECT_TRUE(IsCalibratedAs(destination, 2) && HasSize(destination, 5, 4));
+    EXPECT_EQ(destination.Block(), before);
+  };
+  expectUntouched(ZEL_Shift16To8(words, destination, 2));
+  expectUntouched(ZEL_UserLookup(bytes, 0, destination, ARRAY_U8, table, 2));
+  expectUntouched(ZEL_MathLookup(bytes, 0, destination, MATH_SQRT, 0, 0, 0));
+  expectUntouched(ZEL_Equalize(bytes, 0, destination, nullptr, 0, nullptr, 0, 0));
 }
 
 TEST(Destinations, OfMaskedResultsThatCannotBeResizedAreAsTheyWere) {
@@ -281,16 +297,35 @@ TEST(ResultTables, OfBasicParticlesThatCannotBeHadAreReleased) {
   EXPECT_EQ(particles.records, nullptr);
 }
 
-TEST(Fields, SplitWithoutMemoryForTheSecondOneMayHaveResizedTheFirst) {
+TEST(Fields, OfASplitWithoutMemoryForOneOfThemAreAsTheyWere) {
   const TestImage frame = Marked(IMAGE_U8, LARGE, LARGE, 1);
-  const TestImage first = Marked(IMAGE_U8, LARGE, LARGE / 2 + 1, 2);
-  const TestImage second = Marked(IMAGE_U8, 3, 3, 3);
-  const std::vector<uint8_t> before = frame.Block();
+  // One that shrinks, one that grows a little, one that cannot grow so much.
+  const TestImage wide = Marked(IMAGE_U8, LARGE, LARGE / 2 + 1, 2);
+  const TestImage large = Marked(IMAGE_U8, LARGE, LARGE / 2 - 9, 3);
+  const TestImage small = Marked(IMAGE_U8, 3, 3, 4);
+  const std::vector<uint8_t> before[] = {frame.Block(), wide.Block(), large.Block(), small.Block()};
+  const auto expectUntouched = [&](const TestImage& first, const TestImage& second) {
+    EXPECT_EQ(ZEL_Interlace(frame, first, second, INTERLACE_SPLIT), ZEL_ERR_MEMORY_FULL);
+    EXPECT_TRUE(HasSize(wide, LARGE, LARGE / 2 + 1) && HasSize(large, LARGE, LARGE / 2 - 9) &&
+                HasSize(small, 3, 3));
+    EXPECT_EQ(frame.Block(), before[0]);
+    EXPECT_EQ(wide.Block(), before[1]);
+    EXPECT_EQ(large.Block(), before[2]);
+    EXPECT_EQ(small.Block(), before[3]);
+  };
   const SmallBlocksOnly noMemory;
-  EXPECT_EQ(ZEL_Interlace(frame, first, second, INTERLACE_SPLIT), ZEL_ERR_MEMORY_FULL);
-  EXPECT_TRUE(HasSize(first, LARGE, LARGE / 2));
-  EXPECT_TRUE(HasSize(second, 3, 3));
-  EXPECT_EQ(frame.Block(), before);
+  expectUntouched(wide, small);
+  expectUntouched(small, wide);
+  expectUntouched(large, small);
+  expectUntouched(small, large);
+  // The second allocation fails: of one that has grown, or after it.
+  zel::HeapHooksGet()->blockBudget = 0;
+  for (const auto& [first, second] : {std::pair{&large, &small}, {&small, &large}}) {
+    zel::HeapHooksGet()->requests = 0;
+    zel::HeapHooksGet()->failAt = 2;
+    expectUntouched(*first, *second);
+    zel::HeapHooksGet()->failAt = 0;
+  }
 }
 
 TEST(Reading, ThatFailsAfterTheHeaderHasSetTheCalibration) {

@@ -230,12 +230,31 @@ TEST_P(IoFaults, OfAWriteGiveTheStatedNumbersAndLeaveNothingBehind) {
         };
         EXPECT_EQ(under(FileOperation::Open, FaultKind::Fails), Statuses{503});
         EXPECT_EQ(under(FileOperation::Seek, FaultKind::Fails), test.seeks);
-        EXPECT_EQ(under(FileOperation::Close, FaultKind::Fails), Statuses{0});
         if (width > 100 && !GetParam()) continue;  // a fault for every row takes long
         EXPECT_EQ(under(FileOperation::Write, FaultKind::Fails), test.writes);
         EXPECT_EQ(under(FileOperation::Write, FaultKind::OneByteShort), test.writes);
         EXPECT_EQ(under(FileOperation::Write, FaultKind::MovesNothing), test.writes);
       }
+    }
+  }
+}
+
+// Networks and quotas refuse on closing what they took before.
+TEST_P(IoFaults, OfClosingAreThoseOfTheWriteAndLeaveTheImage) {
+  for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL, IMAGE_COMPLEX, IMAGE_RGB}) {
+    for (const int32_t format : {FILE_FORMAT_NATIVE, FILE_FORMAT_TIFF, FILE_FORMAT_BMP}) {
+      SCOPED_TRACE("type " + std::to_string(type) + " in format " + std::to_string(format));
+      const TestImage image(type, 7, 5, 1);
+      if (ZEL_WriteFile(image, "f", format, nullptr, 0) != 0) continue;  // not written in it
+      const Bytes block = image.Block();
+      const Bytes file = files_.Get("f");
+      files_.Put("f", {});
+      files_.Inject({FileOperation::Close, FaultKind::Fails, 1, false});
+      EXPECT_EQ(ZEL_WriteFile(image, "f", format, nullptr, 0), ZEL_ERR_FILE_WRITE);
+      files_.NoFault();
+      EXPECT_EQ(files_.OpenFiles(), 0);
+      EXPECT_EQ(image.Block(), block);
+      EXPECT_EQ(files_.Get("f"), file);
     }
   }
 }
