@@ -7,6 +7,13 @@
 namespace zel {
 namespace {
 
+// What is plain of a power law from the start.
+enum class PowerEnds {
+  None,
+  Flat,      // an exponent so near 0 that every power rounds to 1: 0 or NaN is all there is
+  Infinite,  // one so large that the power of the range is infinite
+};
+
 // A law over the distance d of a pixel above the range's minimum. Results are those of 80-bit
 // floats rounded to 32 bits. Most are settled by 64-bit floats, since all numbers that their error
 // leaves open round to the same 32-bit one.
@@ -22,9 +29,9 @@ struct MathLaw {
   double estimateFirst;
   double estimateExponent;
   double inverseRange;
-  // Exponents so near 0 that 80 bits round every power to 1: the law has one value.
-  bool isFlat;
-  long double flatValue;
+  double estimateLogLast;  // ln(last) of a power law where `last` is very large, else 0
+  PowerEnds ends;
+  float flatValue;  // of PowerEnds::Flat
 };
 
 const long double EXP_RATE = std::log(10.0L) * 0.01L;
@@ -53,10 +60,55 @@ struct Estimate {
   double error;  // the true value is nowhere farther from `value`; NaN where nothing is known
 };
 
+constexpr double UNIT = std::numeric_limits<double>::epsilon();  // two halves of a last place
+using Long = std::numeric_limits<long double>;
+
+// The logarithm of a distance's power, and what it may be off by: the errors of the distance, of
+// the exponent, of the logarithm and of the product.
+struct PowerLog {
+  double value, error;
+};
+
+PowerLog PowerLogOf(const MathLaw& law, double d) {
+  const double exponent = law.estimateExponent;
+  const double logOfDistance = std::log(d);
+  const double value = exponent * logOfDistance;
+  constexpr double NEAR_ONE = 1e-9;  // farther off, d is on the same side of 1 for certain
+  if (std::isinf(exponent) && std::fabs(logOfDistance) > NEAR_ONE) return {value, 0.0};
+  return {value, 8.0 * UNIT * (std::fabs(value) + std::fabs(exponent))};
+}
+
+constexpr Estimate UNKNOWN{0.0, std::numeric_limits<double>::quiet_NaN()};
+constexpr double LARGE_POWER = 1e100;
+constexpr double LARGEST_LOG = Long::max_exponent * 0.6931471805599453;
+constexpr double SPAN_LOG = 150.0;  // more than that of a span, and than the errors
+
+// The power less 1, from its logarithm, which keeps what a power near 1 has lost. The law itself
+// rounds the power to its 80 bits before the 1 is taken away.
+Estimate PowerEstimate(const MathLaw& law, double d) {
+  constexpr double POWER_ROUNDING = 16.0 * static_cast<double>(Long::epsilon());
+  constexpr double VANISHING = -100.0;  // a power of so small a logarithm leaves no trace beside 1
+  const double factor = law.estimateFactor;
+  const PowerLog log = PowerLogOf(law, d);
+  if (law.estimateLogLast != 0.0) {  // the 1 leaves no trace beside such a power
+    const auto span = static_cast<double>(law.span);
+    const double error = log.error + 8.0 * UNIT * law.estimateLogLast;
+    // The law multiplies the power by the span, and that may pass all bounds.
+    if (!(error < 0.5 && log.value < LARGEST_LOG - SPAN_LOG)) return UNKNOWN;
+    const double value = span * std::exp(log.value - law.estimateLogLast);
+    return {value, (2.0 * error + 8.0 * UNIT) * value + span / LARGE_POWER};
+  }
+  if (log.value + log.error < VANISHING) return {-factor, 8.0 * UNIT * std::fabs(factor)};
+  if (!(log.error < 0.5)) return UNKNOWN;
+  const double lessOne = std::expm1(log.value);
+  const double power = lessOne + 1.0 + UNIT;
+  const double error = 8.0 * UNIT * std::fabs(lessOne) + (2.0 * log.error + POWER_ROUNDING) * power;
+  return {lessOne * factor, error * std::fabs(factor)};
+}
+
 // Each rounding, and each library function, is taken to be off by less than UNIT of its result, and
 // d by less than UNIT of itself; the errors below are generous sums.
 Estimate LawEstimate(const MathLaw& law, double d) {
-  constexpr double UNIT = std::numeric_limits<double>::epsilon();  // two halves of a last place
   const double factor = law.estimateFactor;
   switch (law.operation) {
     case MATH_LINEAR: {
@@ -81,26 +133,35 @@ Estimate LawEstimate(const MathLaw& law, double d) {
       const double value = std::sqrt(d) * factor;
       return {value, 8.0 * UNIT * std::fabs(value)};
     }
-    default: {
-      // The power less 1, from its logarithm, which keeps what a power near 1 has lost. The
-      // logarithm is off by the errors of d, of the exponent, of its own and of their product; and
-      // 80 bits round the power itself, before the 1 is taken away.
-      constexpr double POWER_ROUNDING = 0x1p-60;
-      const double exponent = law.estimateExponent;
-      const double position = exponent * std::log(d);
-      const double power = std::expm1(position);
-      const double offBy = 8.0 * UNIT * (std::fabs(position) + std::fabs(exponent));
-      const double error =
-          8.0 * UNIT * std::fabs(power) + (offBy + POWER_ROUNDING) * (std::fabs(power) + 2.0);
-      return {power * factor, error * std::fabs(factor)};
-    }
+    default:
+      return PowerEstimate(law, d);
   }
+}
+
+// What a power law gives where its exponent is near 0 or beyond all bounds. False where that is not
+// plain: the law has to be worked out then.
+bool PowerIsSettled(const MathLaw& law, double d, float added, float* value) {
+  if (!(d == d)) return false;
+  if (law.ends == PowerEnds::Flat) {
+    *value = law.flatValue + added;
+    return true;
+  }
+  // The power of the range is infinite. The law is 0 where the pixel's is far from it, and no
+  // number where it is infinite too.
+  const PowerLog log = PowerLogOf(law, d);
+  if (log.value + log.error < LARGEST_LOG - SPAN_LOG && (added != 0.0f || !std::signbit(added))) {
+    *value = added;
+    return true;
+  }
+  *value = std::numeric_limits<float>::quiet_NaN();
+  return log.value - log.error > LARGEST_LOG + SPAN_LOG;
 }
 
 // The law's value at the distance of a pixel from an origin, plus a constant, as a 32-bit float.
 float LawStored(const MathLaw& law, double pixel, double origin, float added) {
-  if (law.isFlat && pixel == pixel) {
-    return static_cast<float>(law.flatValue + static_cast<long double>(added));
+  float settled = 0;
+  if (law.ends != PowerEnds::None && PowerIsSettled(law, pixel - origin, added, &settled)) {
+    return settled;
   }
   const Estimate estimate = LawEstimate(law, pixel - origin);
   const double sum = estimate.value + static_cast<double>(added);
@@ -153,11 +214,16 @@ MathLaw LawOf(int32_t operation, float x, const LookupLimits& limits) {
   law.estimateFirst = static_cast<double>(law.first);
   law.estimateExponent = static_cast<double>(law.exponent);
   law.inverseRange = 1.0 / range;
+  if (law.operation != MATH_POWERX && law.operation != MATH_POWER1X) return law;
   // No logarithm of a distance is longer than 104, and a power this near 1 is rounded to it.
-  constexpr long double FLAT_EXPONENT = 0x1p-70L / 104.0L;
-  const bool isPower = law.operation == MATH_POWERX || law.operation == MATH_POWER1X;
-  law.isFlat = isPower && std::fabs(law.exponent) < FLAT_EXPONENT;
-  law.flatValue = (1.0L - 1.0L) * law.span / law.last;
+  const long double flatExponent = std::ldexp(1.0L, -Long::digits - 6) / 104.0L;
+  if (std::fabs(law.exponent) < flatExponent) law.ends = PowerEnds::Flat;
+  if (std::isinf(law.last) && law.last > 0.0L) {
+    law.ends = PowerEnds::Infinite;
+  } else if (law.last > static_cast<long double>(LARGE_POWER)) {
+    law.estimateLogLast = static_cast<double>(std::log(law.last));
+  }
+  law.flatValue = static_cast<float>((1.0L - 1.0L) * law.span / law.last);
   return law;
 }
 
