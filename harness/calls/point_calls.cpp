@@ -100,6 +100,7 @@ int32_t Equalize(Playground& play) {
 constexpr Leftovers OF_OPERATORS[] = {{-306, CALIBRATION},        {-303, CALIBRATION},
                                       {-101, CALIBRATION},        {-300, CALIBRATION | SIZE},
                                       {-302, CALIBRATION | SIZE}, {-202, CALIBRATION | SIZE}};
+constexpr std::span<const Leftovers> NOTHING_LEFT;
 constexpr Leftovers OF_CALIBRATION[] = {{-101, CALIBRATION}};
 
 constexpr ApiCall ROWS[] = {
@@ -121,7 +122,7 @@ constexpr ApiCall ROWS[] = {
     {41, "ZEL_Cast", Call<ZEL_Cast, ImageThatMay<ANYTHING>, ImageType>},
     {42, "ZEL_Convert", Call<ZEL_Convert, Source, ImageThatMay<ANYTHING>>, STATUS, OF_CALIBRATION},
     {43, "ZEL_ConvertByLookup", ConvertByLookup, STATUS, OF_CALIBRATION},
-    {44, "ZEL_Shift16To8", Call<ZEL_Shift16To8, Source, Destination, Int>, STATUS, OF_CALIBRATION,
+    {44, "ZEL_Shift16To8", Call<ZEL_Shift16To8, Source, Destination, Int>, STATUS, NOTHING_LEFT,
      "ZEL_Shift16to8"},
 
     {45, "ZEL_Threshold", Call<ZEL_Threshold, Source, Destination, Float, Float, Float, Below<2>>,
@@ -130,11 +131,10 @@ constexpr ApiCall ROWS[] = {
     {47, "ZEL_AutoBThreshold", AutoBThreshold},
     {48, "ZEL_AutoMThreshold", AutoMThreshold},
 
-    {49, "ZEL_UserLookup", UserLookup, STATUS, OF_CALIBRATION},
+    {49, "ZEL_UserLookup", UserLookup, STATUS},
     {50, "ZEL_MathLookup",
-     Call<ZEL_MathLookup, Source, Source, FramedDestination, Int, Float, Float, Float>, STATUS,
-     OF_CALIBRATION},
-    {51, "ZEL_Equalize", Equalize, STATUS, OF_CALIBRATION},
+     Call<ZEL_MathLookup, Source, Source, FramedDestination, Int, Float, Float, Float>, STATUS},
+    {51, "ZEL_Equalize", Equalize, STATUS},
 };
 
 }  // namespace

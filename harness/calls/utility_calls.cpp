@@ -75,7 +75,6 @@ int32_t ArrayToImage(Playground& play) {
 }
 
 // A split may have resized the first field.
-constexpr Leftovers OF_INTERLACE[] = {{-101, SIZE}};
 
 constexpr ApiCall ROWS[] = {
     {18, "ZEL_GetPixelValue", Call<ZEL_GetPixelValue, Source, Int, Int, Output<float>>},
@@ -90,7 +89,7 @@ constexpr ApiCall ROWS[] = {
      Call<ZEL_FillImage, ImageThatMay<PIXELS | BORDER>, Source, Float, Word, Float, Float>},
     {27, "ZEL_ClearPixels", Call<ZEL_ClearPixels, ImageThatMay<PIXELS | BORDER>>},
     {28, "ZEL_Interlace", Call<ZEL_Interlace, Destination, Destination, Destination, Below<3>>,
-     STATUS, OF_INTERLACE},
+     STATUS},
 };
 
 }  // namespace

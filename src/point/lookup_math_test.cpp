@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <optional>
 #include <vector>
@@ -228,6 +229,52 @@ TEST(MathLookup, NearTheStartOfALawDifferencesCancelAndStayExact) {
       Check(image, nullptr, {operation, x, 0.0f, 1.0f});
       Check(image, nullptr, {operation, x, 0.0f, 1.0000001f});
     }
+  }
+}
+
+// Powers that 80 bits round to 1, or nearly, and those beyond all that 80 bits hold.
+TEST(MathLookup, PowersNearOneAndBeyondAllBoundsStayExact) {
+  Random random(11);
+  const float ranges[][2] = {{0, 1}, {-300, 600}, {0, 1e-3f}, {1e6f, 2e6f}, {0, 3e38f}, {-1, 0}};
+  for (const auto& [low, high] : ranges) {
+    TestImage image(IMAGE_SGL, 64, 3);
+    for (int32_t y = 0; y < 3; y++) {
+      for (int32_t x = 0; x < 64; x++) image.Set(x, y, random.Float(low, high));
+    }
+    image.Set(0, 0, low);
+    image.Set(1, 0, high);
+    image.Set(2, 0, low + 1.0f);
+    image.Set(3, 0, NAN);
+    for (int32_t halvings = 0; halvings < 149; halvings += 3) {
+      for (const float sign : {1.0f, -1.0f}) {
+        const float x = sign * std::ldexp(1.0f, -halvings);
+        Check(image, nullptr, {MATH_POWERX, x, 0.0f, 0.0f});
+        Check(image, nullptr, {MATH_POWER1X, x, 0.0f, 0.0f});
+      }
+    }
+    Check(image, nullptr, {MATH_POWERX, 0.0f, 0.0f, 0.0f});
+    Check(image, nullptr, {MATH_POWER1X, 0.0f, 0.0f, 0.0f});
+  }
+}
+
+double SecondsOf(const TestImage& image, int32_t operation, float x) {
+  double least = 1e9;
+  for (int round = 0; round < 5; round++) {
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(ZEL_MathLookup(image, 0, image, operation, x, 0.0f, 0.0f), 0);
+    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
+    least = std::min(least, took.count());
+  }
+  return least;
+}
+
+// They took 30 and 120 times as long.
+TEST(MathLookup, PowersNearOneAndBeyondAllBoundsAreNoSlowCorner) {
+  const auto image = [] { return TestImage(IMAGE_SGL, 200, 200, 0, 5); };
+  const double usual = SecondsOf(image(), MATH_POWERX, 0.5f);
+  for (const float x : {1e-6f, 1e-30f, 0.0f}) {
+    EXPECT_LT(SecondsOf(image(), MATH_POWERX, x), 10 * usual) << x;
+    EXPECT_LT(SecondsOf(image(), MATH_POWER1X, x), 10 * usual) << x;
   }
 }
 
