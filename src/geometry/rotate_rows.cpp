@@ -1,0 +1,203 @@
+// Row routines of rotation.
+#include "geometry/rotate_rows.h"
+
+#include <cstring>
+
+#include "core/numbers.h"
+
+namespace zel::ZEL_LEVEL {
+namespace {
+
+constexpr int32_t REST = POSITION_ONE - 1;
+
+// ---- the pixel types: how four pixels are joined, and what is put where there is none
+
+struct BytePixels {
+  using Pixel = uint8_t;
+  static Pixel Outside(uint32_t outside, Pixel) { return static_cast<Pixel>(outside); }
+
+  // To the nearest number, and down from the middle. The four weights are not negative, so neither
+  // is their sum.
+  ZEL_INLINE static int32_t Rounded(int32_t p00, int32_t p10, int32_t p01, int32_t p11, int32_t fx,
+                                    int32_t fy) {
+    const int32_t top = p00 * POSITION_ONE + (p10 - p00) * fx;
+    const int32_t bottom = p01 * POSITION_ONE + (p11 - p01) * fx;
+    const int32_t sum = top * POSITION_ONE + (bottom - top) * fy;
+    return (sum + (1 << (2 * POSITION_BITS - 1)) - 1) >> (2 * POSITION_BITS);
+  }
+  ZEL_INLINE static Pixel Join(Pixel p00, Pixel p10, Pixel p01, Pixel p11, int32_t fx, int32_t fy) {
+    return static_cast<Pixel>(Rounded(p00, p10, p01, p11, fx, fy));
+  }
+};
+
+struct ColourPixels {
+  using Pixel = uint32_t;
+  static Pixel Outside(uint32_t outside, Pixel before) { return (before & 0xFF000000) | outside; }
+  ZEL_INLINE static uint32_t Byte(Pixel p00, Pixel p10, Pixel p01, Pixel p11, int32_t fx,
+                                  int32_t fy, int32_t shift) {
+    const auto byte = [=](Pixel pixel) { return static_cast<int32_t>((pixel >> shift) & 0xFF); };
+    return static_cast<uint32_t>(
+               BytePixels::Rounded(byte(p00), byte(p10), byte(p01), byte(p11), fx, fy))
+           << shift;
+  }
+  ZEL_INLINE static Pixel Join(Pixel p00, Pixel p10, Pixel p01, Pixel p11, int32_t fx, int32_t fy) {
+    return Byte(p00, p10, p01, p11, fx, fy, 0) | Byte(p00, p10, p01, p11, fx, fy, 8) |
+           Byte(p00, p10, p01, p11, fx, fy, 16);
+  }
+};
+
+// Cut toward zero, with shares of 6 bits.
+struct WordPixels {
+  using Pixel = int16_t;
+  static Pixel Outside(uint32_t outside, Pixel) { return static_cast<Pixel>(outside); }
+  ZEL_INLINE static Pixel Join(Pixel p00, Pixel p10, Pixel p01, Pixel p11, int32_t fx, int32_t fy) {
+    const int32_t a = fx >> 4;
+    const int32_t b = fy >> 4;
+    const int32_t top = p00 * 64 + (p10 - p00) * a;
+    const int32_t bottom = p01 * 64 + (p11 - p01) * a;
+    return static_cast<Pixel>((top * 64 + (bottom - top) * b) / 4096);
+  }
+};
+
+struct FloatPixels {
+  using Pixel = float;
+  static Pixel Outside(uint32_t outside, Pixel) {
+    Pixel pixel;
+    std::memcpy(&pixel, &outside, sizeof pixel);
+    return pixel;
+  }
+  // On a pixel it is that one, so that infinities don't become NaN there.
+  ZEL_INLINE static Pixel Join(Pixel f00, Pixel f10, Pixel f01, Pixel f11, int32_t fx, int32_t fy) {
+    const double a = fx * (1.0 / POSITION_ONE);
+    const double b = fy * (1.0 / POSITION_ONE);
+    const double p00 = f00;
+    const double p10 = f10;
+    const double p01 = f01;
+    const double p11 = f11;
+    const double joined = ((p11 - p10 - p01 + p00) * b + (p10 - p00)) * a + ((p01 - p00) * b + p00);
+    return (fx | fy) == 0 ? f00 : static_cast<Pixel>(joined);
+  }
+};
+
+template <class Pixel>
+ZEL_INLINE const Pixel* PixelAt(const RotateRule& rule, int32_t x, int32_t y) {
+  return reinterpret_cast<const Pixel*>(rule.origin + y * rule.pitch) + x;
+}
+
+// ---- nearest
+
+// The magnitude is rounded, down from the middle.
+ZEL_INLINE int32_t NearestTo(uint32_t position) {
+  const auto value = static_cast<int32_t>(position);
+  const uint32_t magnitude = value < 0 ? 0 - position : position;
+  const auto whole = static_cast<int32_t>((magnitude + 511) >> POSITION_BITS);
+  return value < 0 ? -whole : whole;
+}
+
+template <class Type>
+void NearestAnywhere(const RotateRule& of, uint32_t x, uint32_t y, void* destination,
+                     int32_t count) {
+  using Pixel = typename Type::Pixel;
+  const RotateRule rule = of;
+  auto* to = static_cast<Pixel*>(destination);
+  for (int32_t i = 0; i < count; i++) {
+    const int32_t ix = NearestTo(x);
+    const int32_t iy = NearestTo(y);
+    const bool inside = ix >= 0 && ix < rule.width && iy >= 0 && iy < rule.height;
+    to[i] = inside ? *PixelAt<Pixel>(rule, ix, iy) : Type::Outside(rule.outside, to[i]);
+    x += rule.stepX;
+    y += rule.stepY;
+  }
+}
+
+template <class Type>
+void NearestInside(const RotateRule& of, uint32_t x, uint32_t y, void* destination, int32_t count) {
+  using Pixel = typename Type::Pixel;
+  const RotateRule rule = of;
+  auto* __restrict to = static_cast<Pixel*>(destination);
+  for (int32_t i = 0; i < count; i++) {
+    to[i] = *PixelAt<Pixel>(rule, static_cast<int32_t>((x + 511) >> POSITION_BITS),
+                            static_cast<int32_t>((y + 511) >> POSITION_BITS));
+    x += rule.stepX;
+    y += rule.stepY;
+  }
+}
+
+// ---- bilinear
+
+// Along one axis: the pixel, how far the next one is, and the share of the way to that.
+struct Place {
+  int32_t pixel, next, share;
+  bool outside;
+
+  ZEL_INLINE Place(uint32_t position, int32_t size) {
+    const auto value = static_cast<int32_t>(position);
+    const int32_t floor = value >> POSITION_BITS;
+    outside = floor < -1 || floor >= size;
+    pixel = floor < 0 ? 0 : floor;
+    next = floor < 0 || floor >= size - 1 ? 0 : 1;
+    share = value & REST;
+  }
+};
+
+template <class Type>
+void BilinearAnywhere(const RotateRule& of, uint32_t x, uint32_t y, void* destination,
+                      int32_t count) {
+  using Pixel = typename Type::Pixel;
+  const RotateRule rule = of;
+  auto* to = static_cast<Pixel*>(destination);
+  for (int32_t i = 0; i < count; i++) {
+    const Place column(x, rule.width);
+    const Place row(y, rule.height);
+    if (column.outside || row.outside) {
+      to[i] = Type::Outside(rule.outside, to[i]);
+    } else {
+      const Pixel* top = PixelAt<Pixel>(rule, column.pixel, row.pixel);
+      const Pixel* bottom = PixelAt<Pixel>(rule, column.pixel, row.pixel + row.next);
+      to[i] = Type::Join(top[0], top[column.next], bottom[0], bottom[column.next], column.share,
+                         row.share);
+    }
+    x += rule.stepX;
+    y += rule.stepY;
+  }
+}
+
+template <class Type>
+void BilinearInside(const RotateRule& of, uint32_t x, uint32_t y, void* destination,
+                    int32_t count) {
+  using Pixel = typename Type::Pixel;
+  const RotateRule rule = of;
+  auto* __restrict to = static_cast<Pixel*>(destination);
+  for (int32_t i = 0; i < count; i++) {
+    const Pixel* top = PixelAt<Pixel>(rule, static_cast<int32_t>(x >> POSITION_BITS),
+                                      static_cast<int32_t>(y >> POSITION_BITS));
+    const Pixel* bottom =
+        reinterpret_cast<const Pixel*>(reinterpret_cast<const uint8_t*>(top) + rule.pitch);
+    to[i] = Type::Join(top[0], top[1], bottom[0], bottom[1], static_cast<int32_t>(x & REST),
+                       static_cast<int32_t>(y & REST));
+    x += rule.stepX;
+    y += rule.stepY;
+  }
+}
+
+template <class Type>
+constexpr RotateRoutines NEAREST = {
+    .anywhere = &NearestAnywhere<Type>, .inside = &NearestInside<Type>, .reach = 0};
+template <class Type>
+constexpr RotateRoutines BILINEAR = {
+    .anywhere = &BilinearAnywhere<Type>, .inside = &BilinearInside<Type>, .reach = 1};
+
+}  // namespace
+
+extern const RotateRows rotateRows = {
+    .nearest = {.u8 = NEAREST<BytePixels>,
+                .i16 = NEAREST<WordPixels>,
+                .sgl = NEAREST<FloatPixels>,
+                .rgb = NEAREST<ColourPixels>},
+    .bilinear = {.u8 = BILINEAR<BytePixels>,
+                 .i16 = BILINEAR<WordPixels>,
+                 .sgl = BILINEAR<FloatPixels>,
+                 .rgb = BILINEAR<ColourPixels>},
+};
+
+}  // namespace zel::ZEL_LEVEL

@@ -1,0 +1,220 @@
+// Resampling of rectangles to any size, by one of four methods.
+#include "utilities/resample.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "core/pixel_types.h"
+#include "engine/bands.h"
+#include "engine/operands.h"
+#include "utilities/copying.h"
+#include "utilities/resample_rows.h"
+#include "utilities/resample_spline.h"
+
+namespace zel {
+namespace {
+
+// The pixel that is read for one at or behind an image's last: pixels of the border as they are,
+// and beyond them the nearest of the image.
+int32_t Readable(int64_t pixel, int32_t size, int32_t border) {
+  return static_cast<int32_t>(pixel < int64_t{size} + border ? pixel : size - 1);
+}
+
+// Columns of results that fit a tile.
+struct Tile {
+  int32_t begin, end;
+
+  int32_t Columns() const { return end - begin; }
+};
+
+int64_t BytesTouched(const ResampleViews& views) {
+  const int64_t results = int64_t{views.result.width} * views.result.height;
+  const int64_t pixels = int64_t{views.x.size} * views.y.size;
+  return (results + std::min(pixels, 4 * results)) * views.result.pixelBytes;
+}
+
+// Calls work(tile, y) with the tiles of a band one after the other, each from top to bottom, after
+// begin(tile).
+template <class Begin, class Work>
+void TilesWalk(const ResampleViews& views, const Band& band, int32_t tileColumns,
+               const Begin& begin, const Work& work) {
+  for (int32_t x = 0; x < views.result.width;) {
+    const int32_t end = x + std::min(tileColumns, views.result.width - x);
+    const Tile tile{x, end};
+    begin(tile);
+    for (int64_t y = band.begin; y < band.end; y++) work(tile, static_cast<int32_t>(y));
+    x = end;
+  }
+}
+
+// ---- nearest
+
+void NearestBand(const ResampleViews& views, const Band& band) {
+  const PickRow pick = resampleRows().pick.For(views.result.pixelBytes);
+  int32_t index[TILE_NUMBERS];
+  const void* last = nullptr;
+  const uint8_t* lastFrom = nullptr;
+  const auto begin = [&](const Tile& tile) {
+    for (int32_t i = 0; i < tile.Columns(); i++) {
+      index[i] = views.x.At(tile.begin + i).pixel;
+    }
+    lastFrom = nullptr;
+  };
+  TilesWalk(views, band, TILE_NUMBERS, begin, [&](const Tile& tile, int32_t y) {
+    const auto* from = views.source.Row<uint8_t>(views.y.At(y).pixel);
+    uint8_t* to = views.result.Row<uint8_t>(y) + int64_t{tile.begin} * views.result.pixelBytes;
+    if (from == lastFrom) {
+      std::memcpy(
+          to, last,
+          static_cast<size_t>(tile.Columns()) * static_cast<size_t>(views.result.pixelBytes));
+    } else {
+      pick(from, index, to, tile.Columns());
+    }
+    last = to;
+    lastFrom = from;
+  });
+}
+
+// ---- joined samples
+
+// Rows of a tile that were joined along the row already: those that the next row of results needs
+// are mostly the same.
+class JoinedRows {
+ public:
+  JoinedRows(const ResampleViews& views, int32_t method)
+      : views_(views),
+        numbers_(views.NumbersAPixel()),
+        samplesAlong_(views.x.Changes() ? method + 1 : 1),
+        samplesDown_(views.y.Changes() ? method + 1 : 1),
+        along_(resampleRows().along.For(views.source.type).For(samplesAlong_)),
+        down_(resampleRows().down.For(views.source.type).For(samplesDown_)) {}
+
+  int32_t ColumnsATile() const { return TILE_NUMBERS / numbers_; }
+
+  void Begin(const Tile& tile) {
+    for (int32_t i = 0; i < tile.Columns(); i++) {
+      const SourcePosition at = views_.x.At(tile.begin + i);
+      for (int32_t k = 0; k < numbers_; k++) columns_.share[i * numbers_ + k] = at.share;
+      for (int32_t sample = 0; sample < samplesAlong_; sample++) {
+        const int32_t pixel =
+            Readable(int64_t{at.pixel} + sample, views_.source.width, views_.border);
+        for (int32_t k = 0; k < numbers_; k++) {
+          columns_.index[sample][i * numbers_ + k] = pixel * numbers_ + k;
+        }
+      }
+    }
+    std::fill_n(held_, TILE_SAMPLES, NONE);
+  }
+
+  void RowTo(const Tile& tile, int32_t y) {
+    const int32_t count = tile.Columns() * numbers_;
+    const SourcePosition at = views_.y.At(y);
+    const double* rows[TILE_SAMPLES] = {};
+    for (int32_t sample = 0; sample < samplesDown_; sample++) {
+      rows[sample] =
+          Joined(Readable(int64_t{at.pixel} + sample, views_.source.height, views_.border), count);
+    }
+    uint8_t* to = views_.result.Row<uint8_t>(y) + int64_t{tile.begin} * views_.result.pixelBytes;
+    down_(rows, at.share, to, count);
+  }
+
+ private:
+  static constexpr int64_t NONE = -1;
+
+  // The rows that are needed at once follow each other, or are one: none displaces another.
+  const double* Joined(int32_t row, int32_t count) {
+    const int32_t place = row % samplesDown_;
+    if (held_[place] != row) {
+      along_(views_.source.Row<void>(row), columns_, rows_[place], count);
+      held_[place] = row;
+    }
+    return rows_[place];
+  }
+
+  const ResampleViews& views_;
+  int32_t numbers_, samplesAlong_, samplesDown_;
+  AlongRow along_;
+  DownRows down_;
+  TileColumns columns_;
+  int64_t held_[TILE_SAMPLES];  // source rows
+  alignas(64) double rows_[TILE_SAMPLES][TILE_NUMBERS];
+};
+
+void JoinedBand(const ResampleViews& views, const Band& band, int32_t method) {
+  JoinedRows rows(views, method);
+  TilesWalk(
+      views, band, rows.ColumnsATile(), [&](const Tile& tile) { rows.Begin(tile); },
+      [&](const Tile& tile, int32_t y) { rows.RowTo(tile, y); });
+}
+
+// ---- the call
+
+bool TypeCanBeResampled(int32_t type) {
+  return TypeIsScalar(type) || type == IMAGE_RGB;
+}
+
+void ResampleRun(const ResampleViews& views, int32_t method) {
+  if (method == RESAMPLE_NEAREST) {
+    BandsRun({.units = views.result.height, .bytes = BytesTouched(views)},
+             [&](const Band& band) { NearestBand(views, band); });
+  } else {
+    constexpr int64_t effort = 8;
+    BandsRun({.units = views.result.height, .bytes = effort * BytesTouched(views)},
+             [&](const Band& band) { JoinedBand(views, band, method); });
+  }
+}
+
+struct ResampleSize {
+  int32_t width, height;
+};
+
+Status Resample(ImageRef source, ImageRef destination, const ApiRect& rect, ResampleSize wanted,
+                int32_t anyMethod) {
+  Operands operands;
+  operands.Source(source, [](int32_t) { return true; });
+  if (operands.HasFailed()) return operands.status();
+  const int32_t method = std::clamp<int32_t>(anyMethod, RESAMPLE_NEAREST, RESAMPLE_SPLINE);
+  const ClippedRect part = RectOn(operands.source(), rect);
+  const bool isEmpty = part.IsEmpty() || wanted.width < 1 || wanted.height < 1;
+  if (!isEmpty && part.width == wanted.width && part.height == wanted.height) {
+    const bool inPlace = destination == 0 || destination == source;
+    return inPlace ? STATUS_OK : ImageClone(source, destination);
+  }
+  if (!TypeCanBeResampled(operands.source().type)) return STATUS_BAD_TYPE;
+  operands.Destination(destination);
+  if (isEmpty) operands.WriteSized(0, 0);
+  if (operands.HasFailed()) return operands.status();
+  if (isEmpty) {
+    operands.Written();
+    return STATUS_OK;
+  }
+
+  const ResampleAxis x(part.left, part.width, wanted.width);
+  const ResampleAxis y(part.top, part.height, wanted.height);
+  SplineMemory memory;
+  if (method == RESAMPLE_SPLINE) {
+    const Status status = memory.Allocate(x, y, NumbersAPixel(operands.source().type));
+    if (status != STATUS_OK) return status;
+  }
+  operands.WriteSized(wanted.width, wanted.height);
+  if (operands.HasFailed()) return operands.status();
+  operands.Written();
+  const ResampleViews views{operands.From(), operands.source().border, operands.To(), x, y};
+  if (method == RESAMPLE_SPLINE) {
+    SplineRun(views, &memory);
+  } else {
+    ResampleRun(views, method);
+  }
+  return STATUS_OK;
+}
+
+}  // namespace
+}  // namespace zel
+
+int32_t ZEL_Resample(ImageRef source, ImageRef destination, int32_t top, int32_t left,
+                     int32_t height, int32_t width, int32_t newWidth, int32_t newHeight,
+                     int32_t method) {
+  return ZEL_ProcessError("ZEL_Resample",
+                          zel::Resample(source, destination, {top, left, height, width},
+                                        {newWidth, newHeight}, method));
+}

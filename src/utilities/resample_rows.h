@@ -1,0 +1,53 @@
+// Row routines of resampling: along rows first, then down columns.
+#pragma once
+
+#include <cstdint>
+
+#include "engine/levels.h"
+#include "utilities/copying_rows.h"
+
+namespace zel {
+
+// Rows are resampled in tiles of so many numbers (an IMAGE_RGB pixel has four of them).
+constexpr int32_t TILE_NUMBERS = 1024;
+constexpr int32_t TILE_SAMPLES = 3;  // that a method joins at most along an axis
+
+// Where the results of a tile stand in a row: result i lies between the numbers index[0][i] and
+// index[1][i], the part share[i] of the way behind the first.
+struct TileColumns {
+  alignas(64) double share[TILE_NUMBERS];
+  alignas(64) int32_t index[TILE_SAMPLES][TILE_NUMBERS];
+};
+
+// Pixels picked from a row.
+using PickRow = void (*)(const void* from, const int32_t* index, void* to, int32_t count);
+// The numbers of a row joined along it, without rounding to their type.
+using AlongRow = void (*)(const void* from, const TileColumns& columns, double* to, int32_t count);
+// Rows of them joined, and then put into their type: cut toward zero to integers.
+using DownRows = void (*)(const double* const* rows, double share, void* to, int32_t count);
+
+// How many numbers a method joins along an axis: 1 where the size does not change.
+template <class Routine>
+struct BySamples {
+  Routine one, two, three;
+
+  Routine For(int32_t samples) const { return samples == 1 ? one : samples == 2 ? two : three; }
+};
+
+// The routines for numbers of each kind; pixels of IMAGE_RGB are four bytes.
+template <class Routine>
+struct ByNumber {
+  Routine u8, i16, sgl;
+
+  Routine For(int32_t type) const { return type == IMAGE_I16 ? i16 : type == IMAGE_SGL ? sgl : u8; }
+};
+
+struct ResampleRows {
+  ByPixelBytes<PickRow> pick;
+  ByNumber<void (*)(const void* from, double* to, int32_t count)> widen;
+  ByNumber<BySamples<AlongRow>> along;
+  ByNumber<BySamples<DownRows>> down;
+};
+ZEL_ROW_TABLE(ResampleRows, resampleRows)
+
+}  // namespace zel
