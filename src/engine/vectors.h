@@ -120,6 +120,20 @@ ZEL_INLINE Floats ReciprocalEstimate(Floats v) {
 ZEL_INLINE Ints Truncate(Floats v) {
   return (Ints)_mm512_maskz_cvttps_epi32(ALL_LANES, (__m512)v);
 }
+// The four bytes at each offset from an address.
+ZEL_INLINE Ints GatherInts(const uint8_t* from, Ints offsets) {
+  return (Ints)_mm512_mask_i32gather_epi32(_mm512_setzero_si512(), ALL_LANES, Of(offsets), from, 1);
+}
+ZEL_INLINE bool AnySet(Ints v) {
+  return _mm512_test_epi32_mask(Of(v), Of(v)) != 0;
+}
+// Pieces of 16 bytes, each so far behind the one before.
+ZEL_INLINE Bytes LoadPieces(const uint8_t* from, int64_t step) {
+  const auto piece = [=](int64_t k) { return Load<__m128i>(from + k * step); };
+  const __m512i two = _mm512_inserti32x4(_mm512_castsi128_si512(piece(0)), piece(1), 1);
+  const __m512i three = _mm512_inserti32x4(two, piece(2), 2);
+  return (Bytes)_mm512_inserti32x4(three, piece(3), 3);
+}
 // On a boundary of vectors, past the caches.
 ZEL_INLINE void Stream(uint8_t* to, Bytes v) {
   _mm512_stream_si512(reinterpret_cast<__m512i*>(to), Of(v));
@@ -185,6 +199,18 @@ ZEL_INLINE Floats ReciprocalEstimate(Floats v) {
 ZEL_INLINE Ints Truncate(Floats v) {
   return (Ints)_mm256_cvttps_epi32((__m256)v);
 }
+// The four bytes at each offset from an address.
+ZEL_INLINE Ints GatherInts(const uint8_t* from, Ints offsets) {
+  return (Ints)_mm256_i32gather_epi32(reinterpret_cast<const int*>(from), Of(offsets), 1);
+}
+ZEL_INLINE bool AnySet(Ints v) {
+  return _mm256_testz_si256(Of(v), Of(v)) == 0;
+}
+// Pieces of 16 bytes, each so far behind the one before.
+ZEL_INLINE Bytes LoadPieces(const uint8_t* from, int64_t step) {
+  const __m256i first = _mm256_castsi128_si256(Load<__m128i>(from));
+  return (Bytes)_mm256_inserti128_si256(first, Load<__m128i>(from + step), 1);
+}
 // On a boundary of vectors, past the caches.
 ZEL_INLINE void Stream(uint8_t* to, Bytes v) {
   _mm256_stream_si256(reinterpret_cast<__m256i*>(to), Of(v));
@@ -236,6 +262,10 @@ ZEL_INLINE Floats ReciprocalEstimate(Floats v) {
 }
 ZEL_INLINE Ints Truncate(Floats v) {
   return (Ints)_mm_cvttps_epi32((__m128)v);
+}
+// Pieces of 16 bytes: there is room for one.
+ZEL_INLINE Bytes LoadPieces(const uint8_t* from, int64_t) {
+  return Load<Bytes>(from);
 }
 // On a boundary of vectors, past the caches.
 ZEL_INLINE void Stream(uint8_t* to, Bytes v) {

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "core/numbers.h"
+#include "engine/vectors.h"
 
 namespace zel::ZEL_LEVEL {
 namespace {
@@ -187,14 +188,101 @@ template <class Type>
 constexpr RotateRoutines BILINEAR = {
     .anywhere = &BilinearAnywhere<Type>, .inside = &BilinearInside<Type>, .reach = 1};
 
+// ---- bytes side by side
+
+#if defined(ZEL_WIDE_VECTORS)
+
+// Four bytes are read for each, the last of them so far to the right.
+constexpr int32_t BYTES_BEHIND = 3;
+constexpr int32_t LANES = VECTOR_BYTES / 4;
+using FewBytes = uint8_t __attribute__((vector_size(LANES)));
+using UnsignedInts = uint32_t __attribute__((vector_size(VECTOR_BYTES)));
+
+// Positions of a vector of results, and how far the next ones are.
+struct Positions {
+  UnsignedInts now, stride;
+
+  ZEL_INLINE Positions(uint32_t first, uint32_t step) {
+    for (uint32_t i = 0; i < LANES; i++) now[i] = first + i * step;
+    stride = UnsignedInts{} + LANES * step;
+  }
+  ZEL_INLINE void Advance() { now += stride; }
+};
+
+ZEL_INLINE Ints OffsetsOf(UnsignedInts columns, UnsignedInts rows, uint32_t pitch) {
+  return (Ints)(rows * pitch + columns);
+}
+
+void NearestBytes(const RotateRule& of, uint32_t x, uint32_t y, void* destination, int32_t count) {
+  const RotateRule rule = of;
+  auto* to = static_cast<uint8_t*>(destination);
+  const auto pitch = static_cast<uint32_t>(rule.pitch);
+  Positions column(x + 511, rule.stepX);
+  Positions row(y + 511, rule.stepY);
+  int32_t done = 0;
+  for (; done + LANES <= count; done += LANES) {
+    const Ints offsets = OffsetsOf(column.now >> POSITION_BITS, row.now >> POSITION_BITS, pitch);
+    Store(to + done, __builtin_convertvector(GatherInts(rule.origin, offsets), FewBytes));
+    column.Advance();
+    row.Advance();
+  }
+  const auto steps = static_cast<uint32_t>(done);
+  NearestInside<BytePixels>(rule, x + steps * rule.stepX, y + steps * rule.stepY, to + done,
+                            count - done);
+}
+
+// Two neighbours, the low bytes of four, joined by their weights: in 1024ths.
+ZEL_INLINE Ints JoinedAlong(Ints four, Ints weights) {
+  const Ints two = (four & 0xFF) | ((four << 8) & 0xFF0000);
+  return PairSums((Words)two, (Words)weights);
+}
+
+void BilinearBytes(const RotateRule& of, uint32_t x, uint32_t y, void* destination, int32_t count) {
+  const RotateRule rule = of;
+  auto* to = static_cast<uint8_t*>(destination);
+  const auto pitch = static_cast<uint32_t>(rule.pitch);
+  const uint8_t* below = rule.origin + rule.pitch;
+  Positions column(x, rule.stepX);
+  Positions row(y, rule.stepY);
+  int32_t done = 0;
+  for (; done + LANES <= count; done += LANES) {
+    const Ints offsets = OffsetsOf(column.now >> POSITION_BITS, row.now >> POSITION_BITS, pitch);
+    const Ints fx = (Ints)column.now & REST;
+    const Ints fy = (Ints)row.now & REST;
+    const Ints weights = (fx << 16) + (POSITION_ONE - fx);
+    const Ints top = JoinedAlong(GatherInts(rule.origin, offsets), weights);
+    const Ints bottom = JoinedAlong(GatherInts(below, offsets), weights);
+    const Ints sum = (top << POSITION_BITS) + (bottom - top) * fy;
+    const Ints rounded = (sum + ((1 << (2 * POSITION_BITS - 1)) - 1)) >> (2 * POSITION_BITS);
+    Store(to + done, __builtin_convertvector(rounded, FewBytes));
+    column.Advance();
+    row.Advance();
+  }
+  const auto steps = static_cast<uint32_t>(done);
+  BilinearInside<BytePixels>(rule, x + steps * rule.stepX, y + steps * rule.stepY, to + done,
+                             count - done);
+}
+
+constexpr RotateRoutines NEAREST_BYTES = {
+    .anywhere = &NearestAnywhere<BytePixels>, .inside = &NearestBytes, .reach = BYTES_BEHIND};
+constexpr RotateRoutines BILINEAR_BYTES = {
+    .anywhere = &BilinearAnywhere<BytePixels>, .inside = &BilinearBytes, .reach = BYTES_BEHIND};
+
+#else
+
+constexpr RotateRoutines NEAREST_BYTES = NEAREST<BytePixels>;
+constexpr RotateRoutines BILINEAR_BYTES = BILINEAR<BytePixels>;
+
+#endif
+
 }  // namespace
 
 extern const RotateRows rotateRows = {
-    .nearest = {.u8 = NEAREST<BytePixels>,
+    .nearest = {.u8 = NEAREST_BYTES,
                 .i16 = NEAREST<WordPixels>,
                 .sgl = NEAREST<FloatPixels>,
                 .rgb = NEAREST<ColourPixels>},
-    .bilinear = {.u8 = BILINEAR<BytePixels>,
+    .bilinear = {.u8 = BILINEAR_BYTES,
                  .i16 = BILINEAR<WordPixels>,
                  .sgl = BILINEAR<FloatPixels>,
                  .rgb = BILINEAR<ColourPixels>},
