@@ -68,7 +68,7 @@ void NearestBand(const ResampleViews& views, const Band& band) {
           to, last,
           static_cast<size_t>(tile.Columns()) * static_cast<size_t>(views.result.pixelBytes));
     } else {
-      pick(from, index, to, tile.Columns());
+      pick(from, views.source.width, index, to, tile.Columns());
     }
     last = to;
     lastFrom = from;
@@ -83,18 +83,24 @@ class JoinedRows {
  public:
   JoinedRows(const ResampleViews& views, int32_t method)
       : views_(views),
+        rows_(resampleRows()),
         numbers_(views.NumbersAPixel()),
         samplesAlong_(views.x.Changes() ? method + 1 : 1),
         samplesDown_(views.y.Changes() ? method + 1 : 1),
-        along_(resampleRows().along.For(views.source.type).For(samplesAlong_)),
-        down_(resampleRows().down.For(views.source.type).For(samplesDown_)) {}
+        along_(rows_.along.For(views.source.type).For(samplesAlong_)),
+        down_(rows_.down.For(views.source.type).For(samplesDown_)) {}
 
   int32_t ColumnsATile() const { return TILE_NUMBERS / numbers_; }
 
   void Begin(const Tile& tile) {
+    columns_.count = tile.Columns() * numbers_;
+    columns_.readable = views_.source.width * numbers_;
     for (int32_t i = 0; i < tile.Columns(); i++) {
       const SourcePosition at = views_.x.At(tile.begin + i);
-      for (int32_t k = 0; k < numbers_; k++) columns_.share[i * numbers_ + k] = at.share;
+      for (int32_t k = 0; k < numbers_; k++) {
+        columns_.share[i * numbers_ + k] = at.share;
+        columns_.shareEstimate[i * numbers_ + k] = static_cast<float>(at.share);
+      }
       for (int32_t sample = 0; sample < samplesAlong_; sample++) {
         const int32_t pixel =
             Readable(int64_t{at.pixel} + sample, views_.source.width, views_.border);
@@ -103,41 +109,70 @@ class JoinedRows {
         }
       }
     }
-    std::fill_n(held_, TILE_SAMPLES, NONE);
+    columns_.estimated = CanBeEstimated() ? rows_.estimate.count(columns_) : 0;
+    for (Held& held : held_) held.row = NONE;
   }
 
   void RowTo(const Tile& tile, int32_t y) {
-    const int32_t count = tile.Columns() * numbers_;
     const SourcePosition at = views_.y.At(y);
-    const double* rows[TILE_SAMPLES] = {};
+    const Held* held[TILE_SAMPLES] = {};
     for (int32_t sample = 0; sample < samplesDown_; sample++) {
-      rows[sample] =
-          Joined(Readable(int64_t{at.pixel} + sample, views_.source.height, views_.border), count);
+      held[sample] =
+          &Joined(Readable(int64_t{at.pixel} + sample, views_.source.height, views_.border));
     }
     uint8_t* to = views_.result.Row<uint8_t>(y) + int64_t{tile.begin} * views_.result.pixelBytes;
-    down_(rows, at.share, to, count);
+    const int32_t estimated = columns_.estimated;
+    if (estimated != 0) {
+      const EstimatedRows rows{
+          {held[0]->estimates, held[1]->estimates},
+          {views_.source.Row<uint8_t>(held[0]->row), views_.source.Row<uint8_t>(held[1]->row)},
+          at.share};
+      rows_.estimate.down(rows, columns_, to);
+    }
+    if (estimated == columns_.count) return;
+    const double* rows[TILE_SAMPLES] = {};
+    for (int32_t sample = 0; sample < samplesDown_; sample++) {
+      rows[sample] = held[sample]->numbers + estimated;
+    }
+    const int64_t numberBytes = views_.result.pixelBytes / numbers_;
+    down_(rows, at.share, to + estimated * numberBytes, columns_.count - estimated);
   }
 
  private:
   static constexpr int64_t NONE = -1;
 
+  // A source row, joined: estimates of the first numbers, and the others.
+  struct Held {
+    int64_t row;
+    alignas(64) double numbers[TILE_NUMBERS];
+    alignas(64) float estimates[TILE_NUMBERS];
+  };
+
+  bool CanBeEstimated() const {
+    const bool isBytes = views_.source.type == IMAGE_U8 || views_.source.type == IMAGE_RGB;
+    return isBytes && samplesAlong_ == 2 && samplesDown_ == 2;
+  }
+
   // The rows that are needed at once follow each other, or are one: none displaces another.
-  const double* Joined(int32_t row, int32_t count) {
-    const int32_t place = row % samplesDown_;
-    if (held_[place] != row) {
-      along_(views_.source.Row<void>(row), columns_, rows_[place], count);
-      held_[place] = row;
+  const Held& Joined(int32_t row) {
+    Held& held = held_[row % samplesDown_];
+    if (held.row == row) return held;
+    held.row = row;
+    const void* from = views_.source.Row<void>(row);
+    if (columns_.estimated != 0) {
+      rows_.estimate.along(static_cast<const uint8_t*>(from), columns_, held.estimates);
     }
-    return rows_[place];
+    if (columns_.estimated != columns_.count) along_(from, columns_, held.numbers);
+    return held;
   }
 
   const ResampleViews& views_;
+  const ResampleRows& rows_;
   int32_t numbers_, samplesAlong_, samplesDown_;
   AlongRow along_;
   DownRows down_;
   TileColumns columns_;
-  int64_t held_[TILE_SAMPLES];  // source rows
-  alignas(64) double rows_[TILE_SAMPLES][TILE_NUMBERS];
+  Held held_[TILE_SAMPLES];
 };
 
 void JoinedBand(const ResampleViews& views, const Band& band, int32_t method) {
@@ -159,7 +194,10 @@ void ResampleRun(const ResampleViews& views, int32_t method) {
              [&](const Band& band) { NearestBand(views, band); });
   } else {
     constexpr int64_t effort = 8;
-    BandsRun({.units = views.result.height, .bytes = effort * BytesTouched(views)},
+    constexpr int64_t leastRows = 64;  // a band begins with the places of all columns
+    BandsRun({.units = views.result.height,
+              .bytes = effort * BytesTouched(views),
+              .leastUnits = leastRows},
              [&](const Band& band) { JoinedBand(views, band, method); });
   }
 }

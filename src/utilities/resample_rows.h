@@ -13,18 +13,39 @@ constexpr int32_t TILE_NUMBERS = 1024;
 constexpr int32_t TILE_SAMPLES = 3;  // that a method joins at most along an axis
 
 // Where the results of a tile stand in a row: result i lies between the numbers index[0][i] and
-// index[1][i], the part share[i] of the way behind the first.
+// index[1][i], the part share[i] of the way behind the first. Indexes don't fall from pixel to
+// pixel.
 struct TileColumns {
   alignas(64) double share[TILE_NUMBERS];
+  alignas(64) float shareEstimate[TILE_NUMBERS];
   alignas(64) int32_t index[TILE_SAMPLES][TILE_NUMBERS];
+  int32_t count;      // of results
+  int32_t readable;   // numbers of a row, from its first one on
+  int32_t estimated;  // results that are estimated, the first ones
 };
 
-// Pixels picked from a row.
-using PickRow = void (*)(const void* from, const int32_t* index, void* to, int32_t count);
-// The numbers of a row joined along it, without rounding to their type.
-using AlongRow = void (*)(const void* from, const TileColumns& columns, double* to, int32_t count);
+// Pixels picked from a row, of which so many may be read.
+using PickRow = void (*)(const void* from, int32_t readable, const int32_t* index, void* to,
+                         int32_t count);
+// The numbers of a row joined along it, without rounding to their type. Those that are estimated
+// are left out.
+using AlongRow = void (*)(const void* from, const TileColumns& columns, double* to);
 // Rows of them joined, and then put into their type: cut toward zero to integers.
 using DownRows = void (*)(const double* const* rows, double share, void* to, int32_t count);
+
+// Bilinear results of bytes, estimated in 32-bit floats. Where an estimate is so near to a whole
+// number that the stated numbers may lie on the other side of it, they are computed.
+struct EstimatedRows {
+  const float* joined[2];  // along both rows
+  const uint8_t* from[2];  // the rows
+  double share;
+};
+struct EstimateRows {
+  // How many of the tile's results may be estimated.
+  int32_t (*count)(const TileColumns& columns);
+  void (*along)(const uint8_t* from, const TileColumns& columns, float* to);
+  void (*down)(const EstimatedRows& rows, const TileColumns& columns, uint8_t* to);
+};
 
 // How many numbers a method joins along an axis: 1 where the size does not change.
 template <class Routine>
@@ -47,6 +68,7 @@ struct ResampleRows {
   ByNumber<void (*)(const void* from, double* to, int32_t count)> widen;
   ByNumber<BySamples<AlongRow>> along;
   ByNumber<BySamples<DownRows>> down;
+  EstimateRows estimate;
 };
 ZEL_ROW_TABLE(ResampleRows, resampleRows)
 
