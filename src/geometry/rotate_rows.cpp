@@ -195,7 +195,6 @@ constexpr RotateRoutines BILINEAR = {
 // Four bytes are read for each, the last of them so far to the right.
 constexpr int32_t BYTES_BEHIND = 3;
 constexpr int32_t LANES = VECTOR_BYTES / 4;
-using FewBytes = uint8_t __attribute__((vector_size(LANES)));
 using UnsignedInts = uint32_t __attribute__((vector_size(VECTOR_BYTES)));
 
 // Positions of a vector of results, and how far the next ones are.
@@ -222,7 +221,7 @@ void NearestBytes(const RotateRule& of, uint32_t x, uint32_t y, void* destinatio
   int32_t done = 0;
   for (; done + LANES <= count; done += LANES) {
     const Ints offsets = OffsetsOf(column.now >> POSITION_BITS, row.now >> POSITION_BITS, pitch);
-    Store(to + done, __builtin_convertvector(GatherInts(rule.origin, offsets), FewBytes));
+    StoreBytes<0>(to + done, GatherInts(rule.origin, offsets));
     column.Advance();
     row.Advance();
   }
@@ -254,7 +253,7 @@ void BilinearBytes(const RotateRule& of, uint32_t x, uint32_t y, void* destinati
     const Ints bottom = JoinedAlong(GatherInts(below, offsets), weights);
     const Ints sum = (top << POSITION_BITS) + (bottom - top) * fy;
     const Ints rounded = (sum + ((1 << (2 * POSITION_BITS - 1)) - 1)) >> (2 * POSITION_BITS);
-    Store(to + done, __builtin_convertvector(rounded, FewBytes));
+    StoreBytes<0>(to + done, rounded);
     column.Advance();
     row.Advance();
   }

@@ -88,7 +88,10 @@ class JoinedRows {
         samplesAlong_(views.x.Changes() ? method + 1 : 1),
         samplesDown_(views.y.Changes() ? method + 1 : 1),
         along_(rows_.along.For(views.source.type).For(samplesAlong_)),
-        down_(rows_.down.For(views.source.type).For(samplesDown_)) {}
+        down_(rows_.down.For(views.source.type).For(samplesDown_)),
+        canBeEstimated_((views.source.type == IMAGE_U8 || views.source.type == IMAGE_RGB) &&
+                        samplesAlong_ == 2 && samplesDown_ == 2),
+        rowsRepeat_(views.y.step < 1.5) {}
 
   int32_t ColumnsATile() const { return TILE_NUMBERS / numbers_; }
 
@@ -97,10 +100,7 @@ class JoinedRows {
     columns_.readable = views_.source.width * numbers_;
     for (int32_t i = 0; i < tile.Columns(); i++) {
       const SourcePosition at = views_.x.At(tile.begin + i);
-      for (int32_t k = 0; k < numbers_; k++) {
-        columns_.share[i * numbers_ + k] = at.share;
-        columns_.shareEstimate[i * numbers_ + k] = static_cast<float>(at.share);
-      }
+      for (int32_t k = 0; k < numbers_; k++) columns_.share[i * numbers_ + k] = at.share;
       for (int32_t sample = 0; sample < samplesAlong_; sample++) {
         const int32_t pixel =
             Readable(int64_t{at.pixel} + sample, views_.source.width, views_.border);
@@ -109,7 +109,8 @@ class JoinedRows {
         }
       }
     }
-    columns_.estimated = CanBeEstimated() ? rows_.estimate.count(columns_) : 0;
+    columns_.estimated = 0;
+    if (canBeEstimated_) rows_.estimate.prepare(&columns_);
     for (Held& held : held_) held.row = NONE;
   }
 
@@ -124,10 +125,10 @@ class JoinedRows {
     const int32_t estimated = columns_.estimated;
     if (estimated != 0) {
       const EstimatedRows rows{
-          {held[0]->estimates, held[1]->estimates},
           {views_.source.Row<uint8_t>(held[0]->row), views_.source.Row<uint8_t>(held[1]->row)},
+          {held[0]->estimates, held[1]->estimates},
           at.share};
-      rows_.estimate.down(rows, columns_, to);
+      (rowsRepeat_ ? rows_.estimate.down : rows_.estimate.both)(rows, columns_, to);
     }
     if (estimated == columns_.count) return;
     const double* rows[TILE_SAMPLES] = {};
@@ -148,18 +149,13 @@ class JoinedRows {
     alignas(64) float estimates[TILE_NUMBERS];
   };
 
-  bool CanBeEstimated() const {
-    const bool isBytes = views_.source.type == IMAGE_U8 || views_.source.type == IMAGE_RGB;
-    return isBytes && samplesAlong_ == 2 && samplesDown_ == 2;
-  }
-
   // The rows that are needed at once follow each other, or are one: none displaces another.
   const Held& Joined(int32_t row) {
     Held& held = held_[row % samplesDown_];
     if (held.row == row) return held;
     held.row = row;
     const void* from = views_.source.Row<void>(row);
-    if (columns_.estimated != 0) {
+    if (columns_.estimated != 0 && rowsRepeat_) {
       rows_.estimate.along(static_cast<const uint8_t*>(from), columns_, held.estimates);
     }
     if (columns_.estimated != columns_.count) along_(from, columns_, held.numbers);
@@ -171,6 +167,8 @@ class JoinedRows {
   int32_t numbers_, samplesAlong_, samplesDown_;
   AlongRow along_;
   DownRows down_;
+  bool canBeEstimated_;
+  bool rowsRepeat_;  // in the next row of results, so that they are worth keeping
   TileColumns columns_;
   Held held_[TILE_SAMPLES];
 };

@@ -12,59 +12,44 @@ namespace {
 #if defined(ZEL_WIDE_VECTORS)
 
 constexpr int32_t LANES = VECTOR_BYTES / 4;
-using FewBytes = uint8_t __attribute__((vector_size(LANES)));
+
+// Bytes are set into this float: 2^23 and the byte.
+constexpr int32_t FLOAT_BITS = 0x4B000000;
+constexpr float FLOAT_OFFSET = 8388608.0f;
 
 #if defined(ZEL_LEVEL_v4)
 
-// Out of the 64 bytes from the first one on.
-constexpr int32_t BYTES_SPANNED = 64;
-constexpr int32_t BYTES_BEHIND = 0;
+// Out of 64 bytes.
+constexpr int32_t WINDOW_BYTES = 64;
 
-struct ByteWindow {
-  __m512i bytes;
-  Ints first;
+ZEL_INLINE Ints BytesAt(const uint8_t* from, Ints places) {
+  constexpr __mmask64 lowBytes = 0x1111111111111111;
+  return (Ints)_mm512_mask_permutexvar_epi8(_mm512_set1_epi32(FLOAT_BITS), lowBytes, Of(places),
+                                            Load<__m512i>(from));
+}
 
-  // Nothing is read beyond the readable bytes.
-  ZEL_INLINE ByteWindow(const uint8_t* from, int32_t readable, const int32_t* index) {
-    const auto left = static_cast<uint32_t>(readable - index[0]);
-    const uint64_t kept = left >= 64 ? ~uint64_t{0} : (uint64_t{1} << left) - 1;
-    bytes = _mm512_maskz_loadu_epi8(kept, from + index[0]);
-    first = Ints{} + index[0];
-  }
-  ZEL_INLINE Ints At(const int32_t* index) const {
-    constexpr __mmask64 lowBytes = 0x1111111111111111;
-    const Ints places = Load<Ints>(index) - first;
-    return (Ints)_mm512_maskz_permutexvar_epi8(lowBytes, (__m512i)places, bytes);
-  }
-};
+// So that nothing is read beyond the readable bytes.
+ZEL_INLINE int32_t WindowStart(int32_t first, int32_t readable) {
+  return first < readable - WINDOW_BYTES ? first : readable - WINDOW_BYTES;
+}
+ZEL_INLINE bool WindowHolds(int32_t first, int32_t last, int32_t readable) {
+  return last < readable && last - first < WINDOW_BYTES && readable >= WINDOW_BYTES;
+}
 
 #else
 
-constexpr int32_t BYTES_SPANNED = INT32_MAX;
-constexpr int32_t BYTES_BEHIND = 3;
-
-struct ByteWindow {
-  const uint8_t* from;
-
-  ZEL_INLINE ByteWindow(const uint8_t* row, int32_t, const int32_t*) : from(row) {}
-  ZEL_INLINE Ints At(const int32_t* index) const {
-    return GatherInts(from, Load<Ints>(index)) & 0xFF;
-  }
-};
+// By gathers, which read four bytes at each place.
+ZEL_INLINE Ints BytesAt(const uint8_t* from, Ints places) {
+  return (GatherInts(from, places) & 0xFF) | FLOAT_BITS;
+}
+ZEL_INLINE int32_t WindowStart(int32_t, int32_t) {
+  return 0;
+}
+ZEL_INLINE bool WindowHolds(int32_t, int32_t last, int32_t readable) {
+  return last + 3 < readable;
+}
 
 #endif
-
-// How many results can be taken by windows: whole vectors, of which the last byte that is taken is
-// at last[i].
-ZEL_INLINE int32_t WindowsCount(const int32_t* index, const int32_t* last, int32_t readable,
-                                int32_t count) {
-  int32_t taken = 0;
-  while (taken + LANES <= count && last[taken + LANES - 1] + BYTES_BEHIND < readable &&
-         last[taken + LANES - 1] - index[taken] < BYTES_SPANNED) {
-    taken += LANES;
-  }
-  return taken;
-}
 
 #endif
 
@@ -82,12 +67,12 @@ void PickBytes(const void* source, int32_t readable, const int32_t* index, void*
                int32_t count) {
   const auto* from = static_cast<const uint8_t*>(source);
   auto* to = static_cast<uint8_t*>(destination);
-  const int32_t taken = WindowsCount(index, index, readable, count);
-  for (int32_t i = 0; i < taken; i += LANES) {
-    const Ints bytes = ByteWindow(from, readable, index + i).At(index + i);
-    Store(to + i, __builtin_convertvector(bytes, FewBytes));
+  int32_t i = 0;
+  for (; i + LANES <= count && WindowHolds(index[i], index[i + LANES - 1], readable); i += LANES) {
+    const int32_t start = WindowStart(index[i], readable);
+    StoreBytes<0>(to + i, BytesAt(from + start, Load<Ints>(index + i) - start));
   }
-  Pick<uint8_t>(from, readable, index + taken, to + taken, count - taken);
+  Pick<uint8_t>(from, readable, index + i, to + i, count - i);
 }
 #else
 constexpr PickRow PickBytes = &Pick<uint8_t>;
@@ -170,41 +155,49 @@ constexpr BySamples<DownRows> DOWN = {.one = &Down<T, 1>, .two = &Down<T, 2>, .t
 
 #if defined(ZEL_WIDE_VECTORS)
 
-// What is estimated lies from 0 to 255. The share is rounded to within 2^-25, which a difference of
-// 255 makes 2^-17; the product and the sum are rounded to within 2^-17 each: below 3 * 2^-17 along
-// a row. Down the rows the weights keep that, and the rounded difference, share, product and sum
-// add 2^-17 each: below 2^-14. The stated numbers are rounded to far less.
-constexpr float DOUBT = 1.0f / 8192;
-// Added and taken away, it rounds numbers below 2^22 to whole ones.
-constexpr float WHOLE_NUMBERS = 8388608.0f;
+// What is estimated lies from 0 to 255. A share is rounded to within 2^-25, which a difference of
+// 255 makes 2^-17, and the sum to within 2^-17: 2^-16 along a row. Down the rows the weights keep
+// that, and the rounded difference, share and sum add 2^-17 each: below 2^-14. The stated numbers
+// are rounded to far less. So the estimate in 65536ths, cut, is less than 5 off, and in doubt where
+// it is within 8 of a whole number.
+constexpr int32_t ONE = 65536;  // in the third byte stands the whole number
+constexpr int32_t NEAR_WHOLE = 8;
+constexpr int32_t FAR_FROM_WHOLE = ONE - 2 * NEAR_WHOLE;  // the bits of which some are set then
 
-int32_t EstimateCount(const TileColumns& columns) {
-  return WindowsCount(columns.index[0], columns.index[1], columns.readable, columns.count);
+void EstimatePrepare(TileColumns* columns) {
+  const int32_t readable = columns->readable;
+  const int32_t* first = columns->index[0];
+  const int32_t* second = columns->index[1];
+  int32_t i = 0;
+  for (; i + LANES <= columns->count && WindowHolds(first[i], second[i + LANES - 1], readable);
+       i += LANES) {
+    const int32_t start = WindowStart(first[i], readable);
+    columns->start[i] = start;
+    Store(columns->place[0] + i, Load<Ints>(first + i) - start);
+    Store(columns->place[1] + i, Load<Ints>(second + i) - start);
+  }
+  for (int32_t k = 0; k < i; k++)
+    columns->shareEstimate[k] = static_cast<float>(columns->share[k] * ONE);
+  columns->estimated = i;
 }
 
 ZEL_INLINE Floats Between(Floats f0, Floats f1, Floats t) {
-  return f0 + t * (f1 - f0);
+  return MultiplyAdd(f1 - f0, t, f0);
+}
+
+// In 65536ths. The row from its vector's start on.
+ZEL_INLINE Floats JoinedAlong(const uint8_t* from, const TileColumns& columns, int32_t i) {
+  const Floats f0 = (Floats)BytesAt(from, Load<Ints>(columns.place[0] + i));
+  const Floats f1 = (Floats)BytesAt(from, Load<Ints>(columns.place[1] + i));
+  const Floats whole = MultiplyAdd(f0, Floats{} + ONE, Floats{} - FLOAT_OFFSET * ONE);
+  return MultiplyAdd(f1 - f0, Load<Floats>(columns.shareEstimate + i), whole);
 }
 
 void EstimateAlong(const uint8_t* from, const TileColumns& columns, float* to) {
-  const int32_t readable = columns.readable;
   const int32_t count = columns.estimated;
   for (int32_t i = 0; i < count; i += LANES) {
-    const ByteWindow window(from, readable, columns.index[0] + i);
-    const Floats f0 = __builtin_convertvector(window.At(columns.index[0] + i), Floats);
-    const Floats f1 = __builtin_convertvector(window.At(columns.index[1] + i), Floats);
-    Store(to + i, Between(f0, f1, Load<Floats>(columns.shareEstimate + i)));
+    Store(to + i, JoinedAlong(from + columns.start[i], columns, i));
   }
-}
-
-// Whether the four pixels of a result differ: where they are equal, the estimate is exact.
-ZEL_INLINE Ints Differ(const EstimatedRows& rows, const TileColumns& columns, int32_t i) {
-  const int32_t* first = columns.index[0] + i;
-  const int32_t* second = columns.index[1] + i;
-  const ByteWindow top(rows.from[0], columns.readable, first);
-  const ByteWindow bottom(rows.from[1], columns.readable, first);
-  const Ints corner = top.At(first);
-  return (corner ^ top.At(second)) | (corner ^ bottom.At(first)) | (corner ^ bottom.At(second));
 }
 
 ZEL_INLINE double StatedAlong(const uint8_t* from, const TileColumns& columns, int32_t i) {
@@ -212,41 +205,86 @@ ZEL_INLINE double StatedAlong(const uint8_t* from, const TileColumns& columns, i
                  static_cast<double>(from[columns.index[1][i]]), columns.share[i]);
 }
 
-[[gnu::noinline]] void StatedBytes(const EstimatedRows& rows, const TileColumns& columns,
-                                   int32_t begin, uint8_t* to) {
-  for (int32_t i = begin; i < begin + LANES; i++) {
-    const double stated = Between(StatedAlong(rows.from[0], columns, i),
-                                  StatedAlong(rows.from[1], columns, i), rows.share);
-    to[i] = NumberOf<uint8_t>(stated);
-  }
+// The doubtful results of a tile: bits for each vector. They are left for a second pass, so that
+// the first one runs without a branch.
+struct Doubts {
+  uint16_t vectors[TILE_NUMBERS / LANES];
+};
+
+// Results whose four pixels are equal are exact.
+ZEL_INLINE uint32_t EqualBits(const EstimatedRows& rows, const TileColumns& columns, int32_t i) {
+  const uint8_t* top = rows.from[0] + columns.start[i];
+  const uint8_t* bottom = rows.from[1] + columns.start[i];
+  const auto first = Load<Ints>(columns.place[0] + i);
+  const auto second = Load<Ints>(columns.place[1] + i);
+  const Ints corner = BytesAt(top, first);
+  const Ints differs = (corner ^ BytesAt(top, second)) | (corner ^ BytesAt(bottom, first)) |
+                       (corner ^ BytesAt(bottom, second));
+  return DisjointBits(differs, differs);
 }
 
-void EstimateDown(const EstimatedRows& of, const TileColumns& columns, uint8_t* to) {
-  const EstimatedRows rows = of;
-  const Floats share = Floats{} + static_cast<float>(rows.share);
+void DoubtsSettle(const EstimatedRows& rows, const TileColumns& columns, const Doubts& doubts,
+                  uint8_t* to) {
   const int32_t count = columns.estimated;
   for (int32_t i = 0; i < count; i += LANES) {
-    const Floats value =
-        Between(Load<Floats>(rows.joined[0] + i), Load<Floats>(rows.joined[1] + i), share);
-    Store(to + i, __builtin_convertvector(Truncate(value), FewBytes));
-    const Floats off = value - ((value + WHOLE_NUMBERS) - WHOLE_NUMBERS);
-    const Ints doubtful = (Ints)((off < DOUBT) & (off > -DOUBT));
-    if (AnySet(doubtful) && AnySet(doubtful & Differ(rows, columns, i))) {
-      StatedBytes(rows, columns, i, to);
+    uint32_t bits = doubts.vectors[i / LANES];
+    if (bits != 0) bits &= ~EqualBits(rows, columns, i);
+    for (; bits != 0; bits &= bits - 1) {
+      const int32_t at = i + __builtin_ctz(bits);
+      const double stated = Between(StatedAlong(rows.from[0], columns, at),
+                                    StatedAlong(rows.from[1], columns, at), rows.share);
+      to[at] = NumberOf<uint8_t>(stated);
     }
   }
 }
 
-constexpr EstimateRows ESTIMATE = {
-    .count = &EstimateCount, .along = &EstimateAlong, .down = &EstimateDown};
+ZEL_INLINE void StoreEstimates(Floats top, Floats bottom, Floats share, int32_t i, uint8_t* to,
+                               Doubts* doubts) {
+  const Ints parts = Truncate(Between(top, bottom, share));
+  StoreBytes<2>(to + i, parts);
+  doubts->vectors[i / LANES] =
+      static_cast<uint16_t>(DisjointBits(parts + NEAR_WHOLE, Ints{} + FAR_FROM_WHOLE));
+}
+
+void EstimateDown(const EstimatedRows& rows, const TileColumns& columns, uint8_t* to) {
+  const Floats share = Floats{} + static_cast<float>(rows.share);
+  const float* top = rows.joined[0];
+  const float* bottom = rows.joined[1];
+  const int32_t count = columns.estimated;
+  Doubts doubts;
+  for (int32_t i = 0; i < count; i += LANES) {
+    StoreEstimates(Load<Floats>(top + i), Load<Floats>(bottom + i), share, i, to, &doubts);
+  }
+  DoubtsSettle(rows, columns, doubts, to);
+}
+
+void EstimateBoth(const EstimatedRows& rows, const TileColumns& columns, uint8_t* to) {
+  const Floats share = Floats{} + static_cast<float>(rows.share);
+  const uint8_t* top = rows.from[0];
+  const uint8_t* bottom = rows.from[1];
+  const int32_t count = columns.estimated;
+  Doubts doubts;
+  for (int32_t i = 0; i < count; i += LANES) {
+    const int32_t start = columns.start[i];
+    StoreEstimates(JoinedAlong(top + start, columns, i), JoinedAlong(bottom + start, columns, i),
+                   share, i, to, &doubts);
+  }
+  DoubtsSettle(rows, columns, doubts, to);
+}
+
+constexpr EstimateRows ESTIMATE = {.prepare = &EstimatePrepare,
+                                   .along = &EstimateAlong,
+                                   .down = &EstimateDown,
+                                   .both = &EstimateBoth};
 
 #else
 
-// The compiler's code for the stated numbers is all there is.
+// The stated numbers are all there is.
+void EstimateNothing(TileColumns* columns) {
+  columns->estimated = 0;
+}
 constexpr EstimateRows ESTIMATE = {
-    .count = [](const TileColumns&) { return 0; },
-    .along = [](const uint8_t*, const TileColumns&, float*) {},
-    .down = [](const EstimatedRows&, const TileColumns&, uint8_t*) {}};
+    .prepare = &EstimateNothing, .along = nullptr, .down = nullptr, .both = nullptr};
 
 #endif
 

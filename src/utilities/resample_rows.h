@@ -17,11 +17,16 @@ constexpr int32_t TILE_SAMPLES = 3;  // that a method joins at most along an axi
 // pixel.
 struct TileColumns {
   alignas(64) double share[TILE_NUMBERS];
-  alignas(64) float shareEstimate[TILE_NUMBERS];
   alignas(64) int32_t index[TILE_SAMPLES][TILE_NUMBERS];
-  int32_t count;      // of results
-  int32_t readable;   // numbers of a row, from its first one on
-  int32_t estimated;  // results that are estimated, the first ones
+  int32_t count;     // of results
+  int32_t readable;  // numbers of a row, from its first one on
+
+  // The first results may be estimated, vector by vector: where in a row a vector starts, and the
+  // numbers behind that.
+  int32_t estimated;
+  int32_t start[TILE_NUMBERS];
+  alignas(64) int32_t place[2][TILE_NUMBERS];
+  alignas(64) float shareEstimate[TILE_NUMBERS];
 };
 
 // Pixels picked from a row, of which so many may be read.
@@ -36,15 +41,17 @@ using DownRows = void (*)(const double* const* rows, double share, void* to, int
 // Bilinear results of bytes, estimated in 32-bit floats. Where an estimate is so near to a whole
 // number that the stated numbers may lie on the other side of it, they are computed.
 struct EstimatedRows {
-  const float* joined[2];  // along both rows
   const uint8_t* from[2];  // the rows
+  const float* joined[2];  // ... along themselves
   double share;
 };
 struct EstimateRows {
-  // How many of the tile's results may be estimated.
-  int32_t (*count)(const TileColumns& columns);
+  // Finds out how many of the results may be estimated, and their places.
+  void (*prepare)(TileColumns* columns);
   void (*along)(const uint8_t* from, const TileColumns& columns, float* to);
   void (*down)(const EstimatedRows& rows, const TileColumns& columns, uint8_t* to);
+  // Both at once, for rows that are not needed again.
+  void (*both)(const EstimatedRows& rows, const TileColumns& columns, uint8_t* to);
 };
 
 // How many numbers a method joins along an axis: 1 where the size does not change.
