@@ -188,7 +188,7 @@ template <class Type>
 constexpr RotateRoutines BILINEAR = {
     .anywhere = &BilinearAnywhere<Type>, .inside = &BilinearInside<Type>, .reach = 1};
 
-// ---- bytes side by side
+// ---- bytes, a vector of them at a time
 
 #if defined(ZEL_WIDE_VECTORS)
 
@@ -236,6 +236,12 @@ ZEL_INLINE Ints JoinedAlong(Ints four, Ints weights) {
   return PairSums((Words)two, (Words)weights);
 }
 
+// Rows joined, as BytePixels rounds them.
+ZEL_INLINE Ints RoundedDown(Ints top, Ints bottom, Ints fy) {
+  const Ints sum = (top << POSITION_BITS) + (bottom - top) * fy;
+  return (sum + ((1 << (2 * POSITION_BITS - 1)) - 1)) >> (2 * POSITION_BITS);
+}
+
 void BilinearBytes(const RotateRule& of, uint32_t x, uint32_t y, void* destination, int32_t count) {
   const RotateRule rule = of;
   auto* to = static_cast<uint8_t*>(destination);
@@ -251,9 +257,7 @@ void BilinearBytes(const RotateRule& of, uint32_t x, uint32_t y, void* destinati
     const Ints weights = (fx << 16) + (POSITION_ONE - fx);
     const Ints top = JoinedAlong(GatherInts(rule.origin, offsets), weights);
     const Ints bottom = JoinedAlong(GatherInts(below, offsets), weights);
-    const Ints sum = (top << POSITION_BITS) + (bottom - top) * fy;
-    const Ints rounded = (sum + ((1 << (2 * POSITION_BITS - 1)) - 1)) >> (2 * POSITION_BITS);
-    StoreBytes<0>(to + done, rounded);
+    StoreBytes<0>(to + done, RoundedDown(top, bottom, fy));
     column.Advance();
     row.Advance();
   }
@@ -262,15 +266,88 @@ void BilinearBytes(const RotateRule& of, uint32_t x, uint32_t y, void* destinati
                              count - done);
 }
 
+// ---- pixels of four bytes
+
+// Offsets of the pixels at the floors of positions.
+ZEL_INLINE Ints WideOffsets(const Positions& column, const Positions& row, uint32_t pitch) {
+  return OffsetsOf((column.now >> POSITION_BITS) * 4, row.now >> POSITION_BITS, pitch);
+}
+
+void NearestWide(const RotateRule& of, uint32_t x, uint32_t y, void* destination, int32_t count) {
+  const RotateRule rule = of;
+  auto* to = static_cast<uint32_t*>(destination);
+  const auto pitch = static_cast<uint32_t>(rule.pitch);
+  Positions column(x + 511, rule.stepX);
+  Positions row(y + 511, rule.stepY);
+  int32_t done = 0;
+  for (; done + LANES <= count; done += LANES) {
+    Store(to + done, GatherInts(rule.origin, WideOffsets(column, row, pitch)));
+    column.Advance();
+    row.Advance();
+  }
+  const auto steps = static_cast<uint32_t>(done);
+  NearestInside<ColourPixels>(rule, x + steps * rule.stepX, y + steps * rule.stepY, to + done,
+                              count - done);
+}
+
+// The bytes of four pixels that lie so high, joined.
+template <int32_t shift>
+ZEL_INLINE Ints ByteJoined(Ints p00, Ints p10, Ints p01, Ints p11, Ints weights, Ints fy) {
+  const auto along = [=](Ints left, Ints right) {
+    const Ints two = ((left >> shift) & 0xFF) | (((right >> shift) & 0xFF) << 16);
+    return PairSums((Words)two, (Words)weights);
+  };
+  return RoundedDown(along(p00, p10), along(p01, p11), fy) << shift;
+}
+
+void BilinearColours(const RotateRule& of, uint32_t x, uint32_t y, void* destination,
+                     int32_t count) {
+  const RotateRule rule = of;
+  auto* to = static_cast<uint32_t*>(destination);
+  const auto pitch = static_cast<uint32_t>(rule.pitch);
+  const uint8_t* below = rule.origin + rule.pitch;
+  Positions column(x, rule.stepX);
+  Positions row(y, rule.stepY);
+  int32_t done = 0;
+  for (; done + LANES <= count; done += LANES) {
+    const Ints offsets = WideOffsets(column, row, pitch);
+    const Ints fx = (Ints)column.now & REST;
+    const Ints fy = (Ints)row.now & REST;
+    const Ints weights = (fx << 16) + (POSITION_ONE - fx);
+    const Ints p00 = GatherInts(rule.origin, offsets);
+    const Ints p10 = GatherInts(rule.origin, offsets + 4);
+    const Ints p01 = GatherInts(below, offsets);
+    const Ints p11 = GatherInts(below, offsets + 4);
+    const Ints blue = ByteJoined<0>(p00, p10, p01, p11, weights, fy);
+    const Ints green = ByteJoined<8>(p00, p10, p01, p11, weights, fy);
+    const Ints red = ByteJoined<16>(p00, p10, p01, p11, weights, fy);
+    Store(to + done, blue | green | red);
+    column.Advance();
+    row.Advance();
+  }
+  const auto steps = static_cast<uint32_t>(done);
+  BilinearInside<ColourPixels>(rule, x + steps * rule.stepX, y + steps * rule.stepY, to + done,
+                               count - done);
+}
+
 constexpr RotateRoutines NEAREST_BYTES = {
     .anywhere = &NearestAnywhere<BytePixels>, .inside = &NearestBytes, .reach = BYTES_BEHIND};
 constexpr RotateRoutines BILINEAR_BYTES = {
     .anywhere = &BilinearAnywhere<BytePixels>, .inside = &BilinearBytes, .reach = BYTES_BEHIND};
+constexpr RotateRoutines NEAREST_FLOATS = {
+    .anywhere = &NearestAnywhere<FloatPixels>, .inside = &NearestWide, .reach = 0};
+constexpr RotateRoutines NEAREST_COLOURS = {
+    .anywhere = &NearestAnywhere<ColourPixels>, .inside = &NearestWide, .reach = 0};
+constexpr RotateRoutines BILINEAR_COLOURS = {
+    .anywhere = &BilinearAnywhere<ColourPixels>, .inside = &BilinearColours, .reach = 1};
 
 #else
 
 constexpr RotateRoutines NEAREST_BYTES = NEAREST<BytePixels>;
 constexpr RotateRoutines BILINEAR_BYTES = BILINEAR<BytePixels>;
+constexpr RotateRoutines NEAREST_FLOATS = NEAREST<FloatPixels>;
+constexpr RotateRoutines NEAREST_COLOURS = NEAREST<ColourPixels>;
+constexpr RotateRoutines BILINEAR_COLOURS = BILINEAR<ColourPixels>;
 
 #endif
 
@@ -279,12 +356,12 @@ constexpr RotateRoutines BILINEAR_BYTES = BILINEAR<BytePixels>;
 extern const RotateRows rotateRows = {
     .nearest = {.u8 = NEAREST_BYTES,
                 .i16 = NEAREST<WordPixels>,
-                .sgl = NEAREST<FloatPixels>,
-                .rgb = NEAREST<ColourPixels>},
+                .sgl = NEAREST_FLOATS,
+                .rgb = NEAREST_COLOURS},
     .bilinear = {.u8 = BILINEAR_BYTES,
                  .i16 = BILINEAR<WordPixels>,
                  .sgl = BILINEAR<FloatPixels>,
-                 .rgb = BILINEAR<ColourPixels>},
+                 .rgb = BILINEAR_COLOURS},
 };
 
 }  // namespace zel::ZEL_LEVEL

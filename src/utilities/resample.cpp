@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "core/heap.h"
 #include "core/pixel_types.h"
 #include "engine/bands.h"
 #include "engine/operands.h"
@@ -13,6 +14,8 @@
 
 namespace zel {
 namespace {
+
+constexpr int64_t CACHE_LINE = 64;
 
 // The pixel that is read for one at or behind an image's last: pixels of the border as they are,
 // and beyond them the nearest of the image.
@@ -27,11 +30,14 @@ struct Tile {
   int32_t Columns() const { return end - begin; }
 };
 
-int64_t BytesTouched(const ResampleViews& views) {
-  const int64_t results = int64_t{views.result.width} * views.result.height;
-  const int64_t pixels = int64_t{views.x.size} * views.y.size;
-  return (results + std::min(pixels, 4 * results)) * views.result.pixelBytes;
+int64_t BytesTouched(const ResampleAxis& x, const ResampleAxis& y, int32_t pixelBytes) {
+  const int64_t results = int64_t{x.results} * y.results;
+  const int64_t pixels = int64_t{x.size} * y.size;
+  return (results + std::min(pixels, 4 * results)) * pixelBytes;
 }
+
+// Joining numbers takes so many times as long as adding them.
+constexpr int64_t JOINING_EFFORT = 8;
 
 // Calls work(tile, y) with the tiles of a band one after the other, each from top to bottom, after
 // begin(tile).
@@ -77,11 +83,43 @@ void NearestBand(const ResampleViews& views, const Band& band) {
 
 // ---- joined samples
 
+// A source row, joined: estimates of the first numbers of a tile, and the others.
+struct HeldRow {
+  int64_t row;
+  alignas(CACHE_LINE) double numbers[TILE_NUMBERS];
+  alignas(CACHE_LINE) float estimates[TILE_NUMBERS];
+};
+
+// What a worker joins rows in.
+struct JoiningTile {
+  TileColumns columns;
+  HeldRow held[TILE_SAMPLES];
+};
+
+// Taken before anything is written.
+class JoiningMemory {
+ public:
+  Status Allocate(int64_t bytesTouched) {
+    const int64_t workers =
+        std::clamp<int64_t>(JOINING_EFFORT * bytesTouched / bandBytesAWorker, 1, BandWorkers());
+    const auto bytes = static_cast<uint64_t>(workers) * sizeof(JoiningTile) + CACHE_LINE;
+    return block_.Allocate(bytes) ? STATUS_OK : STATUS_MEMORY_FULL;
+  }
+  JoiningTile* OfWorker(int32_t worker) {
+    uint8_t* first = block_.data();
+    first += (CACHE_LINE - reinterpret_cast<uintptr_t>(first) % CACHE_LINE) % CACHE_LINE;
+    return reinterpret_cast<JoiningTile*>(first) + worker;
+  }
+
+ private:
+  WorkArray<uint8_t> block_;
+};
+
 // Rows of a tile that were joined along the row already: those that the next row of results needs
 // are mostly the same.
 class JoinedRows {
  public:
-  JoinedRows(const ResampleViews& views, int32_t method)
+  JoinedRows(const ResampleViews& views, int32_t method, JoiningTile* tile)
       : views_(views),
         rows_(resampleRows()),
         numbers_(views.NumbersAPixel()),
@@ -91,7 +129,9 @@ class JoinedRows {
         down_(rows_.down.For(views.source.type).For(samplesDown_)),
         canBeEstimated_((views.source.type == IMAGE_U8 || views.source.type == IMAGE_RGB) &&
                         samplesAlong_ == 2 && samplesDown_ == 2),
-        rowsRepeat_(views.y.step < 1.5) {}
+        rowsRepeat_(views.y.step < 1.5),
+        columns_(tile->columns),
+        held_(tile->held) {}
 
   int32_t ColumnsATile() const { return TILE_NUMBERS / numbers_; }
 
@@ -111,12 +151,12 @@ class JoinedRows {
     }
     columns_.estimated = 0;
     if (canBeEstimated_) rows_.estimate.prepare(&columns_);
-    for (Held& held : held_) held.row = NONE;
+    for (int32_t i = 0; i < TILE_SAMPLES; i++) held_[i].row = NONE;
   }
 
   void RowTo(const Tile& tile, int32_t y) {
     const SourcePosition at = views_.y.At(y);
-    const Held* held[TILE_SAMPLES] = {};
+    const HeldRow* held[TILE_SAMPLES] = {};
     for (int32_t sample = 0; sample < samplesDown_; sample++) {
       held[sample] =
           &Joined(Readable(int64_t{at.pixel} + sample, views_.source.height, views_.border));
@@ -142,16 +182,9 @@ class JoinedRows {
  private:
   static constexpr int64_t NONE = -1;
 
-  // A source row, joined: estimates of the first numbers, and the others.
-  struct Held {
-    int64_t row;
-    alignas(64) double numbers[TILE_NUMBERS];
-    alignas(64) float estimates[TILE_NUMBERS];
-  };
-
   // The rows that are needed at once follow each other, or are one: none displaces another.
-  const Held& Joined(int32_t row) {
-    Held& held = held_[row % samplesDown_];
+  const HeldRow& Joined(int32_t row) {
+    HeldRow& held = held_[row % samplesDown_];
     if (held.row == row) return held;
     held.row = row;
     const void* from = views_.source.Row<void>(row);
@@ -169,15 +202,15 @@ class JoinedRows {
   DownRows down_;
   bool canBeEstimated_;
   bool rowsRepeat_;  // in the next row of results, so that they are worth keeping
-  TileColumns columns_;
-  Held held_[TILE_SAMPLES];
+  TileColumns& columns_;
+  HeldRow* held_;
 };
 
-void JoinedBand(const ResampleViews& views, const Band& band, int32_t method) {
-  JoinedRows rows(views, method);
+void JoinedBand(const ResampleViews& views, const Band& band, int32_t method, JoiningTile* tile) {
+  JoinedRows rows(views, method, tile);
   TilesWalk(
-      views, band, rows.ColumnsATile(), [&](const Tile& tile) { rows.Begin(tile); },
-      [&](const Tile& tile, int32_t y) { rows.RowTo(tile, y); });
+      views, band, rows.ColumnsATile(), [&](const Tile& columns) { rows.Begin(columns); },
+      [&](const Tile& columns, int32_t y) { rows.RowTo(columns, y); });
 }
 
 // ---- the call
@@ -186,30 +219,67 @@ bool TypeCanBeResampled(int32_t type) {
   return TypeIsScalar(type) || type == IMAGE_RGB;
 }
 
-void ResampleRun(const ResampleViews& views, int32_t method) {
-  if (method == RESAMPLE_NEAREST) {
-    BandsRun({.units = views.result.height, .bytes = BytesTouched(views)},
-             [&](const Band& band) { NearestBand(views, band); });
-  } else {
-    constexpr int64_t effort = 8;
-    constexpr int64_t leastRows = 64;  // a band begins with the places of all columns
-    BandsRun({.units = views.result.height,
-              .bytes = effort * BytesTouched(views),
-              .leastUnits = leastRows},
-             [&](const Band& band) { JoinedBand(views, band, method); });
-  }
+void NearestRun(const ResampleViews& views, int64_t bytesTouched) {
+  BandsRun({.units = views.result.height, .bytes = bytesTouched},
+           [&](const Band& band) { NearestBand(views, band); });
+}
+
+void JoinedRun(const ResampleViews& views, int32_t method, int64_t bytesTouched,
+               JoiningMemory* memory) {
+  constexpr int64_t leastRows = 64;  // a band begins with the places of all columns
+  BandsRun(
+      {.units = views.result.height,
+       .bytes = JOINING_EFFORT * bytesTouched,
+       .leastUnits = leastRows},
+      [&](const Band& band) { JoinedBand(views, band, method, memory->OfWorker(band.worker)); });
 }
 
 struct ResampleSize {
   int32_t width, height;
 };
 
-Status Resample(ImageRef source, ImageRef destination, const ApiRect& rect, ResampleSize wanted,
-                int32_t anyMethod) {
+Status EmptyResult(Operands* operands) {
+  operands->WriteSized(0, 0);
+  if (!operands->HasFailed()) operands->Written();
+  return operands->status();
+}
+
+Status ResampleRun(const ClippedRect& part, const ResampleSize& wanted, int32_t method,
+                   Operands* operands) {
+  const int32_t type = operands->source().type;
+  const int64_t results = int64_t{wanted.width} * wanted.height;
+  if (results > static_cast<int64_t>(HEAP_BLOCK_LIMIT)) return STATUS_MEMORY_FULL;
+  const ResampleAxis x(part.left, part.width, wanted.width);
+  const ResampleAxis y(part.top, part.height, wanted.height);
+  const int64_t bytesTouched = BytesTouched(x, y, PixelBytesOf(type));
+  JoiningMemory joining;
+  SplineMemory spline;
+  Status status = STATUS_OK;
+  if (method == RESAMPLE_SPLINE) status = spline.Allocate(x, y, NumbersAPixel(type));
+  if (method == RESAMPLE_BILINEAR || method == RESAMPLE_QUADRATIC) {
+    status = joining.Allocate(bytesTouched);
+  }
+  if (status != STATUS_OK) return status;
+  operands->WriteSized(wanted.width, wanted.height);
+  if (operands->HasFailed()) return operands->status();
+  operands->Written();
+
+  const ResampleViews views{operands->From(), operands->source().border, operands->To(), x, y};
+  if (method == RESAMPLE_NEAREST) {
+    NearestRun(views, bytesTouched);
+  } else if (method == RESAMPLE_SPLINE) {
+    SplineRun(views, &spline);
+  } else {
+    JoinedRun(views, method, bytesTouched, &joining);
+  }
+  return STATUS_OK;
+}
+
+Status Resample(ImageRef source, ImageRef destination, const ApiRect& rect,
+                const ResampleSize& wanted, int32_t method) {
   Operands operands;
   operands.Source(source, [](int32_t) { return true; });
   if (operands.HasFailed()) return operands.status();
-  const int32_t method = std::clamp<int32_t>(anyMethod, RESAMPLE_NEAREST, RESAMPLE_SPLINE);
   const ClippedRect part = RectOn(operands.source(), rect);
   const bool isEmpty = part.IsEmpty() || wanted.width < 1 || wanted.height < 1;
   if (!isEmpty && part.width == wanted.width && part.height == wanted.height) {
@@ -218,30 +288,10 @@ Status Resample(ImageRef source, ImageRef destination, const ApiRect& rect, Resa
   }
   if (!TypeCanBeResampled(operands.source().type)) return STATUS_BAD_TYPE;
   operands.Destination(destination);
-  if (isEmpty) operands.WriteSized(0, 0);
   if (operands.HasFailed()) return operands.status();
-  if (isEmpty) {
-    operands.Written();
-    return STATUS_OK;
-  }
-
-  const ResampleAxis x(part.left, part.width, wanted.width);
-  const ResampleAxis y(part.top, part.height, wanted.height);
-  SplineMemory memory;
-  if (method == RESAMPLE_SPLINE) {
-    const Status status = memory.Allocate(x, y, NumbersAPixel(operands.source().type));
-    if (status != STATUS_OK) return status;
-  }
-  operands.WriteSized(wanted.width, wanted.height);
-  if (operands.HasFailed()) return operands.status();
-  operands.Written();
-  const ResampleViews views{operands.From(), operands.source().border, operands.To(), x, y};
-  if (method == RESAMPLE_SPLINE) {
-    SplineRun(views, &memory);
-  } else {
-    ResampleRun(views, method);
-  }
-  return STATUS_OK;
+  if (isEmpty) return EmptyResult(&operands);
+  const int32_t known = std::clamp<int32_t>(method, RESAMPLE_NEAREST, RESAMPLE_SPLINE);
+  return ResampleRun(part, wanted, known, &operands);
 }
 
 }  // namespace

@@ -70,6 +70,15 @@ std::vector<Output> PlanOutputs(const FilterCommand& command) {
   return outputs;
 }
 
+// Throws std::invalid_argument where steps can't be held to some of the pixels.
+void RefuseMask(const FilterCommand& command) {
+  for (const ChosenStep& step : command.steps) {
+    if (command.mask.empty() || !step.step->movesPixels) continue;
+    throw std::invalid_argument("no mask can go with the step " + std::string(step.step->name) +
+                                ", which moves pixels");
+  }
+}
+
 template <class T, class Test>
 Image Marked(const Image& picture, Test isMarked) {
   const ImageInfo from = picture.Info();
@@ -155,9 +164,9 @@ class FilterRun {
       Picture picture = ReadPicture(file, {Form::Gray, command_.swapBytes, border_});
       picture.palette.clear();  // its colours are grays by now
       const Seconds reading = clock.Lap();
-      CheckSize(picture.image.Info());
       std::vector<Seconds> stepTimes;
       for (const ChosenStep& step : command_.steps) {
+        CheckSize(picture.image.Info());
         Apply(step, picture.image, mask_ ? ImageRef(*mask_) : 0);
         stepTimes.push_back(clock.Lap());
       }
@@ -241,6 +250,7 @@ class FilterRun {
 int Run(const FilterCommand& command) {
   std::vector<Output> outputs;
   try {
+    RefuseMask(command);
     outputs = PlanOutputs(command);
   } catch (const std::invalid_argument& error) {
     std::cerr << "orlune: " << error.what() << '\n';
