@@ -12,7 +12,7 @@ import sys
 import tempfile
 import zlib
 
-SCENE = "chips.tif"
+SCENE = "mixed.orln"
 COLUMNS = 5
 CELL = (220, 180)  # pixels; pictures are made smaller to fit
 GAP = 6
@@ -41,12 +41,14 @@ CHAINS = [
 
 
 def read_bmp(path):
-    """Width, height and rows of grey bytes of an 8-bit BMP file."""
+    """Width, height and rows of grey bytes of a BMP file with 8 bits a pixel, or 24 of one grey."""
     data = path.read_bytes()
     (offset,) = struct.unpack_from("<I", data, 10)
     width, height = struct.unpack_from("<ii", data, 18)
-    pitch = (width + 3) // 4 * 4
-    rows = [data[offset + y * pitch :][:width] for y in range(abs(height))]
+    (bits,) = struct.unpack_from("<H", data, 28)
+    step = bits // 8
+    pitch = (width * step + 3) // 4 * 4
+    rows = [data[offset + y * pitch :][: width * step : step] for y in range(abs(height))]
     return width, abs(height), rows[::-1] if height > 0 else rows
 
 
@@ -76,7 +78,7 @@ class Maker:
         self.made += 1
         result = self.folder / f"{self.made}.bmp"
         command = [self.orlune, "filter", "--quiet", "--steps", chain, picture, "-o", result]
-        subprocess.run(command, check=True)
+        subprocess.run(command, check=True, stderr=subprocess.DEVNULL)
         return result
 
     def cell(self, picture):

@@ -184,7 +184,7 @@ std::vector<Step> MakeSteps() {
 
       {.name = "relief",
        .parameters = {{.name = "REDUCTION", .kind = Kind::Whole, .low = 1, .high = LARGEST_SIDE}},
-       .meaning = "bars as high as pixels are light, seen from aside; one for REDUCTION pixels",
+       .meaning = "bars as high as the picture is light, each REDUCTION-th pixel",
        .movesPixels = true,
        .border = NoBorder,
        .apply =
