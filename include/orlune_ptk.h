@@ -8,12 +8,14 @@
  *   memory.h      the heap of blocks that go from the library to the caller and back
  *   images.h      making, sizing, describing and disposing of images
  *   pixels.h      single pixels, rows, columns, lines, whole arrays, fills, fields
+ *   copying.h     images copied, blown up, thinned out, pasted, resampled
  *   operators.h   two images, or an image and a constant, pixel by pixel
  *   casts.h       from one pixel type to another
  *   thresholds.h  ranges of grey levels, given or found
  *   lookups.h     grey levels through tables and laws
  *   convolution.h a pixel's neighbours, weighted by a matrix; templates found
  *   filters.h     a pixel and its neighbours: edges, smoothing
+ *   geometry.h    images turned, shifted, mirrored, transposed, seen in relief
  *   statistics.h  histograms, regions, centroids, profiles
  *   particles.h   connected pixels, numbered, measured, selected
  *   files.h       picture files
@@ -73,9 +75,11 @@
 
 #include "orlune_ptk/casts.h"
 #include "orlune_ptk/convolution.h"
+#include "orlune_ptk/copying.h"
 #include "orlune_ptk/errors.h"
 #include "orlune_ptk/files.h"
 #include "orlune_ptk/filters.h"
+#include "orlune_ptk/geometry.h"
 #include "orlune_ptk/images.h"
 #include "orlune_ptk/lookups.h"
 #include "orlune_ptk/memory.h"

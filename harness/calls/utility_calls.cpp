@@ -76,6 +76,17 @@ int32_t ArrayToImage(Playground& play) {
 
 // A split may have resized the first field.
 
+// Mostly small: results grow with them.
+int32_t Factor(Playground& play) {
+  return Below<16>(play) == 0 ? Int(play) : Below<6>(play) - 1;
+}
+int32_t ResultSide(Playground& play) {
+  return Below<16>(play) == 0 ? Int(play) : Below<100>(play) - 3;
+}
+int32_t MethodAnywhere(Playground& play) {
+  return Below<16>(play) == 0 ? Int(play) : Below<5>(play);
+}
+
 constexpr ApiCall ROWS[] = {
     {18, "ZEL_GetPixelValue", Call<ZEL_GetPixelValue, Source, Int, Int, Output<float>>},
     {19, "ZEL_SetPixelValue", Call<ZEL_SetPixelValue, Changed, Int, Int, Float>},
@@ -90,6 +101,12 @@ constexpr ApiCall ROWS[] = {
     {27, "ZEL_ClearPixels", Call<ZEL_ClearPixels, ImageThatMay<PIXELS | BORDER>>},
     {28, "ZEL_Interlace", Call<ZEL_Interlace, Destination, Destination, Destination, Below<3>>,
      STATUS},
+    {90, "ZEL_Copy", Call<ZEL_Copy, Source, Image>},
+    {91, "ZEL_Expand", Call<ZEL_Expand, Source, Destination, Int, Int, Int, Int, Factor, Factor>},
+    {92, "ZEL_Extract", Call<ZEL_Extract, Source, Destination, Int, Int, Int, Int, Factor, Factor>},
+    {93, "ZEL_ImageToImage", Call<ZEL_ImageToImage, Source, Changed, Int, Int>},
+    {94, "ZEL_Resample",
+     Call<ZEL_Resample, Source, Image, Int, Int, Int, Int, ResultSide, ResultSide, MethodAnywhere>},
 };
 
 }  // namespace

@@ -92,6 +92,18 @@ constexpr Step ROWS[] = {
     {"ZEL_ClearPixels", [](Session& s) { return ZEL_ClearPixels(s.targetFloat); }},
     {"ZEL_Interlace", [](Session& s) { return ZEL_Interlace(s.target, s.u8, s.other, 0); }},
     {"ZEL_Interlace", [](Session& s) { return ZEL_Interlace(s.target, 0, s.target, 1); }},
+    {"ZEL_Expand", [](Session& s) { return ZEL_Expand(s.u8, s.target, 2, 3, 9, 8, 2, 3); }},
+    {"ZEL_Expand", [](Session& s) { return ZEL_Expand(s.target, 0, 2, 3, 9, 8, 2, 3); }},
+    {"ZEL_Extract", [](Session& s) { return ZEL_Extract(s.u8, s.target, 2, 3, 19, 18, 2, 3); }},
+    {"ZEL_Extract", [](Session& s) { return ZEL_Extract(s.target, 0, 2, 3, 19, 18, 2, 1); }},
+    {"ZEL_Copy", [](Session& s) { return ZEL_Copy(s.other, s.target); }},
+    {"ZEL_ImageToImage", [](Session& s) { return ZEL_ImageToImage(s.u8, s.target, 5, -3); }},
+    {"ZEL_Resample",
+     [](Session& s) {
+       return ZEL_Resample(s.u8, s.target, 1, 1, 20, 30, 45, 11, RESAMPLE_BILINEAR);
+     }},
+    {"ZEL_Resample",
+     [](Session& s) { return ZEL_Resample(s.target, 0, 0, 0, 11, 45, 20, 20, RESAMPLE_SPLINE); }},
 };
 
 }  // namespace

@@ -1,7 +1,6 @@
 // The handle table, plain blocks, text conversion and the shutdown hooks.
 #include "core/handles.h"
 
-#include <algorithm>
 #include <cstring>
 
 #include "core/heap.h"
@@ -84,39 +83,24 @@ constexpr uintptr_t HEAP_ALIGNMENT = 16;
 constexpr uintptr_t PIXEL_ALIGNMENT = 64;
 constexpr size_t PIXEL_SPARE = PIXEL_ALIGNMENT - 8;  // bytes, as pixels lie on 8 anyway
 
-// Nothing is left untouched of a block of `size` bytes.
-void TouchAll(HandleEntry* row, size_t size) {
-  row->untouchedFrom = row->untouchedTo = static_cast<uint32_t>(size);
-}
-
 // Gives a row a new block of `size` bytes, with what fits of the old contents and zeros behind
 // them. Large zero blocks come from the system ready-made, and untouched they cost nothing.
 bool BlockReplace(HandleEntry* row, size_t size) {
   const bool isPixels = row->kind == HANDLE_IMAGE_PIXELS;
   const size_t allocated = isPixels ? size + PIXEL_SPARE : size;
-  // The bytes that are copied before and behind the untouched ones.
-  const size_t before = std::min<size_t>(row->untouchedFrom, size);
-  const size_t behindFrom = std::min<size_t>(row->untouchedTo, size);
-  const size_t behindTo = std::min<size_t>(row->blockBytes, size);
-  const bool needsZeros = behindFrom > before || size > behindTo;
-  void* block = needsZeros ? HeapAllocateZeroed(allocated) : HeapAllocate(allocated);
+  const bool grows = size > row->blockBytes;
+  void* block = grows ? HeapAllocateZeroed(allocated) : HeapAllocate(allocated);
   if (!block) return false;
   auto* data = static_cast<char*>(block);
   const uintptr_t alignment = isPixels ? PIXEL_ALIGNMENT : HEAP_ALIGNMENT;
   data += -(reinterpret_cast<uintptr_t>(data) + row->alignedAt) & (alignment - 1);
-  if (const auto* former = static_cast<const char*>(row->data)) {
-    std::memcpy(data, former, before);
-    std::memcpy(data + behindFrom, former + behindFrom, behindTo - behindFrom);
-  }
+  if (row->data) std::memcpy(data, row->data, grows ? row->blockBytes : size);
   HeapFree(row->block);
   row->block = block;
   row->data = data;
-  // One run of zeros is remembered: the last one.
-  row->untouchedFrom = static_cast<uint32_t>(behindFrom == behindTo ? before : behindTo);
-  row->untouchedTo = static_cast<uint32_t>(size);
-  const auto slack = static_cast<size_t>(data - static_cast<char*>(block));
-  MemoryForbid(block, slack);
-  MemoryForbid(data + size, allocated - slack - size);
+  const auto before = static_cast<size_t>(data - static_cast<char*>(block));
+  MemoryForbid(block, before);
+  MemoryForbid(data + size, allocated - before - size);
   return true;
 }
 
@@ -130,13 +114,10 @@ bool BlockResize(HandleEntry* row, size_t size) {
     row->block = block;
     row->data = block;
     if (size > former) std::memset(static_cast<char*>(block) + former, 0, size - former);
-    TouchAll(row, size);
     resized = true;
   }
   if (!resized && size > former) return false;
   row->blockBytes = static_cast<uint32_t>(size);
-  row->untouchedFrom = std::min(row->untouchedFrom, row->blockBytes);
-  row->untouchedTo = std::min(row->untouchedTo, row->blockBytes);
   return true;
 }
 
@@ -167,9 +148,7 @@ Handle HandleNew(uint32_t size) {
                                 .elementSize = 1,
                                 .count = size,
                                 .blockBytes = size,
-                                .block = data,
-                                .untouchedFrom = size,
-                                .untouchedTo = size};
+                                .block = data};
   coreTables.handleRows++;
   TablesEnsure();  // one free row is normally on hand for the next call
   return handle;
@@ -196,7 +175,6 @@ Status HandleResize(Handle handle, uint64_t size) {
     row->block = nullptr;
     row->data = nullptr;
     row->blockBytes = 0;
-    TouchAll(row, 0);
   } else if (size != row->blockBytes && !BlockResize(row, static_cast<size_t>(size))) {
     return STATUS_MEMORY_FULL;
   }
@@ -235,9 +213,9 @@ Status VectorFree(Handle handle) {
 }
 
 Status HandleData(Handle handle, void** data) {
-  HandleEntry* row = UsedRow(handle);
+  const HandleEntry* row = UsedRow(handle);
   if (!row) return STATUS_INTERNAL;
-  *data = RowData(row);
+  *data = row->data;
   return STATUS_OK;
 }
 
@@ -277,7 +255,6 @@ Handle HandleWrap(void* block, uint32_t elementSize, uint32_t count, uint32_t co
   row.count2 = count2;
   row.capacity = foreign ? static_cast<uint32_t>(bytes) : 0;
   row.blockBytes = block ? static_cast<uint32_t>(bytes) : 0;
-  TouchAll(&row, row.blockBytes);
   coreTables.handleRows++;
   TablesEnsure();
   return handle;
@@ -288,31 +265,6 @@ Status HandleUnwrap(Handle handle) {
   if (!row || row->kind > HANDLE_OWNED) return STATUS_MEMORY_ERROR;
   RowRelease(handle);
   return STATUS_OK;
-}
-
-void Untouched::Touch(const uint8_t* first, const uint8_t* end) {
-  const uint8_t* before = std::clamp(first, from, to);
-  const uint8_t* behind = std::clamp(end, from, to);
-  if (before - from > to - behind) {
-    to = before;
-  } else {
-    from = behind;
-  }
-}
-
-Untouched HandleUntouched(Handle handle) {
-  const HandleEntry* row = UsedRow(handle);
-  if (!row || !row->data) return {};
-  const auto* data = static_cast<const uint8_t*>(row->data);
-  return {data + row->untouchedFrom, data + row->untouchedTo};
-}
-
-void HandleUntouchedSet(Handle handle, const Untouched& untouched) {
-  HandleEntry* row = UsedRow(handle);
-  if (!row || !row->data) return;
-  const auto* data = static_cast<const uint8_t*>(row->data);
-  row->untouchedFrom = static_cast<uint32_t>(untouched.from - data);
-  row->untouchedTo = static_cast<uint32_t>(untouched.to - data);
 }
 
 HandleEntry* HandleRow(Handle handle) {

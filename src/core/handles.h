@@ -31,10 +31,6 @@ struct HandleEntry {
   uint32_t alignedAt = 0;    // HANDLE_IMAGE_PIXELS: the byte that a new block has on a cache line;
                              // a multiple of 8
   void* block = nullptr;     // the heap block that `data` lies in
-  // The bytes between are zero since the block was made, and nobody has asked where they lie but
-  // those who told that they did not touch them.
-  uint32_t untouchedFrom = 0;
-  uint32_t untouchedTo = 0;
 };
 
 // Makes room for one more image and one more handle, and tests the processor on first use.
@@ -72,27 +68,8 @@ Handle HandleWrap(void* block, uint32_t elementSize, uint32_t count, uint32_t co
 // Drops the row and leaves the block alone.
 Status HandleUnwrap(Handle handle);
 
-// A part of a block that nothing has touched since it was made: it reads 0, and costs no memory
-// where the block is large. To ask for the data of a handle is to touch all of it; who writes a
-// part only asks for this before and tells what is left of it afterwards, which must not be more.
-struct Untouched {
-  const uint8_t* from;
-  const uint8_t* to;
-
-  int64_t Bytes() const { return to - from; }
-  // What is left, of both sides the larger one, when the bytes between two others are written.
-  void Touch(const uint8_t* first, const uint8_t* end);
-};
-Untouched HandleUntouched(Handle handle);
-void HandleUntouchedSet(Handle handle, const Untouched& untouched);
-
 // The row of a handle that the library itself made; valid until the next call that can allocate.
 HandleEntry* HandleRow(Handle handle);
-// The data of a row for anyone's use: nothing of it counts as untouched from then on.
-inline void* RowData(HandleEntry* row) {
-  if (row->untouchedFrom != row->untouchedTo) row->untouchedFrom = row->untouchedTo;
-  return row->data;
-}
 
 template <class T>
 T* VectorData(Handle handle) {

@@ -255,7 +255,7 @@ PixelView ViewOf(const Image& image) {
                  .height = image.height,
                  .type = image.type,
                  .pixelBytes = static_cast<int16_t>(pixelBytes)};
-  auto* block = static_cast<uint8_t*>(RowData(HandleRow(image.pixels)));
+  auto* block = static_cast<uint8_t*>(HandleRow(image.pixels)->data);
   if (pixelBytes == 0 || !block) return view;
   view.pitch = int64_t{image.lineWidth} * pixelBytes;
   view.origin = block + image.border * view.pitch + PaddedBytes(image.border, pixelBytes);

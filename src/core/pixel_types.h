@@ -37,6 +37,16 @@ constexpr IntegerLimits LimitsOf(int32_t type) {
 template <class T>
 constexpr IntegerLimits LIMITS_OF = LimitsOf(sizeof(T) == 1 ? IMAGE_U8 : IMAGE_I16);
 
+// What there is one of for pixels of 1, 2, 4 and 8 bytes.
+template <class Item>
+struct ByPixelBytes {
+  Item one, two, four, eight;
+
+  Item For(int32_t pixelBytes) const {
+    return pixelBytes == 1 ? one : pixelBytes == 2 ? two : pixelBytes == 4 ? four : eight;
+  }
+};
+
 constexpr int32_t LEVELS_U8 = 256;  // values that a pixel can have
 constexpr int32_t LEVELS_I16 = 65536;
 

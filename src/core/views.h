@@ -35,6 +35,7 @@ struct PixelView {
     return Row<T>(y) + x;
   }
   int64_t RowBytes() const { return int64_t{width} * pixelBytes; }
+  int64_t Bytes() const { return RowBytes() * height; }
 
   PixelView Columns(int32_t first, int32_t end) const {
     PixelView part = *this;

@@ -85,12 +85,16 @@ void Operands::Border(BorderFill fill, int32_t width) {
 }
 
 void Operands::Destination(ImageRef reference) {
+  DestinationOfAnyType(reference);
+  if (!HasFailed() && destination_->type != source_->type) {
+    status_ = STATUS_DESTINATION_TYPE_DIFFERS;
+  }
+}
+
+void Operands::DestinationOfAnyType(ImageRef reference) {
   if (HasFailed()) return;
   destinationReference_ = reference == 0 ? sourceReference_ : reference;
   status_ = ImageLookup(destinationReference_, &destination_);
-  if (status_ == STATUS_OK && destination_->type != source_->type) {
-    status_ = STATUS_DESTINATION_TYPE_DIFFERS;
-  }
 }
 
 void Operands::Mask(ImageRef reference) {
@@ -107,6 +111,25 @@ void Operands::WriteBeside(InPlace inPlace) {
   if (!isMask && !(isSource && inPlace == CANNOT_RUN_IN_PLACE)) return;
   status_ = replacement_.Create(destinationReference_, *destination_);
   if (status_ == STATUS_OK) destination_ = replacement_.image();
+}
+
+void Operands::WriteSized(int64_t width, int64_t height) {
+  if (HasFailed()) return;
+  if (width < 1 || height < 1) width = height = 0;
+  if (width > INT32_MAX || height > INT32_MAX) {
+    status_ = STATUS_MEMORY_FULL;
+    return;
+  }
+  Image sized = *source_;
+  sized.width = static_cast<int32_t>(width);
+  sized.height = static_cast<int32_t>(height);
+  if (destination_ == source_) {
+    status_ = replacement_.Create(destinationReference_, sized);
+    if (!HasFailed()) destination_ = replacement_.image();
+  } else {
+    status_ = ImageLayoutSize(destination_, sized.width, sized.height, true);
+  }
+  TakeInfo();
 }
 
 void Operands::TakeSize() {

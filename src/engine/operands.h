@@ -89,6 +89,7 @@ class Operands {
   // 0 or the source: the result replaces the source. Else STATUS_BAD_IMAGE and
   // STATUS_DESTINATION_TYPE_DIFFERS.
   void Destination(ImageRef reference);
+  void DestinationOfAnyType(ImageRef reference);
 
   // 0 or the source: none. Else STATUS_BAD_IMAGE and STATUS_BAD_TYPE.
   void Mask(ImageRef reference);
@@ -97,6 +98,11 @@ class Operands {
   // mask is, and the source unless the operation can run in place. STATUS_MEMORY_FULL.
   enum InPlace : bool { CANNOT_RUN_IN_PLACE = false, CAN_RUN_IN_PLACE = true };
   void WriteBeside(InPlace inPlace);
+
+  // Instead of that and of what follows, for a result of a size of its own: it goes to a temporary
+  // image in place of the source, and any other destination takes the size; then the source's
+  // information. STATUS_MEMORY_FULL, also for a size that no image can have.
+  void WriteSized(int64_t width, int64_t height);
 
   // What the destination takes from the source; nothing to do in place. STATUS_MEMORY_FULL.
   void TakeSize();

@@ -141,6 +141,35 @@ ZEL_INLINE Doubles WidenFloats(const float* from) {
 ZEL_INLINE Ints AddDotProducts(Ints sums, Bytes a, Bytes withSign) {
   return (Ints)_mm512_dpbusd_epi32(Of(sums), Of(a), Of(withSign));
 }
+// The four bytes at each offset from an address.
+ZEL_INLINE Ints GatherInts(const uint8_t* from, Ints offsets) {
+  return (Ints)_mm512_mask_i32gather_epi32(_mm512_setzero_si512(), ALL_LANES, Of(offsets), from, 1);
+}
+// One byte of each, counted from the low one.
+template <int32_t byte>
+ZEL_INLINE void StoreBytes(uint8_t* to, Ints v) {
+  const __m128i places = _mm_setr_epi8(byte, 4 + byte, 8 + byte, 12 + byte, 16 + byte, 20 + byte,
+                                       24 + byte, 28 + byte, 32 + byte, 36 + byte, 40 + byte,
+                                       44 + byte, 48 + byte, 52 + byte, 56 + byte, 60 + byte);
+  const __m512i packed =
+      _mm512_maskz_permutexvar_epi8(0xFFFF, _mm512_castsi128_si512(places), Of(v));
+  std::memcpy(to, &packed, sizeof places);
+}
+// A bit for each that has none of the other's bits.
+ZEL_INLINE uint32_t DisjointBits(Ints a, Ints b) {
+  return _mm512_testn_epi32_mask(Of(a), Of(b));
+}
+// a * b + c, rounded once.
+ZEL_INLINE Floats MultiplyAdd(Floats a, Floats b, Floats c) {
+  return (Floats)_mm512_fmadd_ps((__m512)a, (__m512)b, (__m512)c);
+}
+// Pieces of 16 bytes, each so far behind the one before.
+ZEL_INLINE Bytes LoadPieces(const uint8_t* from, int64_t step) {
+  const auto piece = [=](int64_t k) { return Load<__m128i>(from + k * step); };
+  const __m512i two = _mm512_inserti32x4(_mm512_castsi128_si512(piece(0)), piece(1), 1);
+  const __m512i three = _mm512_inserti32x4(two, piece(2), 2);
+  return (Bytes)_mm512_inserti32x4(three, piece(3), 3);
+}
 // On a boundary of vectors, past the caches.
 ZEL_INLINE void Stream(uint8_t* to, Bytes v) {
   _mm512_stream_si512(reinterpret_cast<__m512i*>(to), Of(v));
@@ -224,6 +253,32 @@ ZEL_INLINE Doubles WidenFloats(const float* from) {
 ZEL_INLINE Words WidenBytes(const int8_t* from) {
   return (Words)_mm256_cvtepi8_epi16(Load<__m128i>(from));
 }
+// The four bytes at each offset from an address.
+ZEL_INLINE Ints GatherInts(const uint8_t* from, Ints offsets) {
+  return (Ints)_mm256_i32gather_epi32(reinterpret_cast<const int*>(from), Of(offsets), 1);
+}
+// One byte of each, counted from the low one.
+template <int32_t byte>
+ZEL_INLINE void StoreBytes(uint8_t* to, Ints v) {
+  const __m256i places = _mm256_set1_epi32(0x0C080400 + 0x01010101 * byte);
+  const __m256i packed = _mm256_shuffle_epi8(Of(v), places);
+  const __m128i upper = _mm256_extracti128_si256(packed, 1);
+  _mm_storel_epi64(reinterpret_cast<__m128i*>(to),
+                   _mm_unpacklo_epi32(_mm256_castsi256_si128(packed), upper));
+}
+// A bit for each that has none of the other's bits.
+ZEL_INLINE uint32_t DisjointBits(Ints a, Ints b) {
+  return static_cast<uint32_t>(_mm256_movemask_ps((__m256)((a & b) == 0)));
+}
+// a * b + c, rounded once.
+ZEL_INLINE Floats MultiplyAdd(Floats a, Floats b, Floats c) {
+  return (Floats)_mm256_fmadd_ps((__m256)a, (__m256)b, (__m256)c);
+}
+// Pieces of 16 bytes, each so far behind the one before.
+ZEL_INLINE Bytes LoadPieces(const uint8_t* from, int64_t step) {
+  const __m256i first = _mm256_castsi128_si256(Load<__m128i>(from));
+  return (Bytes)_mm256_inserti128_si256(first, Load<__m128i>(from + step), 1);
+}
 // On a boundary of vectors, past the caches.
 ZEL_INLINE void Stream(uint8_t* to, Bytes v) {
   _mm256_stream_si256(reinterpret_cast<__m256i*>(to), Of(v));
@@ -282,6 +337,10 @@ ZEL_INLINE Doubles MultiplyAdd(Doubles a, Doubles b, Doubles sum) {
 }
 ZEL_INLINE Doubles WidenFloats(const float* from) {
   return (Doubles)_mm_cvtps_pd(_mm_setr_ps(from[0], from[1], 0, 0));
+}
+// Pieces of 16 bytes: there is room for one.
+ZEL_INLINE Bytes LoadPieces(const uint8_t* from, int64_t) {
+  return Load<Bytes>(from);
 }
 // On a boundary of vectors, past the caches.
 ZEL_INLINE void Stream(uint8_t* to, Bytes v) {

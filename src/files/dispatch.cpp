@@ -80,11 +80,18 @@ Status TakeReadOptions(const ReadRequest& request, FileContext* context) {
   return STATUS_OK;
 }
 
-Status PixelStage(const OpenFile& file, const Image& image, FileContext* context) {
+// What a block that had `formerBytes` has gained.
+Untouched UntouchedOf(const Image& image, int64_t formerBytes) {
+  const auto* block = VectorData<const uint8_t>(image.pixels);
+  const int64_t bytes = block ? HandleByteSize(image.pixels) : 0;
+  return {block + std::min(formerBytes, bytes), block + bytes};
+}
+
+Status PixelStage(const OpenFile& file, const Image& image, int64_t formerBytes,
+                  FileContext* context) {
   if (!TypeHasPixels(image.type)) return STATUS_BAD_LAYOUT_TYPE;
-  const Untouched untouched = HandleUntouched(image.pixels);
   const PixelView view = ViewOf(image);
-  PixelStream stream{view, untouched, {}};
+  PixelStream stream{view, UntouchedOf(image, formerBytes), {}};
   // A 0 x 0 image has none of the file's rows.
   if (stream.view.width > 0) stream.view.width = context->width;
   Status status = STATUS_OK;
@@ -95,7 +102,6 @@ Status PixelStage(const OpenFile& file, const Image& image, FileContext* context
   if (stream.view.width % 2 != 0) {
     PixelRowsClear(view.Columns(view.width - 1, view.width), stream.untouched);
   }
-  HandleUntouchedSet(image.pixels, stream.untouched);
   return status;
 }
 
@@ -158,9 +164,10 @@ Status FileReadKernel(ImageRef reference, const char* path, const ReadRequest& r
   image->unit = static_cast<int16_t>(context->unit);
   image->xStep = context->ratioX;
   image->yStep = context->ratioY;
+  const int64_t formerBytes = HandleByteSize(image->pixels);
   const int32_t evenWidth = context->width + context->width % 2;
   status = ImageLayoutSize(image, evenWidth, context->height, true);
-  return status != STATUS_OK ? status : PixelStage(file, *image, context);
+  return status != STATUS_OK ? status : PixelStage(file, *image, formerBytes, context);
 }
 
 Status FileWriteKernel(ImageRef reference, const char* path, const WriteRequest& request) {

@@ -308,6 +308,16 @@ Status PixelRowsWriteAll(const OpenFile& file, const FileContext& context, const
                         {.pack = reverse, .sampleBytes = view.pixelBytes, .rowPadding = 0});
 }
 
+void Untouched::Touch(const uint8_t* first, const uint8_t* end) {
+  const uint8_t* before = std::clamp(first, from, to);
+  const uint8_t* behind = std::clamp(end, from, to);
+  if (before - from > to - behind) {
+    to = before;
+  } else {
+    from = behind;
+  }
+}
+
 void PixelStreamInvert(int64_t unread, PixelStream* stream) {
   if (stream->untouched.Bytes() <= unread) stream->untouched.from = stream->untouched.to;
   VisitTouched(stream->view, stream->untouched, sampleRows().invertBytes);

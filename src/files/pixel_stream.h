@@ -2,7 +2,6 @@
 // the rows of an image on their way to a file.
 #pragma once
 
-#include "core/handles.h"
 #include "core/heap.h"
 #include "core/views.h"
 #include "files/access.h"
@@ -11,12 +10,23 @@
 
 namespace zel {
 
+// The part of an image's block that resizing has just added, less what was written since: it reads
+// 0, and costs no memory where the block is large.
+struct Untouched {
+  const uint8_t* from;
+  const uint8_t* to;
+
+  int64_t Bytes() const { return to - from; }
+  // What is left, of both sides the larger one, when the bytes between two others are written.
+  void Touch(const uint8_t* first, const uint8_t* end);
+};
+
 // Position k of the stream is pixel (k mod width, k div width) of the view, whose width is the
 // file's. Positions behind the last pixel are dropped, and a pixel that no sample arrives for keeps
 // its value.
 struct PixelStream {
   PixelView view;
-  Untouched untouched;        // of the block that the view lies in, less what is written
+  Untouched untouched;        // of the block that the view lies in
   WorkArray<uint8_t> buffer;  // for samples that have to be converted; made when first needed
   int64_t bufferBytes = 0;
 

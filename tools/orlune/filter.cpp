@@ -58,6 +58,15 @@ std::vector<Output> PlanOutputs(const FilterCommand& command) {
   return outputs;
 }
 
+// Throws std::invalid_argument where steps can't be held to some of the pixels.
+void RefuseMask(const FilterCommand& command) {
+  for (const ChosenStep& step : command.steps) {
+    if (command.mask.empty() || !step.step->movesPixels) continue;
+    throw std::invalid_argument("no mask can go with the step " + std::string(step.step->name) +
+                                ", which moves pixels");
+  }
+}
+
 std::string SizeText(const ImageInfo& info) {
   return std::to_string(info.width) + " x " + std::to_string(info.height);
 }
@@ -149,6 +158,7 @@ class FilterRun {
       CheckSize(picture.image);
       const Depth depth = DepthOf(picture.account, picture.image);
       for (const ChosenStep& step : command_.steps) {
+        CheckSize(picture.image);
         Apply(step, picture.image, mask_ ? ImageRef(*mask_) : 0);
         result.steps.push_back(clock.Lap());
       }
@@ -254,6 +264,7 @@ int Run(const FilterCommand& asked) {
   }
   std::vector<Output> outputs;
   try {
+    RefuseMask(command);
     outputs = PlanOutputs(command);
   } catch (const std::invalid_argument& error) {
     std::cerr << "orlune: " << error.what() << '\n';

@@ -53,6 +53,18 @@ TEST(Chains, BlanksAndCaseAreFree) {
   EXPECT_EQ(chain[1].arguments[0].Whole(), EDGE_ROBERTS);
 }
 
+TEST(Chains, GeometryIsToldByWords) {
+  const Chain chain = ParseChain("rotate -17.5 nearest; resample 0.5; flip left-right; transpose");
+  ASSERT_EQ(chain.size(), 4u);
+  EXPECT_EQ(chain[0].arguments[0].Real(), -17.5f);
+  EXPECT_NE(chain[0].arguments[1].number, chain[1].arguments[1].number);
+  EXPECT_EQ(chain[2].arguments[0].Whole(), SYMMETRY_LEFT_RIGHT);
+  EXPECT_TRUE(chain[3].arguments.empty());
+  EXPECT_TRUE(chain[3].step->movesPixels);
+  ExpectComplaint("rotate 400", "-360 to 360");
+  ExpectComplaint("transpose 2", "too many");
+}
+
 TEST(Chains, AnArgumentLeftOutIsZero) {
   const Chain chain = ParseChain("edges prewitt");
   ASSERT_EQ(chain[0].arguments.size(), 2u);

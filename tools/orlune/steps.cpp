@@ -46,6 +46,39 @@ ConvolutionMatrix* MatrixOf(const Arguments& arguments, int32_t index) {
   return ZEL_GetConvolutionMatrix(matrices / 10, matrices % 10, index);
 }
 
+// Of a step whose parameters are no window.
+int32_t NoBorder(const Arguments&) {
+  return 0;
+}
+
+Parameter Factor() {
+  return {.name = "FACTOR", .kind = Kind::Whole, .low = 1, .high = LARGEST_SIDE};
+}
+
+constexpr int32_t WHOLE = WHOLE_IMAGE_EXTENT;
+
+// Bilinear where it is left out.
+constexpr int32_t METHOD_BILINEAR = 0;
+constexpr int32_t METHOD_NEAREST = 1;  // the others are those of ZEL_Resample
+Parameter Method(std::vector<Choice> others) {
+  others.insert(others.begin(), {"bilinear", METHOD_BILINEAR});
+  return {.name = "METHOD", .kind = Kind::Choice, .choices = std::move(others), .optional = true};
+}
+
+int32_t Resample(ImageRef image, double factor, int32_t method) {
+  ImageInfo info{};
+  const int32_t status = ZEL_GetImageInfo(image, &info);
+  if (status != 0) return -status;
+  const auto side = [&](int32_t pixels) {
+    return static_cast<int32_t>(std::clamp(std::round(pixels * factor), 1.0, 1e9));
+  };
+  const int32_t known = method == METHOD_BILINEAR  ? RESAMPLE_BILINEAR
+                        : method == METHOD_NEAREST ? RESAMPLE_NEAREST
+                                                   : method;
+  return ZEL_Resample(image, 0, 0, 0, info.height, info.width, side(info.width), side(info.height),
+                      known);
+}
+
 std::vector<Step> MakeSteps() {
   return {
       {.name = "convolve",
@@ -105,6 +138,40 @@ std::vector<Step> MakeSteps() {
              return ZEL_GrayEdge(image, mask, 0, a[0].Whole(), a[1].Real());
            }},
 
+      {.name = "expand",
+       .parameters = {Factor()},
+       .meaning = "each pixel becomes a square of FACTOR x FACTOR",
+       .movesPixels = true,
+       .border = NoBorder,
+       .apply =
+           [](ImageRef image, ImageRef, const Arguments& a) {
+             return ZEL_Expand(image, 0, 0, 0, WHOLE, WHOLE, a[0].Whole(), a[0].Whole());
+           }},
+
+      {.name = "extract",
+       .parameters = {Factor()},
+       .meaning = "every FACTOR-th pixel of every FACTOR-th row",
+       .movesPixels = true,
+       .border = NoBorder,
+       .apply =
+           [](ImageRef image, ImageRef, const Arguments& a) {
+             return ZEL_Extract(image, 0, 0, 0, WHOLE, WHOLE, a[0].Whole(), a[0].Whole());
+           }},
+
+      {.name = "flip",
+       .parameters = {{.name = "AXIS",
+                       .kind = Kind::Choice,
+                       .choices = {{"top-bottom", SYMMETRY_TOP_BOTTOM},
+                                   {"left-right", SYMMETRY_LEFT_RIGHT},
+                                   {"both", SYMMETRY_BOTH}}}},
+       .meaning = "the picture mirrored, or turned by 180 degrees",
+       .movesPixels = true,
+       .border = NoBorder,
+       .apply =
+           [](ImageRef image, ImageRef, const Arguments& a) {
+             return ZEL_Symmetry(image, 0, static_cast<uint8_t>(a[0].Whole()));
+           }},
+
       {.name = "lowpass",
        .parameters = {Size(), {.name = "TOLERANCE", .kind = Kind::Real, .low = 0, .high = 100}},
        .meaning = "the neighbours' mean, where a pixel differs from it by more percent",
@@ -156,6 +223,57 @@ std::vector<Step> MakeSteps() {
        .border = WindowBorder,
        .apply = [](ImageRef image, ImageRef mask,
                    const Arguments& a) { return Rank(image, mask, a[0].window, a[1].Whole()); }},
+
+      {.name = "relief",
+       .parameters = {{.name = "REDUCTION", .kind = Kind::Whole, .low = 1, .high = LARGEST_SIDE}},
+       .meaning = "bars as high as the picture is light, each REDUCTION-th pixel",
+       .movesPixels = true,
+       .border = NoBorder,
+       .apply =
+           [](ImageRef image, ImageRef, const Arguments& a) {
+             constexpr int32_t height = 64;
+             return ZEL_3DView(image, 0, a[0].Whole(), height, 0, nullptr);
+           }},
+
+      {.name = "resample",
+       .parameters = {{.name = "FACTOR", .kind = Kind::Real, .low = 0.001, .high = LARGEST_SIDE},
+                      Method({{"nearest", METHOD_NEAREST},
+                              {"quadratic", RESAMPLE_QUADRATIC},
+                              {"spline", RESAMPLE_SPLINE}})},
+       .meaning = "FACTOR times the size",
+       .movesPixels = true,
+       .border = NoBorder,
+       .apply = [](ImageRef image, ImageRef,
+                   const Arguments& a) { return Resample(image, a[0].number, a[1].Whole()); }},
+
+      {.name = "rotate",
+       .parameters = {{.name = "ANGLE", .kind = Kind::Real, .low = -360, .high = 360},
+                      Method({{"nearest", METHOD_NEAREST}})},
+       .meaning = "turned about the centre by degrees, the size as it is, black outside",
+       .movesPixels = true,
+       .border = NoBorder,
+       .apply =
+           [](ImageRef image, ImageRef, const Arguments& a) {
+             return ZEL_Rotate(image, 0, a[0].Real(), 0, a[1].Whole() == METHOD_BILINEAR ? 1 : 0);
+           }},
+
+      {.name = "shift",
+       .parameters = {{.name = "X", .kind = Kind::Whole, .low = -1e6, .high = 1e6},
+                      {.name = "Y", .kind = Kind::Whole, .low = -1e6, .high = 1e6}},
+       .meaning = "moved by X pixels to the right and Y down, black outside",
+       .movesPixels = true,
+       .border = NoBorder,
+       .apply =
+           [](ImageRef image, ImageRef, const Arguments& a) {
+             return ZEL_Shift(image, 0, a[0].Whole(), a[1].Whole(), 0);
+           }},
+
+      {.name = "transpose",
+       .parameters = {},
+       .meaning = "rows become columns",
+       .movesPixels = true,
+       .border = NoBorder,
+       .apply = [](ImageRef image, ImageRef, const Arguments&) { return ZEL_Transpose(image, 0); }},
   };
 }
 

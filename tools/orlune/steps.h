@@ -47,6 +47,7 @@ struct Step {
   std::string_view meaning;  // one line of help
   // What is wrong with arguments that are each in their range; empty for nothing. May be null.
   std::string (*complaint)(const Arguments&) = nullptr;
+  bool movesPixels = false;  // so that no mask can choose some of them
   // Pixels around the picture that are read.
   int32_t (*border)(const Arguments&);
   // In place, where the mask, if there is one, is not 0. Gives the library's status.

@@ -1,0 +1,306 @@
+// Resampling of rectangles to any size, by one of four methods.
+#include "utilities/resample.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "core/heap.h"
+#include "core/pixel_types.h"
+#include "engine/bands.h"
+#include "engine/operands.h"
+#include "utilities/copying.h"
+#include "utilities/resample_rows.h"
+#include "utilities/resample_spline.h"
+
+namespace zel {
+namespace {
+
+constexpr int64_t CACHE_LINE = 64;
+
+// The pixel that is read for one at or behind an image's last: pixels of the border as they are,
+// and beyond them the nearest of the image.
+int32_t Readable(int64_t pixel, int32_t size, int32_t border) {
+  return static_cast<int32_t>(pixel < int64_t{size} + border ? pixel : size - 1);
+}
+
+// Columns of results that fit a tile.
+struct Tile {
+  int32_t begin, end;
+
+  int32_t Columns() const { return end - begin; }
+};
+
+int64_t BytesTouched(const ResampleAxis& x, const ResampleAxis& y, int32_t pixelBytes) {
+  const int64_t results = int64_t{x.results} * y.results;
+  const int64_t pixels = int64_t{x.size} * y.size;
+  return (results + std::min(pixels, 4 * results)) * pixelBytes;
+}
+
+// Joining numbers takes so many times as long as adding them.
+constexpr int64_t JOINING_EFFORT = 8;
+
+// Calls work(tile, y) with the tiles of a band one after the other, each from top to bottom, after
+// begin(tile).
+template <class Begin, class Work>
+void TilesWalk(const ResampleViews& views, const Band& band, int32_t tileColumns,
+               const Begin& begin, const Work& work) {
+  for (int32_t x = 0; x < views.result.width;) {
+    const int32_t end = x + std::min(tileColumns, views.result.width - x);
+    const Tile tile{x, end};
+    begin(tile);
+    for (int64_t y = band.begin; y < band.end; y++) work(tile, static_cast<int32_t>(y));
+    x = end;
+  }
+}
+
+// ---- nearest
+
+void NearestBand(const ResampleViews& views, const Band& band) {
+  const PickRow pick = resampleRows().pick.For(views.result.pixelBytes);
+  int32_t index[TILE_NUMBERS];
+  const void* last = nullptr;
+  const uint8_t* lastFrom = nullptr;
+  const auto begin = [&](const Tile& tile) {
+    for (int32_t i = 0; i < tile.Columns(); i++) {
+      index[i] = views.x.At(tile.begin + i).pixel;
+    }
+    lastFrom = nullptr;
+  };
+  TilesWalk(views, band, TILE_NUMBERS, begin, [&](const Tile& tile, int32_t y) {
+    const auto* from = views.source.Row<uint8_t>(views.y.At(y).pixel);
+    uint8_t* to = views.result.Row<uint8_t>(y) + int64_t{tile.begin} * views.result.pixelBytes;
+    if (from == lastFrom) {
+      std::memcpy(
+          to, last,
+          static_cast<size_t>(tile.Columns()) * static_cast<size_t>(views.result.pixelBytes));
+    } else {
+      pick(from, views.source.width, index, to, tile.Columns());
+    }
+    last = to;
+    lastFrom = from;
+  });
+}
+
+// ---- joined samples
+
+// A source row, joined: estimates of the first numbers of a tile, and the others.
+struct HeldRow {
+  int64_t row;
+  alignas(CACHE_LINE) double numbers[TILE_NUMBERS];
+  alignas(CACHE_LINE) float estimates[TILE_NUMBERS];
+};
+
+// What a worker joins rows in.
+struct JoiningTile {
+  TileColumns columns;
+  HeldRow held[TILE_SAMPLES];
+};
+
+// Taken before anything is written.
+class JoiningMemory {
+ public:
+  Status Allocate(int64_t bytesTouched) {
+    const int64_t workers =
+        std::clamp<int64_t>(JOINING_EFFORT * bytesTouched / bandBytesAWorker, 1, BandWorkers());
+    const auto bytes = static_cast<uint64_t>(workers) * sizeof(JoiningTile) + CACHE_LINE;
+    return block_.Allocate(bytes) ? STATUS_OK : STATUS_MEMORY_FULL;
+  }
+  JoiningTile* OfWorker(int32_t worker) {
+    uint8_t* first = block_.data();
+    first += (CACHE_LINE - reinterpret_cast<uintptr_t>(first) % CACHE_LINE) % CACHE_LINE;
+    return reinterpret_cast<JoiningTile*>(first) + worker;
+  }
+
+ private:
+  WorkArray<uint8_t> block_;
+};
+
+// Rows of a tile that were joined along the row already: those that the next row of results needs
+// are mostly the same.
+class JoinedRows {
+ public:
+  JoinedRows(const ResampleViews& views, int32_t method, JoiningTile* tile)
+      : views_(views),
+        rows_(resampleRows()),
+        numbers_(views.NumbersAPixel()),
+        samplesAlong_(views.x.Changes() ? method + 1 : 1),
+        samplesDown_(views.y.Changes() ? method + 1 : 1),
+        along_(rows_.along.For(views.source.type).For(samplesAlong_)),
+        down_(rows_.down.For(views.source.type).For(samplesDown_)),
+        canBeEstimated_((views.source.type == IMAGE_U8 || views.source.type == IMAGE_RGB) &&
+                        samplesAlong_ == 2 && samplesDown_ == 2),
+        rowsRepeat_(views.y.step < 1.5),
+        columns_(tile->columns),
+        held_(tile->held) {}
+
+  int32_t ColumnsATile() const { return TILE_NUMBERS / numbers_; }
+
+  void Begin(const Tile& tile) {
+    columns_.count = tile.Columns() * numbers_;
+    columns_.readable = views_.source.width * numbers_;
+    for (int32_t i = 0; i < tile.Columns(); i++) {
+      const SourcePosition at = views_.x.At(tile.begin + i);
+      for (int32_t k = 0; k < numbers_; k++) columns_.share[i * numbers_ + k] = at.share;
+      for (int32_t sample = 0; sample < samplesAlong_; sample++) {
+        const int32_t pixel =
+            Readable(int64_t{at.pixel} + sample, views_.source.width, views_.border);
+        for (int32_t k = 0; k < numbers_; k++) {
+          columns_.index[sample][i * numbers_ + k] = pixel * numbers_ + k;
+        }
+      }
+    }
+    columns_.estimated = 0;
+    if (canBeEstimated_) rows_.estimate.prepare(&columns_);
+    for (int32_t i = 0; i < TILE_SAMPLES; i++) held_[i].row = NONE;
+  }
+
+  void RowTo(const Tile& tile, int32_t y) {
+    const SourcePosition at = views_.y.At(y);
+    const HeldRow* held[TILE_SAMPLES] = {};
+    for (int32_t sample = 0; sample < samplesDown_; sample++) {
+      held[sample] =
+          &Joined(Readable(int64_t{at.pixel} + sample, views_.source.height, views_.border));
+    }
+    uint8_t* to = views_.result.Row<uint8_t>(y) + int64_t{tile.begin} * views_.result.pixelBytes;
+    const int32_t estimated = columns_.estimated;
+    if (estimated != 0) {
+      const EstimatedRows rows{
+          {views_.source.Row<uint8_t>(held[0]->row), views_.source.Row<uint8_t>(held[1]->row)},
+          {held[0]->estimates, held[1]->estimates},
+          at.share};
+      (rowsRepeat_ ? rows_.estimate.down : rows_.estimate.both)(rows, columns_, to);
+    }
+    if (estimated == columns_.count) return;
+    const double* rows[TILE_SAMPLES] = {};
+    for (int32_t sample = 0; sample < samplesDown_; sample++) {
+      rows[sample] = held[sample]->numbers + estimated;
+    }
+    const int64_t numberBytes = views_.result.pixelBytes / numbers_;
+    down_(rows, at.share, to + estimated * numberBytes, columns_.count - estimated);
+  }
+
+ private:
+  static constexpr int64_t NONE = -1;
+
+  // The rows that are needed at once follow each other, or are one: none displaces another.
+  const HeldRow& Joined(int32_t row) {
+    HeldRow& held = held_[row % samplesDown_];
+    if (held.row == row) return held;
+    held.row = row;
+    const void* from = views_.source.Row<void>(row);
+    if (columns_.estimated != 0 && rowsRepeat_) {
+      rows_.estimate.along(static_cast<const uint8_t*>(from), columns_, held.estimates);
+    }
+    if (columns_.estimated != columns_.count) along_(from, columns_, held.numbers);
+    return held;
+  }
+
+  const ResampleViews& views_;
+  const ResampleRows& rows_;
+  int32_t numbers_, samplesAlong_, samplesDown_;
+  AlongRow along_;
+  DownRows down_;
+  bool canBeEstimated_;
+  bool rowsRepeat_;  // in the next row of results, so that they are worth keeping
+  TileColumns& columns_;
+  HeldRow* held_;
+};
+
+void JoinedBand(const ResampleViews& views, const Band& band, int32_t method, JoiningTile* tile) {
+  JoinedRows rows(views, method, tile);
+  TilesWalk(
+      views, band, rows.ColumnsATile(), [&](const Tile& columns) { rows.Begin(columns); },
+      [&](const Tile& columns, int32_t y) { rows.RowTo(columns, y); });
+}
+
+// ---- the call
+
+bool TypeCanBeResampled(int32_t type) {
+  return TypeIsScalar(type) || type == IMAGE_RGB;
+}
+
+void NearestRun(const ResampleViews& views, int64_t bytesTouched) {
+  BandsRun({.units = views.result.height, .bytes = bytesTouched},
+           [&](const Band& band) { NearestBand(views, band); });
+}
+
+void JoinedRun(const ResampleViews& views, int32_t method, int64_t bytesTouched,
+               JoiningMemory* memory) {
+  constexpr int64_t leastRows = 64;  // a band begins with the places of all columns
+  BandsRun(
+      {.units = views.result.height,
+       .bytes = JOINING_EFFORT * bytesTouched,
+       .leastUnits = leastRows},
+      [&](const Band& band) { JoinedBand(views, band, method, memory->OfWorker(band.worker)); });
+}
+
+struct ResampleSize {
+  int32_t width, height;
+};
+
+Status EmptyResult(Operands* operands) {
+  operands->WriteSized(0, 0);
+  if (!operands->HasFailed()) operands->Written();
+  return operands->status();
+}
+
+Status ResampleRun(const ClippedRect& part, const ResampleSize& wanted, int32_t method,
+                   Operands* operands) {
+  const int32_t type = operands->source().type;
+  const int64_t results = int64_t{wanted.width} * wanted.height;
+  if (results > static_cast<int64_t>(HEAP_BLOCK_LIMIT)) return STATUS_MEMORY_FULL;
+  const ResampleAxis x(part.left, part.width, wanted.width);
+  const ResampleAxis y(part.top, part.height, wanted.height);
+  const int64_t bytesTouched = BytesTouched(x, y, PixelBytesOf(type));
+  JoiningMemory joining;
+  SplineMemory spline;
+  Status status = STATUS_OK;
+  if (method == RESAMPLE_SPLINE) status = spline.Allocate(x, y, NumbersAPixel(type));
+  if (method == RESAMPLE_BILINEAR || method == RESAMPLE_QUADRATIC) {
+    status = joining.Allocate(bytesTouched);
+  }
+  if (status != STATUS_OK) return status;
+  operands->WriteSized(wanted.width, wanted.height);
+  if (operands->HasFailed()) return operands->status();
+  operands->Written();
+
+  const ResampleViews views{operands->From(), operands->source().border, operands->To(), x, y};
+  if (method == RESAMPLE_NEAREST) {
+    NearestRun(views, bytesTouched);
+  } else if (method == RESAMPLE_SPLINE) {
+    SplineRun(views, &spline);
+  } else {
+    JoinedRun(views, method, bytesTouched, &joining);
+  }
+  return STATUS_OK;
+}
+
+Status Resample(ImageRef source, ImageRef destination, const ApiRect& rect,
+                const ResampleSize& wanted, int32_t method) {
+  Operands operands;
+  operands.Source(source, [](int32_t) { return true; });
+  if (operands.HasFailed()) return operands.status();
+  const ClippedRect part = RectOn(operands.source(), rect);
+  const bool isEmpty = part.IsEmpty() || wanted.width < 1 || wanted.height < 1;
+  if (!isEmpty && part.width == wanted.width && part.height == wanted.height) {
+    const bool inPlace = destination == 0 || destination == source;
+    return inPlace ? STATUS_OK : ImageClone(source, destination);
+  }
+  if (!TypeCanBeResampled(operands.source().type)) return STATUS_BAD_TYPE;
+  operands.Destination(destination);
+  if (operands.HasFailed()) return operands.status();
+  if (isEmpty) return EmptyResult(&operands);
+  const int32_t known = std::clamp<int32_t>(method, RESAMPLE_NEAREST, RESAMPLE_SPLINE);
+  return ResampleRun(part, wanted, known, &operands);
+}
+
+}  // namespace
+}  // namespace zel
+
+int32_t ZEL_Resample(ImageRef source, ImageRef destination, int32_t top, int32_t left,
+                     int32_t height, int32_t width, int32_t newWidth, int32_t newHeight,
+                     int32_t method) {
+  return ZEL_ProcessError("ZEL_Resample",
+                          zel::Resample(source, destination, {top, left, height, width},
+                                        {newWidth, newHeight}, method));
+}

@@ -1,0 +1,82 @@
+// Row routines of resampling: along rows first, then down columns.
+#pragma once
+
+#include <cstdint>
+
+#include "engine/levels.h"
+#include "utilities/copying_rows.h"
+
+namespace zel {
+
+// Rows are resampled in tiles of so many numbers (an IMAGE_RGB pixel has four of them).
+constexpr int32_t TILE_NUMBERS = 1024;
+constexpr int32_t TILE_SAMPLES = 3;  // that a method joins at most along an axis
+
+// Where the results of a tile stand in a row: result i lies between the numbers index[0][i] and
+// index[1][i], the part share[i] of the way behind the first. Indexes don't fall from pixel to
+// pixel.
+struct TileColumns {
+  alignas(64) double share[TILE_NUMBERS];
+  alignas(64) int32_t index[TILE_SAMPLES][TILE_NUMBERS];
+  int32_t count;     // of results
+  int32_t readable;  // numbers of a row, from its first one on
+
+  // The first results may be estimated, vector by vector: where in a row a vector starts, and the
+  // numbers behind that.
+  int32_t estimated;
+  int32_t start[TILE_NUMBERS];
+  alignas(64) int32_t place[2][TILE_NUMBERS];
+  alignas(64) float shareEstimate[TILE_NUMBERS];
+};
+
+// Pixels picked from a row, of which so many may be read.
+using PickRow = void (*)(const void* from, int32_t readable, const int32_t* index, void* to,
+                         int32_t count);
+// The numbers of a row joined along it, without rounding to their type. Those that are estimated
+// are left out.
+using AlongRow = void (*)(const void* from, const TileColumns& columns, double* to);
+// Rows of them joined, and then put into their type: cut toward zero to integers.
+using DownRows = void (*)(const double* const* rows, double share, void* to, int32_t count);
+
+// Bilinear results of bytes, estimated in 32-bit floats. Where an estimate is so near to a whole
+// number that the stated numbers may lie on the other side of it, they are computed.
+struct EstimatedRows {
+  const uint8_t* from[2];  // the rows
+  const float* joined[2];  // ... along themselves
+  double share;
+};
+struct EstimateRows {
+  // Finds out how many of the results may be estimated, and their places.
+  void (*prepare)(TileColumns* columns);
+  void (*along)(const uint8_t* from, const TileColumns& columns, float* to);
+  void (*down)(const EstimatedRows& rows, const TileColumns& columns, uint8_t* to);
+  // Both at once, for rows that are not needed again.
+  void (*both)(const EstimatedRows& rows, const TileColumns& columns, uint8_t* to);
+};
+
+// How many numbers a method joins along an axis: 1 where the size does not change.
+template <class Routine>
+struct BySamples {
+  Routine one, two, three;
+
+  Routine For(int32_t samples) const { return samples == 1 ? one : samples == 2 ? two : three; }
+};
+
+// The routines for numbers of each kind; pixels of IMAGE_RGB are four bytes.
+template <class Routine>
+struct ByNumber {
+  Routine u8, i16, sgl;
+
+  Routine For(int32_t type) const { return type == IMAGE_I16 ? i16 : type == IMAGE_SGL ? sgl : u8; }
+};
+
+struct ResampleRows {
+  ByPixelBytes<PickRow> pick;
+  ByNumber<void (*)(const void* from, double* to, int32_t count)> widen;
+  ByNumber<BySamples<AlongRow>> along;
+  ByNumber<BySamples<DownRows>> down;
+  EstimateRows estimate;
+};
+ZEL_ROW_TABLE(ResampleRows, resampleRows)
+
+}  // namespace zel
