@@ -83,7 +83,7 @@ class RowUnpacker {
     size_t bit = index * bits_;
     for (uint32_t left = bits_; left > 0;) {
       const uint32_t here = std::min<uint32_t>(left, static_cast<uint32_t>(8 - bit % 8));
-      const uint32_t part = row[bit / 8] >> (8 - bit % 8 - here) & ((1u << here) - 1);
+      const uint32_t part = uint32_t{row[bit / 8]} >> (8 - bit % 8 - here) & ((1u << here) - 1);
       value = value << here | part;
       bit += here;
       left -= here;
