@@ -13,6 +13,7 @@
  *   thresholds.h  ranges of grey levels, given or found
  *   lookups.h     grey levels through tables and laws
  *   filters.h     a pixel and its neighbours: edges, smoothing
+ *   morphology.h  shapes and grey levels changed by structuring elements
  *   statistics.h  histograms, regions, centroids, profiles
  *   particles.h   connected pixels, numbered, measured, selected
  *   files.h       picture files
@@ -63,6 +64,7 @@
 #include "orlune_ptk/images.h"
 #include "orlune_ptk/lookups.h"
 #include "orlune_ptk/memory.h"
+#include "orlune_ptk/morphology.h"
 #include "orlune_ptk/operators.h"
 #include "orlune_ptk/particles.h"
 #include "orlune_ptk/pixels.h"

@@ -54,7 +54,7 @@ const std::vector<ApiCall>& ApiCalls() {
   static const auto calls = [] {
     std::vector<ApiCall> all;
     for (const auto& family : {CORE_CALLS, UTILITY_CALLS, POINT_CALLS, STATISTICS_CALLS,
-                               PARTICLE_CALLS, FILTER_CALLS, FILE_CALLS}) {
+                               PARTICLE_CALLS, FILTER_CALLS, MORPHOLOGY_CALLS, FILE_CALLS}) {
       all.insert(all.end(), family.begin(), family.end());
     }
     return all;

@@ -35,7 +35,7 @@ const std::vector<Step>& Steps() {
   static const auto steps = [] {
     std::vector<Step> all;
     for (const auto& family : {CORE_STEPS, UTILITY_STEPS, POINT_STEPS, STATISTICS_STEPS,
-                               PARTICLE_STEPS, FILTER_STEPS, FILE_STEPS}) {
+                               PARTICLE_STEPS, FILTER_STEPS, MORPHOLOGY_STEPS, FILE_STEPS}) {
       all.insert(all.end(), family.begin(), family.end());
     }
     return all;

@@ -62,6 +62,7 @@ extern const std::span<const Step> POINT_STEPS;
 extern const std::span<const Step> STATISTICS_STEPS;
 extern const std::span<const Step> PARTICLE_STEPS;
 extern const std::span<const Step> FILTER_STEPS;
+extern const std::span<const Step> MORPHOLOGY_STEPS;
 extern const std::span<const Step> FILE_STEPS;
 
 // All of them.
