@@ -264,14 +264,15 @@ TEST(BinaryMorphology, BearsElementsOfEveryShape) {
 }
 
 TEST(BinaryMorphology, BearsLargeElements) {
-  const TestImage image = Noise(150, 60, 15, 97, 5);
-  const TestImage sparse = Noise(150, 60, 15, 1, 6);
+  const TestImage image = Noise(70, 50, 15, 97, 5);
+  const TestImage sparse = Noise(70, 50, 15, 1, 6);
   for (const Element& element :
        {Element(31, 31, false), Element(15, 31, false), Element(31, 2, false),
         Element(1, 20, false), Element(8, 10, false), Element(9, 30, true), Element(31, 31, true),
         Element(3, 31, true), Element::Ring(9), Element::Ring(21), Element::Disk(11),
         Element::Disk(30), Element::Random(17, 17, false, 4), Element(12, 12, false, 0)}) {
-    for (int32_t operation = 0; operation < test::OPERATIONS; operation++) {
+    for (const int32_t operation : {MORPHOLOGY_DILATE, MORPHOLOGY_ERODE, MORPHOLOGY_THICK,
+                                    MORPHOLOGY_HIT_MISS, MORPHOLOGY_OPEN}) {
       ExpectMorphology(image, operation, element);
       ExpectMorphology(sparse, operation, element);
       if (HasFatalFailure()) return;
@@ -281,7 +282,7 @@ TEST(BinaryMorphology, BearsLargeElements) {
 
 // The rectangle of the members lies to one side of the pixel.
 TEST(BinaryMorphology, BearsElementsWithMembersFarFromTheirMiddle) {
-  const TestImage image = Noise(70, 50, 12, 90, 5);
+  const TestImage image = Noise(66, 40, 12, 90, 5);
   for (int32_t corner = 0; corner < 4; corner++) {
     for (const int32_t side : {2, 3, 10}) {
       Element element(25, 25, false, 0);
@@ -290,7 +291,8 @@ TEST(BinaryMorphology, BearsElementsWithMembersFarFromTheirMiddle) {
           element.At(corner < 2 ? y : 24 - y, corner % 2 == 0 ? x : 24 - x) = 1;
         }
       }
-      for (int32_t operation = 0; operation < test::OPERATIONS; operation++) {
+      for (const int32_t operation :
+           {MORPHOLOGY_DILATE, MORPHOLOGY_ERODE, MORPHOLOGY_THIN, MORPHOLOGY_CLOSE}) {
         ExpectMorphology(image, operation, element);
         if (HasFatalFailure()) return;
       }
@@ -310,7 +312,7 @@ TEST(BinaryMorphology, BearsElementsLargerThanTheImage) {
 
 TEST(BinaryMorphology, GivesEveryOperationOnEveryKindOfPicture) {
   for (const int32_t percent : {0, 10, 30, 50, 90, 100}) {
-    const TestImage image = Noise(130, 40, 7, percent, 8);
+    const TestImage image = Noise(130, 20, 7, percent, 8);
     for (const Element& element : {Element(3, 3, false), Element(3, 3, true), Element(7, 7, false),
                                    Element::Small(0x0BA, false), Element::Disk(9)}) {
       ExpectAllOperations(image, element);
@@ -320,13 +322,16 @@ TEST(BinaryMorphology, GivesEveryOperationOnEveryKindOfPicture) {
 }
 
 TEST(BinaryMorphology, IsTheSameForAnyNumberOfWorkers) {
-  const TestImage image = Noise(90, 200, 15, 85, 8);
-  for (const int32_t workers : {2, 3, 7}) {
+  const TestImage image = Noise(70, 120, 15, 85, 8);
+  for (const int32_t workers : {2, 7}) {
     const Workers forced(workers);
     for (const Element& element : {Element(3, 3, false), Element(3, 3, true),
                                    Element(13, 13, false), Element::Disk(7), Element(6, 6, true)}) {
-      ExpectAllOperations(image, element);
-      if (HasFatalFailure()) return;
+      for (const int32_t operation :
+           {MORPHOLOGY_DILATE, MORPHOLOGY_HIT_MISS, MORPHOLOGY_GRADIENT, MORPHOLOGY_AUTO_MEDIAN}) {
+        ExpectMorphology(image, operation, element);
+        if (HasFatalFailure()) return;
+      }
     }
   }
 }

@@ -1,7 +1,10 @@
 // Row routines of morphology.
 #include "morphology/extremes_rows.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <type_traits>
+#include <utility>
 
 #include "engine/vectors.h"
 
@@ -113,29 +116,32 @@ void Reach(const T* from, const int32_t* distances, T* to, int64_t columns) {
   });
 }
 
+constexpr int32_t GROWTH = 4;
+
+template <class T, class Rule>
+constexpr decltype(&Reach<T, Rule, 1>) REACHES[GROWTH] = {&Reach<T, Rule, 1>, &Reach<T, Rule, 2>,
+                                                          &Reach<T, Rule, 3>, &Reach<T, Rule, 4>};
+
 // A pass makes spans up to four times as long as those before it, which may overlap in it.
 template <class T, class Rule>
 void Span(const void* source, int32_t length, void* memory, void* result, int64_t columns) {
-  constexpr int32_t growth = 4;
-  constexpr decltype(&Reach<T, Rule, 1>) reaches[] = {&Reach<T, Rule, 1>, &Reach<T, Rule, 2>,
-                                                      &Reach<T, Rule, 3>, &Reach<T, Rule, 4>};
   const auto* from = static_cast<const T*>(source);
   T* free = static_cast<T*>(memory);
   T* next = free + columns + length - 1;
-  int32_t covered = 1;
-  do {
-    const int32_t reached = length / growth >= covered ? covered * growth : length;
-    const int32_t count = (reached + covered - 1) / covered;
-    int32_t distances[growth] = {};
+  int32_t distances[GROWTH] = {0, 1, 2, 3};
+  int32_t covered = std::min(length, GROWTH);
+  int32_t count = covered;
+  while (covered < length) {
+    REACHES<T, Rule>[count - 1](from, distances, free, columns + length - covered);
+    from = free;
+    std::swap(free, next);
+    const int32_t reached = length / GROWTH >= covered ? covered * GROWTH : length;
+    count = (reached + covered - 1) / covered;
     for (int32_t i = 1; i < count - 1; i++) distances[i] = i * covered;
     distances[count - 1] = reached - covered;
-    T* to = reached == length ? static_cast<T*>(result) : free;
-    reaches[count - 1](from, distances, to, columns + length - reached);
-    from = to;
-    free = next;
-    next = to;
     covered = reached;
-  } while (covered < length);
+  }
+  REACHES<T, Rule>[count - 1](from, distances, static_cast<T*>(result), columns);
 }
 
 template <class T, class Rule>
@@ -195,8 +201,21 @@ ZEL_INLINE void StoreFinished(const Block<T, Rule>& block, const void* centre, v
   }
 }
 
+// A list of so many places, which stay in registers.
+template <class T, class Rule, Finish finish, size_t count>
+void ListOf(const PixelList& list, const void* centre, void* to, int64_t columns) {
+  const T* places[count];
+  for (size_t i = 0; i < count; i++) places[i] = static_cast<const T*>(list.pixels[i]);
+  EachVector<T>(0, columns, [=](auto kind, int64_t x) {
+    using V = decltype(kind);
+    V extreme = Start<T, Rule, V>();
+    for (size_t i = 0; i < count; i++) extreme = Rule::Of(extreme, Load<V>(places[i] + x));
+    StoreFinished<T, finish>(extreme, centre, to, x);
+  });
+}
+
 template <class T, class Rule, Finish finish>
-void List(const PixelList& list, const void* centre, void* to, int64_t columns) {
+void LongList(const PixelList& list, const void* centre, void* to, int64_t columns) {
   const PixelList pixels = list;
   int64_t done = 0;
   for (; done + BLOCK * LANES<T> <= columns; done += BLOCK * LANES<T>) {
@@ -210,21 +229,22 @@ void List(const PixelList& list, const void* centre, void* to, int64_t columns) 
   });
 }
 
-// What both rows have in common is looked at once.
 template <class T, class Rule, Finish finish>
-void Pair(const RowPair& pair, int64_t columns) {
-  const void* const* rows = pair.rows.pixels;
-  const PixelList common{rows + 1, pair.rows.count - 2};
-  const void* const first = rows[0];
-  const void* const last = rows[pair.rows.count - 1];
-  const void* const centres[2] = {pair.centres[0], pair.centres[1]};
-  void* const results[2] = {pair.results[0], pair.results[1]};
-  EachVector<T>(0, columns, [=](auto kind, int64_t x) {
-    using V = decltype(kind);
-    const V middle = ExtremeOf<T, Rule, V>(common, x);
-    StoreFinished<T, finish>(Rule::Of(PixelAt<T, V>(first, x), middle), centres[0], results[0], x);
-    StoreFinished<T, finish>(Rule::Of(middle, PixelAt<T, V>(last, x)), centres[1], results[1], x);
-  });
+void List(const PixelList& list, const void* centre, void* to, int64_t columns) {
+  switch (list.count) {
+    case 2:
+      return ListOf<T, Rule, finish, 2>(list, centre, to, columns);
+    case 3:
+      return ListOf<T, Rule, finish, 3>(list, centre, to, columns);
+    case 5:
+      return ListOf<T, Rule, finish, 5>(list, centre, to, columns);
+    case 7:
+      return ListOf<T, Rule, finish, 7>(list, centre, to, columns);
+    case 9:
+      return ListOf<T, Rule, finish, 9>(list, centre, to, columns);
+    default:
+      return LongList<T, Rule, finish>(list, centre, to, columns);
+  }
 }
 
 // Not 0 where all of the first list are set, and none of the second.
@@ -277,10 +297,6 @@ constexpr ExtremeRoutines BYTES = {
              &List<uint8_t, Rule, FINISH_KEEP>, &List<uint8_t, Rule, FINISH_ADD>,
              &List<uint8_t, Rule, FINISH_ADD_MARK>, &List<uint8_t, Rule, FINISH_OUTER>,
              &List<uint8_t, Rule, FINISH_INNER>},
-    .pair = {&Pair<uint8_t, Rule, FINISH_VALUE>, &Pair<uint8_t, Rule, FINISH_MARK>,
-             &Pair<uint8_t, Rule, FINISH_KEEP>, &Pair<uint8_t, Rule, FINISH_ADD>,
-             &Pair<uint8_t, Rule, FINISH_ADD_MARK>, &Pair<uint8_t, Rule, FINISH_OUTER>,
-             &Pair<uint8_t, Rule, FINISH_INNER>},
 };
 
 template <class T, class Rule>
@@ -288,7 +304,6 @@ constexpr ExtremeRoutines LEVELS = {
     .span = &Span<T, Rule>,
     .join = &Join<T, Rule>,
     .list = {&List<T, Rule, FINISH_VALUE>},
-    .pair = {&Pair<T, Rule, FINISH_VALUE>},
 };
 
 }  // namespace

@@ -45,14 +45,6 @@ struct PixelList {
   int32_t count;
 };
 
-// The extremes of as many rows but one for each of two rows: the first and the last are only looked
-// at for one of them. At least three rows.
-struct RowPair {
-  PixelList rows;
-  const void* centres[2];
-  void* results[2];
-};
-
 // The largest or the smallest pixels of one type.
 struct ExtremeRoutines {
   // Of `length` pixels from each one on. `memory`: of two rows with length - 1 columns more.
@@ -61,7 +53,6 @@ struct ExtremeRoutines {
   void (*join)(const void* first, const void* second, void* to, int64_t columns);
   // By Finish; null where the type has none.
   void (*list[FINISHES])(const PixelList& list, const void* centre, void* to, int64_t columns);
-  void (*pair[FINISHES])(const RowPair& pair, int64_t columns);
 };
 
 // Whether a list of pixels is all set and another one all clear, by Finish.

@@ -141,13 +141,12 @@ TEST(GrayMorphology, BearsElementsOfEveryShape) {
 
 TEST(GrayMorphology, BearsLargeElements) {
   for (const int32_t type : TYPES) {
-    const TestImage image(type, 150, 60, 15, 5);
+    const TestImage image(type, 70, 50, 15, 5);
     for (const Element& element :
          {Element(31, 31, false), Element(31, 2, false), Element(1, 20, false),
           Element(9, 30, true), Element(31, 31, true), Element::Ring(9), Element::Ring(21),
           Element::Disk(30), Element::Random(17, 17, false, 4, 10)}) {
-      for (const int32_t operation :
-           {MORPHOLOGY_DILATE, MORPHOLOGY_ERODE, MORPHOLOGY_AUTO_MEDIAN}) {
+      for (const int32_t operation : {MORPHOLOGY_DILATE, MORPHOLOGY_ERODE, MORPHOLOGY_CLOSE}) {
         ExpectMorphology(image, operation, element);
         if (HasFatalFailure()) return;
       }
@@ -182,9 +181,9 @@ TEST(GrayMorphology, PassesOverWhatIsNoNumberAndKeepsSignsOfZeros) {
                            -1.0f};
   test::Random random(5);
   for (const int32_t kinds : {14, 6}) {
-    const TestImage image(IMAGE_SGL, 90, 40, 15, 5);
-    for (int32_t y = 0; y < 40; y++) {
-      for (int32_t x = 0; x < 90; x++) {
+    const TestImage image(IMAGE_SGL, 70, 24, 15, 5);
+    for (int32_t y = 0; y < 24; y++) {
+      for (int32_t x = 0; x < 70; x++) {
         const int32_t first = kinds == 6 ? 4 : 0;
         image.Set(x, y, odd[random.Between(first, kinds == 6 ? 7 : kinds - 1)]);
       }
@@ -209,14 +208,16 @@ TEST(GrayMorphology, GivesLimitsWhereNoMemberIsLookedAt) {
 }
 
 TEST(GrayMorphology, IsTheSameForAnyNumberOfWorkers) {
-  for (const int32_t workers : {2, 3, 7}) {
+  for (const int32_t workers : {2, 7}) {
     const Workers forced(workers);
     for (const int32_t type : TYPES) {
-      const TestImage image(type, 90, 120, 15, 8);
+      const TestImage image(type, 70, 80, 15, 8);
       for (const Element& element :
            {Element(3, 3, false), Element(3, 3, true), Element(13, 13, false), Element::Disk(7)}) {
-        ExpectAllOperations(image, element);
-        if (HasFatalFailure()) return;
+        for (const int32_t operation : {MORPHOLOGY_ERODE, MORPHOLOGY_AUTO_MEDIAN}) {
+          ExpectMorphology(image, operation, element);
+          if (HasFatalFailure()) return;
+        }
       }
     }
   }

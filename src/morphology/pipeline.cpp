@@ -2,13 +2,11 @@
 #include "morphology/pipeline.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 namespace zel {
 namespace {
-
-// Stages make rows by twos.
-constexpr int32_t GROUP = 2;
 
 // Rectangles of more rows are put together from blocks; measured at x86-64-v4.
 constexpr int32_t MOST_ROWS_AT_ONCE = 9;
@@ -17,7 +15,7 @@ int64_t RowsKeptFor(const MorphologyPass& reader) {
   const PassReach& reach = reader.reach;
   const bool looksBack = !reader.isRectangle || reach.bottom < 0;
   const int64_t above = looksBack ? std::max(-reach.top, 0) : 0;
-  return above + std::max(reach.bottom, 0) + 1 + 2 * GROUP;
+  return above + std::max(reach.bottom, 0) + 1;
 }
 
 template <class T>
@@ -32,9 +30,10 @@ void Replicate(uint8_t* row, int32_t width, int32_t left, int32_t right) {
 void RowRing::Take(Arena* arena, int64_t rows, int64_t first, int64_t columns, int32_t pixelBytes) {
   constexpr int64_t line = 64;
   const int64_t before = (std::max<int64_t>(-first, 0) * pixelBytes + line - 1) / line * line;
-  rows_ = rows;
+  const auto taken = static_cast<int64_t>(std::bit_ceil(static_cast<uint64_t>(rows)));
+  last_ = taken - 1;
   pitch_ = before + ((first + columns) * pixelBytes + line - 1) / line * line;
-  uint8_t* memory = arena->Take<uint8_t>(rows * pitch_);
+  uint8_t* memory = arena->Take<uint8_t>(taken * pitch_);
   columnZero_ = memory ? memory + before : nullptr;
 }
 
@@ -67,18 +66,14 @@ void PassInput::Begin(int64_t row) {
 void PassInput::MakeUpTo(int64_t row) {
   if (!isRing_) return;
   const int64_t last = Inside(row);
-  while (next_ <= last) {
-    const auto count = static_cast<int32_t>(std::min<int64_t>(GROUP, image_.height - next_));
-    const RowsOut out{next_, count, {ring_.Row(next_), ring_.Row(next_ + 1)}};
-    if (maker_) maker_->Make(out);
-    for (int32_t i = 0; i < count; i++) {
-      auto* to = static_cast<uint8_t*>(out.rows[i]);
-      if (!maker_) {
-        std::memcpy(to, image_.Row<uint8_t>(next_ + i), static_cast<size_t>(image_.RowBytes()));
-      }
-      MarginsFill(to);
+  for (; next_ <= last; next_++) {
+    uint8_t* to = ring_.Row(next_);
+    if (maker_) {
+      maker_->Make(next_, to);
+    } else {
+      std::memcpy(to, image_.Row<uint8_t>(next_), static_cast<size_t>(image_.RowBytes()));
     }
-    next_ += count;
+    MarginsFill(to);
   }
 }
 
@@ -105,7 +100,7 @@ void SpanRows::Take(const MorphologyPass& pass, const RunPlan& plan,
   rings_ = arena->Take<RowRing>(plan.doublings);
   for (int32_t i = 0; i < plan.doublings; i++) {
     RowRing ring;
-    ring.Take(arena, pass.reach.Rows() + GROUP, pass.reach.left, columns_, pass.pixelBytes);
+    ring.Take(arena, pass.reach.Rows(), pass.reach.left, columns_, pass.pixelBytes);
     if (rings_) rings_[i] = ring;
   }
 }
@@ -218,8 +213,8 @@ void PassStage::Take(const MorphologyPass& pass, PassInput* input, Arena* arena)
   if (IsTall()) {
     blocks_.Take(pass, width, arena);
   } else {
-    spans_.Take(arena, pass.reach.Rows() + GROUP, 0, width, pass.pixelBytes);
-    rows_ = arena->Take<const void*>(pass.reach.Rows() + 1);
+    spans_.Take(arena, pass.reach.Rows(), 0, width, pass.pixelBytes);
+    rows_ = arena->Take<const void*>(pass.reach.Rows());
   }
 }
 
@@ -230,43 +225,6 @@ void PassStage::Begin(int64_t row) {
   members_.Begin(nextSpans_);
   others_.Begin(nextSpans_);
   blocks_.Begin();
-}
-
-void PassStage::Make(const RowsOut& out) {
-  if (!pass_->isRectangle) {
-    MakeRuns(out);
-  } else if (IsTall()) {
-    MakeTallRectangles(out);
-  } else {
-    MakeRectangles(out);
-  }
-}
-
-void PassStage::MakeRuns(const RowsOut& out) {
-  const int32_t width = input_->width();
-  const int64_t last = out.first + out.count - 1;
-  input_->MakeUpTo(last + std::max(pass_->reach.bottom, 0));
-  members_.MakeUpTo(last + pass_->reach.bottom, input_);
-  if (pass_->otherExtremes) others_.MakeUpTo(last + pass_->reach.bottom, input_);
-  for (int32_t i = 0; i < out.count; i++) {
-    const int64_t row = out.first + i;
-    const PixelList places = members_.PlacesAround(row, *input_);
-    if (pass_->otherExtremes) {
-      morphologyRows().match[pass_->finish](places, others_.PlacesAround(row, *input_),
-                                            input_->Row(row), out.rows[i], width);
-    } else {
-      pass_->extremes->list[pass_->finish](places, input_->Row(row), out.rows[i], width);
-    }
-  }
-}
-
-void PassStage::MakeTallRectangles(const RowsOut& out) {
-  for (int32_t i = 0; i < out.count; i++) {
-    const int64_t row = out.first + i;
-    const PixelList places = blocks_.PlacesAround(row, input_, spanMemory_);
-    input_->MakeUpTo(row);
-    pass_->extremes->list[pass_->finish](places, input_->Row(row), out.rows[i], input_->width());
-  }
 }
 
 void PassStage::MakeSpansUpTo(int64_t row) {
@@ -280,25 +238,36 @@ void PassStage::MakeSpansUpTo(int64_t row) {
   }
 }
 
-void PassStage::MakeRectangles(const RowsOut& out) {
+PixelList PassStage::RectangleAround(int64_t row) {
   const PassReach& reach = pass_->reach;
-  const int32_t count = reach.Rows() + out.count - 1;
-  MakeSpansUpTo(out.first + out.count - 1 + reach.bottom);
-  input_->MakeUpTo(out.first + out.count - 1);
-  for (int32_t i = 0; i < count; i++) {
-    rows_[i] = spans_.Row(input_->Inside(out.first + reach.top + i));
+  MakeSpansUpTo(row + reach.bottom);
+  for (int32_t i = 0; i < reach.Rows(); i++) {
+    rows_[i] = spans_.Row(input_->Inside(row + reach.top + i));
   }
-  if (out.count == GROUP && count > GROUP) {
-    const RowPair pair{{rows_, count},
-                       {input_->Row(out.first), input_->Row(out.first + 1)},
-                       {out.rows[0], out.rows[1]}};
-    pass_->extremes->pair[pass_->finish](pair, input_->width());
+  return {rows_, reach.Rows()};
+}
+
+PixelList PassStage::PlacesAround(int64_t row) {
+  if (pass_->isRectangle) {
+    return IsTall() ? blocks_.PlacesAround(row, input_, spanMemory_) : RectangleAround(row);
+  }
+  input_->MakeUpTo(row + pass_->reach.bottom);
+  members_.MakeUpTo(row + pass_->reach.bottom, input_);
+  return members_.PlacesAround(row, *input_);
+}
+
+void PassStage::Make(int64_t row, void* to) {
+  const int32_t width = input_->width();
+  const PixelList places = PlacesAround(row);
+  input_->MakeUpTo(row);  // the pixels themselves, where the element lies above them
+  const void* centre = input_->Row(row);
+  if (!pass_->otherExtremes) {
+    pass_->extremes->list[pass_->finish](places, centre, to, width);
     return;
   }
-  for (int32_t i = 0; i < out.count; i++) {
-    pass_->extremes->list[pass_->finish]({rows_ + i, reach.Rows()}, input_->Row(out.first + i),
-                                         out.rows[i], input_->width());
-  }
+  others_.MakeUpTo(row + pass_->reach.bottom, input_);
+  morphologyRows().match[pass_->finish](places, others_.PlacesAround(row, *input_), centre, to,
+                                        width);
 }
 
 // ---- chains
@@ -321,18 +290,18 @@ void Pipeline::Take(const PassChain& chain, const PixelView& source, int32_t bor
 
 namespace {
 
-// A band's pipelines, and the rows of two chains before they are combined.
+// A band's pipelines, and a row of each before they are combined.
 struct BandStages {
   Pipeline first, second;
-  uint8_t* rows[2][GROUP];
+  uint8_t* firstRow = nullptr;
+  uint8_t* secondRow = nullptr;
 
   void Take(const WindowViews& views, int32_t border, const PassPlan& plan, Arena* arena) {
     first.Take(plan.first, views.source, border, arena);
-    if (!plan.combine) return;
     if (plan.second.count > 0) second.Take(plan.second, views.source, border, arena);
-    for (auto& chain : rows) {
-      for (uint8_t*& row : chain) row = arena->Take<uint8_t>(views.source.RowBytes());
-    }
+    if (!plan.combine) return;
+    firstRow = arena->Take<uint8_t>(views.source.RowBytes());
+    secondRow = arena->Take<uint8_t>(views.source.RowBytes());
   }
 };
 
@@ -345,24 +314,19 @@ PixelView RowAt(const PixelView& like, uint8_t* row) {
 void BandRun(const WindowBand& band, int32_t border, const PassPlan& plan) {
   const WindowViews& views = band.views;
   Arena arena(band.memory);
-  BandStages work;
-  work.Take(views, border, plan, &arena);
-  work.first.Begin(band.begin);
-  if (plan.second.count > 0) work.second.Begin(band.begin);
-  for (int32_t y = band.begin; y < band.end; y += GROUP) {
-    const int32_t count = std::min(GROUP, band.end - y);
-    RowsOut out{y, count, {band.RowBegin(y), nullptr}};
-    if (count == GROUP) out.rows[1] = band.RowBegin(y + 1);
+  BandStages stages;
+  stages.Take(views, border, plan, &arena);
+  stages.first.Begin(band.begin);
+  if (plan.second.count > 0) stages.second.Begin(band.begin);
+  for (int32_t y = band.begin; y < band.end; y++) {
     if (!plan.combine) {
-      work.first.Make(out);
+      stages.first.Make(y, band.RowBegin(y));
       continue;
     }
-    work.first.Make({y, count, {work.rows[0][0], work.rows[0][1]}});
-    if (plan.second.count > 0) work.second.Make({y, count, {work.rows[1][0], work.rows[1][1]}});
-    for (int32_t i = 0; i < count; i++) {
-      plan.combine({views.source.Rows(y + i, y + i + 1), RowAt(views.source, work.rows[0][i]),
-                    RowAt(views.source, work.rows[1][i]), views.result.Rows(y + i, y + i + 1)});
-    }
+    stages.first.Make(y, stages.firstRow);
+    if (plan.second.count > 0) stages.second.Make(y, stages.secondRow);
+    plan.combine({views.source.Rows(y, y + 1), RowAt(views.source, stages.firstRow),
+                  RowAt(views.source, stages.secondRow), views.result.Rows(y, y + 1)});
   }
 }
 
@@ -378,8 +342,8 @@ void CostAdd(const PassChain& chain, WindowPlan* cost) {
 Status PassesRun(const WindowViews& views, int32_t border, const PassPlan& plan) {
   if (views.IsEmpty()) return STATUS_OK;
   Arena counted(nullptr);
-  BandStages work;
-  work.Take(views, border, plan, &counted);
+  BandStages stages;
+  stages.Take(views, border, plan, &counted);
   WindowPlan cost{.memoryBytes = counted.taken(), .effort = 0};
   CostAdd(plan.first, &cost);
   CostAdd(plan.second, &cost);

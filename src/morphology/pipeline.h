@@ -31,14 +31,14 @@ class Arena {
 // The last rows of a sequence.
 class RowRing {
  public:
-  // Rows of `columns` pixels from column `first` on.
+  // At least so many rows of `columns` pixels from column `first` on.
   void Take(Arena* arena, int64_t rows, int64_t first, int64_t columns, int32_t pixelBytes);
   // Column 0 of a row.
-  uint8_t* Row(int64_t row) const { return columnZero_ + row % rows_ * pitch_; }
+  uint8_t* Row(int64_t row) const { return columnZero_ + (row & last_) * pitch_; }
 
  private:
   uint8_t* columnZero_ = nullptr;
-  int64_t rows_ = 1;
+  int64_t last_ = 0;  // of the rows, whose number is a power of two
   int64_t pitch_ = 0;
 };
 
@@ -77,13 +77,6 @@ class PassInput {
   int32_t left_ = 0;  // columns of margin
   int32_t right_ = 0;
   int64_t next_ = 0;  // row to be made
-};
-
-// Where up to two rows of results go.
-struct RowsOut {
-  int64_t first;
-  int32_t count;
-  void* rows[2];
 };
 
 // Spans of a row of input for all runs of a list: doubled again and again.
@@ -135,14 +128,14 @@ class PassStage {
  public:
   void Take(const MorphologyPass& pass, PassInput* input, Arena* arena);
   void Begin(int64_t row);
-  // Rows come in order.
-  void Make(const RowsOut& out);
+  // Rows come in order, one by one: processors fetch ahead for one place of a page at a time, and
+  // writing two rows of a result by turns was measured to take twice as long.
+  void Make(int64_t row, void* to);
 
  private:
   void MakeSpansUpTo(int64_t row);
-  void MakeRectangles(const RowsOut& out);
-  void MakeTallRectangles(const RowsOut& out);
-  void MakeRuns(const RowsOut& out);
+  PixelList RectangleAround(int64_t row);
+  PixelList PlacesAround(int64_t row);
   bool IsTall() const;
 
   const MorphologyPass* pass_ = nullptr;
@@ -160,7 +153,7 @@ class Pipeline {
  public:
   void Take(const PassChain& chain, const PixelView& source, int32_t border, Arena* arena);
   void Begin(int64_t row) { stages_[count_ - 1].Begin(row); }
-  void Make(const RowsOut& out) { stages_[count_ - 1].Make(out); }
+  void Make(int64_t row, void* to) { stages_[count_ - 1].Make(row, to); }
 
  private:
   int32_t count_ = 0;
