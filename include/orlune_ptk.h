@@ -8,6 +8,7 @@
  *   memory.h      the heap of blocks that go from the library to the caller and back
  *   images.h      making, sizing, describing and disposing of images
  *   pixels.h      single pixels, rows, columns, lines, whole arrays, fills, fields
+ *   drawing.h     lines, rectangles and ovals drawn into images
  *   operators.h   two images, or an image and a constant, pixel by pixel
  *   casts.h       from one pixel type to another
  *   thresholds.h  ranges of grey levels, given or found
@@ -58,6 +59,7 @@
 #define ORLUNE_PTK_H
 
 #include "orlune_ptk/casts.h"
+#include "orlune_ptk/drawing.h"
 #include "orlune_ptk/errors.h"
 #include "orlune_ptk/files.h"
 #include "orlune_ptk/filters.h"

@@ -20,8 +20,10 @@ const StructuringElement* Element(Playground& play) {
   const size_t positions = isServed ? Held(a.width) * Held(a.height) : 0;
   auto* members = play.ArrayOf<int32_t>(positions);
   for (size_t i = 0; members && i < positions; i++) members[i] &= 1;
+  play.model().Gives(members);
   auto* element = play.OutputOf<StructuringElement>(1);
   if (element) *element = {a.width, a.height, members, frames[a.frame]};
+  play.model().Gives(element);
   return element;
 }
 
@@ -34,12 +36,19 @@ int32_t ElementOf([[maybe_unused]] Playground& play) {
   return function()->width;
 }
 
+// Where the source is copied, the border comes along if both are of one width.
+constexpr Leftovers OF_MORPHOLOGY[] = {{-101, CALIBRATION | SIZE | PIXELS | BORDER}};
+
 constexpr ApiCall ROWS[] = {
     {100, "ZEL_Get_MO_STD3X3Ptr", ElementOf<ZEL_Get_MO_STD3X3Ptr>, NO_STATUS},
     {101, "ZEL_Get_MO_STD5X5Ptr", ElementOf<ZEL_Get_MO_STD5X5Ptr>, NO_STATUS},
     {102, "ZEL_Get_MO_STD7X7Ptr", ElementOf<ZEL_Get_MO_STD7X7Ptr>, NO_STATUS},
-    {103, "ZEL_Morphology", Call<ZEL_Morphology, Image, Image, Operation, Element>},
-    {104, "ZEL_GrayMorphology", Call<ZEL_GrayMorphology, Image, Image, Operation, Element>},
+    {103, "ZEL_Morphology",
+     Call<ZEL_Morphology, FramedSource, FramedDestination, Operation, Element>, STATUS,
+     OF_MORPHOLOGY},
+    {104, "ZEL_GrayMorphology",
+     Call<ZEL_GrayMorphology, FramedSource, FramedDestination, Operation, Element>, STATUS,
+     OF_MORPHOLOGY},
 };
 
 }  // namespace

@@ -74,8 +74,14 @@ int32_t ArrayToImage(Playground& play) {
   return ZEL_ArrayToImage(a.image, a.type, array, a.width, a.height);
 }
 
+int32_t DrawMode(Playground& play) {
+  return Below<16>(play) == 0 ? Int(play) : Below<4>(play);
+}
+
 // A split may have resized the first field.
 constexpr Leftovers OF_INTERLACE[] = {{-101, SIZE}};
+// The destination may be a copy of the source already.
+constexpr Leftovers OF_DRAWING[] = {{-101, CALIBRATION | SIZE | PIXELS | BORDER}};
 
 constexpr ApiCall ROWS[] = {
     {18, "ZEL_GetPixelValue", Call<ZEL_GetPixelValue, Source, Int, Int, Output<float>>},
@@ -91,6 +97,15 @@ constexpr ApiCall ROWS[] = {
     {27, "ZEL_ClearPixels", Call<ZEL_ClearPixels, ImageThatMay<PIXELS | BORDER>>},
     {28, "ZEL_Interlace", Call<ZEL_Interlace, Destination, Destination, Destination, Below<3>>,
      STATUS, OF_INTERLACE},
+    {120, "ZEL_DrawLine",
+     Call<ZEL_DrawLine, Source, FramedDestination, LineAnywhere, DrawMode, Float>, STATUS,
+     OF_DRAWING},
+    {121, "ZEL_DrawRect",
+     Call<ZEL_DrawRect, Source, FramedDestination, Int, Int, Int, Int, DrawMode, Float>, STATUS,
+     OF_DRAWING},
+    {122, "ZEL_DrawOval",
+     Call<ZEL_DrawOval, Source, FramedDestination, Int, Int, Int, Int, DrawMode, Float>, STATUS,
+     OF_DRAWING},
 };
 
 }  // namespace

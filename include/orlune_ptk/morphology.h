@@ -66,8 +66,8 @@ typedef enum MorphologyOperation {
  * element:   the structuring element. One of fewer than 3 positions copies the source, and its numbers
  *            may be NULL. A side below 1 counts as no positions.
  * Failures: -3009 for element or its numbers; -200; -301 for another source type; -309; -200 for dest;
- * -304 for another dest type; -101 no memory, with size, calibration and offset of dest changed and the
- * border filled by then. -102 no memory and -1001 no reference is left, both where source is replaced,
+ * -304 for another dest type; -101 no memory, with size, calibration and offset of dest changed, its
+ * pixels where the source is copied, and the source's border filled by then. -102 no memory and -1001 no reference is left, both where source is replaced,
  * which stays as it was. */
 int32_t ZEL_Morphology(ImageRef source, ImageRef dest, int32_t operation,
                        const StructuringElement* element);
@@ -91,8 +91,8 @@ int32_t ZEL_Morphology(ImageRef source, ImageRef dest, int32_t operation,
  *            source; with fewer than 3 positions its numbers may be NULL. A side below 1 counts as no
  *            positions.
  * Failures: -3009 for element or its numbers; -200; -301 for another source type; -309; -200 for dest;
- * -304 for another dest type; -101 no memory, with size, calibration and offset of dest changed and the
- * border filled by then. -102 no memory and -1001 no reference is left, both where source is replaced,
+ * -304 for another dest type; -101 no memory, with size, calibration and offset of dest changed, its
+ * pixels where the source is copied, and the source's border filled by then. -102 no memory and -1001 no reference is left, both where source is replaced,
  * which stays as it was. */
 int32_t ZEL_GrayMorphology(ImageRef source, ImageRef dest, int32_t operation,
                            const StructuringElement* element);

@@ -7,7 +7,7 @@
 
 namespace {
 
-using test::CopyOf;
+using test::CloneOf;
 using test::EachPixel;
 using test::Element;
 using test::Noise;
@@ -340,7 +340,7 @@ TEST(BinaryMorphology, LimitsOperationNumbers) {
   const TestImage image = Noise(20, 20, 1, 50, 2);
   const Element element(3, 3, false);
   const auto result = [&](int32_t operation) {
-    const TestImage copy = CopyOf(image);
+    const TestImage copy = CloneOf(image);
     Element own = element;
     const StructuringElement record = own.Record();
     EXPECT_EQ(ZEL_Morphology(copy, 0, operation, &record), 0);

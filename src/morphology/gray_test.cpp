@@ -9,7 +9,7 @@
 
 namespace {
 
-using test::CopyOf;
+using test::CloneOf;
 using test::EachPixel;
 using test::Element;
 using test::Picture;
@@ -226,7 +226,7 @@ TEST(GrayMorphology, IsTheSameForAnyNumberOfWorkers) {
 TEST(GrayMorphology, OpensWhereAnOperationHasNoMeaning) {
   const TestImage image(IMAGE_I16, 40, 20, 1, 2);
   const auto result = [&](int32_t operation) {
-    const TestImage copy = CopyOf(image);
+    const TestImage copy = CloneOf(image);
     EXPECT_EQ(ZEL_GrayMorphology(copy, 0, operation, ZEL_Get_MO_STD3X3Ptr()), 0);
     return copy.Pixels();
   };

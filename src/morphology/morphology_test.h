@@ -10,23 +10,15 @@
 #include <string>
 #include <vector>
 
-#include "core/images.h"
-#include "engine/bands.h"
 #include "harness/test_image.h"
 #include "tests/support/refused_memory.h"
+#include "tests/support/walks.h"
 
 namespace test {
 
 constexpr ImageRef UNKNOWN_IMAGE = 0x7FFFFFFF;
 
 constexpr int32_t OPERATIONS = 13;
-
-// The number of workers for the time of a scope, with images of any size worth all of them.
-class Workers {
- public:
-  explicit Workers(int32_t count) { zel::BandsForce(count, 1); }
-  ~Workers() { zel::BandsForce(0, 0); }
-};
 
 // An element that owns its numbers.
 struct Element {
@@ -144,13 +136,6 @@ struct Steps {
   Picture OpenedClosedOpened(const Picture& x) const { return Open(Close(Open(x))); }
 };
 
-inline TestImage CopyOf(const TestImage& image) {
-  const ImageInfo info = image.Info();
-  TestImage copy(info.type, info.width, info.height, info.border);
-  EXPECT_EQ(zel::ImageClone(image, copy), zel::STATUS_OK);
-  return copy;
-}
-
 // Noise in which so many of a hundred pixels are not 0.
 inline TestImage Noise(int32_t width, int32_t height, int32_t border, int32_t percent,
                        uint64_t seed) {
@@ -174,14 +159,14 @@ inline void ExpectMorphology(Export call, const TestImage& source, int32_t opera
   const ImageInfo info = source.Info();
   const TestImage result = expected.Image(info.type);
   {
-    const TestImage from = CopyOf(source);
+    const TestImage from = CloneOf(source);
     const TestImage destination(info.type, 3, 2, 1, 8);
     ASSERT_EQ(call(from, destination, operation, &element), 0);
     ASSERT_EQ(PixelDifference(destination, result), "") << "beside the source";
     ASSERT_EQ(PixelDifference(from, source), "") << "the source";
   }
   {
-    const TestImage from = CopyOf(source);
+    const TestImage from = CloneOf(source);
     const TestImage destination(info.type, info.width, info.height, 2, 8);
     const auto around = destination.Surroundings();
     ASSERT_EQ(call(from, destination, operation, &element), 0);
@@ -189,7 +174,7 @@ inline void ExpectMorphology(Export call, const TestImage& source, int32_t opera
     ASSERT_EQ(PixelDifference(destination, result), "") << "beside the source";
   }
   for (const bool byReference : {false, true}) {
-    const TestImage from = CopyOf(source);
+    const TestImage from = CloneOf(source);
     ASSERT_EQ(call(from, byReference ? ImageRef{from} : 0, operation, &element), 0);
     ASSERT_EQ(PixelDifference(from, result), "") << "in place of the source";
   }
@@ -227,7 +212,7 @@ inline void ExpectMemoryRefusals(Export call, int32_t type, int32_t operation,
   TestImage source;
   TestImage destination;
   const auto prepare = [&] {
-    source = CopyOf(original);
+    source = CloneOf(original);
     destination = TestImage(type, 0, 0, 0, 3);
   };
   for (const bool inPlace : {false, true}) {
