@@ -1,6 +1,4 @@
 // Binary morphology: pixels that are 0, and those that are not.
-#include "morphology/binary.h"
-
 #include "core/pixel_types.h"
 #include "morphology/compound.h"
 #include "morphology/structuring_element.h"
@@ -110,8 +108,6 @@ Status Run(MorphologyOperation operation, const BinaryElement& element, Operands
   return MorphologyRun(operands, CompoundPlan(operation, dilate, erode, COMBINATIONS));
 }
 
-}  // namespace
-
 Status BinaryMorphology(ImageRef source, ImageRef destination, int32_t operation,
                         const StructuringElement* element) {
   Operands operands;
@@ -127,6 +123,7 @@ Status BinaryMorphology(ImageRef source, ImageRef destination, int32_t operation
   return Run(MorphologyOperationOf(operation), prepared, &operands);
 }
 
+}  // namespace
 }  // namespace zel
 
 int32_t ZEL_Morphology(ImageRef source, ImageRef dest, int32_t operation,

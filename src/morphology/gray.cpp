@@ -1,6 +1,4 @@
 // Grey morphology: the largest and the smallest pixels around each one.
-#include "morphology/gray.h"
-
 #include "core/pixel_types.h"
 #include "morphology/compound.h"
 #include "morphology/structuring_element.h"
@@ -70,8 +68,6 @@ Status Run(MorphologyOperation operation, const ElementShape& shape, Operands* o
   }
 }
 
-}  // namespace
-
 Status GrayMorphology(ImageRef source, ImageRef destination, int32_t operation,
                       const StructuringElement* element) {
   Operands operands;
@@ -87,6 +83,7 @@ Status GrayMorphology(ImageRef source, ImageRef destination, int32_t operation,
   return Run(GrayOperationOf(operation), shape, &operands);
 }
 
+}  // namespace
 }  // namespace zel
 
 int32_t ZEL_GrayMorphology(ImageRef source, ImageRef dest, int32_t operation,
