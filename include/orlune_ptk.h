@@ -17,6 +17,8 @@
  *   morphology.h  shapes and grey levels changed by structuring elements
  *   statistics.h  histograms, regions, centroids, profiles
  *   particles.h   connected pixels, numbered, measured, selected
+ *   particle_filters.h  whole particles kept, removed, filled, enclosed
+ *   shapes.h      distance maps, circles, skeletons, zones, touching particles
  *   files.h       picture files
  *
  * What holds for all functions
@@ -68,8 +70,10 @@
 #include "orlune_ptk/memory.h"
 #include "orlune_ptk/morphology.h"
 #include "orlune_ptk/operators.h"
+#include "orlune_ptk/particle_filters.h"
 #include "orlune_ptk/particles.h"
 #include "orlune_ptk/pixels.h"
+#include "orlune_ptk/shapes.h"
 #include "orlune_ptk/statistics.h"
 #include "orlune_ptk/thresholds.h"
 #include "orlune_ptk/types.h"

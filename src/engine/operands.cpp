@@ -85,11 +85,14 @@ void Operands::BorderFilled(BorderFill fill) {
 
 void Operands::Destination(ImageRef reference) {
   if (HasFailed()) return;
+  Destination(reference, source_->type, STATUS_DESTINATION_TYPE_DIFFERS);
+}
+
+void Operands::Destination(ImageRef reference, int32_t type, Status refusal) {
+  if (HasFailed()) return;
   destinationReference_ = reference == 0 ? sourceReference_ : reference;
   status_ = ImageLookup(destinationReference_, &destination_);
-  if (status_ == STATUS_OK && destination_->type != source_->type) {
-    status_ = STATUS_DESTINATION_TYPE_DIFFERS;
-  }
+  if (status_ == STATUS_OK && destination_->type != type) status_ = refusal;
 }
 
 void Operands::Mask(ImageRef reference) {

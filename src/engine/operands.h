@@ -92,6 +92,8 @@ class Operands {
   // 0 or the source: the result replaces the source. Else STATUS_BAD_IMAGE and
   // STATUS_DESTINATION_TYPE_DIFFERS.
   void Destination(ImageRef reference);
+  // For a result of a type of its own, `refusal` where the destination has another.
+  void Destination(ImageRef reference, int32_t type, Status refusal);
 
   // 0 or the source: none. Else STATUS_BAD_IMAGE and STATUS_BAD_TYPE.
   void Mask(ImageRef reference);

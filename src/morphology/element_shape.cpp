@@ -1,6 +1,7 @@
 // Structuring elements taken apart into runs of members and of other positions.
 #include "morphology/element_shape.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "morphology/structuring_element.h"
@@ -76,6 +77,15 @@ Status ElementShape::Make(const StructuringElement& element, EvenWidth evenWidth
     });
   }
   return STATUS_OK;
+}
+
+int32_t ElementShape::MemberReach() const {
+  int32_t reach = 0;
+  for (int32_t i = 0; i < members_.count; i++) {
+    const ElementRun& run = members().runs[i];
+    reach = std::max({reach, -run.column, run.LastColumn() + (hexagonal_ ? 1 : 0)});
+  }
+  return reach;
 }
 
 }  // namespace zel

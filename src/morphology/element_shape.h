@@ -39,6 +39,11 @@ class ElementShape {
   bool hasCentre() const { return hasCentre_; }  // the pixel itself is a member
   // In raster order.
   RunList members() const { return members_.List(); }
+  // The first column of a run around a pixel of this row of the image.
+  int32_t ColumnAt(const ElementRun& run, int32_t y) const {
+    return run.column + (hexagonal_ && run.row % 2 != 0 && y % 2 != 0 ? 1 : 0);
+  }
+  int32_t MemberReach() const;                       // columns to either side, at most
   RunList others() const { return others_.List(); }  // the positions that are no members
 
  private:

@@ -30,6 +30,13 @@ int64_t ElementPositions(const StructuringElement& element) {
   return int64_t{element.width} * element.height;
 }
 
+int64_t ElementMembers(const StructuringElement& element) {
+  const int64_t positions = ElementPositions(element);
+  if (positions < LEAST_ELEMENT_POSITIONS) return 0;
+  return std::count_if(element.elements, element.elements + positions,
+                       [](int32_t number) { return number != 0; });
+}
+
 int32_t ElementBorder(const StructuringElement& element) {
   return (std::max({element.width, element.height, 1}) - 1) / 2;
 }

@@ -10,6 +10,9 @@ namespace zel {
 // Positions of an element; 0 where a side is below 1.
 int64_t ElementPositions(const StructuringElement& element);
 
+// The numbers of an element that are not 0; none of one with too few positions to be read.
+int64_t ElementMembers(const StructuringElement& element);
+
 // Elements with fewer positions are no neighbourhood: operations copy then.
 constexpr int64_t LEAST_ELEMENT_POSITIONS = 3;
 
