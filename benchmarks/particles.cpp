@@ -1,9 +1,9 @@
 // Labelling and particle measurement beside connected components of the peers.
 #include <leptonica/allheaders.h>
 
-#include <memory>
 #include <opencv2/imgproc.hpp>
 
+#include "benchmarks/packed.h"
 #include "benchmarks/pairs.h"
 
 namespace {
@@ -70,22 +70,9 @@ void PeerParticle(Mats& m) {
                                    CV_16U);
 }
 
-using PackedPicture = std::shared_ptr<PIX>;
-
-int32_t Pack(Images&, Mats& m) {
-  const PackedPicture packed(pixCreate(m.a.cols, m.a.rows, 1), [](PIX* pix) { pixDestroy(&pix); });
-  for (int y = 0; y < m.a.rows; y++) {
-    for (int x = 0; x < m.a.cols; x++) {
-      if (m.a.at<uint8_t>(y, x) != 0) pixSetPixel(packed.get(), x, y, 1);
-    }
-  }
-  m.own = packed;
-  return 0;
-}
-
 template <uint16_t connectivity>
 void PeerBoxes(Mats& m) {
-  PIX* packed = std::any_cast<PackedPicture&>(m.own).get();
+  PIX* packed = bench::PackedOf(m);
   BOXA* boxes = pixConnComp(packed, nullptr, NEIGHBOURS<connectivity>);
   boxaDestroy(&boxes);
 }
@@ -108,7 +95,7 @@ void AddPairs(const std::vector<Kind>& kinds, const std::vector<Size>& sizes,
   pairs->push_back({.operation = "basic_particle" + number + "_boxes",
                     .kinds = kinds,
                     .sizes = sizes,
-                    .prepare = Pack,
+                    .prepare = bench::Pack,
                     .ours = BasicParticle<connectivity>,
                     .peer = "Leptonica",
                     .theirs = PeerBoxes<connectivity>});

@@ -145,6 +145,39 @@ const std::vector<bench::Pair> PAIRS = {
      .prepare = FillArrayAndSize,
      .ours = [](Images& i) { return ZEL_FillImage(i.to, i.noise, 42, 0, 0, 0); },
      .theirs = [](Mats& m) { m.to.setTo(cv::Scalar(42), m.noise); }},
+    {.operation = "draw_rect",
+     .prepare = FillArrayAndSize,
+     .ours =
+         [](Images& i) {
+           return ZEL_DrawRect(i.to, 0, 8, 8, i.size.height - 16, i.size.width - 16, DRAW_PAINT,
+                               42);
+         },
+     .theirs =
+         [](Mats& m) {
+           cv::rectangle(m.to, {8, 8, m.to.cols - 16, m.to.rows - 16}, cv::Scalar(42), cv::FILLED);
+         }},
+    {.operation = "draw_oval",
+     .prepare = FillArrayAndSize,
+     .ours =
+         [](Images& i) {
+           return ZEL_DrawOval(i.to, 0, 0, 0, i.size.height, i.size.width, DRAW_PAINT, 42);
+         },
+     .theirs =
+         [](Mats& m) {
+           const cv::Point centre(m.to.cols / 2, m.to.rows / 2);
+           cv::ellipse(m.to, centre, centre, 0, 0, 360, cv::Scalar(42), cv::FILLED);
+         }},
+    {.operation = "draw_line",
+     .pixels = Line,
+     .prepare = FillArrayAndSize,
+     .ours =
+         [](Images& i) {
+           return ZEL_DrawLine(i.to, 0, 0, 0, i.size.width, i.size.height, DRAW_FRAME, 42);
+         },
+     .theirs =
+         [](Mats& m) {
+           cv::line(m.to, {0, 0}, {m.to.cols, m.to.rows}, cv::Scalar(42));
+         }},
     {.operation = "clear",
      .prepare = FillArrayAndSize,
      .ours = [](Images& i) { return ZEL_ClearPixels(i.to); },

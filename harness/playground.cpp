@@ -42,7 +42,7 @@ Playground::Playground(Input* input) : input_(input) {
 
 Playground::~Playground() {
   for (void* block : {static_cast<void*>(basicReports_), static_cast<void*>(particleReports_),
-                      static_cast<void*>(regionReports_)}) {
+                      static_cast<void*>(regionReports_), static_cast<void*>(circleReports_)}) {
     ZEL_free(block);
   }
   ZEL_CloseSys();

@@ -59,6 +59,7 @@ class Playground {
   BasicParticleReport** BasicReports() { return &basicReports_; }
   ParticleReport** ParticleReports() { return &particleReports_; }
   QuantifyReport** RegionReports() { return &regionReports_; }
+  CircleReport** CircleReports() { return &circleReports_; }
 
   void EndCall() { arrays_.Clear(); }
 
@@ -70,6 +71,7 @@ class Playground {
   BasicParticleReport* basicReports_ = nullptr;
   ParticleReport* particleReports_ = nullptr;
   QuantifyReport* regionReports_ = nullptr;
+  CircleReport* circleReports_ = nullptr;
 };
 
 }  // namespace test

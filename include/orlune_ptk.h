@@ -9,6 +9,7 @@
  *   images.h      making, sizing, describing and disposing of images
  *   pixels.h      single pixels, rows, columns, lines, whole arrays, fills, fields
  *   copying.h     images copied, blown up, thinned out, pasted, resampled
+ *   drawing.h     lines, rectangles and ovals drawn into images
  *   operators.h   two images, or an image and a constant, pixel by pixel
  *   casts.h       from one pixel type to another
  *   thresholds.h  ranges of grey levels, given or found
@@ -16,8 +17,11 @@
  *   convolution.h a pixel's neighbours, weighted by a matrix; templates found
  *   filters.h     a pixel and its neighbours: edges, smoothing
  *   geometry.h    images turned, shifted, mirrored, transposed, seen in relief
+ *   morphology.h  shapes and grey levels changed by structuring elements
  *   statistics.h  histograms, regions, centroids, profiles
  *   particles.h   connected pixels, numbered, measured, selected
+ *   particle_filters.h  whole particles kept, removed, filled, enclosed
+ *   shapes.h      distance maps, circles, skeletons, zones, touching particles
  *   files.h       picture files
  *
  * What holds for all functions
@@ -76,6 +80,7 @@
 #include "orlune_ptk/casts.h"
 #include "orlune_ptk/convolution.h"
 #include "orlune_ptk/copying.h"
+#include "orlune_ptk/drawing.h"
 #include "orlune_ptk/errors.h"
 #include "orlune_ptk/files.h"
 #include "orlune_ptk/filters.h"
@@ -83,9 +88,12 @@
 #include "orlune_ptk/images.h"
 #include "orlune_ptk/lookups.h"
 #include "orlune_ptk/memory.h"
+#include "orlune_ptk/morphology.h"
 #include "orlune_ptk/operators.h"
+#include "orlune_ptk/particle_filters.h"
 #include "orlune_ptk/particles.h"
 #include "orlune_ptk/pixels.h"
+#include "orlune_ptk/shapes.h"
 #include "orlune_ptk/statistics.h"
 #include "orlune_ptk/thresholds.h"
 #include "orlune_ptk/types.h"

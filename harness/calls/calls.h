@@ -46,6 +46,9 @@ extern const std::span<const ApiCall> STATISTICS_CALLS;
 extern const std::span<const ApiCall> PARTICLE_CALLS;
 extern const std::span<const ApiCall> FILTER_CALLS;
 extern const std::span<const ApiCall> GEOMETRY_CALLS;
+extern const std::span<const ApiCall> MORPHOLOGY_CALLS;
+extern const std::span<const ApiCall> PARTICLE_FILTER_CALLS;
+extern const std::span<const ApiCall> SHAPE_CALLS;
 extern const std::span<const ApiCall> FILE_CALLS;
 
 // All of them.

@@ -74,8 +74,11 @@ int32_t ArrayToImage(Playground& play) {
   return ZEL_ArrayToImage(a.image, a.type, array, a.width, a.height);
 }
 
-// A split may have resized the first field.
+int32_t DrawMode(Playground& play) {
+  return Below<16>(play) == 0 ? Int(play) : Below<4>(play);
+}
 
+// A split may have resized the first field.
 // Mostly small: results grow with them.
 int32_t Factor(Playground& play) {
   return Below<16>(play) == 0 ? Int(play) : Below<6>(play) - 1;
@@ -86,6 +89,8 @@ int32_t ResultSide(Playground& play) {
 int32_t MethodAnywhere(Playground& play) {
   return Below<16>(play) == 0 ? Int(play) : Below<5>(play);
 }
+// The destination may be a copy of the source already.
+constexpr Leftovers OF_DRAWING[] = {{-101, CALIBRATION | SIZE | PIXELS | BORDER}};
 
 constexpr ApiCall ROWS[] = {
     {18, "ZEL_GetPixelValue", Call<ZEL_GetPixelValue, Source, Int, Int, Output<float>>},
@@ -107,6 +112,15 @@ constexpr ApiCall ROWS[] = {
     {93, "ZEL_ImageToImage", Call<ZEL_ImageToImage, Source, Changed, Int, Int>},
     {94, "ZEL_Resample",
      Call<ZEL_Resample, Source, Image, Int, Int, Int, Int, ResultSide, ResultSide, MethodAnywhere>},
+    {120, "ZEL_DrawLine",
+     Call<ZEL_DrawLine, Source, FramedDestination, LineAnywhere, DrawMode, Float>, STATUS,
+     OF_DRAWING},
+    {121, "ZEL_DrawRect",
+     Call<ZEL_DrawRect, Source, FramedDestination, Int, Int, Int, Int, DrawMode, Float>, STATUS,
+     OF_DRAWING},
+    {122, "ZEL_DrawOval",
+     Call<ZEL_DrawOval, Source, FramedDestination, Int, Int, Int, Int, DrawMode, Float>, STATUS,
+     OF_DRAWING},
 };
 
 }  // namespace

@@ -29,6 +29,7 @@ struct Session {
   int32_t particleCount = 0;
   BasicParticleReport* basic = nullptr;
   QuantifyReport* regions = nullptr;
+  CircleReport* circles = nullptr;
   // What the step that ran last gave out besides images.
   std::vector<uint8_t> outputs;
 
@@ -63,6 +64,9 @@ extern const std::span<const Step> STATISTICS_STEPS;
 extern const std::span<const Step> PARTICLE_STEPS;
 extern const std::span<const Step> FILTER_STEPS;
 extern const std::span<const Step> GEOMETRY_STEPS;
+extern const std::span<const Step> MORPHOLOGY_STEPS;
+extern const std::span<const Step> PARTICLE_FILTER_STEPS;
+extern const std::span<const Step> SHAPE_STEPS;
 extern const std::span<const Step> FILE_STEPS;
 
 // All of them.

@@ -104,6 +104,12 @@ constexpr Step ROWS[] = {
      }},
     {"ZEL_Resample",
      [](Session& s) { return ZEL_Resample(s.target, 0, 0, 0, 11, 45, 20, 20, RESAMPLE_SPLINE); }},
+    {"ZEL_DrawLine",
+     [](Session& s) { return ZEL_DrawLine(s.u8, s.target, -3, 2, 30, 50, DRAW_FRAME, 200); }},
+    {"ZEL_DrawRect",
+     [](Session& s) { return ZEL_DrawRect(s.i16, s.target16, 3, 4, 9, 50, DRAW_INVERT_PAINT, 0); }},
+    {"ZEL_DrawOval",
+     [](Session& s) { return ZEL_DrawOval(s.target, 0, -4, 5, 15, 22, DRAW_INVERT_FRAME, 0); }},
 };
 
 }  // namespace

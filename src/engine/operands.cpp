@@ -54,21 +54,6 @@ Status RegionOf(const Image& image, ImageRef mask, Region* region) {
   return status;
 }
 
-namespace {
-
-Status BorderFilled(ImageRef image, BorderFill fill) {
-  switch (fill) {
-    case BORDER_MIRROR:
-      return BorderMirror(image);
-    case BORDER_REPLICATE:
-      return BorderReplicate(image);
-    default:
-      return BorderZero(image);
-  }
-}
-
-}  // namespace
-
 void Operands::Source(ImageRef reference, TypeTest takesType, Status refusal) {
   sourceReference_ = reference;
   status_ = ImageLookup(reference, &source_);
@@ -76,19 +61,36 @@ void Operands::Source(ImageRef reference, TypeTest takesType, Status refusal) {
 }
 
 void Operands::Border(BorderFill fill, int32_t width) {
-  if (HasFailed()) return;
-  if (source_->border < width) {
-    status_ = STATUS_BORDER_TOO_SMALL;
-  } else if (source_->border != 0) {
-    status_ = BorderFilled(sourceReference_, fill);
+  BorderAtLeast(width);
+  BorderFilled(fill);
+}
+
+void Operands::BorderAtLeast(int32_t width) {
+  if (!HasFailed() && source_->border < width) status_ = STATUS_BORDER_TOO_SMALL;
+}
+
+void Operands::BorderFilled(BorderFill fill) {
+  if (HasFailed() || source_->border == 0) return;
+  switch (fill) {
+    case BORDER_MIRROR:
+      status_ = BorderMirror(sourceReference_);
+      break;
+    case BORDER_REPLICATE:
+      status_ = BorderReplicate(sourceReference_);
+      break;
+    default:
+      status_ = BorderZero(sourceReference_);
   }
 }
 
 void Operands::Destination(ImageRef reference) {
+  if (HasFailed()) return;
+  Destination(reference, source_->type, STATUS_DESTINATION_TYPE_DIFFERS);
+}
+
+void Operands::Destination(ImageRef reference, int32_t type, Status refusal) {
   DestinationOfAnyType(reference);
-  if (!HasFailed() && destination_->type != source_->type) {
-    status_ = STATUS_DESTINATION_TYPE_DIFFERS;
-  }
+  if (!HasFailed() && destination_->type != type) status_ = refusal;
 }
 
 void Operands::DestinationOfAnyType(ImageRef reference) {

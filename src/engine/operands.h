@@ -83,13 +83,18 @@ class Operands {
   void Source(ImageRef reference, TypeTest takesType, Status refusal = STATUS_BAD_TYPE);
 
   // For an operation that reads `width` pixels of the source's border. STATUS_BORDER_TOO_SMALL;
-  // else all of the border is filled.
+  // else all of the border is filled, at once or, where failures still to come have to leave it
+  // alone, later.
   void Border(BorderFill fill, int32_t width);
+  void BorderAtLeast(int32_t width);
+  void BorderFilled(BorderFill fill);
 
   // 0 or the source: the result replaces the source. Else STATUS_BAD_IMAGE and
   // STATUS_DESTINATION_TYPE_DIFFERS.
   void Destination(ImageRef reference);
   void DestinationOfAnyType(ImageRef reference);
+  // For a result of a type of its own, `refusal` where the destination has another.
+  void Destination(ImageRef reference, int32_t type, Status refusal);
 
   // 0 or the source: none. Else STATUS_BAD_IMAGE and STATUS_BAD_TYPE.
   void Mask(ImageRef reference);

@@ -50,23 +50,29 @@ Status ParticleImageLookup(ImageRef reference, TypeTest takesType, bool connecti
   return (*image)->border < ParticleBorder(connectivity8) ? STATUS_BORDER_TOO_SMALL : STATUS_OK;
 }
 
+uint32_t RunsConnect(const RunTable& runs, bool connectivity8, uint32_t* labels,
+                     DisjointSets* sets) {
+  // Columns that two runs may lie apart and still touch.
+  const int32_t reach = connectivity8 ? 1 : 0;
+  uint32_t provisional = 0;
+  for (int32_t y = 0; y < runs.height(); y++) {
+    const uint32_t above = runs.RowBegin(y - 1);
+    const uint32_t row = runs.RowBegin(y);
+    provisional +=
+        RowJoin(runs.data() + above, labels + above, runs.data() + row, labels + row, reach, sets);
+  }
+  return provisional;
+}
+
 Status ParticleRunsFind(const PixelView& view, bool connectivity8, ParticleRuns* particles) {
   const RunTable& runs = particles->runs;
   if (!particles->runs.Extract(view) || !particles->labels.Allocate(runs.size()) ||
       !particles->numbers.Create(runs.size())) {
     return STATUS_MEMORY_FULL;
   }
-  // Columns that two runs may lie apart and still touch.
-  const int32_t reach = connectivity8 ? 1 : 0;
-  uint32_t* labels = particles->labels.data();
-  uint32_t provisional = 0;
-  for (int32_t y = 0; y < view.height; y++) {
-    const uint32_t above = runs.RowBegin(y - 1);
-    const uint32_t row = runs.RowBegin(y);
-    provisional += RowJoin(runs.data() + above, labels + above, runs.data() + row, labels + row,
-                           reach, &particles->numbers);
-    if (provisional > PROVISIONAL_LABEL_LIMIT) return STATUS_MEMORY_FULL;
-  }
+  const uint32_t provisional =
+      RunsConnect(runs, connectivity8, particles->labels.data(), &particles->numbers);
+  if (provisional > PROVISIONAL_LABEL_LIMIT) return STATUS_MEMORY_FULL;
   particles->count = static_cast<int32_t>(particles->numbers.Renumber());
   return STATUS_OK;
 }

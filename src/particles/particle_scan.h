@@ -32,6 +32,12 @@ struct ParticleRuns {
   int32_t count = 0;
 };
 
+// Joins runs that touch: those of each row to those of the row above. Each gets the number of a set
+// that was added to `sets` for it or for one that it touches. Answers how many provisional labels a
+// scan pixel by pixel would have handed out.
+uint32_t RunsConnect(const RunTable& runs, bool connectivity8, uint32_t* labels,
+                     DisjointSets* sets);
+
 // Particles are numbered from 1 in raster order of their first pixels. STATUS_MEMORY_FULL also
 // when there are too many provisional labels.
 Status ParticleRunsFind(const PixelView& view, bool connectivity8, ParticleRuns* particles);

@@ -18,6 +18,13 @@ BitsOfRow BitsOfType(int32_t type) {
   return type == IMAGE_U8 ? runRows().bitsU8 : runRows().bitsI16;
 }
 
+// Bits from `width` on stay clear.
+void BitsInvert(uint64_t* words, int32_t width) {
+  const int64_t count = WordsOfRow(width);
+  for (int64_t i = 0; i < count; i++) words[i] = ~words[i];
+  if (width % 64 != 0) words[count - 1] &= (uint64_t{1} << width % 64) - 1;
+}
+
 }  // namespace
 
 bool PixelBits::Create(const PixelView& view) {
@@ -63,7 +70,7 @@ bool RunTable::AppendRow(const uint64_t* words) {
   return true;
 }
 
-bool RunTable::Extract(const PixelView& view) {
+bool RunTable::Extract(const PixelView& view, RunsOf pixels) {
   WorkArray<uint64_t> words;
   if (!Start(view.width, view.height) ||
       !words.Allocate(static_cast<uint64_t>(WordsOfRow(view.width)))) {
@@ -72,6 +79,7 @@ bool RunTable::Extract(const PixelView& view) {
   const BitsOfRow bitsOfRow = BitsOfType(view.type);
   for (int32_t y = 0; y < view.height; y++) {
     bitsOfRow(view.Row<void>(y), view.width, words.data());
+    if (pixels == RunsOf::ClearPixels) BitsInvert(words.data(), view.width);
     if (!AppendRow(words.data())) return false;
   }
   return true;

@@ -226,6 +226,72 @@ TEST_P(ChainsOnImages, GiveWhatSingleCallsGive) {
   }
 }
 
+// Elements as steps name them, each pixel under the mask alone.
+TEST_P(ChainsOnImages, GiveWhatMorphologyGives) {
+  std::vector<int32_t> ones(15, 1);
+  const StructuringElement rectangle{5, 3, ones.data(), 0};
+  const StructuringElement hexagon{3, 3, ones.data(), 1};
+  struct Case {
+    const char* step;
+    int32_t operation;
+    const StructuringElement* element;
+  };
+  for (const Case& one : {Case{"erode 3", MORPHOLOGY_ERODE, ZEL_Get_MO_STD3X3Ptr()},
+                          {"dilate 5x3", MORPHOLOGY_DILATE, &rectangle},
+                          {"open 3 hexagon", MORPHOLOGY_OPEN, &hexagon},
+                          {"close 7 rectangle", MORPHOLOGY_CLOSE, ZEL_Get_MO_STD7X7Ptr()},
+                          {"automedian 3", MORPHOLOGY_AUTO_MEDIAN, ZEL_Get_MO_STD3X3Ptr()},
+                          {"properopen 3", MORPHOLOGY_PROPER_OPEN, ZEL_Get_MO_STD3X3Ptr()},
+                          {"properclose 3", MORPHOLOGY_PROPER_CLOSE, ZEL_Get_MO_STD3X3Ptr()}}) {
+    const Image from = Noise(GetParam(), 3);
+    const Image expected(GetParam(), 3);
+    Check(ZEL_GrayMorphology(from, expected, one.operation, one.element));
+    const Image image = Noise(GetParam(), 3);
+    Apply(ParseChain(one.step)[0], image, 0);
+    EXPECT_EQ(PixelsOf(image), PixelsOf(expected)) << one.step;
+
+    const Image mask = Pattern();
+    const Image masked = Noise(GetParam(), 3);
+    Apply(ParseChain(one.step)[0], masked, mask);
+    const std::vector<float> selected = PixelsOf(mask);
+    std::vector<float> mixed = PixelsOf(from);
+    for (size_t i = 0; i < mixed.size(); ++i) {
+      if (selected[i] != 0) mixed[i] = PixelsOf(expected)[i];
+    }
+    EXPECT_EQ(PixelsOf(masked), mixed) << one.step;
+  }
+}
+
+TEST(Chains, GiveWhatBinaryMorphologyGives) {
+  for (const auto& [step, operation] : {std::pair{"gradient 3", MORPHOLOGY_GRADIENT},
+                                        {"inneredge 3", MORPHOLOGY_INNER_GRADIENT},
+                                        {"outeredge 3", MORPHOLOGY_OUTER_GRADIENT}}) {
+    const Image image = Pattern();
+    const Image bordered(IMAGE_U8, 1);
+    Check(ZEL_NthOrder(image, 0, bordered, 1, 1, 0));
+    const Image expected(IMAGE_U8, 1);
+    Check(ZEL_Morphology(bordered, expected, operation, ZEL_Get_MO_STD3X3Ptr()));
+    Apply(ParseChain(step)[0], bordered, 0);
+    EXPECT_EQ(PixelsOf(bordered), PixelsOf(expected)) << step;
+    EXPECT_NE(PixelsOf(bordered), PixelsOf(image)) << step;
+  }
+}
+
+TEST(Chains, DisksFillTheirRectangle) {
+  const Image image(IMAGE_U8, 2, WIDTH, HEIGHT);
+  Check(ZEL_ClearPixels(image));
+  Check(ZEL_SetPixelValue(image, 10, 10, 200));
+  Apply(ParseChain("dilate 5 disk")[0], image, 0);
+  const char* const rows[] = {".###.", "#####", "#####", "#####", ".###."};
+  for (int32_t y = 0; y < 5; ++y) {
+    for (int32_t x = 0; x < 5; ++x) {
+      float value = 0;
+      Check(ZEL_GetPixelValue(image, x + 8, y + 8, &value));
+      EXPECT_EQ(value, rows[y][x] == '#' ? 200 : 0) << x << " " << y;
+    }
+  }
+}
+
 TEST_P(ChainsOnImages, MedianMinimumAndMaximumTakeTheirPlacesInTheWindow) {
   // Around the pixel at 1,1 lie eight others of which each value is known.
   const float pixels[] = {7, 1, 8, 2, 6, 3, 5, 9, 4};

@@ -8,6 +8,7 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "orlune/morphology_steps.h"
 #include "orlune/numbers.h"
 #include "orlune/words.h"
 
@@ -79,7 +80,7 @@ int32_t Resample(ImageRef image, double factor, int32_t method) {
                       known);
 }
 
-std::vector<Step> MakeSteps() {
+std::vector<Step> MakeFilters() {
   return {
       {.name = "convolve",
        .parameters =
@@ -277,6 +278,12 @@ std::vector<Step> MakeSteps() {
   };
 }
 
+std::vector<Step> MakeSteps() {
+  std::vector<Step> steps = MakeFilters();
+  for (Step& step : MorphologySteps()) steps.push_back(std::move(step));
+  return steps;
+}
+
 std::vector<std::string_view> WordsOf(const Parameter& parameter) {
   std::vector<std::string_view> words;
   for (const Choice& choice : parameter.choices) words.push_back(choice.word);
@@ -293,6 +300,14 @@ std::string RangeText(const Parameter& parameter) {
     range += " to " + Fixed(parameter.high, parameter.high == std::floor(parameter.high) ? 0 : 2);
   }
   return parameter.kind == Kind::Window ? range + ", or WIDTHxHEIGHT" : range;
+}
+
+// What an optional parameter is where it is left out.
+std::string DefaultText(const Parameter& parameter) {
+  for (const Choice& choice : parameter.choices) {
+    if (choice.number == 0) return std::string(choice.word);
+  }
+  return "0";
 }
 
 // "median SIZE"
@@ -441,7 +456,7 @@ std::string StepsHelp() {
     line(Usage(step), std::string(step.meaning));
     for (const Parameter& parameter : step.parameters) {
       line("", std::string(parameter.name) + ": " + RangeText(parameter) +
-                   (parameter.optional ? "; 0 if left out" : ""));
+                   (parameter.optional ? "; " + DefaultText(parameter) + " if left out" : ""));
     }
   }
   return help.str();

@@ -1,0 +1,174 @@
+// The steps of morphology. The library's calls know no masks: results are put under one here.
+#include "orlune/morphology_steps.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace front {
+namespace {
+
+using Kind = Parameter::Kind;
+
+constexpr double LARGEST_SIDE = 1000;
+
+enum Shape : int32_t { RECTANGLE, DISK, HEXAGON };
+
+// The pixels of the rectangle that lie in the ellipse which fills it.
+bool EllipseHolds(const Window& window, int32_t x, int32_t y) {
+  const double u = (2.0 * x + 1 - window.width) / window.width;
+  const double v = (2.0 * y + 1 - window.height) / window.height;
+  return u * u + v * v <= 1;
+}
+
+// An element that owns its numbers.
+struct Element {
+  std::vector<int32_t> members;
+  StructuringElement record{};
+
+  explicit Element(const Arguments& arguments) {
+    const Window& window = arguments[0].window;
+    const int32_t shape = arguments[1].Whole();
+    for (int32_t y = 0; y < window.height; ++y) {
+      for (int32_t x = 0; x < window.width; ++x) {
+        members.push_back(shape != DISK || EllipseHolds(window, x, y) ? 1 : 0);
+      }
+    }
+    record = {window.width, window.height, members.data(), shape == HEXAGON ? 1 : 0};
+  }
+};
+
+int32_t ElementBorder(const Arguments& arguments) {
+  const Window& window = arguments[0].window;
+  return (std::max(window.width, window.height) - 1) / 2;
+}
+
+// Gives the pixels back that the mask, from its first pixel on the first one, does not select.
+void RestoreOutside(const Image& before, ImageRef mask, ImageRef image) {
+  ImageInfo from, over, to;
+  Check(-ZEL_GetImageInfo(before, &from));
+  Check(-ZEL_GetImageInfo(mask, &over));
+  Check(-ZEL_GetImageInfo(image, &to));
+  const auto bytes = static_cast<size_t>(from.pixelBytes);
+  for (int32_t y = 0; y < from.height; ++y) {
+    const auto* selected = y < over.height ? Row<const uint8_t>(over, y) : nullptr;
+    for (int32_t x = 0; x < from.width; ++x) {
+      if (selected && x < over.width && selected[x] != 0) continue;
+      const size_t at = static_cast<size_t>(x) * bytes;
+      std::memcpy(Row<uint8_t>(to, y) + at, Row<const uint8_t>(from, y) + at, bytes);
+    }
+  }
+}
+
+// call() changes the image; what the mask, if there is one, does not select stays.
+template <class Call>
+int32_t UnderMask(ImageRef image, ImageRef mask, const Call& call) {
+  if (mask == 0) return call();
+  ImageInfo info;
+  Check(-ZEL_GetImageInfo(image, &info));
+  const Image before(info.type);
+  Check(ZEL_NthOrder(image, 0, before, 1, 1, 0));  // a copy
+  const int32_t status = call();
+  if (status == 0) RestoreOutside(before, mask, image);
+  return status;
+}
+
+using Export = int32_t (*)(ImageRef, ImageRef, int32_t, const StructuringElement*);
+
+template <Export call, MorphologyOperation operation>
+int32_t ApplyMorphology(ImageRef image, ImageRef mask, const Arguments& arguments) {
+  const Element element(arguments);
+  return UnderMask(image, mask, [&] { return call(image, 0, operation, &element.record); });
+}
+
+template <Export call, MorphologyOperation operation>
+Step StepOf(std::string_view name, std::string_view meaning) {
+  return {
+      .name = name,
+      .parameters = {{.name = "SIZE", .kind = Kind::Window, .low = 1, .high = LARGEST_SIDE},
+                     {.name = "SHAPE",
+                      .kind = Kind::Choice,
+                      .choices = {{"rectangle", RECTANGLE}, {"disk", DISK}, {"hexagon", HEXAGON}},
+                      .optional = true}},
+      .meaning = meaning,
+      .border = ElementBorder,
+      .apply = ApplyMorphology<call, operation>};
+}
+
+template <MorphologyOperation operation>
+Step Gray(std::string_view name, std::string_view meaning) {
+  return StepOf<ZEL_GrayMorphology, operation>(name, meaning);
+}
+template <MorphologyOperation operation>
+Step Binary(std::string_view name, std::string_view meaning) {
+  return StepOf<ZEL_Morphology, operation>(name, meaning);
+}
+
+// Particles are white on black, in pictures of bytes.
+int32_t Whiten(ImageRef image, int32_t status) {
+  return status != 0 ? status : ZEL_Threshold(image, 0, 1, 255, 255, 1);
+}
+
+// A step for pictures of particles.
+template <int32_t (*call)(ImageRef image, const Arguments& arguments)>
+Step Particles(std::string_view name, std::string_view meaning,
+               std::vector<Parameter> parameters = {}) {
+  return {.name = name,
+          .parameters = std::move(parameters),
+          .meaning = meaning,
+          .border = [](const Arguments&) { return 1; },
+          .apply =
+              [](ImageRef image, ImageRef mask, const Arguments& arguments) {
+                return UnderMask(image, mask, [&] { return call(image, arguments); });
+              }};
+}
+
+int32_t Distance(ImageRef image, const Arguments&) {
+  return ZEL_Danielsson(image, 0);
+}
+
+int32_t FillHoles(ImageRef image, const Arguments&) {
+  const int32_t status = Whiten(image, 0);
+  return Whiten(image, status != 0 ? status : ZEL_FillHole(image, 0, CONNECTIVITY_8));
+}
+
+int32_t RejectBorder(ImageRef image, const Arguments&) {
+  return ZEL_RejectBorder(image, 0, CONNECTIVITY_8);
+}
+
+int32_t Skeleton(ImageRef image, const Arguments& arguments) {
+  return Whiten(image, ZEL_Skeleton(image, 0, arguments[0].Whole()));
+}
+
+Parameter SkeletonTypes() {
+  return {.name = "TYPE",
+          .kind = Kind::Choice,
+          .choices = {{"lines", SKELETON_SET_A},
+                      {"fewer", SKELETON_SET_B},
+                      {"zones", SKELETON_INFLUENCE_ZONES}},
+          .optional = true};
+}
+
+}  // namespace
+
+std::vector<Step> MorphologySteps() {
+  return {
+      Gray<MORPHOLOGY_AUTO_MEDIAN>("automedian", "without light and dark spots smaller than SHAPE"),
+      Gray<MORPHOLOGY_CLOSE>("close", "dilated, then eroded: dark gaps are filled"),
+      Gray<MORPHOLOGY_DILATE>("dilate", "the lightest pixel of SHAPE: what is light grows"),
+      Particles<Distance>("distance", "how far what is not 0 is from the next 0 (u8)"),
+      Gray<MORPHOLOGY_ERODE>("erode", "the darkest pixel of SHAPE: what is light shrinks"),
+      Particles<FillHoles>("fillholes", "all that is not 0 and its holes, white (u8)"),
+      Binary<MORPHOLOGY_GRADIENT>("gradient", "dilated less eroded, of what is not 0 (u8)"),
+      Binary<MORPHOLOGY_INNER_GRADIENT>("inneredge", "what eroding takes from all not 0 (u8)"),
+      Gray<MORPHOLOGY_OPEN>("open", "eroded, then dilated: light spots are removed"),
+      Binary<MORPHOLOGY_OUTER_GRADIENT>("outeredge", "what dilating adds to all not 0 (u8)"),
+      Gray<MORPHOLOGY_PROPER_CLOSE>("properclose", "dark gaps are filled, shapes kept"),
+      Gray<MORPHOLOGY_PROPER_OPEN>("properopen", "light spots are removed, shapes kept"),
+      Particles<RejectBorder>("rejectborder", "particles that do not touch the edge (u8)"),
+      Particles<Skeleton>("skeleton", "particles thinned, or lines between them, white (u8)",
+                          {SkeletonTypes()}),
+  };
+}
+
+}  // namespace front
