@@ -2,7 +2,8 @@
  * that hold for all functions are told in orlune_ptk.h.
  *
  * Rectangles are limited to the image. A result in place of the source is made in a new image that
- * takes its place: addresses of pixels are no longer valid then. */
+ * takes its place: addresses of pixels are no longer valid then, and the pixels of its border are
+ * 0. */
 #ifndef ORLUNE_PTK_COPYING_H
 #define ORLUNE_PTK_COPYING_H
 

@@ -2,7 +2,7 @@
  * functions are told in orlune_ptk.h.
  *
  * A result in place of the source is made in a new image that takes its place: addresses of pixels
- * are no longer valid then. */
+ * are no longer valid then, and the pixels of its border are 0. */
 #ifndef ORLUNE_PTK_GEOMETRY_H
 #define ORLUNE_PTK_GEOMETRY_H
 
