@@ -69,7 +69,7 @@ FNR == NR {
 }
 
 # Declarations run over lines, and the comment above one ends on the line before it.
-in_declaration || /^[a-z].*[ *]ZEL_[A-Za-z0-9_]+\(/ {
+in_declaration || /^[A-Za-z].*[ *]ZEL_[A-Za-z0-9_]+\(/ {
   declaration = in_declaration ? declaration " " $0 : $0
   in_declaration = $0 !~ /;/
   if (!in_declaration) {
