@@ -277,6 +277,44 @@ TEST(Chains, GiveWhatBinaryMorphologyGives) {
   }
 }
 
+TEST(Chains, WorkOnParticlesUnderMasks) {
+  const auto particles = [] {
+    Image image(IMAGE_U8, 1, WIDTH, HEIGHT);
+    Check(ZEL_ClearPixels(image));
+    for (int32_t y = 2; y < 12; ++y) {
+      for (int32_t x = 0; x < 30; ++x) {
+        if (x % 10 != 9 && (x != 14 || y != 6)) Check(ZEL_SetPixelValue(image, x, y, 8));
+      }
+    }
+    return image;
+  };
+  const auto valueAt = [](const Image& image, int32_t x, int32_t y) {
+    float value = 0;
+    Check(ZEL_GetPixelValue(image, x, y, &value));
+    return value;
+  };
+  const Image image = particles();
+  for (const ChosenStep& step : ParseChain("fillholes; rejectborder")) Apply(step, image, 0);
+  EXPECT_EQ(valueAt(image, 14, 6), 255);  // the hole
+  EXPECT_EQ(valueAt(image, 11, 6), 255);
+  EXPECT_EQ(valueAt(image, 5, 6), 0);  // the particle on the edge
+  Apply(ParseChain("distance")[0], image, 0);
+  EXPECT_EQ(valueAt(image, 14, 6), 5);
+
+  Apply(ParseChain("skeleton")[0], image, 0);
+  const std::vector<float> thin = PixelsOf(image);
+  EXPECT_GT(std::count(thin.begin(), thin.end(), 255.0f), 5);
+  EXPECT_LT(std::count(thin.begin(), thin.end(), 255.0f), 90);
+
+  const Image masked = particles();
+  const Image mask(IMAGE_U8, 0, WIDTH, HEIGHT);
+  Check(ZEL_ClearPixels(mask));
+  Check(ZEL_SetPixelValue(mask, 14, 6, 1));
+  Apply(ParseChain("fillholes")[0], masked, mask);
+  EXPECT_EQ(valueAt(masked, 14, 6), 255);
+  EXPECT_EQ(valueAt(masked, 13, 6), 8);
+}
+
 TEST(Chains, DisksFillTheirRectangle) {
   const Image image(IMAGE_U8, 2, WIDTH, HEIGHT);
   Check(ZEL_ClearPixels(image));
