@@ -14,7 +14,7 @@ int32_t Operation(Playground& play) {
 
 template <auto function>
 int32_t ElementOf([[maybe_unused]] Playground& play) {
-  return function()->width;
+  return function()->elements ? 0 : -1;
 }
 
 // Where the source is copied, the border comes along if both are of one width.

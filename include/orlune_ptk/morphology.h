@@ -49,8 +49,8 @@ typedef enum MorphologyOperation {
  * from the middle has d positions less, its ends drawn in by half a column for each; the elements'
  * columns for that are (width - 1) / 2 to both sides of the middle, less d / 2, and less one on the
  * right for an odd d. Those in rows at an odd distance move one column to the right where the pixel
- * is in an odd row of the image. Of an element higher than twice its width, (width + 1) / 2 rows
- * above and below the middle are looked at.
+ * is in an odd row of the image. Where (height - 1) / 2 is greater than the width, only (width + 1) / 2
+ * rows above and below the middle are looked at.
  *
  * Dilated is what is set or has a set member, eroded what has only set members. With an element of 3 x
  * 3 the result is 0 and 1, and eroding or hit-miss do not ask whether the pixel itself is set unless
@@ -67,8 +67,8 @@ typedef enum MorphologyOperation {
  *            may be NULL. A side below 1 counts as no positions.
  * Failures: -3009 for element or its numbers; -200; -301 for another source type; -309; -200 for dest;
  * -304 for another dest type; -101 no memory, with size, calibration and offset of dest changed, its
- * pixels where the source is copied, and the source's border filled by then. -102 no memory and -1001 no reference is left, both where source is replaced,
- * which stays as it was. */
+ * pixels where the source is copied, and the source's border filled by then. -102 no memory and -1001
+ * no reference is left, both where source is replaced, which stays as it was. */
 int32_t ZEL_Morphology(ImageRef source, ImageRef dest, int32_t operation,
                        const StructuringElement* element);
 
@@ -92,8 +92,8 @@ int32_t ZEL_Morphology(ImageRef source, ImageRef dest, int32_t operation,
  *            positions.
  * Failures: -3009 for element or its numbers; -200; -301 for another source type; -309; -200 for dest;
  * -304 for another dest type; -101 no memory, with size, calibration and offset of dest changed, its
- * pixels where the source is copied, and the source's border filled by then. -102 no memory and -1001 no reference is left, both where source is replaced,
- * which stays as it was. */
+ * pixels where the source is copied, and the source's border filled by then. -102 no memory and -1001
+ * no reference is left, both where source is replaced, which stays as it was. */
 int32_t ZEL_GrayMorphology(ImageRef source, ImageRef dest, int32_t operation,
                            const StructuringElement* element);
 
