@@ -388,4 +388,8 @@ int CommandLine::Run(int argc, char** argv) {
   return manual || asked("help") ? ALL_WELL : BAD_USE;
 }
 
+int RunProgram(int argc, char** argv) {
+  return CommandLine().Run(argc, argv);
+}
+
 }  // namespace front

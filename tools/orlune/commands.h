@@ -7,14 +7,10 @@
 
 #include "orlune/inspection.h"
 #include "orlune/output.h"
+#include "orlune/program.h"
 #include "orlune/steps.h"
 
 namespace front {
-
-// Exit statuses. A run that was interrupted ends with 128 and the signal's number.
-constexpr int ALL_WELL = 0;
-constexpr int SOME_FAILED = 1;  // a file could not be read or written; the others were done
-constexpr int BAD_USE = 2;      // the command line makes no sense; nothing was done
 
 struct InfoCommand {
   std::vector<std::string> files;

@@ -2,9 +2,10 @@
 #include <cstring>
 #include <iostream>
 
-#include "orlune/command_line.h"
 #include "orlune/interrupts.h"
+#include "orlune/program.h"
 #include "orlune/standard_output.h"
+#include "orlune_ptk.h"
 
 int main(int argc, char** argv) {
   front::OccupyStandardStreams();
@@ -13,7 +14,7 @@ int main(int argc, char** argv) {
   int status = front::SOME_FAILED;
   try {
     ZEL_SetErrorMode(ERROR_MODE_SILENT);
-    status = front::CommandLine().Run(argc, argv);
+    status = front::RunProgram(argc, argv);
   } catch (const std::exception& failure) {
     std::cerr << "orlune: " << failure.what() << '\n';
   }

@@ -134,7 +134,8 @@ class Worker {
 class Pool {
  public:
   explicit Pool(const TaskRun& run) : run_(run) {
-    for (size_t i = 0; i < std::min(run.workers, run.tasks); ++i) AddWorker();
+    workers_.resize(std::min(run.workers, run.tasks));
+    for (size_t i = 0; i < workers_.size(); ++i) StartWorker(i);
   }
 
   void Run() {
@@ -146,10 +147,14 @@ class Pool {
   }
 
  private:
-  void AddWorker() {
+  // In place: the others keep their numbers while results of them wait to be taken.
+  void StartWorker(size_t index) {
+    workers_[index].reset();
     std::vector<Worker*> others;
-    for (const auto& worker : workers_) others.push_back(worker.get());
-    workers_.push_back(std::make_unique<Worker>(run_, others));
+    for (const auto& worker : workers_) {
+      if (worker) others.push_back(worker.get());
+    }
+    workers_[index] = std::make_unique<Worker>(run_, others);
   }
 
   bool AnyBusy() const {
@@ -179,13 +184,8 @@ class Pool {
     std::optional<std::string> result = workers_[index]->Receive();
     const bool lost = !result;
     done_[task] = std::move(result);
-    if (lost) {
-      workers_.erase(workers_.begin() + static_cast<std::ptrdiff_t>(index));
-      AddWorker();
-      GiveNext(workers_.back().get());
-    } else {
-      GiveNext(workers_[index].get());
-    }
+    if (lost) StartWorker(index);
+    GiveNext(workers_[index].get());
   }
 
   void TakeInOrder() {
