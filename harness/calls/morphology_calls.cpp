@@ -21,13 +21,13 @@ int32_t ElementOf([[maybe_unused]] Playground& play) {
 constexpr Leftovers OF_MORPHOLOGY[] = {{-101, CALIBRATION | SIZE | PIXELS | BORDER}};
 
 constexpr ApiCall ROWS[] = {
-    {100, "ZEL_Get_MO_STD3X3Ptr", ElementOf<ZEL_Get_MO_STD3X3Ptr>, NO_STATUS},
-    {101, "ZEL_Get_MO_STD5X5Ptr", ElementOf<ZEL_Get_MO_STD5X5Ptr>, NO_STATUS},
-    {102, "ZEL_Get_MO_STD7X7Ptr", ElementOf<ZEL_Get_MO_STD7X7Ptr>, NO_STATUS},
-    {103, "ZEL_Morphology",
+    {130, "ZEL_Get_MO_STD3X3Ptr", ElementOf<ZEL_Get_MO_STD3X3Ptr>, NO_STATUS},
+    {131, "ZEL_Get_MO_STD5X5Ptr", ElementOf<ZEL_Get_MO_STD5X5Ptr>, NO_STATUS},
+    {132, "ZEL_Get_MO_STD7X7Ptr", ElementOf<ZEL_Get_MO_STD7X7Ptr>, NO_STATUS},
+    {133, "ZEL_Morphology",
      Call<ZEL_Morphology, FramedSource, FramedDestination, Operation, Element>, STATUS,
      OF_MORPHOLOGY},
-    {104, "ZEL_GrayMorphology",
+    {134, "ZEL_GrayMorphology",
      Call<ZEL_GrayMorphology, FramedSource, FramedDestination, Operation, Element>, STATUS,
      OF_MORPHOLOGY},
 };

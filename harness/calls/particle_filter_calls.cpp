@@ -21,8 +21,9 @@ constexpr ApiCall ROWS[] = {
      Call<ZEL_LowHighPass, FramedSource, FramedDestination, Below<3>, Below<2>, Int, Element>,
      STATUS, OF_COPY},
     {113, "ZEL_MagicWand",
-     Call<ZEL_MagicWand, Source, Destination, Int, Int, Float, Below<3>, Float>, STATUS, OF_FILL},
-    {114, "ZEL_Convex", Call<ZEL_Convex, Source, Destination>, STATUS, OF_RESULT},
+     Call<ZEL_MagicWand, Source, FramedDestination, Int, Int, Float, Below<3>, Float>, STATUS,
+     OF_FILL},
+    {114, "ZEL_Convex", Call<ZEL_Convex, Source, FramedDestination>, STATUS, OF_RESULT},
 };
 
 }  // namespace

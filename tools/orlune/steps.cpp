@@ -7,6 +7,7 @@
 #include <limits>
 #include <sstream>
 #include <stdexcept>
+#include <utility>
 
 #include "orlune/morphology_steps.h"
 #include "orlune/numbers.h"
@@ -448,9 +449,18 @@ void Apply(const ChosenStep& chosen, const Image& image, ImageRef mask) {
 
 std::string StepsHelp() {
   constexpr int USAGE_WIDTH = 25;
+  constexpr size_t MEANING_WIDTH = 70;
   std::ostringstream help;
-  const auto line = [&](const std::string& left, const std::string& right) {
+  const auto row = [&](const std::string& left, const std::string& right) {
     help << "  " << std::left << std::setw(USAGE_WIDTH) << left << ' ' << right << '\n';
+  };
+  const auto line = [&](std::string left, std::string right) {
+    while (right.size() > MEANING_WIDTH) {
+      const size_t space = right.rfind(' ', MEANING_WIDTH);
+      row(std::exchange(left, ""), right.substr(0, space));
+      right = "  " + right.substr(space + 1);
+    }
+    row(left, right);
   };
   for (const Step& step : AllSteps()) {
     line(Usage(step), std::string(step.meaning));
