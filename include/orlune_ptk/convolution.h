@@ -20,7 +20,7 @@ typedef struct ConvolutionMatrix {
 
 /* Families of standard matrices. */
 typedef enum ConvolutionFamily {
-  CONVOLUTION_GRADIENT = 0,  /* slopes in eight directions; every second one adds the pixel itself */
+  CONVOLUTION_GRADIENT = 0, /* slopes in eight directions; every second one adds the pixel itself */
   CONVOLUTION_LAPLACIAN = 1, /* what stands out from the neighbours */
   CONVOLUTION_SMOOTHING = 2, /* means of the neighbours */
   CONVOLUTION_GAUSSIAN = 3   /* ... with weights that fall with the distance */

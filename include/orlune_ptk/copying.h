@@ -69,7 +69,7 @@ typedef enum ResampleMethod {
   RESAMPLE_NEAREST = 0,   /* the pixel at the position cut toward zero */
   RESAMPLE_BILINEAR = 1,  /* two pixels joined by a line, in x, then in y */
   RESAMPLE_QUADRATIC = 2, /* three pixels joined by a parabola, in x, then in y */
-  RESAMPLE_SPLINE = 3     /* all pixels of the rectangle's row joined by a natural cubic spline, then
+  RESAMPLE_SPLINE = 3 /* all pixels of the rectangle's row joined by a natural cubic spline, then
                            * all of the column of that */
 } ResampleMethod;
 
