@@ -92,7 +92,7 @@ void FrontBmpSeeds() {
   int number = 0;
   for (const Kind& kind : kinds) {
     Bytes file = {'B', 'M'};
-    const auto put = [&](uint32_t value, int bytes) {
+    const auto put = [&](uint64_t value, int bytes) {
       for (int i = 0; i < bytes; i++) file.push_back(static_cast<uint8_t>(value >> (8 * i)));
     };
     const bool oldest = kind.headerBytes == 12;
