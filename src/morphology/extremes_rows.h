@@ -26,17 +26,17 @@ enum Finish : int32_t {
 // The least of all largest and the largest of all smallest pixels, also those of no places. Floats
 // beyond them, and NaN, never show.
 template <class T>
-constexpr T FARTHEST = static_cast<T>(1e38f);
+inline constexpr T FARTHEST = static_cast<T>(1e38f);
 template <>
-constexpr uint8_t FARTHEST<uint8_t> = UINT8_MAX;
+inline constexpr uint8_t FARTHEST<uint8_t> = UINT8_MAX;
 template <>
-constexpr int16_t FARTHEST<int16_t> = INT16_MAX;
+inline constexpr int16_t FARTHEST<int16_t> = INT16_MAX;
 template <class T>
-constexpr T NEAREST = static_cast<T>(-1e38f);
+inline constexpr T NEAREST = static_cast<T>(-1e38f);
 template <>
-constexpr uint8_t NEAREST<uint8_t> = 0;
+inline constexpr uint8_t NEAREST<uint8_t> = 0;
 template <>
-constexpr int16_t NEAREST<int16_t> = INT16_MIN;
+inline constexpr int16_t NEAREST<int16_t> = INT16_MIN;
 
 // For each of `columns` pixels of a row, those at the same column from each of these addresses. Of
 // equal ones the first counts: zeros have signs.
