@@ -55,7 +55,7 @@ struct Layout {
 bool LayoutOf(int32_t width, int32_t height, int32_t border, int32_t pixelBytes, Layout* layout) {
   const int64_t leftBytes = PaddedBytes(border, pixelBytes);
   const int64_t lineBytes = leftBytes + PaddedBytes(int64_t{border} + width, pixelBytes);
-  if (lineBytes > static_cast<int64_t>(HEAP_BLOCK_LIMIT)) return false;
+  if (pixelBytes == 0 || lineBytes > static_cast<int64_t>(HEAP_BLOCK_LIMIT)) return false;
   const int64_t rows = height + 2 * int64_t{border};
   layout->lineWidth = lineBytes / pixelBytes;
   layout->origin = border * lineBytes + leftBytes;

@@ -81,8 +81,9 @@ void CirclesMeasure(const ParticleRuns& maxima, const PixelView& map, Sums* sums
   }
   for (int32_t n = 0; n < maxima.count; n++) {
     CircleReport& circle = circles[n];
-    circle.x = static_cast<int32_t>(sums[n].x / circle.nbPixels);
-    circle.y = static_cast<int32_t>(sums[n].y / circle.nbPixels);
+    const int32_t pixels = std::max(circle.nbPixels, 1);  // each has one at least
+    circle.x = static_cast<int32_t>(sums[n].x / pixels);
+    circle.y = static_cast<int32_t>(sums[n].y / pixels);
   }
 }
 
