@@ -127,7 +127,7 @@ template <class T, class Rule>
 void Span(const void* source, int32_t length, void* memory, void* result, int64_t columns) {
   const auto* from = static_cast<const T*>(source);
   T* free = static_cast<T*>(memory);
-  T* next = free + columns + length - 1;
+  T* next = free ? free + columns + length - 1 : nullptr;  // short spans need no memory
   int32_t distances[GROWTH] = {0, 1, 2, 3};
   int32_t covered = std::min(length, GROWTH);
   int32_t count = covered;
