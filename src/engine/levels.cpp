@@ -23,9 +23,11 @@ constexpr LevelEntry ENTRIES[] = {ZEL_FOR_EACH_LEVEL(ZEL_LEVEL_ENTRY, ProcessorF
 
 Level LevelBest() {
   const ProcessorFeatures features = ProcessorFeaturesAsk();
-  int32_t level = LEVEL_COUNT - 1;
-  while (level > 0 && !(features.*ENTRIES[level].isThere)) level--;
-  return static_cast<Level>(level);
+  int32_t best = 0;
+  for (int32_t level = 0; level < LEVEL_COUNT; level++) {
+    if (features.*ENTRIES[level].isThere) best = level;
+  }
+  return static_cast<Level>(best);
 }
 
 }  // namespace
