@@ -11,6 +11,12 @@ int32_t Mode(Playground& play) {
   return Below<16>(play) == 0 ? Int(play) : Below<4>(play);
 }
 
+// A plane that is mostly not there: images of the types that all of them need seldom come together.
+template <ImageRef (*image)(Playground&)>
+ImageRef Plane(Playground& play) {
+  return Below<3>(play) == 0 ? image(play) : 0;
+}
+
 int32_t GetColorLine(Playground& play) {
   const struct {
     ImageRef image;
@@ -123,11 +129,13 @@ constexpr Leftovers OF_MEMORY[] = {{-101, CALIBRATION}};
 
 constexpr ApiCall ROWS[] = {
     {130, "ZEL_ExtractColorPlanes",
-     Call<ZEL_ExtractColorPlanes, Source, Destination, Destination, Destination, Mode>, STATUS,
-     OF_EXTRACTION},
+     Call<ZEL_ExtractColorPlanes, Source, Plane<Destination>, Plane<Destination>,
+          Plane<Destination>, Mode>,
+     STATUS, OF_EXTRACTION},
     {131, "ZEL_ReplaceColorPlanes",
-     Call<ZEL_ReplaceColorPlanes, Source, Destination, Source, Source, Source, Mode>, STATUS,
-     OF_REPLACEMENT, "ZEL_ReplaceColorPlane"},
+     Call<ZEL_ReplaceColorPlanes, Source, Destination, Plane<Source>, Plane<Source>, Plane<Source>,
+          Mode>,
+     STATUS, OF_REPLACEMENT, "ZEL_ReplaceColorPlane"},
     {132, "ZEL_GetColorPixel", Call<ZEL_GetColorPixel, Source, Int, Int, Output<RGBValue>>},
     {133, "ZEL_SetColorPixel", Call<ZEL_SetColorPixel, Changed, Int, Int, Word>},
     {134, "ZEL_GetColorLine", GetColorLine},
