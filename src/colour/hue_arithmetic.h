@@ -167,14 +167,19 @@ ZEL_INLINE RGBValue PixelOf(int32_t hue, const ChannelRange& range) {
   const int32_t least = range.min >> 8;
   const int32_t top = (range.min + range.extent) >> 8;
   const int32_t most = top < 255 ? top : 255;
-  const bool greenLeads = nearest == HUE_GREEN;
-  const bool blueLeads = nearest == HUE_BLUE;
-  const bool blueIsLeast = hue < RED_IS_LEAST;
-  const bool greenIsLeast = hue >= GREEN_IS_LEAST;
-  const int32_t redBehind = blueIsLeast || greenIsLeast ? ramp : least;
-  const int32_t red = greenLeads || blueLeads ? redBehind : most;
-  const int32_t green = greenLeads ? most : greenIsLeast ? least : ramp;
-  const int32_t blue = blueLeads ? most : blueIsLeast ? least : ramp;
+  // In masks: compilers take branches for these choices else.
+  const int32_t greenLeads = nearest == HUE_GREEN ? -1 : 0;
+  const int32_t blueLeads = nearest == HUE_BLUE ? -1 : 0;
+  const int32_t blueIsLeast = hue < RED_IS_LEAST ? -1 : 0;
+  const int32_t greenIsLeast = hue >= GREEN_IS_LEAST ? -1 : 0;
+  const int32_t redIsLeast = ~(blueIsLeast | greenIsLeast);
+  const int32_t redLeads = ~(greenLeads | blueLeads);
+  const auto channel = [=](int32_t leads, int32_t isLeast) {
+    return (most & leads) | (least & isLeast) | (ramp & ~(leads | isLeast));
+  };
+  const int32_t red = channel(redLeads, redIsLeast);
+  const int32_t green = channel(greenLeads, greenIsLeast);
+  const int32_t blue = channel(blueLeads, blueIsLeast);
   return static_cast<RGBValue>((red << 16) | (green << 8) | blue);
 }
 
