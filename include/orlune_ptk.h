@@ -18,6 +18,7 @@
  *   filters.h     a pixel and its neighbours: edges, smoothing
  *   geometry.h    images turned, shifted, mirrored, transposed, seen in relief
  *   morphology.h  shapes and grey levels changed by structuring elements
+ *   colours.h     colour images: planes, pixels, conversion, histogram, threshold, lookup
  *   statistics.h  histograms, regions, centroids, profiles
  *   particles.h   connected pixels, numbered, measured, selected
  *   particle_filters.h  whole particles kept, removed, filled, enclosed
@@ -78,6 +79,7 @@
 #define ORLUNE_PTK_H
 
 #include "orlune_ptk/casts.h"
+#include "orlune_ptk/colours.h"
 #include "orlune_ptk/convolution.h"
 #include "orlune_ptk/copying.h"
 #include "orlune_ptk/drawing.h"

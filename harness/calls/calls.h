@@ -49,6 +49,7 @@ extern const std::span<const ApiCall> GEOMETRY_CALLS;
 extern const std::span<const ApiCall> MORPHOLOGY_CALLS;
 extern const std::span<const ApiCall> PARTICLE_FILTER_CALLS;
 extern const std::span<const ApiCall> SHAPE_CALLS;
+extern const std::span<const ApiCall> COLOUR_CALLS;
 extern const std::span<const ApiCall> FILE_CALLS;
 
 // All of them.

@@ -102,6 +102,26 @@ inline size_t PointsOf(const Line& line, const Playground::Shape& image) {
   return Held(std::min<int64_t>(extent + 1, std::max(image.width, image.height)));
 }
 
+// A rectangle anywhere.
+struct Rect {
+  int32_t top, left, height, width;
+};
+inline Rect RectAnywhere(Playground& play) {
+  return {Int(play), Int(play), Int(play), Int(play)};
+}
+// Pixels from one side to the other, of those that there are. The other side may lie before.
+inline int64_t Overlap(int32_t from, int32_t size, int32_t pixels) {
+  const int64_t to = int64_t{from} + size;
+  const int64_t first = std::max<int64_t>(std::min<int64_t>(from, to), 0);
+  const int64_t end = std::min<int64_t>(std::max<int64_t>(from, to), pixels);
+  return end - first;
+}
+// Pixels that a rectangle and an image have in common.
+inline size_t PixelsOf(const Rect& rect, const Playground::Shape& image) {
+  return Held(Overlap(rect.left, rect.width, image.width)) *
+         Held(Overlap(rect.top, rect.height, image.height));
+}
+
 // What a draw stands for in a list of arguments.
 template <class T>
 std::tuple<T> Arguments(T value) {

@@ -36,27 +36,14 @@ int32_t GetLine(Playground& play) {
                      out.count);
 }
 
-struct Rect {
-  int32_t top, left, height, width;
-};
-
-// Pixels from one side to the other, of those that there are. The other side may lie before.
-int64_t Overlap(int32_t from, int32_t size, int32_t pixels) {
-  const int64_t to = int64_t{from} + size;
-  const int64_t first = std::max<int64_t>(std::min<int64_t>(from, to), 0);
-  const int64_t end = std::min<int64_t>(std::max<int64_t>(from, to), pixels);
-  return end - first;
-}
-
 int32_t ImageToArray(Playground& play) {
   const struct {
     ImageRef image;
     Rect rect;
     int32_t type;
-  } a{Source(play), {Int(play), Int(play), Int(play), Int(play)}, ArrayType(play)};
+  } a{Source(play), RectAnywhere(play), ArrayType(play)};
   const Playground::Shape shape = play.ShapeOf(a.image);
-  const size_t pixels = Held(Overlap(a.rect.left, a.rect.width, shape.width)) *
-                        Held(Overlap(a.rect.top, a.rect.height, shape.height));
+  const size_t pixels = PixelsOf(a.rect, shape);
   const struct {
     void* array;
     int32_t *width, *height;

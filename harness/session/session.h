@@ -67,6 +67,7 @@ extern const std::span<const Step> GEOMETRY_STEPS;
 extern const std::span<const Step> MORPHOLOGY_STEPS;
 extern const std::span<const Step> PARTICLE_FILTER_STEPS;
 extern const std::span<const Step> SHAPE_STEPS;
+extern const std::span<const Step> COLOUR_STEPS;
 extern const std::span<const Step> FILE_STEPS;
 
 // All of them.

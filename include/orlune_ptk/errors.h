@@ -27,6 +27,7 @@ typedef enum FailureNumber {
   ZEL_ERR_NO_BORDER = -308,                /* a border below 0 */
   ZEL_ERR_BORDER_TOO_SMALL = -309,         /* the border is narrower than the function needs */
   ZEL_ERR_DESTINATION_UNSUPPORTED = -312,  /* a type that cannot hold the result */
+  ZEL_ERR_SAME_IMAGE = -313,               /* one image stands for two */
   ZEL_ERR_BAD_FILE_HEADER = -500,          /* a header that cannot be read, taken or written */
   ZEL_ERR_FILE_OPEN = -503,                /* the file cannot be opened */
   ZEL_ERR_FILE_SEEK = -507,                /* a place in the file cannot be reached */

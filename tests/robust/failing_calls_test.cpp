@@ -404,4 +404,41 @@ TEST(MathLookups, OfIntegersTakeARangeOfWholeLevels) {
   EXPECT_EQ(image.Get<uint8_t>(10, 0), 255);
 }
 
+TEST(ColorPlanes, ThatAreRefusedLeaveThoseBeforeThemSettled) {
+  const TestImage colors = Marked(IMAGE_RGB, 9, 5, 1);
+  const TestImage first = Marked(IMAGE_U8, 3, 3, 2);
+  const TestImage words = Marked(IMAGE_I16, 3, 3, 3);
+  const TestImage last = Marked(IMAGE_U8, 3, 3, 4);
+  EXPECT_EQ(ZEL_ExtractColorPlanes(colors, first, words, last, MODE_HSL), ZEL_ERR_BAD_TYPE);
+  EXPECT_TRUE(IsCalibratedAs(first, 1) && HasSize(first, 9, 5));
+  EXPECT_TRUE(IsCalibratedAs(words, 1) && HasSize(words, 3, 3));
+  EXPECT_TRUE(IsCalibratedAs(last, 4) && HasSize(last, 3, 3));
+  EXPECT_EQ(ZEL_ExtractColorPlanes(colors, last, 0, last, MODE_HSL), ZEL_ERR_SAME_IMAGE);
+  EXPECT_TRUE(IsCalibratedAs(last, 1) && HasSize(last, 9, 5));
+}
+
+TEST(ColorPlanes, OfAnotherSizeHaveCalibratedTheDestination) {
+  const TestImage colors = Marked(IMAGE_RGB, 9, 5, 1);
+  const TestImage destination = Marked(IMAGE_RGB, 3, 3, 2);
+  const TestImage plane = Marked(IMAGE_U8, 8, 5, 3);
+  const std::vector<uint8_t> before = destination.Block();
+  EXPECT_EQ(ZEL_ReplaceColorPlanes(colors, destination, plane, 0, 0, MODE_RGB),
+            ZEL_ERR_SIZE_DIFFERS);
+  EXPECT_TRUE(IsCalibratedAs(destination, 1) && HasSize(destination, 3, 3));
+  EXPECT_EQ(destination.Block(), before);
+}
+
+TEST(Colors, WithoutMemoryHaveCalibratedTheDestination) {
+  const TestImage colors = Marked(IMAGE_RGB, LARGE, LARGE, 1);
+  const TestImage gray = Marked(IMAGE_U8, 3, 3, 2);
+  const TestImage copy = Marked(IMAGE_RGB, 3, 3, 3);
+  const uint8_t table[256] = {};
+  const SmallBlocksOnly small;
+  EXPECT_EQ(ZEL_ColorThreshold(colors, gray, MODE_RGB, 1, 1, 2, 3, 4, 5, 6), ZEL_ERR_MEMORY_FULL);
+  EXPECT_TRUE(IsCalibratedAs(gray, 1) && HasSize(gray, 3, 3));
+  EXPECT_EQ(ZEL_ColorUserLookup(colors, 0, copy, MODE_RGB, ARRAY_U8, table, nullptr, nullptr),
+            ZEL_ERR_MEMORY_FULL);
+  EXPECT_TRUE(IsCalibratedAs(copy, 1) && HasSize(copy, 3, 3));
+}
+
 }  // namespace
