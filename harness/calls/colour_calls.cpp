@@ -11,7 +11,8 @@ int32_t Mode(Playground& play) {
   return Below<16>(play) == 0 ? Int(play) : Below<4>(play);
 }
 
-// A plane that is mostly not there: images of the types that all of them need seldom come together.
+// A plane or mask that is mostly not there: images of the types that all of them need seldom come
+// together.
 template <ImageRef (*image)(Playground&)>
 ImageRef Plane(Playground& play) {
   return Below<3>(play) == 0 ? image(play) : 0;
@@ -113,7 +114,7 @@ int32_t ColorUserLookup(Playground& play) {
   const struct {
     ImageRef source, mask, destination;
     int32_t mode, type;
-  } a{Source(play), Source(play), FramedDestination(play), Mode(play), ArrayType(play)};
+  } a{Source(play), Plane<Source>(play), FramedDestination(play), Mode(play), ArrayType(play)};
   const struct {
     const void *first, *second, *third;
   } tables{ArrayOrNone(play, a.type, 256), ArrayOrNone(play, a.type, 256),
