@@ -57,3 +57,10 @@ elseif(PTK_SANITIZE STREQUAL "coverage")
 elseif(NOT PTK_SANITIZE STREQUAL "")
   message(FATAL_ERROR "PTK_SANITIZE is '${PTK_SANITIZE}': use address, memory, thread or coverage")
 endif()
+
+# Tests and what a library of templates brings in take the compiler three times as long with checks for
+# undefined behaviour in them: those are for the library, the front and what calls them with anything.
+set(PTK_LIGHT_SANITIZE_FLAGS)
+if(PTK_SANITIZE STREQUAL "address")
+  set(PTK_LIGHT_SANITIZE_FLAGS -fno-sanitize=undefined,float-cast-overflow)
+endif()
