@@ -38,6 +38,26 @@ using Floats = float __attribute__((vector_size(VECTOR_BYTES)));
 using Doubles = double __attribute__((vector_size(VECTOR_BYTES)));
 using DoubleMasks = int64_t __attribute__((vector_size(VECTOR_BYTES)));
 
+template <class T>
+struct VectorOf;
+template <>
+struct VectorOf<uint8_t> {
+  using Type = Bytes;
+};
+template <>
+struct VectorOf<int16_t> {
+  using Type = Words;
+};
+template <>
+struct VectorOf<float> {
+  using Type = Floats;
+};
+// Of the pixels of a type.
+template <class T>
+using Vector = typename VectorOf<T>::Type;
+template <class T>
+constexpr int64_t LANES_OF = VECTOR_BYTES / static_cast<int64_t>(sizeof(T));
+
 constexpr int32_t FLOAT_LANES = VECTOR_BYTES / 4;
 constexpr int32_t DOUBLE_LANES = VECTOR_BYTES / 8;
 

@@ -12,26 +12,6 @@ namespace {
 
 static_assert(RANK_VECTOR_BYTES % VECTOR_BYTES == 0);
 
-template <class T>
-struct VectorOf;
-template <>
-struct VectorOf<uint8_t> {
-  using Type = Bytes;
-};
-template <>
-struct VectorOf<int16_t> {
-  using Type = Words;
-};
-template <>
-struct VectorOf<float> {
-  using Type = Floats;
-};
-template <class T>
-using Vector = typename VectorOf<T>::Type;
-
-template <class T>
-constexpr int64_t LANES = VECTOR_BYTES / static_cast<int32_t>(sizeof(T));
-
 // ---- routines of their own: all values of a plan are registers
 
 template <int32_t WIDTH, int32_t HEIGHT, int32_t ORDER>
@@ -86,7 +66,7 @@ ZEL_INLINE void RunPlan(Registers<plan, T>& in, std::integer_sequence<int32_t, S
 template <const auto& plan, class T>
 void RunGroup(const RankGroup& group) {
   const int64_t columns = group.columns;
-  for (int64_t x = 0; x < columns; x += LANES<T>) {
+  for (int64_t x = 0; x < columns; x += LANES_OF<T>) {
     Registers<plan, T> in{.group = group, .column = x, .values = {}};
     RunPlan<plan, T>(in, std::make_integer_sequence<int32_t, plan.stepCount>(),
                      std::make_integer_sequence<int32_t, plan.carryCount>(),
@@ -108,7 +88,7 @@ constexpr RankRoutine RoutineOf() {
 
 template <class T>
 void RunSteps(const NetworkStep* steps, int32_t count, const RankScratch& scratch) {
-  constexpr int64_t lanes = LANES<T>;
+  constexpr int64_t lanes = LANES_OF<T>;
   const auto row = [&scratch](uint16_t value) {
     return reinterpret_cast<T*>(scratch.rows + value * scratch.pitch);
   };

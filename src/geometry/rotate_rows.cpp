@@ -188,7 +188,7 @@ template <class Type>
 constexpr RotateRoutines BILINEAR = {
     .anywhere = &BilinearAnywhere<Type>, .inside = &BilinearInside<Type>, .reach = 1};
 
-// ---- bytes, a vector of them at a time
+// ---- a vector of pixels at a time
 
 #if defined(ZEL_WIDE_VECTORS)
 
@@ -212,22 +212,44 @@ ZEL_INLINE Ints OffsetsOf(UnsignedInts columns, UnsignedInts rows, uint32_t pitc
   return (Ints)(rows * pitch + columns);
 }
 
-void NearestBytes(const RotateRule& of, uint32_t x, uint32_t y, void* destination, int32_t count) {
+// Offsets of the pixels of four bytes at the floors of positions.
+ZEL_INLINE Ints WideOffsets(const Positions& column, const Positions& row, uint32_t pitch) {
+  return OffsetsOf((column.now >> POSITION_BITS) * 4, row.now >> POSITION_BITS, pitch);
+}
+
+struct NearestByte {
+  using Type = BytePixels;
+  ZEL_INLINE static void Move(const RotateRule& rule, const Positions& column, const Positions& row,
+                              uint32_t pitch, uint8_t* to) {
+    const Ints offsets = OffsetsOf(column.now >> POSITION_BITS, row.now >> POSITION_BITS, pitch);
+    StoreBytes<0>(to, GatherInts(rule.origin, offsets));
+  }
+};
+
+struct NearestWide {
+  using Type = ColourPixels;
+  ZEL_INLINE static void Move(const RotateRule& rule, const Positions& column, const Positions& row,
+                              uint32_t pitch, uint32_t* to) {
+    Store(to, GatherInts(rule.origin, WideOffsets(column, row, pitch)));
+  }
+};
+
+template <class Nearest>
+void NearestPixels(const RotateRule& of, uint32_t x, uint32_t y, void* destination, int32_t count) {
   const RotateRule rule = of;
-  auto* to = static_cast<uint8_t*>(destination);
+  auto* to = static_cast<typename Nearest::Type::Pixel*>(destination);
   const auto pitch = static_cast<uint32_t>(rule.pitch);
   Positions column(x + 511, rule.stepX);
   Positions row(y + 511, rule.stepY);
   int32_t done = 0;
   for (; done + LANES <= count; done += LANES) {
-    const Ints offsets = OffsetsOf(column.now >> POSITION_BITS, row.now >> POSITION_BITS, pitch);
-    StoreBytes<0>(to + done, GatherInts(rule.origin, offsets));
+    Nearest::Move(rule, column, row, pitch, to + done);
     column.Advance();
     row.Advance();
   }
   const auto steps = static_cast<uint32_t>(done);
-  NearestInside<BytePixels>(rule, x + steps * rule.stepX, y + steps * rule.stepY, to + done,
-                            count - done);
+  NearestInside<typename Nearest::Type>(rule, x + steps * rule.stepX, y + steps * rule.stepY,
+                                        to + done, count - done);
 }
 
 // Two neighbours, the low bytes of four, joined by their weights: in 1024ths.
@@ -267,28 +289,6 @@ void BilinearBytes(const RotateRule& of, uint32_t x, uint32_t y, void* destinati
 }
 
 // ---- pixels of four bytes
-
-// Offsets of the pixels at the floors of positions.
-ZEL_INLINE Ints WideOffsets(const Positions& column, const Positions& row, uint32_t pitch) {
-  return OffsetsOf((column.now >> POSITION_BITS) * 4, row.now >> POSITION_BITS, pitch);
-}
-
-void NearestWide(const RotateRule& of, uint32_t x, uint32_t y, void* destination, int32_t count) {
-  const RotateRule rule = of;
-  auto* to = static_cast<uint32_t*>(destination);
-  const auto pitch = static_cast<uint32_t>(rule.pitch);
-  Positions column(x + 511, rule.stepX);
-  Positions row(y + 511, rule.stepY);
-  int32_t done = 0;
-  for (; done + LANES <= count; done += LANES) {
-    Store(to + done, GatherInts(rule.origin, WideOffsets(column, row, pitch)));
-    column.Advance();
-    row.Advance();
-  }
-  const auto steps = static_cast<uint32_t>(done);
-  NearestInside<ColourPixels>(rule, x + steps * rule.stepX, y + steps * rule.stepY, to + done,
-                              count - done);
-}
 
 // The bytes of four pixels that lie so high, joined.
 template <int32_t shift>
@@ -330,14 +330,15 @@ void BilinearColours(const RotateRule& of, uint32_t x, uint32_t y, void* destina
                                count - done);
 }
 
-constexpr RotateRoutines NEAREST_BYTES = {
-    .anywhere = &NearestAnywhere<BytePixels>, .inside = &NearestBytes, .reach = BYTES_BEHIND};
+constexpr RotateRoutines NEAREST_BYTES = {.anywhere = &NearestAnywhere<BytePixels>,
+                                          .inside = &NearestPixels<NearestByte>,
+                                          .reach = BYTES_BEHIND};
 constexpr RotateRoutines BILINEAR_BYTES = {
     .anywhere = &BilinearAnywhere<BytePixels>, .inside = &BilinearBytes, .reach = BYTES_BEHIND};
 constexpr RotateRoutines NEAREST_FLOATS = {
-    .anywhere = &NearestAnywhere<FloatPixels>, .inside = &NearestWide, .reach = 0};
+    .anywhere = &NearestAnywhere<FloatPixels>, .inside = &NearestPixels<NearestWide>, .reach = 0};
 constexpr RotateRoutines NEAREST_COLOURS = {
-    .anywhere = &NearestAnywhere<ColourPixels>, .inside = &NearestWide, .reach = 0};
+    .anywhere = &NearestAnywhere<ColourPixels>, .inside = &NearestPixels<NearestWide>, .reach = 0};
 constexpr RotateRoutines BILINEAR_COLOURS = {
     .anywhere = &BilinearAnywhere<ColourPixels>, .inside = &BilinearColours, .reach = 1};
 

@@ -96,22 +96,14 @@ void CountChanging(Erosion* erosion, const PixelView& to) {
 }
 
 Status Distance(ImageRef source, ImageRef destination, const StructuringElement* element) {
-  if (ElementIsMissing(element)) return STATUS_NULL_POINTER;
   Operands operands;
-  operands.Source(source, &TypeIsU8);
-  if (operands.HasFailed()) return operands.status();
-  if (operands.source().border < ElementBorder(*element)) return STATUS_BORDER_TOO_SMALL;
-  operands.Destination(destination);
-  if (operands.HasFailed()) return operands.status();
-  if (ElementMembers(*element) < LEAST_ELEMENT_POSITIONS) {
-    if (operands.destination() != &operands.source()) operands.TakePixels();
-    operands.TakeInfo();
-    return operands.status();
-  }
+  bool isDone = false;
+  Status status = ErosionSettle(source, destination, element, &operands, &isDone);
+  if (status != STATUS_OK || isDone) return status;
 
   Erosion erosion;
   WorkArray<uint64_t> lost;
-  const Status status = erosion.Start(operands.From(), *element);
+  status = erosion.Start(operands.From(), *element);
   if (status != STATUS_OK) return status;
   if (!lost.Allocate(static_cast<uint64_t>(erosion.Left().words()))) return STATUS_MEMORY_FULL;
   operands.TakeSize();

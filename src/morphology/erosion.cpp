@@ -26,6 +26,19 @@ constexpr int32_t NO_ROWS = -1;
 
 }  // namespace
 
+Status ErosionSettle(ImageRef source, ImageRef destination, const StructuringElement* element,
+                     Operands* operands, bool* isDone) {
+  if (ElementIsMissing(element)) return STATUS_NULL_POINTER;
+  operands->Source(source, &TypeIsU8);
+  operands->BorderAtLeast(ElementBorder(*element));
+  operands->Destination(destination);
+  *isDone = ElementMembers(*element) < LEAST_ELEMENT_POSITIONS;
+  if (operands->HasFailed() || !*isDone) return operands->status();
+  if (operands->destination() != &operands->source()) operands->TakePixels();
+  operands->TakeInfo();
+  return operands->status();
+}
+
 // One run in each of some rows that follow each other, all alike.
 bool Erosion::IsRectangle() const {
   const RunList members = shape_.members();

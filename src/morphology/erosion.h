@@ -4,11 +4,18 @@
 #include <cstdint>
 
 #include "core/status.h"
+#include "engine/operands.h"
 #include "morphology/bit_plane.h"
 #include "morphology/element_shape.h"
 #include "morphology/erosion_rows.h"
 
 namespace zel {
+
+// The images of an operation by erosions, of bytes and with a border for the element. An element
+// that is no neighbourhood leaves nothing to erode: the source is copied, and that is all (isDone).
+// STATUS_NULL_POINTER, STATUS_BORDER_TOO_SMALL, and what operands give.
+Status ErosionSettle(ImageRef source, ImageRef destination, const StructuringElement* element,
+                     Operands* operands, bool* isDone);
 
 // What is left of an image as erosion goes on: the pixels around which all members of the element
 // are set. Beyond the image its edge pixels continue.

@@ -11,26 +11,6 @@
 namespace zel::ZEL_LEVEL {
 namespace {
 
-template <class T>
-struct VectorOf;
-template <>
-struct VectorOf<uint8_t> {
-  using Type = Bytes;
-};
-template <>
-struct VectorOf<int16_t> {
-  using Type = Words;
-};
-template <>
-struct VectorOf<float> {
-  using Type = Floats;
-};
-template <class T>
-using Vector = typename VectorOf<T>::Type;
-
-template <class T>
-constexpr int64_t LANES = VECTOR_BYTES / static_cast<int32_t>(sizeof(T));
-
 // ---- rules, for vectors as for single pixels. `first` counts where both are equal.
 
 struct Largest {
@@ -82,7 +62,7 @@ ZEL_INLINE V Finished(V extreme, V centre) {
 // again, so that doing a column twice must change nothing.
 template <class T, class Step>
 ZEL_INLINE void EachVector(int64_t begin, int64_t columns, const Step& step) {
-  constexpr int64_t lanes = LANES<T>;
+  constexpr int64_t lanes = LANES_OF<T>;
   if (columns < lanes) {
     for (int64_t x = begin; x < columns; x++) step(T{}, x);
     return;
@@ -172,7 +152,7 @@ struct Block {
   }
   ZEL_INLINE void Add(const void* pixels, int64_t x) {
     for (int32_t i = 0; i < BLOCK; i++) {
-      values[i] = Rule::Of(values[i], PixelAt<T, Vector<T>>(pixels, x + i * LANES<T>));
+      values[i] = Rule::Of(values[i], PixelAt<T, Vector<T>>(pixels, x + i * LANES_OF<T>));
     }
   }
 };
@@ -197,7 +177,7 @@ template <class T, Finish finish, class Rule>
 ZEL_INLINE void StoreFinished(const Block<T, Rule>& block, const void* centre, void* to,
                               int64_t x) {
   for (int32_t i = 0; i < BLOCK; i++) {
-    StoreFinished<T, finish>(block.values[i], centre, to, x + i * LANES<T>);
+    StoreFinished<T, finish>(block.values[i], centre, to, x + i * LANES_OF<T>);
   }
 }
 
@@ -218,7 +198,7 @@ template <class T, class Rule, Finish finish>
 void LongList(const PixelList& list, const void* centre, void* to, int64_t columns) {
   const PixelList pixels = list;
   int64_t done = 0;
-  for (; done + BLOCK * LANES<T> <= columns; done += BLOCK * LANES<T>) {
+  for (; done + BLOCK * LANES_OF<T> <= columns; done += BLOCK * LANES_OF<T>) {
     Block<T, Rule> block;
     for (int32_t i = 0; i < pixels.count; i++) block.Add(pixels.pixels[i], done);
     StoreFinished<T, finish>(block, centre, to, done);
@@ -258,7 +238,7 @@ void Match(const PixelList& setList, const PixelList& clearList, const void* cen
            int64_t columns) {
   const PixelList set = setList;
   const PixelList clear = clearList;
-  constexpr int64_t blockColumns = BLOCK * LANES<uint8_t>;
+  constexpr int64_t blockColumns = BLOCK * LANES_OF<uint8_t>;
   int64_t done = 0;
   for (; done + blockColumns <= columns; done += blockColumns) {
     Block<uint8_t, Smallest> smallest;

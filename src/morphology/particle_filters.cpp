@@ -67,23 +67,15 @@ void RegionsMark(Regions* regions, const BitPlane& left) {
 
 Status LowHighPass(ImageRef source, ImageRef destination, bool connectivity8, bool removeLarge,
                    int32_t nbErosions, const StructuringElement* element) {
-  if (ElementIsMissing(element)) return STATUS_NULL_POINTER;
   Operands operands;
-  operands.Source(source, &TypeIsU8);
-  if (operands.HasFailed()) return operands.status();
-  if (operands.source().border < ElementBorder(*element)) return STATUS_BORDER_TOO_SMALL;
-  operands.Destination(destination);
-  if (operands.HasFailed()) return operands.status();
-  if (ElementMembers(*element) < LEAST_ELEMENT_POSITIONS) {
-    if (operands.destination() != &operands.source()) operands.TakePixels();
-    operands.TakeInfo();
-    return operands.status();
-  }
+  bool isDone = false;
+  Status status = ErosionSettle(source, destination, element, &operands, &isDone);
+  if (status != STATUS_OK || isDone) return status;
   operands.Border(BORDER_ZERO, 1);
 
   Erosion erosion;
   Regions particles;
-  Status status = operands.status();
+  status = operands.status();
   if (status == STATUS_OK) status = erosion.Start(operands.From(), *element);
   if (status == STATUS_OK) {
     status = particles.Find(operands.From(), RunsOf::SetPixels, connectivity8);
