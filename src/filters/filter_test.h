@@ -15,6 +15,7 @@
 namespace test {
 
 constexpr ImageRef UNKNOWN_IMAGE = 0x7FFFFFFF;
+constexpr int32_t SCALAR_TYPES[] = {IMAGE_U8, IMAGE_I16, IMAGE_SGL};
 
 // The pixels of an image and of its border, once that is filled as filters fill it.
 class Mirrored {
@@ -106,9 +107,9 @@ void ExpectFiltered(const TestImage& source, Filter filter, Rule rule) {
 
 template <class Filter, class Rule>
 void ExpectTheSameForAnyWorkers(Filter filter, Rule rule) {
-  for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
-    const TestImage source(type, 640, 480, 3, 3);
-    const TestImage mask = SparseMask(500, 300, 100, -20, 7);
+  for (const int32_t type : SCALAR_TYPES) {
+    const TestImage source(type, 200, 160, 3, 3);
+    const TestImage mask = SparseMask(150, 100, 30, -20, 7);
     for (const TestImage* over : {static_cast<const TestImage*>(nullptr), &mask}) {
       const TestImage expected = Filtered(source, over, rule);
       for (const int32_t workers : {1, 2, 3, 8}) {
@@ -119,6 +120,24 @@ void ExpectTheSameForAnyWorkers(Filter filter, Rule rule) {
       }
     }
   }
+}
+
+// A filter of a window needs half of its larger side, rounded down, as border. call(width, height)
+// is the filter.
+template <class Call>
+void ExpectTheBorderOfTheLargerSide(Call call) {
+  const TestImage source(IMAGE_U8, 9, 9, 2, 3);
+  TestImage destination(IMAGE_U8, 1, 1);
+  EXPECT_EQ(call(5, 1)(source, 0, destination), 0);
+  EXPECT_EQ(call(1, 5)(source, 0, destination), 0);
+  EXPECT_EQ(call(4, 4)(source, 0, destination), 0);
+  EXPECT_EQ(call(6, 1)(source, 0, destination), -309);
+  EXPECT_EQ(call(1, 7)(source, 0, destination), -309);
+  EXPECT_EQ(call(-1, 7)(source, 0, destination), -309);
+  EXPECT_EQ(call(-1, 5)(source, 0, destination), 0);
+  EXPECT_EQ(call(INT32_MAX, INT32_MAX)(source, 0, destination), -309);
+  const TestImage narrow(IMAGE_U8, 9, 9, 1, 3);
+  EXPECT_EQ(call(4, 1)(narrow, 0, destination), -309);
 }
 
 // What every filter refuses, in the order of the tests, with a source that needs a border of 1.

@@ -15,10 +15,9 @@ using test::Mirrored;
 using test::ODD_SIZES;
 using test::PixelDifference;
 using test::PixelOf;
+using test::SCALAR_TYPES;
 using test::TestImage;
 using test::Workers;
-
-constexpr int32_t SCALAR_TYPES[] = {IMAGE_U8, IMAGE_I16, IMAGE_SGL};
 
 struct Window {
   int32_t width, height;
@@ -226,18 +225,9 @@ TEST(NthOrder, WithoutAWindowCopiesTheSource) {
 }
 
 TEST(NthOrder, NeedsTheBorderOfItsLargerSide) {
-  const TestImage source(IMAGE_U8, 9, 9, 2, 3);
-  TestImage destination(IMAGE_U8, 1, 1);
-  EXPECT_EQ(ZEL_NthOrder(source, 0, destination, 5, 1, 2), 0);
-  EXPECT_EQ(ZEL_NthOrder(source, 0, destination, 1, 5, 2), 0);
-  EXPECT_EQ(ZEL_NthOrder(source, 0, destination, 4, 4, 2), 0);
-  EXPECT_EQ(ZEL_NthOrder(source, 0, destination, 6, 1, 2), -309);
-  EXPECT_EQ(ZEL_NthOrder(source, 0, destination, 1, 7, 2), -309);
-  EXPECT_EQ(ZEL_NthOrder(source, 0, destination, -1, 7, 2), -309);
-  EXPECT_EQ(ZEL_NthOrder(source, 0, destination, -1, 5, 2), 0);
-  EXPECT_EQ(ZEL_NthOrder(source, 0, destination, INT32_MAX, INT32_MAX, 2), -309);
-  const TestImage narrow(IMAGE_U8, 9, 9, 1, 3);
-  EXPECT_EQ(ZEL_NthOrder(narrow, 0, destination, 4, 1, 2), -309);
+  test::ExpectTheBorderOfTheLargerSide([](int32_t width, int32_t height) {
+    return Call({width, height}, 2);
+  });
 }
 
 // Counts beyond 16 bits, and windows on both sides of that.
