@@ -207,7 +207,7 @@ TEST(Rotate, GivesTheStatedPixelsForAllTypesSizesAndAngles) {
 
 TEST(Rotate, OfALargerImageGivesTheStatedPixels) {
   for (const int32_t type : MOVED_TYPES) {
-    const TestImage source(type, 333, 180, 0, 3);
+    const TestImage source(type, 179, 113, 0, 3);
     for (const float angle : ANGLES) {
       ExpectRotated(source, angle, false);
       ExpectRotated(source, angle, true);

@@ -340,6 +340,27 @@ TEST(Resample, TakesMethodsBeyondTheLastForTheNearestToThem) {
 // Numbers that come out whole, or would but for their rounding: flat and striped images, and steps
 // that are thirds, tenths and the like.
 TEST(Resample, CutsNumbersNextToWholeOnesAsTheyAreRounded) {
+  struct Step {
+    Size from, to;
+  };
+  const auto check = [](int32_t type, int32_t pattern, const Step& step) {
+    const auto& [width, height] = step.from;
+    const TestImage source(type, width, height, 1, 3);
+    for (int32_t y = -1; y <= height; y++) {
+      for (int32_t x = -1; x <= width; x++) {
+        const int32_t value = pattern == 0   ? 77
+                              : pattern == 1 ? (x & 1) * 255
+                              : pattern == 2 ? (y & 1) * 255
+                              : pattern == 3 ? x * 255 / width
+                              : pattern == 4 ? ((x ^ y) & 1) * 240
+                                             : ((x / 3 + y / 5) & 1) * 255;
+        for (int32_t k = 0; k < Channels(type); k++) SetNumber(source, x, y, k, value);
+      }
+    }
+    for (const int32_t method : METHODS) {
+      ExpectResampled(source, {0, 0, WHOLE, WHOLE, step.to.width, step.to.height, method});
+    }
+  };
   for (const int32_t type : {IMAGE_U8, IMAGE_RGB, IMAGE_I16}) {
     for (const auto& [pixels, results] : {std::pair{4, 9},
                                           {11, 100},
@@ -350,24 +371,9 @@ TEST(Resample, CutsNumbersNextToWholeOnesAsTheyAreRounded) {
                                           {193, 96},
                                           {61, 60}}) {
       for (int32_t pattern = 0; pattern < 6; pattern++) {
-        const TestImage source(type, pixels, pixels, 1, 3);
-        for (int32_t y = -1; y <= pixels; y++) {
-          for (int32_t x = -1; x <= pixels; x++) {
-            const int32_t value = pattern == 0   ? 77
-                                  : pattern == 1 ? (x & 1) * 255
-                                  : pattern == 2 ? (y & 1) * 255
-                                  : pattern == 3 ? x * 255 / pixels
-                                  : pattern == 4 ? ((x ^ y) & 1) * 240
-                                                 : ((x / 3 + y / 5) & 1) * 255;
-            for (int32_t k = 0; k < Channels(type); k++) {
-              SetNumber(source, x, y, k, value);
-            }
-          }
-        }
-        for (const int32_t method : METHODS) {
-          ExpectResampled(source, {0, 0, WHOLE, WHOLE, results, results, method});
-          if (HasFatalFailure()) return;
-        }
+        check(type, pattern, {{pixels, 9}, {results, 7}});
+        check(type, pattern, {{9, pixels}, {7, results}});
+        if (HasFatalFailure()) return;
       }
     }
   }
