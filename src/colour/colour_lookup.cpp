@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "colour/colour_lookup_rows.h"
 #include "colour/components.h"
 #include "core/images.h"
 #include "core/pixel_types.h"
@@ -37,8 +38,8 @@ struct ColourLookup {
   const ColourTables* tables;
   ComponentSet components;
   MergeRoutine merge;
-  bool keepsOthers;  // components without a table need not be taken out
   PointRoutine<ByteTable> map;
+  ChannelLookup channels;  // null: components are no channels, and are taken out
   SelectRoutine select;
 };
 
@@ -53,15 +54,15 @@ PixelView BufferView(uint8_t* bytes, int64_t size) {
 
 // Pixels that lie side by side; the results may take their place.
 void LookupBlock(const RGBValue* from, RGBValue* to, int64_t size, const ColourLookup& rule) {
+  const auto& bytes = rule.tables->bytes;
+  if (rule.channels) return rule.channels(from, to, size, {bytes[0], bytes[1], bytes[2]});
   uint8_t planes[COLOUR_PLANES][COLOUR_BLOCK];
   MergeRun run{from, {}, to, size};
   for (int32_t p = 0; p < COLOUR_PLANES; p++) {
-    if (rule.keepsOthers && !rule.tables->given[p]) continue;
     rule.components.planes[p](from, planes[p], size);
     if (rule.tables->given[p]) {
       const PixelView buffer = BufferView(planes[p], size);
-      rule.map({.first = buffer, .second = {}, .result = buffer, .mask = {}},
-               ByteTable{rule.tables->bytes[p]});
+      rule.map({.first = buffer, .second = {}, .result = buffer, .mask = {}}, ByteTable{bytes[p]});
     }
     run.planes[p] = planes[p];
   }
@@ -111,8 +112,8 @@ Status ColorUserLookup(ImageRef source, ImageRef mask, ImageRef destination, int
     views.mask = placed.view;
   }
   PointWalk(views, &LookupPixels,
-            ColourLookup{tables, ComponentsOf(mode), merge, mode == MODE_RGB, lookupRows().mapU8,
-                         mergeRows().select});
+            ColourLookup{tables, ComponentsOf(mode), merge, lookupRows().mapU8,
+                         mode == MODE_RGB ? colourLookupRows().rgb : nullptr, mergeRows().select});
   return STATUS_OK;
 }
 
