@@ -32,8 +32,10 @@ Status ErosionSettle(ImageRef source, ImageRef destination, const StructuringEle
   operands->Source(source, &TypeIsU8);
   operands->BorderAtLeast(ElementBorder(*element));
   operands->Destination(destination);
+  if (operands->HasFailed())
+    return operands->status();  // the border bounds what is read of the element
   *isDone = ElementMembers(*element) < LEAST_ELEMENT_POSITIONS;
-  if (operands->HasFailed() || !*isDone) return operands->status();
+  if (!*isDone) return STATUS_OK;
   if (operands->destination() != &operands->source()) operands->TakePixels();
   operands->TakeInfo();
   return operands->status();
