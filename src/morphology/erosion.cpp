@@ -32,8 +32,8 @@ Status ErosionSettle(ImageRef source, ImageRef destination, const StructuringEle
   operands->Source(source, &TypeIsU8);
   operands->BorderAtLeast(ElementBorder(*element));
   operands->Destination(destination);
-  if (operands->HasFailed())
-    return operands->status();  // the border bounds what is read of the element
+  if (operands->HasFailed()) return operands->status();
+  // The border bounds what is read of the element.
   *isDone = ElementMembers(*element) < LEAST_ELEMENT_POSITIONS;
   if (!*isDone) return STATUS_OK;
   if (operands->destination() != &operands->source()) operands->TakePixels();
