@@ -76,6 +76,49 @@ int32_t ZEL_ArrayToROI(const int32_t* values, int32_t count, RoiDescriptor** roi
  * Failures: none. */
 void ZEL_FreeROI(RoiDescriptor* roi);
 
+/* Paints a region into a mask. External contours take fillValue, in the order of the list; then
+ * internal ones, of any shape, are painted with 0. What lies outside is 0, the border included.
+ *
+ * A contour that has another number of points than its type is passed over, and so is one of an
+ * unknown type; ROI_WHOLE selects the whole mask and ends the painting. Lines, chains and outlines
+ * are those of ZEL_GetLine, ovals those that ZEL_DrawOval paints. A polygon holds its outline and
+ * the pixels between its crossings with each row, taken two by two; below three points, or with all
+ * points on one row, it is its outline only. Rows of polygons are limited to 16 bits, -32768 to
+ * 32767. Integers in the region that are -32767 or -32768 begin a contour, also where they were
+ * meant as coordinates.
+ * mask:      IMAGE_U8. Receives the region. With a model it takes the model's size, and its offset
+ *            stays; without one it takes the size of globalRect and lies at its left and top, so that
+ *            coordinates keep their meaning. An odd width is raised by one, unless the model ends
+ *            before the right or the bottom of globalRect. A mask of another type takes the size only.
+ * model:     an image of the size that the mask is to have; 0, an unknown one or one without pixels:
+ *            none.
+ * roi:       the region. NULL, or no contour: all pixels are selected, of a mask of the model's
+ *            size, or of its own size; its border and offset stay.
+ * fillValue: the value of what is selected; its low 8 bits count.
+ * Failures: -101 no memory for the call's own; -200 for mask; -101 no memory for polygons or for the
+ * mask, or a globalRect that is too large for one. */
+int32_t ZEL_ROIToMask(ImageRef mask, ImageRef model, const RoiDescriptor* roi, uint32_t fillValue);
+
+/* Finds the outlines of what a mask selects: of each set of pixels that touch by sides or corners an
+ * external contour, and of each hole (pixels of 0 that reach the edge of the image by no chain of
+ * sides) an internal one. A contour is a ROI_POLYGON along the set's outermost pixels, with a vertex
+ * where the direction changes, or a ROI_POINT for a single pixel; thin parts can make several. An
+ * object inside a hole belongs to what surrounds it. Coordinates are those of the mask plus its
+ * offset; a negative x is taken for a marker, so that the offset should not be negative.
+ *
+ * globalRect holds the vertices whose x is not negative, and begins no further right or below than
+ * 32000. Without a contour it is top 1, left 1, height 31999, width 31999.
+ * mask:         IMAGE_U8; pixels other than 0 are selected.
+ * externalOnly: 0, or another number to leave out holes.
+ * maxPoints:    how many pairs of integers the flat form of the region may have, two for the
+ *               rectangle and one for each marker; below 2 it is 2. Points beyond are dropped.
+ * roi:          address of a pointer to a record or NULL, as told with RoiDescriptor; the record is
+ *               replaced. Unchanged after a failure.
+ * limitReached: NULL, or receives 1 when there are maxPoints pairs, else 0.
+ * Failures: -3009 for roi; -101 no memory for the call's own; -200; -301 for another type; -101. */
+int32_t ZEL_MaskToROI(ImageRef mask, uint16_t externalOnly, int32_t maxPoints, RoiDescriptor** roi,
+                      int32_t* limitReached);
+
 #pragma GCC visibility pop
 #ifdef __cplusplus
 }

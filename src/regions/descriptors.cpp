@@ -151,12 +151,10 @@ FlatContours::FlatContours(Handle vector)
 
 bool FlatContours::Next(FlatContour* contour) {
   const int64_t start = next_;
-  if (start + 2 > count_) return false;
+  if (isBroken_ || start >= count_) return false;
   next_ = std::find_if(values_ + start + 1, values_ + count_, &IsRoiMarker) - values_;
-  if (next_ - start < 2) {
-    next_ = count_;
-    return false;
-  }
+  isBroken_ = next_ - start < 2;
+  if (isBroken_) return false;
   *contour = {values_[start], values_[start + 1], values_ + start, next_ - start};
   return true;
 }

@@ -52,11 +52,14 @@ class FlatContours {
   explicit FlatContours(Handle vector);
 
   bool Next(FlatContour* contour);
+  // Whether the walk ended at a contour without type.
+  bool IsBroken() const { return isBroken_; }
 
  private:
   const int32_t* values_ = nullptr;
   int64_t count_ = 0;
   int64_t next_ = ROI_RECT_INTEGERS;
+  bool isBroken_ = false;
 };
 
 }  // namespace zel

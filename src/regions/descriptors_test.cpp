@@ -247,6 +247,7 @@ TEST(FlatContours, EndAtMarkersWhereverTheyStand) {
   EXPECT_EQ(contour.PointCount(), 0);
   EXPECT_FALSE(contours.Next(&contour));
   EXPECT_FALSE(contours.Next(&contour));
+  EXPECT_FALSE(contours.IsBroken());
 }
 
 TEST(FlatContours, EndAtAContourWithoutType) {
@@ -255,6 +256,7 @@ TEST(FlatContours, EndAtAContourWithoutType) {
   zel::FlatContour contour{};
   EXPECT_FALSE(contours.Next(&contour));
   EXPECT_FALSE(contours.Next(&contour));
+  EXPECT_TRUE(contours.IsBroken());
 }
 
 }  // namespace
