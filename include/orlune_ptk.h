@@ -24,6 +24,7 @@
  *   particle_filters.h  whole particles kept, removed, filled, enclosed
  *   shapes.h      distance maps, circles, skeletons, zones, touching particles
  *   files.h       picture files
+ *   regions.h     regions of interest
  *
  * What holds for all functions
  *
@@ -95,6 +96,7 @@
 #include "orlune_ptk/particle_filters.h"
 #include "orlune_ptk/particles.h"
 #include "orlune_ptk/pixels.h"
+#include "orlune_ptk/regions.h"
 #include "orlune_ptk/shapes.h"
 #include "orlune_ptk/statistics.h"
 #include "orlune_ptk/thresholds.h"

@@ -38,7 +38,11 @@ ZEL_INLINE int32_t SumWrapped(int32_t a, int32_t b) {
   return static_cast<int32_t>(static_cast<uint32_t>(a) + static_cast<uint32_t>(b));
 }
 
-// The same limited to 32 bits.
+ZEL_INLINE int32_t DifferenceWrapped(int32_t a, int32_t b) {
+  return static_cast<int32_t>(static_cast<uint32_t>(a) - static_cast<uint32_t>(b));
+}
+
+// The sum limited to 32 bits.
 ZEL_INLINE int32_t SumSaturated(int32_t a, int32_t b) {
   return Clamped(int64_t{a} + b, INT32_MIN, INT32_MAX);
 }

@@ -33,6 +33,10 @@ void BitPlane::Write(const PixelView& view) const {
   }
 }
 
+void BitPlane::Clear() {
+  std::memset(bits_.data(), 0, static_cast<size_t>(size()) * sizeof(uint64_t));
+}
+
 void BitPlane::CopyFrom(const BitPlane& plane) {
   std::memcpy(bits_.data(), plane.bits_.data(), static_cast<size_t>(size()) * sizeof(uint64_t));
 }

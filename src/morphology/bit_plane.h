@@ -34,6 +34,7 @@ class BitPlane {
   uint64_t* Row(int64_t y) { return bits_.data() + (y + 1) * pitch_ + marginWords_; }
   const uint64_t* Row(int64_t y) const { return bits_.data() + (y + 1) * pitch_ + marginWords_; }
 
+  void Clear();
   // The same pixels and surroundings; of a plane of the same size and reach.
   void CopyFrom(const BitPlane& plane);
   // Clears the bits behind a row's last pixel.
@@ -60,6 +61,21 @@ inline bool BitsAreSet(const uint64_t* row, int32_t start, int32_t end) {
   uint64_t any = row[word] & head;
   while (++word < last) any |= row[word];
   return (any | (row[last] & tail)) != 0;
+}
+
+// Sets them. At least one is asked for.
+inline void BitsSet(uint64_t* row, int32_t start, int32_t end) {
+  const int32_t first = start / 64;
+  const int32_t last = (end - 1) / 64;
+  const uint64_t head = ~uint64_t{0} << (start % 64);
+  const uint64_t tail = ~uint64_t{0} >> (63 - (end - 1) % 64);
+  if (first == last) {
+    row[first] |= head & tail;
+    return;
+  }
+  row[first] |= head;
+  for (int32_t word = first + 1; word < last; word++) row[word] = ~uint64_t{0};
+  row[last] |= tail;
 }
 
 }  // namespace zel

@@ -101,6 +101,16 @@ LineSteps::LineSteps(const KernelLine& line) {
   straight_ = height > width ? LinePoint{0, diagonal_.y} : LinePoint{diagonal_.x, 0};
 }
 
+LinePoint LineSteps::Skip(int64_t steps) {
+  const int64_t major = points_ - 1;
+  const int64_t both = major == 0 ? 0 : (onMajor_ * steps + major) / (2 * major);
+  error_ += onMajor_ * steps - 2 * major * both;
+  const auto straight = static_cast<int32_t>(steps - both);
+  const auto diagonal = static_cast<int32_t>(both);
+  return {straight_.x * straight + diagonal_.x * diagonal,
+          straight_.y * straight + diagonal_.y * diagonal};
+}
+
 Status LineWalk(const KernelLine& line, bool relative, Handle vector, int32_t* count) {
   LineSteps steps(line);
   *count = Clamped(steps.points(), 0, INT32_MAX);

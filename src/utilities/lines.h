@@ -31,6 +31,9 @@ class LineSteps {
     error_ += both ? onBoth_ : onMajor_;
     return both ? diagonal_ : straight_;
   }
+  // Takes so many steps at once, before the first Next, of a line whose coordinates are not
+  // negative. Answers where they lead, seen from the start.
+  LinePoint Skip(int64_t steps);
 
  private:
   int64_t points_;

@@ -1,12 +1,12 @@
 // Lines, rectangles and ovals drawn into images, by a value or by inverting what is there. Shapes
 // are clipped before they are walked: time hangs on the image, not on the coordinates.
 #include <algorithm>
-#include <cmath>
 
 #include "core/numbers.h"
 #include "core/pixel_types.h"
 #include "engine/operands.h"
 #include "utilities/lines.h"
+#include "utilities/ovals.h"
 
 namespace zel {
 namespace {
@@ -106,20 +106,8 @@ Canvas CanvasOf(const Operands& operands, const Pen& pen) {
 
 // ---- shapes
 
-// Rows and columns, both ends included.
-struct Box {
-  int64_t left, top, right, bottom;
-
-  int64_t Width() const { return right - left + 1; }
-  int64_t Height() const { return bottom - top + 1; }
-};
-
-Box BoxOf(int32_t top, int32_t left, int32_t height, int32_t width) {
+PixelBox BoxOf(int32_t top, int32_t left, int32_t height, int32_t width) {
   return {left, top, int64_t{left} + width - 1, int64_t{top} + height - 1};
-}
-
-bool IsOutside(const Box& box, const PixelView& view) {
-  return box.right < 0 || box.left >= view.width || box.bottom < 0 || box.top >= view.height;
 }
 
 void LineDraw(const Canvas& canvas, const KernelLine& given, const Pen&) {
@@ -134,8 +122,9 @@ void LineDraw(const Canvas& canvas, const KernelLine& given, const Pen&) {
   }
 }
 
-void BoxDraw(const Canvas& canvas, const Box& box, const Pen& pen) {
-  if (IsOutside(box, canvas.view) || box.Width() < 1 || box.Height() < 1) return;
+void BoxDraw(const Canvas& canvas, const PixelBox& box, const Pen& pen) {
+  if (box.IsOutside(canvas.view.width, canvas.view.height) || box.Width() < 1 || box.Height() < 1)
+    return;
   const int64_t top = std::max<int64_t>(box.top, 0);
   const int64_t bottom = std::min<int64_t>(box.bottom, canvas.view.height - 1);
   for (int64_t y = top; y <= bottom; y++) {
@@ -148,100 +137,13 @@ void BoxDraw(const Canvas& canvas, const Box& box, const Pen& pen) {
   }
 }
 
-// The oval that fills a box of W x H pixels. With u and v twice the distance of a pixel from the
-// middle in columns and rows, the pixel belongs to it where H^2 u^2 + W^2 v^2 <= W^2 H^2, or where
-// it lies in a middle column or row, of which an even size has two.
-class Oval {
- public:
-  explicit Oval(const Box& box) : box_(box), width_(box.Width()), height_(box.Height()) {}
-
-  // Without the middle columns and rows: u and v of any size.
-  bool EllipseHolds(int64_t x, int64_t y) const {
-    const Wide u = Size(Magnitude(2 * (x - box_.left) + 1 - width_));
-    const Wide v = Size(Magnitude(2 * (y - box_.top) + 1 - height_));
-    if (u > Size(width_) || v > Size(height_)) return false;
-    return Square(Size(height_) * u) <= Rest(v);
-  }
-
-  // The first column of a row, which ends at the mirrored one; that beyond the middle for a row
-  // that is not in the box.
-  int64_t First(int64_t y) const {
-    const int64_t v = Magnitude(2 * (y - box_.top) + 1 - height_);
-    if (v > height_) return box_.right + 1;
-    if (v <= 1) return box_.left;
-    return box_.left + (width_ - 1 - Reach(v)) / 2;
-  }
-  int64_t Mirrored(int64_t x) const { return box_.left + box_.right - x; }
-
- private:
-  __extension__ using Wide = unsigned __int128;
-
-  static int64_t Magnitude(int64_t value) { return value < 0 ? -value : value; }
-  static Wide Size(int64_t side) { return static_cast<Wide>(side); }
-  static Wide Square(Wide value) { return value * value; }
-  // Of what H^2 u^2 may be in a row. Sides have 31 bits, so that all products fit.
-  Wide Rest(Wide v) const { return Square(Size(width_)) * (Square(Size(height_)) - Square(v)); }
-  // The largest u in a row: of the width's parity, and at least that of the middle.
-  int64_t Reach(int64_t v) const {
-    const Wide rest = Rest(Size(v));
-    const auto holds = [&](int64_t u) { return Square(Size(height_) * Size(u)) <= rest; };
-    const auto h = static_cast<double>(height_);
-    const double share = std::sqrt((h - static_cast<double>(v)) * (h + static_cast<double>(v))) / h;
-    const int64_t least = (width_ - 1) & 1;
-    auto u = std::max(static_cast<int64_t>(static_cast<double>(width_) * share), least);
-    u -= (u ^ least) & 1;
-    while (u > least && !holds(u)) u -= 2;
-    while (u + 2 < width_ && holds(u + 2)) u += 2;
-    return u;
-  }
-
-  Box box_;
-  int64_t width_, height_;
-};
-
-// Of pixels that an outline has in a row: all that have a pixel outside the oval above, below or
-// beside them. Rows are the shorter the further they are from the middle.
-void OutlineDraw(const Canvas& canvas, const Oval& oval, int64_t y) {
-  const int64_t first = oval.First(y);
-  const int64_t last = oval.Mirrored(first);
-  const int64_t inside = std::max({first + 1, oval.First(y - 1), oval.First(y + 1)});
-  const int64_t insideLast = oval.Mirrored(inside);
-  if (inside > insideLast) {
-    canvas.Row(y, first, last);
-  } else {
-    canvas.Row(y, first, inside - 1);
-    canvas.Row(y, insideLast + 1, last);
-  }
-}
-
-enum class Coverage { NOTHING, ALL_OF_IMAGE, PART };
-
-// An oval that lies beyond all corners of the image, and its centre too, counts as outside, even
-// where it reaches in over an edge.
-Coverage CoverageOf(const Box& box, const Oval& oval, const PixelView& view) {
-  const int64_t right = view.width - 1;
-  const int64_t bottom = view.height - 1;
-  if (box.left >= 0 && box.top >= 0 && box.right <= right && box.bottom <= bottom) {
-    return Coverage::PART;
-  }
-  int32_t corners = 0;
-  for (const int64_t y : {int64_t{0}, bottom}) {
-    for (const int64_t x : {int64_t{0}, right}) corners += oval.EllipseHolds(x, y) ? 1 : 0;
-  }
-  if (corners == 4) return Coverage::ALL_OF_IMAGE;
-  const int64_t centreX = box.left + box.Width() / 2;
-  const int64_t centreY = box.top + box.Height() / 2;
-  const bool hasCentre = centreX >= 0 && centreX <= right && centreY >= 0 && centreY <= bottom;
-  return corners == 0 && !hasCentre ? Coverage::NOTHING : Coverage::PART;
-}
-
-void OvalDraw(const Canvas& canvas, const Box& box, const Pen& pen) {
-  if (IsOutside(box, canvas.view)) return;
+void OvalDraw(const Canvas& canvas, const PixelBox& box, const Pen& pen) {
+  if (box.IsOutside(canvas.view.width, canvas.view.height)) return;
   if (box.Width() < 2 || box.Height() < 2) return BoxDraw(canvas, box, pen);
   const Oval oval(box);
-  const Coverage coverage = CoverageOf(box, oval, canvas.view);
-  if (coverage == Coverage::NOTHING) return;
-  if (coverage == Coverage::ALL_OF_IMAGE) {
+  const OvalCoverage coverage = OvalCoverageOf(box, canvas.view.width, canvas.view.height);
+  if (coverage == OvalCoverage::NOTHING) return;
+  if (coverage == OvalCoverage::ALL_OF_IMAGE) {
     if (pen.Paints()) BoxDraw(canvas, box, pen);
     return;
   }
@@ -251,7 +153,9 @@ void OvalDraw(const Canvas& canvas, const Box& box, const Pen& pen) {
     if (pen.Paints()) {
       canvas.Row(y, oval.First(y), oval.Mirrored(oval.First(y)));
     } else {
-      OutlineDraw(canvas, oval, y);
+      const OvalOutline outline = OvalOutlineOf(oval, y);
+      canvas.Row(y, outline.left.first, outline.left.last);
+      canvas.Row(y, outline.right.first, outline.right.last);
     }
   }
 }
@@ -284,14 +188,14 @@ int32_t ZEL_DrawLine(ImageRef source, ImageRef destination, int32_t startX, int3
 
 int32_t ZEL_DrawRect(ImageRef source, ImageRef destination, int32_t top, int32_t left,
                      int32_t height, int32_t width, int32_t mode, float value) {
-  const zel::Box box = zel::BoxOf(top, left, height, width);
+  const zel::PixelBox box = zel::BoxOf(top, left, height, width);
   return ZEL_ProcessError("ZEL_DrawRect",
                           zel::Draw({source, destination}, box, {mode, value}, &zel::BoxDraw));
 }
 
 int32_t ZEL_DrawOval(ImageRef source, ImageRef destination, int32_t top, int32_t left,
                      int32_t height, int32_t width, int32_t mode, float value) {
-  const zel::Box box = zel::BoxOf(top, left, height, width);
+  const zel::PixelBox box = zel::BoxOf(top, left, height, width);
   return ZEL_ProcessError("ZEL_DrawOval",
                           zel::Draw({source, destination}, box, {mode, value}, &zel::OvalDraw));
 }

@@ -1,0 +1,180 @@
+// Polygons filled by scan conversion.
+#include "regions/polygon_fill.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace zel {
+namespace {
+
+int64_t Magnitude(int64_t value) {
+  return value < 0 ? -value : value;
+}
+
+// Toward minus infinity, so that a remainder is never negative.
+struct FloorQuotient {
+  int64_t quotient, remainder;
+  FloorQuotient(int64_t dividend, int64_t divisor)
+      : quotient(dividend / divisor), remainder(dividend % divisor) {
+    if (remainder >= 0) return;
+    quotient--;
+    remainder += divisor;
+  }
+};
+
+}  // namespace
+
+Status PolygonFill::Prepare(int64_t points, int32_t rows) {
+  const auto crossings = 2 * static_cast<uint64_t>(points);
+  const bool hasMemory = crossings_.Allocate(crossings) && active_.Allocate(crossings) &&
+                         beginning_.Allocate(static_cast<uint64_t>(std::max(rows, 0)));
+  return hasMemory ? STATUS_OK : STATUS_MEMORY_FULL;
+}
+
+void PolygonFill::Begin(const PixelView& view, int64_t frameHeight, int32_t direction) {
+  view_ = view;
+  frameHeight_ = frameHeight;
+  direction_ = direction;
+  firstRow_ = view.height;
+  endRow_ = 0;
+  crossingCount_ = 0;
+  activeCount_ = 0;
+}
+
+void PolygonFill::AddEdge(PointInt from, PointInt to) {
+  const bool isAbove = from.y < 0 && to.y < 0;
+  const bool isBelow = from.y >= frameHeight_ && to.y >= frameHeight_;
+  if (isAbove || isBelow) return;
+  if (from.y == to.y) {
+    AddPoint(from);
+    AddPoint(to);
+    return;
+  }
+  const int32_t direction = from.y < to.y ? 1 : -1;
+  if (direction != direction_) AddPoint(from);
+  direction_ = direction;
+  AddSlope(from, to);
+}
+
+void PolygonFill::AddPoint(PointInt point) {
+  if (point.y < 0) return;
+  Add(point.y, {.quotient = 0,
+                .remainder = 0,
+                .step = 0,
+                .stepRemainder = 0,
+                .divisor = 1,
+                .base = point.x,
+                .sign = 1,
+                .last = point.y,
+                .next = NONE});
+}
+
+// The row k steps from the first point is entered after (minor k + major / 2) / major columns where
+// the line is steep, and where it is flat after the first column at which the line has come
+// closer to that row than to the one before.
+void PolygonFill::AddSlope(PointInt from, PointInt to) {
+  const int64_t dx = Magnitude(int64_t{to.x} - from.x);
+  const int64_t dy = Magnitude(int64_t{to.y} - from.y);
+  const int64_t divisor = 2 * dy;
+  const bool isSteep = dy > dx;
+  const int64_t start = isSteep ? dy : 2 * dy - 1 - dx;
+
+  const bool goesDown = to.y > from.y;
+  const int64_t top = goesDown ? int64_t{from.y} + 1 : to.y;
+  const int64_t bottom = goesDown ? to.y : int64_t{from.y} - 1;
+  const int64_t first = std::max<int64_t>(top, 0);
+  const int64_t steps = Magnitude(first - from.y);
+  const FloorQuotient at(2 * dx * steps + start, divisor);
+  const FloorQuotient perRow(goesDown ? 2 * dx : -2 * dx, divisor);
+  Add(first, {.quotient = at.quotient,
+              .remainder = at.remainder,
+              .step = perRow.quotient,
+              .stepRemainder = perRow.remainder,
+              .divisor = divisor,
+              .base = from.x,
+              .sign = to.x < from.x ? -1 : 1,
+              .last = static_cast<int32_t>(bottom),
+              .next = NONE});
+}
+
+void PolygonFill::Add(int64_t first, const Crossing& crossing) {
+  if (first >= view_.height || first > crossing.last) return;
+  const auto row = static_cast<int32_t>(first);
+  const int32_t end = std::min(crossing.last, view_.height - 1) + 1;
+  // Rows get their list when the polygon first reaches them.
+  int32_t* lists = beginning_.data();
+  if (firstRow_ >= endRow_) {
+    firstRow_ = row;
+    endRow_ = row;
+  }
+  if (row < firstRow_) {
+    std::fill(lists + row, lists + firstRow_, NONE);
+    firstRow_ = row;
+  }
+  if (end > endRow_) {
+    std::fill(lists + endRow_, lists + end, NONE);
+    endRow_ = end;
+  }
+  Crossing& added = crossings_[static_cast<size_t>(crossingCount_)];
+  added = crossing;
+  added.next = lists[row];
+  lists[row] = crossingCount_++;
+}
+
+void PolygonFill::Insert(Active active) {
+  Active* all = active_.data();
+  int32_t place = activeCount_++;
+  while (place > 0 && all[place - 1].x > active.x && shiftsLeft_ > 0) {
+    all[place] = all[place - 1];
+    place--;
+    shiftsLeft_--;
+  }
+  all[place] = active;
+}
+
+// From the crossings of the row before to those of this one, in order. Edges hardly change places
+// from row to row, so that each is inserted near where it was.
+void PolygonFill::Advance(int32_t y) {
+  const int32_t before = activeCount_;
+  shiftsLeft_ = 8 * int64_t{before} + 64;
+  activeCount_ = 0;
+  for (int32_t i = 0; i < before; i++) {
+    const int32_t index = active_[static_cast<size_t>(i)].crossing;
+    Crossing& crossing = crossings_[static_cast<size_t>(index)];
+    if (crossing.last < y) continue;
+    crossing.quotient += crossing.step;
+    crossing.remainder += crossing.stepRemainder;
+    if (crossing.remainder >= crossing.divisor) {
+      crossing.remainder -= crossing.divisor;
+      crossing.quotient++;
+    }
+    Insert({static_cast<int32_t>(crossing.base + crossing.sign * crossing.quotient), index});
+  }
+  for (int32_t index = beginning_[static_cast<size_t>(y)]; index != NONE;) {
+    const Crossing& crossing = crossings_[static_cast<size_t>(index)];
+    Insert({static_cast<int32_t>(crossing.base + crossing.sign * crossing.quotient), index});
+    index = crossing.next;
+  }
+  if (shiftsLeft_ == 0) {
+    std::sort(active_.data(), active_.data() + activeCount_,
+              [](const Active& a, const Active& b) { return a.x < b.x; });
+  }
+}
+
+void PolygonFill::PaintRow(int32_t y, uint8_t value) const {
+  auto* row = view_.Row<uint8_t>(y);
+  for (int32_t i = 0; i + 1 < activeCount_; i += 2) {
+    const int32_t first = std::max(active_[static_cast<size_t>(i)].x, 0);
+    const int32_t last = std::min(active_[static_cast<size_t>(i) + 1].x, view_.width - 1);
+    if (first <= last) std::memset(row + first, value, static_cast<size_t>(last - first) + 1);
+  }
+}
+
+void PolygonFill::Paint(uint8_t value) {
+  for (int32_t y = firstRow_; y < endRow_; y++) {
+    Advance(y);
+    PaintRow(y, value);
+  }
+}
+
+}  // namespace zel

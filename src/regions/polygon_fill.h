@@ -1,0 +1,65 @@
+// The inside of a polygon, row by row, from where its edges cross the rows.
+#pragma once
+
+#include <cstdint>
+
+#include "core/heap.h"
+#include "core/status.h"
+#include "core/views.h"
+#include "orlune_ptk.h"
+
+namespace zel {
+
+// Crossings of a polygon's edges with the rows of an image, taken two by two from left to right. An
+// edge is walked as a line is drawn, from its first point to its second; it crosses a row at the
+// first pixel that it has there, but for the row where it begins. A vertex at which the outline
+// goes on in the same vertical direction is one crossing so, and one at which it turns is two.
+class PolygonFill {
+ public:
+  // For polygons of at most so many points. STATUS_MEMORY_FULL.
+  Status Prepare(int64_t points, int32_t rows);
+
+  // A polygon that is not seen beyond `frameHeight` rows, of which the view has the first ones.
+  // Begin, then all edges in their order, the one back to the first point last, then Paint.
+  // direction: the sign of the last step in y before the first edge, not 0.
+  void Begin(const PixelView& view, int64_t frameHeight, int32_t direction);
+  void AddEdge(PointInt from, PointInt to);
+  void Paint(uint8_t value);
+
+ private:
+  // Where an edge crosses the rows first to last: at base plus or minus quotient, which grows by
+  // step + stepRemainder / divisor a row.
+  struct Crossing {
+    int64_t quotient, remainder;
+    int64_t step, stepRemainder;
+    int64_t divisor;
+    int32_t base, sign;
+    int32_t last;
+    int32_t next;  // that begins in the same row, or NONE
+  };
+  struct Active {
+    int32_t x;
+    int32_t crossing;
+  };
+  static constexpr int32_t NONE = -1;
+
+  void Add(int64_t first, const Crossing& crossing);
+  void AddPoint(PointInt point);
+  void AddSlope(PointInt from, PointInt to);
+  void Insert(Active active);
+  void Advance(int32_t y);
+  void PaintRow(int32_t y, uint8_t value) const;
+
+  PixelView view_;
+  int64_t frameHeight_ = 0;
+  int32_t direction_ = 0;
+  int32_t firstRow_ = 0, endRow_ = 0;  // with crossings
+  int32_t crossingCount_ = 0;
+  int32_t activeCount_ = 0;
+  int64_t shiftsLeft_ = 0;  // of insertions in this row, beyond which it is sorted as a whole
+  WorkArray<Crossing> crossings_;
+  WorkArray<Active> active_;
+  WorkArray<int32_t> beginning_;  // in a row: the first crossing of a list
+};
+
+}  // namespace zel
