@@ -38,6 +38,7 @@ typedef enum FailureNumber {
   ZEL_ERR_BAD_FILE_FORMAT = -514,          /* a directory or table in the file is not accepted */
   ZEL_ERR_BAD_MEASURE = -801,              /* no ParticleMeasure has this number */
   ZEL_ERR_INTERNAL = -1001,                /* outside an image; no reference is left */
+  ZEL_ERR_COMPLEX_EXPECTED = -2003,        /* an image that has to be of IMAGE_COMPLEX is not */
   ZEL_ERR_NULL_POINTER = -3009             /* NULL where a pointer is required */
 } FailureNumber;
 

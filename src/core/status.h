@@ -37,6 +37,7 @@ constexpr Status STATUS_FILE_WRITE = -ZEL_ERR_FILE_WRITE;
 constexpr Status STATUS_BAD_FILE_FORMAT = -ZEL_ERR_BAD_FILE_FORMAT;
 constexpr Status STATUS_BAD_MEASURE = -ZEL_ERR_BAD_MEASURE;
 constexpr Status STATUS_INTERNAL = -ZEL_ERR_INTERNAL;  // also outside a table
+constexpr Status STATUS_COMPLEX_EXPECTED = -ZEL_ERR_COMPLEX_EXPECTED;
 constexpr Status STATUS_NULL_POINTER = -ZEL_ERR_NULL_POINTER;
 
 // Those that stay inside.
