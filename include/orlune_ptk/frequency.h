@@ -32,7 +32,7 @@ typedef enum ComplexPlane {
   COMPLEX_PLANE_REAL = 0,
   COMPLEX_PLANE_IMAGINARY = 1,
   COMPLEX_PLANE_MAGNITUDE = 2, /* sqrt(real * real + imaginary * imaginary) */
-  COMPLEX_PLANE_PHASE = 3      /* in degrees, from -180 to 180: atan(imaginary / real) * 57.29577867;
+  COMPLEX_PLANE_PHASE = 3 /* in degrees, from -180 to 180: atan(imaginary / real) * 57.29577867;
                                   of a negative real part 180 more, or less where the imaginary part is
                                   negative too; of a real part below 1e-10 in size 90, or -90 where the
                                   imaginary part is negative */
@@ -127,8 +127,7 @@ int32_t ZEL_ComplexDivide(ImageRef source, ImageRef operand, ImageRef destinatio
  * source:      IMAGE_COMPLEX.
  * destination: IMAGE_COMPLEX. 0 or the source: in place.
  * Failures: -200; -2003 for another source type; -200; -101: the destination may have the source's
- * calibration; -300 for a destination of IMAGE_OPAQUE, which has the calibration then; -304 for
- * another type of the destination, which is calibrated and 0 x 0 then. */
+ * calibration; -304 for another type of the destination, which is calibrated and 0 x 0 then. */
 int32_t ZEL_ComplexConjugate(ImageRef source, ImageRef destination);
 
 /* Exchanges the quadrants: top left with bottom right, top right with bottom left. The last column
@@ -136,8 +135,7 @@ int32_t ZEL_ComplexConjugate(ImageRef source, ImageRef destination);
  * source:      IMAGE_SGL or IMAGE_COMPLEX.
  * destination: of the source's type. 0 or the source: in place.
  * Failures: -200; -301 for another source type; -200; -101: the destination may have the source's
- * calibration; -300 for a destination of IMAGE_OPAQUE, which has the calibration then; -304 for
- * another type of the destination, which is calibrated and 0 x 0 then. */
+ * calibration; -304 for another type of the destination, which is calibrated and 0 x 0 then. */
 int32_t ZEL_ComplexFlipFrequency(ImageRef source, ImageRef destination);
 
 /* Weights frequencies. With w2 = width / 2 and h2 = height / 2 (truncated):
@@ -150,8 +148,7 @@ int32_t ZEL_ComplexFlipFrequency(ImageRef source, ImageRef destination);
  * destination: of the source's type. 0 or the source: in place.
  * mode:        a FrequencyFilter.
  * Failures: -200; -301 for another source type; -200; -101: the destination may have the source's
- * calibration; -300 for a destination of IMAGE_OPAQUE, which has the calibration then; -304 for
- * another type of the destination, which is calibrated and 0 x 0 then. */
+ * calibration; -304 for another type of the destination, which is calibrated and 0 x 0 then. */
 int32_t ZEL_ComplexAttenuate(ImageRef source, ImageRef destination, int16_t mode);
 
 /* Clears frequencies outside, or inside, a quarter of an ellipse in each corner. Its half axes are
@@ -166,8 +163,7 @@ int32_t ZEL_ComplexAttenuate(ImageRef source, ImageRef destination, int16_t mode
  * mode:        a FrequencyFilter.
  * percent:     of the spectrum, limited to 0..100; NaN is 0.
  * Failures: -200; -301 for another source type; -200; -101: the destination may have the source's
- * calibration; -300 for a destination of IMAGE_OPAQUE, which has the calibration then; -304 for
- * another type of the destination, which is calibrated and 0 x 0 then. */
+ * calibration; -304 for another type of the destination, which is calibrated and 0 x 0 then. */
 int32_t ZEL_ComplexTruncate(ImageRef source, ImageRef destination, int16_t mode, float percent);
 
 /* Takes a plane out of a complex image.
@@ -178,8 +174,7 @@ int32_t ZEL_ComplexTruncate(ImageRef source, ImageRef destination, int16_t mode,
  *              source: in place.
  * plane:       a ComplexPlane; limited to its numbers.
  * Failures: -200; -2003 for another source type; -200; -101: the destination may have the source's
- * calibration; -300 for a destination of IMAGE_OPAQUE, which has the calibration then; -304 for a
- * destination of IMAGE_RGB, which is calibrated and 0 x 0 then. */
+ * calibration; -304 for another type of the destination, which is calibrated and 0 x 0 then. */
 int32_t ZEL_ExtractComplexPlane(ImageRef source, ImageRef destination, int32_t plane);
 
 /* Replaces the real or the imaginary parts of a complex image. The other part stays, where the image

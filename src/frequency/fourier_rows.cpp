@@ -119,12 +119,35 @@ void ScatterColumns(const FourierPixels& pixels, const FourierSignals& signals) 
 // As many 32-bit floats as there are doubles in a vector.
 using HalfFloats = float __attribute__((vector_size(VECTOR_BYTES / 2)));
 
+#if defined(ZEL_VECTORS)
+
+ZEL_INLINE Doubles Widened(const float* from) {
+  return WidenFloats(from);
+}
+#if defined(ZEL_LEVEL_v4)
+ZEL_INLINE void StoreRounded(float* to, Doubles v) {
+  Store(to, _mm512_maskz_cvtpd_ps(0xFF, (__m512d)v));
+}
+#elif defined(ZEL_LEVEL_v3)
+ZEL_INLINE void StoreRounded(float* to, Doubles v) {
+  Store(to, _mm256_cvtpd_ps((__m256d)v));
+}
+#else
+ZEL_INLINE void StoreRounded(float* to, Doubles v) {
+  _mm_storel_pi(reinterpret_cast<__m64*>(to), _mm_cvtpd_ps((__m128d)v));
+}
+#endif
+
+#else
+
 ZEL_INLINE Doubles Widened(const float* from) {
   return __builtin_convertvector(Load<HalfFloats>(from), Doubles);
 }
 ZEL_INLINE void StoreRounded(float* to, Doubles v) {
   Store(to, __builtin_convertvector(v, HalfFloats));
 }
+
+#endif
 
 // a * b + c * d: the products of widened floats are exact, so that only the sum is rounded.
 ZEL_INLINE Doubles SumOfProducts(Doubles a, Doubles b, Doubles c, Doubles d) {
