@@ -50,16 +50,26 @@ FourierCopy CopyOf(const FourierCopies& copies, int32_t type) {
   }
 }
 
+// Groups of columns that go through together: so many elements stay in the second-level cache, and
+// the pixels that a row has of them are some neighbouring cache lines.
+constexpr int32_t ELEMENTS_TOGETHER = 8192;
+constexpr int32_t GROUPS_AT_MOST = 8;
+
+int32_t GroupsOfColumns(const PixelView& image) {
+  return std::clamp(ELEMENTS_TOGETHER / image.height, 1,
+                    std::min(GROUPS_AT_MOST, image.width / FOURIER_SIGNALS));
+}
+
 // The work memory of a transform: factors, and signals for each worker.
 class FourierWork {
  public:
   Status Allocate(const PixelView& image) {
-    length_ = std::max(image.width, image.height);
-    const uint64_t elements =
-        static_cast<uint64_t>(length_) * static_cast<uint64_t>(BandWorkers()) +
-        1;  // to begin on a boundary of cache lines
-    const bool isHad =
-        twiddles_.Allocate(static_cast<uint64_t>(length_ / 2)) && elements_.Allocate(elements);
+    const int64_t ofColumns = int64_t{GroupsOfColumns(image)} * StrideOf(image.height);
+    perWorker_ = std::max(ofColumns, StrideOf(image.width));
+    // One more, to begin on a boundary of cache lines.
+    const auto elements = static_cast<uint64_t>(perWorker_ * BandWorkers() + 1);
+    const auto factors = static_cast<uint64_t>(std::max(image.width, image.height) / 2);
+    const bool isHad = twiddles_.Allocate(factors) && elements_.Allocate(elements);
     return isHad ? STATUS_OK : STATUS_MEMORY_FULL;
   }
 
@@ -69,41 +79,47 @@ class FourierWork {
     prepared_ = length;
   }
 
-  FourierSignals SignalsOf(int32_t worker) {
+  FourierSignals SignalsOf(int32_t worker, int32_t groups) {
     const auto address = reinterpret_cast<uintptr_t>(elements_.data());
     constexpr uintptr_t line = sizeof(FourierElements);
     auto* first = reinterpret_cast<FourierElements*>((address + line - 1) / line * line);
-    return {first + worker * length_, prepared_, twiddles_.data()};
+    return {first + worker * perWorker_, prepared_, groups, StrideOf(prepared_), twiddles_.data()};
   }
 
  private:
+  // One more than the length, so that the same element of several groups lies in different sets of
+  // the caches.
+  static int64_t StrideOf(int32_t length) { return int64_t{length} + 1; }
+
   WorkArray<Twiddle> twiddles_;
   WorkArray<FourierElements> elements_;
-  int64_t length_ = 0;
+  int64_t perWorker_ = 0;
   int32_t prepared_ = 0;  // the length that there are factors for
 };
 
 // What is computed on a pixel in one pass, beside an addition of bytes.
 constexpr int64_t BYTES_A_PIXEL = 128;
 
-// A pass over all rows or columns: each group of signals is gathered from `from`, transformed and
+// A pass over all rows or columns: groups of signals are gathered from `from`, transformed and
 // scattered to `to`.
 struct FourierPass {
   PixelView from, to;
   FourierCopy gather, scatter;
   float scale;
+  int32_t groups;  // that go through together
 };
 
 template <class PixelsOf>
 void PassRun(FourierWork* work, const FourierPass& pass, int64_t signals,
              const PixelsOf& pixelsOf) {
   const auto transform = fourierRows().transform;
-  BandsRun({.units = signals / FOURIER_SIGNALS,
+  const int64_t signalsTogether = int64_t{FOURIER_SIGNALS} * pass.groups;
+  BandsRun({.units = signals / signalsTogether,
             .bytes = BYTES_A_PIXEL * pass.from.width * pass.from.height},
            [&](const Band& band) {
-             const FourierSignals mine = work->SignalsOf(band.worker);
-             for (int64_t group = band.begin; group < band.end; group++) {
-               const int64_t first = group * FOURIER_SIGNALS;
+             const FourierSignals mine = work->SignalsOf(band.worker, pass.groups);
+             for (int64_t unit = band.begin; unit < band.end; unit++) {
+               const int64_t first = unit * signalsTogether;
                pass.gather({pixelsOf(pass.from, first), pass.from.pitch, pass.scale}, mine);
                transform(mine);
                pass.scatter({pixelsOf(pass.to, first), pass.to.pitch, pass.scale}, mine);
@@ -114,14 +130,16 @@ void PassRun(FourierWork* work, const FourierPass& pass, int64_t signals,
 // To complex pixels.
 void TransformRows(FourierWork* work, const PixelView& from, const PixelView& to, float scale) {
   const FourierRows& rows = fourierRows();
-  PassRun(work, {from, to, CopyOf(rows.gatherRows, from.type), rows.scatterRows, scale},
+  PassRun(work, {from, to, CopyOf(rows.gatherRows, from.type), rows.scatterRows, scale, 1},
           from.height, [](const PixelView& view, int64_t y) { return view.Row<uint8_t>(y); });
 }
 
 // From complex pixels.
 void TransformColumns(FourierWork* work, const PixelView& from, const PixelView& to) {
   const FourierRows& rows = fourierRows();
-  PassRun(work, {from, to, rows.gatherColumns, CopyOf(rows.scatterColumns, to.type), 1.0f},
+  PassRun(work,
+          {from, to, rows.gatherColumns, CopyOf(rows.scatterColumns, to.type), 1.0f,
+           GroupsOfColumns(from)},
           from.width,
           [](const PixelView& view, int64_t x) { return view.origin + x * view.pixelBytes; });
 }

@@ -25,14 +25,17 @@ struct Twiddle {
   double real, imaginary;
 };
 
-// Work memory of one worker.
+// Signals side by side, and as many more groups of them as are gathered together.
 struct FourierSignals {
   FourierElements* elements;  // on a boundary of cache lines
-  int64_t length;             // of each signal: a power of 2, at least FOURIER_SIGNALS
-  const Twiddle* twiddles;    // length / 2
+  int64_t length;             // of each signal: a power of 2, at least 16
+  int64_t groups;
+  int64_t groupStride;      // elements from one group to the next
+  const Twiddle* twiddles;  // length / 2
 };
 
-// Pixels of FOURIER_SIGNALS rows or columns. What is gathered is multiplied by a scale.
+// Pixels of FOURIER_SIGNALS rows, or of that many columns for each group. What is gathered is
+// multiplied by a scale.
 struct FourierPixels {
   uint8_t* origin;  // the first pixel of the first one
   int64_t pitch;    // bytes from one row to the next
@@ -47,12 +50,12 @@ struct FourierCopies {
 };
 
 struct FourierRows {
-  FourierCopies gatherRows;  // the scale counts for complex pixels only
-  FourierCopy scatterRows;   // as complex pixels
+  FourierCopies gatherRows;  // of one group; the scale counts for complex pixels only
+  FourierCopy scatterRows;   // of one group, as complex pixels
   FourierCopy gatherColumns;
   FourierCopies scatterColumns;  // magnitudes, but complex pixels as they are
 
-  void (*transform)(const FourierSignals& signals);
+  void (*transform)(const FourierSignals& signals);  // all groups
 };
 ZEL_ROW_TABLE(FourierRows, fourierRows)
 
