@@ -19,6 +19,7 @@
  *   geometry.h    images turned, shifted, mirrored, transposed, seen in relief
  *   morphology.h  shapes and grey levels changed by structuring elements
  *   colours.h     colour images: planes, pixels, conversion, histogram, threshold, lookup
+ *   frequency.h   the Fourier transform; spectra combined, filtered, taken apart
  *   statistics.h  histograms, regions, centroids, profiles
  *   particles.h   connected pixels, numbered, measured, selected
  *   particle_filters.h  whole particles kept, removed, filled, enclosed
@@ -87,6 +88,7 @@
 #include "orlune_ptk/errors.h"
 #include "orlune_ptk/files.h"
 #include "orlune_ptk/filters.h"
+#include "orlune_ptk/frequency.h"
 #include "orlune_ptk/geometry.h"
 #include "orlune_ptk/images.h"
 #include "orlune_ptk/lookups.h"

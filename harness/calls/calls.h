@@ -50,6 +50,7 @@ extern const std::span<const ApiCall> MORPHOLOGY_CALLS;
 extern const std::span<const ApiCall> PARTICLE_FILTER_CALLS;
 extern const std::span<const ApiCall> SHAPE_CALLS;
 extern const std::span<const ApiCall> COLOUR_CALLS;
+extern const std::span<const ApiCall> FREQUENCY_CALLS;
 extern const std::span<const ApiCall> FILE_CALLS;
 
 // All of them.

@@ -68,6 +68,7 @@ extern const std::span<const Step> MORPHOLOGY_STEPS;
 extern const std::span<const Step> PARTICLE_FILTER_STEPS;
 extern const std::span<const Step> SHAPE_STEPS;
 extern const std::span<const Step> COLOUR_STEPS;
+extern const std::span<const Step> FREQUENCY_STEPS;
 extern const std::span<const Step> FILE_STEPS;
 
 // All of them.

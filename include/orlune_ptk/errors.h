@@ -39,6 +39,7 @@ typedef enum FailureNumber {
   ZEL_ERR_BAD_MEASURE = -801,              /* no ParticleMeasure has this number */
   ZEL_ERR_INTERNAL = -1001,                /* outside an image; no reference is left */
   ZEL_ERR_BAD_ROI = -1200,                 /* a region without a contour, or of a wrong shape */
+  ZEL_ERR_COMPLEX_EXPECTED = -2003,        /* an image that has to be of IMAGE_COMPLEX is not */
   ZEL_ERR_NULL_POINTER = -3009             /* NULL where a pointer is required */
 } FailureNumber;
 

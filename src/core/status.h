@@ -38,6 +38,7 @@ constexpr Status STATUS_BAD_FILE_FORMAT = -ZEL_ERR_BAD_FILE_FORMAT;
 constexpr Status STATUS_BAD_MEASURE = -ZEL_ERR_BAD_MEASURE;
 constexpr Status STATUS_INTERNAL = -ZEL_ERR_INTERNAL;  // also outside a table
 constexpr Status STATUS_BAD_ROI = -ZEL_ERR_BAD_ROI;
+constexpr Status STATUS_COMPLEX_EXPECTED = -ZEL_ERR_COMPLEX_EXPECTED;
 constexpr Status STATUS_NULL_POINTER = -ZEL_ERR_NULL_POINTER;
 
 // Those that stay inside.

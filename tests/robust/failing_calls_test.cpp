@@ -441,4 +441,36 @@ TEST(Colors, WithoutMemoryHaveCalibratedTheDestination) {
   EXPECT_TRUE(IsCalibratedAs(copy, 1) && HasSize(copy, 3, 3));
 }
 
+TEST(Spectra, OfAnotherTypeAreCalibratedAndEmptied) {
+  const TestImage spectrum = Marked(IMAGE_COMPLEX, 9, 5, 1);
+  const TestImage floats = Marked(IMAGE_SGL, 3, 3, 2);
+  const TestImage colors = Marked(IMAGE_RGB, 3, 3, 3);
+  EXPECT_EQ(ZEL_ComplexFlipFrequency(spectrum, floats), ZEL_ERR_DESTINATION_TYPE_DIFFERS);
+  EXPECT_TRUE(IsCalibratedAs(floats, 1) && HasSize(floats, 0, 0));
+  EXPECT_EQ(ZEL_ExtractComplexPlane(spectrum, colors, 0), ZEL_ERR_DESTINATION_TYPE_DIFFERS);
+  EXPECT_TRUE(IsCalibratedAs(colors, 1) && HasSize(colors, 0, 0));
+}
+
+TEST(Spectra, WithoutMemoryHaveCalibratedTheDestination) {
+  const TestImage spectrum = Marked(IMAGE_COMPLEX, LARGE, LARGE, 1);
+  const TestImage sum = Marked(IMAGE_COMPLEX, 3, 3, 2);
+  const TestImage plane = Marked(IMAGE_SGL, 3, 3, 3);
+  const SmallBlocksOnly small;
+  EXPECT_EQ(ZEL_ComplexAdd(spectrum, 0, sum, 1, 1), ZEL_ERR_MEMORY_FULL);
+  EXPECT_TRUE(IsCalibratedAs(sum, 1) && HasSize(sum, 3, 3));
+  EXPECT_EQ(ZEL_ExtractComplexPlane(spectrum, plane, 0), ZEL_ERR_MEMORY_FULL);
+  EXPECT_TRUE(IsCalibratedAs(plane, 1) && HasSize(plane, 3, 3));
+}
+
+TEST(Spectra, WithoutWorkMemoryHaveSettledTheDestination) {
+  const TestImage image = Marked(IMAGE_U8, 16, 4096, 1);
+  const TestImage spectrum = Marked(IMAGE_COMPLEX, 16, 4096, 2);
+  const TestImage result = Marked(IMAGE_U8, 3, 3, 3);
+  const SmallBlocksOnly small;  // which has no room for signals of 4096 elements
+  EXPECT_EQ(ZEL_FFT(image, spectrum), ZEL_ERR_MEMORY_FULL);
+  EXPECT_TRUE(IsCalibratedAs(spectrum, 1));
+  EXPECT_EQ(ZEL_InverseFFT(spectrum, result), ZEL_ERR_MEMORY_FULL);
+  EXPECT_TRUE(IsCalibratedAs(result, 1) && HasSize(result, 16, 4096));
+}
+
 }  // namespace
