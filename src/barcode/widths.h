@@ -48,7 +48,10 @@ class TwoWidths {
  public:
   explicit TwoWidths(const BarWidths& widths);
 
-  bool IsWide(int64_t index) const { return widths_[index] > middle_[index % 2]; }
+  // One that is not there is narrow.
+  bool IsWide(int64_t index) const {
+    return index < widths_.Elements() && widths_[index] > middle_[index % 2];
+  }
   // `count` elements from `first` on, each `stride` behind the one before.
   Elements Take(int64_t first, int32_t count, int64_t stride = 1) const;
 
