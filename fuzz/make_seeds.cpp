@@ -9,6 +9,7 @@
 #include "harness/bad_files.h"
 #include "harness/checks.h"
 #include "harness/memory_files.h"
+#include "harness/printed_code.h"
 #include "harness/test_image.h"
 
 namespace {
@@ -134,6 +135,31 @@ void CallSeeds() {
   }
 }
 
+// Each sound code as bars, as one region and as a part of one, in each pixel type.
+void BarcodeSeeds() {
+  for (const char* code : {test::PRINTED_CODE128, test::PRINTED_INTERLEAVED, test::PRINTED_CODE39,
+                           test::PRINTED_CODE93, test::PRINTED_EAN8, test::PRINTED_CODABAR,
+                           test::PRINTED_EAN13, test::PRINTED_MSI, test::PRINTED_UPCA}) {
+    int32_t modules = 10;
+    int light = 5;
+    Bytes bars;
+    for (size_t i = 0; code[i] != 0; i += 2) {
+      bars.push_back(static_cast<uint8_t>(light << 4 | (code[i] - '0')));
+      light = code[i + 1] == 0 ? 5 : code[i + 1] - '0';
+      modules += code[i] - '0' + light;
+      if (code[i + 1] == 0) break;
+    }
+    bars.push_back(0x50);
+    for (uint8_t type = 0; type < 3; type++) {
+      const auto columns = static_cast<uint8_t>(modules);
+      Write("barcode", std::string(code).substr(0, 20) + "-" + std::to_string(type),
+            Behind({static_cast<uint8_t>(0xE0 | type), columns, 3}, bars));
+      Write("barcode", std::string(code).substr(0, 20) + "-part-" + std::to_string(type),
+            Behind({static_cast<uint8_t>(0xB0 | type), columns, 9, 20, 4, 224, 18, 3}, bars));
+    }
+  }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -149,6 +175,7 @@ int main(int argc, char** argv) {
   TableSeeds();
   FrontBmpSeeds();
   RawSeeds();
+  BarcodeSeeds();
   CallSeeds();
   ZEL_CloseSys();
   return 0;

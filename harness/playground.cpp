@@ -42,7 +42,8 @@ Playground::Playground(Input* input) : input_(input) {
 
 Playground::~Playground() {
   for (void* block : {static_cast<void*>(basicReports_), static_cast<void*>(particleReports_),
-                      static_cast<void*>(regionReports_), static_cast<void*>(circleReports_)}) {
+                      static_cast<void*>(regionReports_), static_cast<void*>(circleReports_),
+                      static_cast<void*>(text_)}) {
     ZEL_free(block);
   }
   ZEL_CloseSys();

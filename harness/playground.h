@@ -61,6 +61,8 @@ class Playground {
   QuantifyReport** RegionReports() { return &regionReports_; }
   CircleReport** CircleReports() { return &circleReports_; }
 
+  char** Text() { return &text_; }
+
   void EndCall() { arrays_.Clear(); }
 
  private:
@@ -72,6 +74,7 @@ class Playground {
   ParticleReport* particleReports_ = nullptr;
   QuantifyReport* regionReports_ = nullptr;
   CircleReport* circleReports_ = nullptr;
+  char* text_ = nullptr;
 };
 
 }  // namespace test

@@ -26,6 +26,7 @@
  *   shapes.h      distance maps, circles, skeletons, zones, touching particles
  *   files.h       picture files
  *   regions.h     regions of interest
+ *   barcodes.h    bar codes read
  *
  * What holds for all functions
  *
@@ -80,6 +81,7 @@
 #ifndef ORLUNE_PTK_H
 #define ORLUNE_PTK_H
 
+#include "orlune_ptk/barcodes.h"
 #include "orlune_ptk/casts.h"
 #include "orlune_ptk/colours.h"
 #include "orlune_ptk/convolution.h"

@@ -52,6 +52,7 @@ extern const std::span<const ApiCall> SHAPE_CALLS;
 extern const std::span<const ApiCall> COLOUR_CALLS;
 extern const std::span<const ApiCall> FREQUENCY_CALLS;
 extern const std::span<const ApiCall> FILE_CALLS;
+extern const std::span<const ApiCall> BARCODE_CALLS;
 
 // All of them.
 const std::vector<ApiCall>& ApiCalls();

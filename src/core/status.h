@@ -12,9 +12,11 @@ using Status = int32_t;
 constexpr Status STATUS_OK = 0;
 
 // Those that callers of the library can meet.
+constexpr Status STATUS_NO_OUTPUT = -ZEL_ERR_NO_OUTPUT;
 constexpr Status STATUS_MEMORY_FULL = -ZEL_ERR_MEMORY_FULL;
 constexpr Status STATUS_MEMORY_ERROR = -ZEL_ERR_MEMORY_ERROR;  // also a bad handle
 constexpr Status STATUS_BAD_IMAGE = -ZEL_ERR_BAD_IMAGE;
+constexpr Status STATUS_IMAGE_MISSING = -ZEL_ERR_IMAGE_MISSING;
 constexpr Status STATUS_SECOND_IMAGE_MISSING = -ZEL_ERR_SECOND_IMAGE_MISSING;
 constexpr Status STATUS_BAD_LAYOUT_TYPE = -ZEL_ERR_BAD_LAYOUT_TYPE;
 constexpr Status STATUS_BAD_TYPE = -ZEL_ERR_BAD_TYPE;
@@ -35,11 +37,16 @@ constexpr Status STATUS_FILE_INFO = -ZEL_ERR_FILE_INFO;
 constexpr Status STATUS_FILE_READ = -ZEL_ERR_FILE_READ;
 constexpr Status STATUS_FILE_WRITE = -ZEL_ERR_FILE_WRITE;
 constexpr Status STATUS_BAD_FILE_FORMAT = -ZEL_ERR_BAD_FILE_FORMAT;
+constexpr Status STATUS_TOO_FEW_POINTS = -ZEL_ERR_TOO_FEW_POINTS;
 constexpr Status STATUS_BAD_MEASURE = -ZEL_ERR_BAD_MEASURE;
 constexpr Status STATUS_INTERNAL = -ZEL_ERR_INTERNAL;  // also outside a table
 constexpr Status STATUS_BAD_ROI = -ZEL_ERR_BAD_ROI;
 constexpr Status STATUS_COMPLEX_EXPECTED = -ZEL_ERR_COMPLEX_EXPECTED;
+constexpr Status STATUS_NOT_A_RECTANGLE = -ZEL_ERR_NOT_A_RECTANGLE;
+constexpr Status STATUS_BAD_CHECK = -ZEL_ERR_BAD_CHECK;
+constexpr Status STATUS_NO_ASCII = -ZEL_ERR_NO_ASCII;
 constexpr Status STATUS_NULL_POINTER = -ZEL_ERR_NULL_POINTER;
+constexpr Status STATUS_TOO_FEW_BARS = -ZEL_ERR_TOO_FEW_BARS;
 
 // Those that stay inside.
 constexpr Status STATUS_NOT_OWNED = 100;     // a handle without a block of its own
