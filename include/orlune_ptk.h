@@ -25,6 +25,7 @@
  *   shapes.h      distance maps, circles, skeletons, zones, touching particles
  *   files.h       picture files
  *   regions.h     regions of interest
+ *   dials.h       needle meters and seven-segment displays, calibrated and read
  *
  * What holds for all functions
  *
@@ -83,6 +84,7 @@
 #include "orlune_ptk/colours.h"
 #include "orlune_ptk/convolution.h"
 #include "orlune_ptk/copying.h"
+#include "orlune_ptk/dials.h"
 #include "orlune_ptk/drawing.h"
 #include "orlune_ptk/errors.h"
 #include "orlune_ptk/files.h"

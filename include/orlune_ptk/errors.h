@@ -13,9 +13,11 @@ extern "C" {
 /* All failures that functions return. What a number means for a function stands with the function.
  */
 typedef enum FailureNumber {
+  ZEL_ERR_NO_OUTPUT = -5,              /* NULL where a reader would put its result */
   ZEL_ERR_MEMORY_FULL = -101,          /* no memory, or a size that would pass 2^31 - 1 bytes */
   ZEL_ERR_MEMORY_ERROR = -102,         /* a caller's array is too small; no memory for an image */
   ZEL_ERR_BAD_IMAGE = -200,            /* the reference names no image */
+  ZEL_ERR_IMAGE_MISSING = -201,        /* 0 where a reader needs an image */
   ZEL_ERR_SECOND_IMAGE_MISSING = -202, /* 0 where an operator needs two images */
   ZEL_ERR_BAD_LAYOUT_TYPE = -300,      /* a pixel type that has no layout in memory */
   ZEL_ERR_BAD_TYPE = -301,             /* a pixel type that the function does not take */
@@ -30,16 +32,22 @@ typedef enum FailureNumber {
   ZEL_ERR_SAME_IMAGE = -313,               /* one image stands for two */
   ZEL_ERR_BAD_FILE_HEADER = -500,          /* a header that cannot be read, taken or written */
   ZEL_ERR_FILE_OPEN = -503,                /* the file cannot be opened */
+  ZEL_ERR_INVALID_PARAMETER = -503,        /* a number outside its range, or too few points */
   ZEL_ERR_FILE_SEEK = -507,                /* a place in the file cannot be reached */
   ZEL_ERR_FILE_UNSUPPORTED = -509,         /* no known format */
   ZEL_ERR_FILE_INFO = -510,                /* missing, no regular file, or too long */
   ZEL_ERR_FILE_READ = -511,                /* pixels cannot be read */
   ZEL_ERR_FILE_WRITE = -512,               /* pixels cannot be written */
   ZEL_ERR_BAD_FILE_FORMAT = -514,          /* a directory or table in the file is not accepted */
+  ZEL_ERR_TOO_FEW_POINTS = -752,           /* a path or a list of points is too short */
   ZEL_ERR_BAD_MEASURE = -801,              /* no ParticleMeasure has this number */
   ZEL_ERR_INTERNAL = -1001,                /* outside an image; no reference is left */
   ZEL_ERR_BAD_ROI = -1200,                 /* a region without a contour, or of a wrong shape */
-  ZEL_ERR_NULL_POINTER = -3009             /* NULL where a pointer is required */
+  ZEL_ERR_DIVIDED_BY_ZERO = -3006,         /* a scale of no extent */
+  ZEL_ERR_NULL_POINTER = -3009,            /* NULL where a pointer is required */
+  ZEL_ERR_NO_SOLUTION = -3010,             /* equations without exactly one solution */
+  ZEL_ERR_NO_SEGMENT = -3040,              /* a digit, or a display, without a segment */
+  ZEL_ERR_INEXACT_DIGIT = -3041            /* segments that form no digit exactly */
 } FailureNumber;
 
 /* Whether failures are shown. */
