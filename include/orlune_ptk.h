@@ -27,6 +27,7 @@
  *   files.h       picture files
  *   regions.h     regions of interest
  *   barcodes.h    bar codes read
+ *   dials.h       needle meters and seven-segment displays, calibrated and read
  *
  * What holds for all functions
  *
@@ -86,6 +87,7 @@
 #include "orlune_ptk/colours.h"
 #include "orlune_ptk/convolution.h"
 #include "orlune_ptk/copying.h"
+#include "orlune_ptk/dials.h"
 #include "orlune_ptk/drawing.h"
 #include "orlune_ptk/errors.h"
 #include "orlune_ptk/files.h"

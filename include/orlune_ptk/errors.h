@@ -32,6 +32,7 @@ typedef enum FailureNumber {
   ZEL_ERR_SAME_IMAGE = -313,               /* one image stands for two */
   ZEL_ERR_BAD_FILE_HEADER = -500,          /* a header that cannot be read, taken or written */
   ZEL_ERR_FILE_OPEN = -503,                /* the file cannot be opened */
+  ZEL_ERR_INVALID_PARAMETER = -503,        /* a number outside its range, or too few points */
   ZEL_ERR_FILE_SEEK = -507,                /* a place in the file cannot be reached */
   ZEL_ERR_FILE_UNSUPPORTED = -509,         /* no known format */
   ZEL_ERR_FILE_INFO = -510,                /* missing, no regular file, or too long */
@@ -49,6 +50,10 @@ typedef enum FailureNumber {
   ZEL_ERR_NO_ASCII = -3004,                /* a bar code shifts to no character */
   ZEL_ERR_NULL_POINTER = -3009,            /* NULL where a pointer is required */
   ZEL_ERR_TOO_FEW_BARS = -3030             /* a bar code of that kind has more bars */
+  ZEL_ERR_DIVIDED_BY_ZERO = -3006,         /* a scale of no extent */
+  ZEL_ERR_NO_SOLUTION = -3010,             /* equations without exactly one solution */
+  ZEL_ERR_NO_SEGMENT = -3040,              /* a digit, or a display, without a segment */
+  ZEL_ERR_INEXACT_DIGIT = -3041            /* segments that form no digit exactly */
 } FailureNumber;
 
 /* Whether failures are shown. */

@@ -5,6 +5,7 @@
 #include <time.h>
 
 #include <cstdio>
+#include <cstring>
 
 namespace zel {
 namespace {
@@ -43,7 +44,9 @@ class WithoutPipeSignal {
 
 void PrintMessage(const char* title, const char* text) {
   const WithoutPipeSignal held;
-  std::fprintf(stderr, "%s: %s", title, text);
+  const size_t length = std::strlen(text);
+  const bool isEnded = length > 0 && text[length - 1] == '\n';
+  std::fprintf(stderr, "%s: %s%s", title, text, isEnded ? "" : "\n");
   std::fflush(stderr);
 }
 
