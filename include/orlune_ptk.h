@@ -24,6 +24,8 @@
  *   particle_filters.h  whole particles kept, removed, filled, enclosed
  *   shapes.h      distance maps, circles, skeletons, zones, touching particles
  *   files.h       picture files
+ *   gauges.h      edges along paths, pairs of edges, distances along lines, peaks
+ *   matching.h    particles of a wanted shape, measures of points
  *
  * What holds for all functions
  *
@@ -86,9 +88,11 @@
 #include "orlune_ptk/errors.h"
 #include "orlune_ptk/files.h"
 #include "orlune_ptk/filters.h"
+#include "orlune_ptk/gauges.h"
 #include "orlune_ptk/geometry.h"
 #include "orlune_ptk/images.h"
 #include "orlune_ptk/lookups.h"
+#include "orlune_ptk/matching.h"
 #include "orlune_ptk/memory.h"
 #include "orlune_ptk/morphology.h"
 #include "orlune_ptk/operators.h"

@@ -21,6 +21,16 @@ typedef struct ApiPoint {
   int32_t x, y; /* pixels */
 } ApiPoint;
 
+/* Points of regions, paths and lines. */
+typedef struct PointInt {
+  int32_t x, y; /* pixels */
+} PointInt;
+
+/* Points between pixels. */
+typedef struct PointFloat {
+  float x, y; /* pixels */
+} PointFloat;
+
 /* Sides of a rectangle that means "the whole image": rectangles are clipped to the image. */
 #define WHOLE_IMAGE_EXTENT 32767
 
