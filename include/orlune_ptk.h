@@ -28,6 +28,8 @@
  *   regions.h     regions of interest
  *   barcodes.h    bar codes read
  *   dials.h       needle meters and seven-segment displays, calibrated and read
+ *   gauges.h      edges along paths, pairs of edges, distances along lines, peaks
+ *   matching.h    particles of a wanted shape, measures of points
  *
  * What holds for all functions
  *
@@ -93,9 +95,11 @@
 #include "orlune_ptk/files.h"
 #include "orlune_ptk/filters.h"
 #include "orlune_ptk/frequency.h"
+#include "orlune_ptk/gauges.h"
 #include "orlune_ptk/geometry.h"
 #include "orlune_ptk/images.h"
 #include "orlune_ptk/lookups.h"
+#include "orlune_ptk/matching.h"
 #include "orlune_ptk/memory.h"
 #include "orlune_ptk/morphology.h"
 #include "orlune_ptk/operators.h"

@@ -62,6 +62,7 @@ const std::vector<ApiCall>& ApiCalls() {
           GEOMETRY_CALLS, MORPHOLOGY_CALLS, PARTICLE_FILTER_CALLS, SHAPE_CALLS, COLOUR_CALLS,
           FREQUENCY_CALLS, FILE_CALLS}) {
           FILE_CALLS, BARCODE_CALLS}) {
+          FILE_CALLS, VISION_CALLS}) {
       all.insert(all.end(), family.begin(), family.end());
     }
     return all;

@@ -40,6 +40,7 @@ const std::vector<Step>& Steps() {
           GEOMETRY_STEPS, MORPHOLOGY_STEPS, PARTICLE_FILTER_STEPS, SHAPE_STEPS, COLOUR_STEPS,
           FREQUENCY_STEPS, FILE_STEPS}) {
           FILE_STEPS, BARCODE_STEPS}) {
+          FILE_STEPS, VISION_STEPS}) {
       all.insert(all.end(), family.begin(), family.end());
     }
     return all;

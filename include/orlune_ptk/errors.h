@@ -54,6 +54,8 @@ typedef enum FailureNumber {
   ZEL_ERR_NO_SOLUTION = -3010,             /* equations without exactly one solution */
   ZEL_ERR_NO_SEGMENT = -3040,              /* a digit, or a display, without a segment */
   ZEL_ERR_INEXACT_DIGIT = -3041            /* segments that form no digit exactly */
+  ZEL_ERR_BAD_INTERPOLATION = -751,        /* no InterpolationMethod has this number */
+  ZEL_ERR_BAD_WIDTH = -3051                /* too few samples for a curve */
 } FailureNumber;
 
 /* Whether failures are shown. */

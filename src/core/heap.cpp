@@ -34,15 +34,6 @@ char* HeadOf(void* block) {
   return static_cast<char*>(block) - HEAD_BYTES;
 }
 
-size_t SizeOf(void* block) {
-  size_t size = 0;
-  if (!block) return size;
-  MemoryAllow(HeadOf(block), HEAD_BYTES);
-  std::memcpy(&size, HeadOf(block), sizeof size);
-  MemoryForbid(HeadOf(block), HEAD_BYTES);
-  return size;
-}
-
 // Makes a block of what the C heap gave.
 void* Counted(void* head, size_t size) {
   if (!head) {
@@ -59,6 +50,15 @@ void* Counted(void* head, size_t size) {
 
 }  // namespace
 
+size_t HeapSize(void* block) {
+  size_t size = 0;
+  if (!block) return size;
+  MemoryAllow(HeadOf(block), HEAD_BYTES);
+  std::memcpy(&size, HeadOf(block), sizeof size);
+  MemoryForbid(HeadOf(block), HEAD_BYTES);
+  return size;
+}
+
 HeapHooks* HeapHooksGet() {
   return &hooks;
 }
@@ -73,7 +73,7 @@ void* HeapAllocateZeroed(size_t size) {
 
 void* HeapResize(void* block, size_t size) {
   if (!block) return HeapAllocate(size);
-  const size_t former = SizeOf(block);
+  const size_t former = HeapSize(block);
   if (Refused(size, former)) {
     hooks.refusals++;
     return nullptr;
@@ -95,7 +95,7 @@ void* HeapResize(void* block, size_t size) {
 void HeapFree(void* block) {
   if (!block) return;
   hooks.liveBlocks--;
-  hooks.liveBytes -= static_cast<int64_t>(SizeOf(block));
+  hooks.liveBytes -= static_cast<int64_t>(HeapSize(block));
   std::free(HeadOf(block));
 }
 

@@ -16,6 +16,8 @@ void* HeapAllocate(size_t size);
 void* HeapAllocateZeroed(size_t size);
 void* HeapResize(void* block, size_t size);
 void HeapFree(void* block);
+// The bytes that a block was asked for with. 0 for null.
+size_t HeapSize(void* block);
 
 // What tests and fuzzers steer and read. A count of 0 or a budget of 0 sets no limit.
 struct HeapHooks {
@@ -55,6 +57,7 @@ class WorkArray {
   }
 
   // The block, for others to give back.
+  // Leaves the block to the caller.
   T* Release() { return std::exchange(data_, nullptr); }
 
   T* data() { return data_; }

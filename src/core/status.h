@@ -38,6 +38,7 @@ constexpr Status STATUS_FILE_INFO = -ZEL_ERR_FILE_INFO;
 constexpr Status STATUS_FILE_READ = -ZEL_ERR_FILE_READ;
 constexpr Status STATUS_FILE_WRITE = -ZEL_ERR_FILE_WRITE;
 constexpr Status STATUS_BAD_FILE_FORMAT = -ZEL_ERR_BAD_FILE_FORMAT;
+constexpr Status STATUS_BAD_INTERPOLATION = -ZEL_ERR_BAD_INTERPOLATION;
 constexpr Status STATUS_TOO_FEW_POINTS = -ZEL_ERR_TOO_FEW_POINTS;
 constexpr Status STATUS_BAD_MEASURE = -ZEL_ERR_BAD_MEASURE;
 constexpr Status STATUS_INTERNAL = -ZEL_ERR_INTERNAL;  // also outside a table
@@ -52,6 +53,7 @@ constexpr Status STATUS_DIVIDED_BY_ZERO = -ZEL_ERR_DIVIDED_BY_ZERO;
 constexpr Status STATUS_NO_SOLUTION = -ZEL_ERR_NO_SOLUTION;
 constexpr Status STATUS_NO_SEGMENT = -ZEL_ERR_NO_SEGMENT;
 constexpr Status STATUS_INEXACT_DIGIT = -ZEL_ERR_INEXACT_DIGIT;
+constexpr Status STATUS_BAD_WIDTH = -ZEL_ERR_BAD_WIDTH;
 
 // Those that stay inside.
 constexpr Status STATUS_NOT_OWNED = 100;     // a handle without a block of its own

@@ -15,44 +15,40 @@ namespace {
 enum OutCode : uint32_t { OUT_BELOW = 1, OUT_ABOVE = 2, OUT_RIGHT = 4, OUT_LEFT = 8 };
 
 struct ClipEnd {
-  int32_t x, y;
+  int64_t x, y;
   uint32_t code;
 };
 
-uint32_t CodeOfX(int32_t x, int32_t width) {
+uint32_t CodeOfX(int64_t x, int32_t width) {
   return x < 0 ? OUT_LEFT : x > width - 1 ? OUT_RIGHT : 0u;
 }
 
-uint32_t CodeOfY(int32_t y, int32_t height) {
+uint32_t CodeOfY(int64_t y, int32_t height) {
   return y < 0 ? OUT_ABOVE : y > height - 1 ? OUT_BELOW : 0u;
 }
 
-// a * b / c, truncated. Differences of coordinates have 33 bits.
+// a * b / c, truncated. Differences of coordinates have 33 bits, or 61.
 int64_t ProductQuotient(int64_t a, int64_t b, int64_t c) {
   __extension__ using Wide = __int128;
   return static_cast<int64_t>(Wide{a} * b / c);
 }
 
 // Where the line crosses column x, or row y. The result lies between its ends.
-int32_t CrossingY(const ClipEnd& start, const ClipEnd& end, int32_t x) {
-  const int64_t run = int64_t{end.x} - start.x;
-  const int64_t rise = int64_t{end.y} - start.y;
-  return static_cast<int32_t>(end.y + ProductQuotient(rise, int64_t{x} - end.x, run));
+int64_t CrossingY(const ClipEnd& start, const ClipEnd& end, int64_t x) {
+  return end.y + ProductQuotient(end.y - start.y, x - end.x, end.x - start.x);
 }
 
-int32_t CrossingX(const ClipEnd& start, const ClipEnd& end, int32_t y) {
-  const int64_t run = int64_t{end.x} - start.x;
-  const int64_t rise = int64_t{end.y} - start.y;
-  return static_cast<int32_t>(end.x + ProductQuotient(run, int64_t{y} - end.y, rise));
+int64_t CrossingX(const ClipEnd& start, const ClipEnd& end, int64_t y) {
+  return end.x + ProductQuotient(end.x - start.x, y - end.y, end.y - start.y);
 }
 
 }  // namespace
 
-bool LineClipToSize(int32_t width, int32_t height, KernelLine* line) {
+bool LineClipToSize(int32_t width, int32_t height, const WideLine& line, KernelLine* clipped) {
   if (width < 1 || height < 1) return false;
-  const auto codeOf = [&](int32_t x, int32_t y) { return CodeOfX(x, width) | CodeOfY(y, height); };
-  ClipEnd start{line->startX, line->startY, codeOf(line->startX, line->startY)};
-  ClipEnd end{line->endX, line->endY, codeOf(line->endX, line->endY)};
+  const auto codeOf = [&](int64_t x, int64_t y) { return CodeOfX(x, width) | CodeOfY(y, height); };
+  ClipEnd start{line.startX, line.startY, codeOf(line.startX, line.startY)};
+  ClipEnd end{line.endX, line.endY, codeOf(line.endX, line.endY)};
   if ((start.code & end.code) != 0) return false;
 
   struct Edge {
@@ -62,7 +58,7 @@ bool LineClipToSize(int32_t width, int32_t height, KernelLine* line) {
   for (const auto& [out, x] : {Edge{OUT_LEFT, 0}, Edge{OUT_RIGHT, width - 1}}) {
     if (((start.code ^ end.code) & out) == 0) continue;
     ClipEnd& outside = (start.code & out) != 0 ? start : end;
-    const int32_t y = CrossingY(start, end, x);
+    const int64_t y = CrossingY(start, end, x);
     outside = {x, y, CodeOfY(y, height)};
     if ((start.code & end.code) != 0) return false;
   }
@@ -75,8 +71,13 @@ bool LineClipToSize(int32_t width, int32_t height, KernelLine* line) {
     ClipEnd& outside = (start.code & OUT_BELOW) != 0 ? start : end;
     outside = {CrossingX(start, end, height - 1), height - 1, 0};
   }
-  *line = {start.x, start.y, end.x, end.y};
+  *clipped = {static_cast<int32_t>(start.x), static_cast<int32_t>(start.y),
+              static_cast<int32_t>(end.x), static_cast<int32_t>(end.y)};
   return true;
+}
+
+bool LineClipToSize(int32_t width, int32_t height, KernelLine* line) {
+  return LineClipToSize(width, height, {line->startX, line->startY, line->endX, line->endY}, line);
 }
 
 Status LineClip(ImageRef reference, KernelLine* line, uint16_t* visible) {

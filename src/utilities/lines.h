@@ -18,6 +18,11 @@ struct LinePoint {
 Status LineClip(ImageRef reference, KernelLine* line, uint16_t* visible);
 // The same for an image of this size. True when something is visible.
 bool LineClipToSize(int32_t width, int32_t height, KernelLine* line);
+// The same for ends that no 32 bits hold, up to 2^60.
+struct WideLine {
+  int64_t startX, startY, endX, endY;
+};
+bool LineClipToSize(int32_t width, int32_t height, const WideLine& line, KernelLine* clipped);
 
 // The steps from point to point of a line, both ends included. Along the longer axis (x where both
 // are equal) each step goes on by one; a step along the other one is taken on a tie too, so that a

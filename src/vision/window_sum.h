@@ -1,0 +1,62 @@
+// Sums of a window that slides along a signal, each rounded to a float, the same bits as if every
+// sum was computed afresh in doubles, from left to right.
+#pragma once
+
+#include <cstdint>
+
+namespace zel {
+
+// How the windows of a signal are summed.
+class WindowSumRule {
+ public:
+  WindowSumRule(const float* signal, int64_t count, int64_t width);
+
+ private:
+  friend class WindowSum;
+
+  enum class Way {
+    EXACT,     // no sum of doubles is rounded, so its terms may come and go in any order
+    AFRESH,    // narrow windows
+    BRACKETED  // sums in whole units, with a margin for how doubles would have been rounded
+  };
+  __extension__ using Wide = __int128;
+
+  float Fresh(const float* window) const;
+  Wide UnitsOf(float value) const;
+  float FloatOf(Wide units) const;
+
+  int64_t width_;
+  Way way_;
+  int32_t unit_ = 0;  // BRACKETED: the exponent of a unit
+  Wide margin_ = 0;   // ... in units
+  // Sums afresh are had for doubtful windows until so many terms are added: a signal of hundreds of
+  // millions of values under a window as wide would else take hours. From then on the sum that is
+  // rounded once stands for the one of doubles.
+  mutable int64_t termsLeft_ = int64_t{1} << 30;
+};
+
+// The sum of one window.
+class WindowSum {
+ public:
+  WindowSum(const WindowSumRule& rule, const float* window);
+
+  float Value() const;
+  // On by one sample.
+  void Slide();
+
+ private:
+  using Way = WindowSumRule::Way;
+
+  void Enter(float value);
+  void Leave(float value);
+  // What is not finite is counted instead of added.
+  int64_t* CounterOf(float value);
+
+  const WindowSumRule& rule_;
+  const float* window_;
+  double sum_ = 0.0;
+  WindowSumRule::Wide units_ = 0;
+  int64_t nans_ = 0, infinities_ = 0, negativeInfinities_ = 0;
+};
+
+}  // namespace zel
