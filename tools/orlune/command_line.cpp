@@ -161,6 +161,26 @@ void CommandLine::AddFinding(CLI::App* inspect) {
   inspect->add_flag("--swap-bytes", settings->swapBytes, SWAP_HELP)->group(group);
 }
 
+void CommandLine::AddRefining(CLI::App* inspect) {
+  const std::string group = "Refining objects, in this order";
+  Refinement* refinement = &inspect_.settings.refinement;
+  const auto disk = [&](const std::string& name, int32_t* size, const std::string& help) {
+    AddParsed(
+        inspect, name, name, [=](const std::string& text) { *size = ParseDisk(text); }, help)
+        ->type_name("N")
+        ->group(group);
+  };
+  disk("--open", &refinement->open, "take away what is thinner than a disk of N pixels");
+  disk("--close", &refinement->close, "fill gaps that are thinner than a disk of N pixels");
+  inspect->add_flag("--fill-holes", refinement->fillHoles, "holes become objects")->group(group);
+  disk("--separate", &refinement->separate,
+       "cut particles apart that are joined by a neck thinner than\nN pixels");
+  inspect
+      ->add_flag("--reject-border", refinement->rejectBorder,
+                 "leave out particles that touch the edge of the picture,\nthe region or the mask")
+      ->group(group);
+}
+
 void CommandLine::AddMeasuring(CLI::App* inspect) {
   const std::string group = "Measuring";
   InspectSettings* settings = &inspect_.settings;
@@ -228,6 +248,7 @@ void CommandLine::AddInspect() {
   CLI::App* inspect = app_.add_subcommand("inspect", "find, measure and list the particles");
   AddFiles(inspect, &inspect_.files);
   AddFinding(inspect);
+  AddRefining(inspect);
   AddMeasuring(inspect);
   AddReporting(inspect);
   inspect->footer(INSPECT_FOOTER + MethodsHelp() + INSPECT_EXAMPLES);

@@ -106,6 +106,7 @@ Image FindObjects(const InspectSettings& settings, Inspection* result) {
   const Range none{1, 0};
   Image mask = MaskOf(result->picture, result->objects.value_or(none));
   if (place) KeepAt(*place, mask);
+  Refine(settings.refinement, settings.eightConnected, place ? &*place : nullptr, &mask);
   return mask;
 }
 

@@ -8,6 +8,7 @@
 #include "orlune/boundaries.h"
 #include "orlune/clock.h"
 #include "orlune/particles.h"
+#include "orlune/refinement.h"
 #include "orlune/regions.h"
 #include "orlune/selection.h"
 
@@ -20,6 +21,7 @@ struct InspectSettings {
   bool eightConnected = true;
   std::optional<Region> region;
   const Image* mask = nullptr;  // objects are only where it is not 0
+  Refinement refinement;
   std::optional<Scale> scale;   // size of a pixel; without it the file's own, or 1
   std::string unit;             // of the scale; empty for none
   std::vector<Condition> keep;  // all must hold

@@ -77,6 +77,7 @@ std::string JsonRecord(const Inspection& inspection, const InspectSettings& sett
             ", \"bitsPerPixel\": " + std::to_string(account.PixelBits()) +
             ", \"losses\": " + JsonTexts(account.losses) + ",\n";
   record += "   \"threshold\": " + ThresholdRecord(inspection, settings) +
+            ", \"refined\": " + JsonTexts(NamesOf(settings.refinement)) +
             ", \"connectivity\": " + (settings.eightConnected ? "8" : "4") +
             ", \"scale\": {\"x\": " + Exact(inspection.scale.x) +
             ", \"y\": " + Exact(inspection.scale.y) + ", \"unit\": " + JsonText(inspection.unit) +

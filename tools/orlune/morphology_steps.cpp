@@ -1,9 +1,10 @@
 // The steps of morphology. The library's calls know no masks: results are put under one here.
 #include "orlune/morphology_steps.h"
 
-#include <algorithm>
 #include <cstring>
 #include <utility>
+
+#include "orlune/element.h"
 
 namespace front {
 namespace {
@@ -11,37 +12,6 @@ namespace {
 using Kind = Parameter::Kind;
 
 constexpr double LARGEST_SIDE = 1000;
-
-enum Shape : int32_t { RECTANGLE, DISK, HEXAGON };
-
-// The pixels of the rectangle that lie in the ellipse which fills it.
-bool EllipseHolds(const Window& window, int32_t x, int32_t y) {
-  const double u = (2.0 * x + 1 - window.width) / window.width;
-  const double v = (2.0 * y + 1 - window.height) / window.height;
-  return u * u + v * v <= 1;
-}
-
-// An element that owns its numbers.
-struct Element {
-  std::vector<int32_t> members;
-  StructuringElement record{};
-
-  explicit Element(const Arguments& arguments) {
-    const Window& window = arguments[0].window;
-    const int32_t shape = arguments[1].Whole();
-    for (int32_t y = 0; y < window.height; ++y) {
-      for (int32_t x = 0; x < window.width; ++x) {
-        members.push_back(shape != DISK || EllipseHolds(window, x, y) ? 1 : 0);
-      }
-    }
-    record = {window.width, window.height, members.data(), shape == HEXAGON ? 1 : 0};
-  }
-};
-
-int32_t ElementBorder(const Arguments& arguments) {
-  const Window& window = arguments[0].window;
-  return (std::max(window.width, window.height) - 1) / 2;
-}
 
 // Gives the pixels back that the mask, from its first pixel on the first one, does not select.
 void RestoreOutside(const Image& before, ImageRef mask, ImageRef image) {
@@ -77,8 +47,10 @@ using Export = int32_t (*)(ImageRef, ImageRef, int32_t, const StructuringElement
 
 template <Export call, MorphologyOperation operation>
 int32_t ApplyMorphology(ImageRef image, ImageRef mask, const Arguments& arguments) {
-  const Element element(arguments);
-  return UnderMask(image, mask, [&] { return call(image, 0, operation, &element.record); });
+  const Window& window = arguments[0].window;
+  const Element element(window.width, window.height,
+                        static_cast<ElementShape>(arguments[1].Whole()));
+  return UnderMask(image, mask, [&] { return call(image, 0, operation, element.record()); });
 }
 
 template <Export call, MorphologyOperation operation>
@@ -91,7 +63,8 @@ Step StepOf(std::string_view name, std::string_view meaning) {
                       .choices = {{"rectangle", RECTANGLE}, {"disk", DISK}, {"hexagon", HEXAGON}},
                       .optional = true}},
       .meaning = meaning,
-      .border = ElementBorder,
+      .border =
+          [](const Arguments& a) { return ElementBorder(a[0].window.width, a[0].window.height); },
       .apply = ApplyMorphology<call, operation>};
 }
 

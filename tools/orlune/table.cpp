@@ -125,6 +125,7 @@ void PrintTable(std::ostream& out, const Inspection& inspection, const InspectSe
   out << inspection.path << ": " << HeadLine(inspection.account) << '\n';
   for (const std::string& loss : inspection.account.losses) out << "  note: " << loss << '\n';
   out << "  objects: " << LevelsText(inspection, settings) << "; ";
+  for (const std::string& name : NamesOf(settings.refinement)) out << name << "; ";
   const size_t found = inspection.particles.size(), kept = inspection.Kept();
   out << Plural(found, "particle");
   if (!settings.keep.empty()) out << ", " << kept << " kept";
