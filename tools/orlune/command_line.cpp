@@ -143,6 +143,20 @@ void CommandLine::AddFinding(CLI::App* inspect) {
       inspect->add_flag("--dark", settings->dark, "objects are darker than the background");
   light->group(group)->excludes(range);
   dark->group(group)->excludes(range)->excludes(light);
+  ColourRanges* colours = &settings->colours;
+  const auto colour = [&](const std::string& name, std::optional<Range>* ranges, auto parse,
+                          const std::string& type, const std::string& help) {
+    CLI::Option* option = AddParsed(
+        inspect, name, name, [=](const std::string& text) { *ranges = parse(text); }, help);
+    option->type_name(type)->group(group);
+    option->excludes(range)->excludes(method)->excludes(light)->excludes(dark);
+  };
+  colour("--hue", &colours->hue, ParseHues, "DEGREES",
+         "hues of objects: red is 0, green 120, blue 240; 340:20 is\naround red");
+  colour("--saturation", &colours->saturation, ParsePercents, "PERCENT",
+         "how far from grey the colours of objects are: MIN:MAX or MIN:");
+  colour("--lightness", &colours->lightness, ParsePercents, "PERCENT",
+         "how light the colours of objects are, 0 black to 100 white");
   AddChoice(
       inspect, "--connectivity", std::map<std::string, bool>{{"4", false}, {"8", true}},
       [=](bool eight) { settings->eightConnected = eight; },

@@ -1,10 +1,10 @@
 // The steps of morphology. The library's calls know no masks: results are put under one here.
 #include "orlune/morphology_steps.h"
 
-#include <cstring>
 #include <utility>
 
 #include "orlune/element.h"
+#include "orlune/masking.h"
 
 namespace front {
 namespace {
@@ -12,36 +12,6 @@ namespace {
 using Kind = Parameter::Kind;
 
 constexpr double LARGEST_SIDE = 1000;
-
-// Gives the pixels back that the mask, from its first pixel on the first one, does not select.
-void RestoreOutside(const Image& before, ImageRef mask, ImageRef image) {
-  ImageInfo from, over, to;
-  Check(-ZEL_GetImageInfo(before, &from));
-  Check(-ZEL_GetImageInfo(mask, &over));
-  Check(-ZEL_GetImageInfo(image, &to));
-  const auto bytes = static_cast<size_t>(from.pixelBytes);
-  for (int32_t y = 0; y < from.height; ++y) {
-    const auto* selected = y < over.height ? Row<const uint8_t>(over, y) : nullptr;
-    for (int32_t x = 0; x < from.width; ++x) {
-      if (selected && x < over.width && selected[x] != 0) continue;
-      const size_t at = static_cast<size_t>(x) * bytes;
-      std::memcpy(Row<uint8_t>(to, y) + at, Row<const uint8_t>(from, y) + at, bytes);
-    }
-  }
-}
-
-// call() changes the image; what the mask, if there is one, does not select stays.
-template <class Call>
-int32_t UnderMask(ImageRef image, ImageRef mask, const Call& call) {
-  if (mask == 0) return call();
-  ImageInfo info;
-  Check(-ZEL_GetImageInfo(image, &info));
-  const Image before(info.type);
-  Check(ZEL_NthOrder(image, 0, before, 1, 1, 0));  // a copy
-  const int32_t status = call();
-  if (status == 0) RestoreOutside(before, mask, image);
-  return status;
-}
 
 using Export = int32_t (*)(ImageRef, ImageRef, int32_t, const StructuringElement*);
 

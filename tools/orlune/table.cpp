@@ -101,6 +101,11 @@ std::string Level(double value) {
 
 // Which levels are objects and why, or why none are.
 std::string LevelsText(const Inspection& inspection, const InspectSettings& settings) {
+  if (settings.colours.Any()) {
+    std::string text;
+    for (const std::string& part : TextsOf(settings.colours)) text += part + ", ";
+    return text + "as given";
+  }
   const std::string remark = inspection.remark.empty() ? "" : " (" + inspection.remark + ")";
   const std::string method = settings.range
                                  ? "as given"
