@@ -143,6 +143,20 @@ void CommandLine::AddFinding(CLI::App* inspect) {
       inspect->add_flag("--dark", settings->dark, "objects are darker than the background");
   light->group(group)->excludes(range);
   dark->group(group)->excludes(range)->excludes(light);
+  ColourRanges* colours = &settings->colours;
+  const auto colour = [&](const std::string& name, std::optional<Range>* ranges, auto parse,
+                          const std::string& type, const std::string& help) {
+    CLI::Option* option = AddParsed(
+        inspect, name, name, [=](const std::string& text) { *ranges = parse(text); }, help);
+    option->type_name(type)->group(group);
+    option->excludes(range)->excludes(method)->excludes(light)->excludes(dark);
+  };
+  colour("--hue", &colours->hue, ParseHues, "DEGREES",
+         "hues of objects: red is 0, green 120, blue 240; 340:20 is\naround red");
+  colour("--saturation", &colours->saturation, ParsePercents, "PERCENT",
+         "how far from grey the colours of objects are: MIN:MAX or MIN:");
+  colour("--lightness", &colours->lightness, ParsePercents, "PERCENT",
+         "how light the colours of objects are, 0 black to 100 white");
   AddChoice(
       inspect, "--connectivity", std::map<std::string, bool>{{"4", false}, {"8", true}},
       [=](bool eight) { settings->eightConnected = eight; },
@@ -159,6 +173,26 @@ void CommandLine::AddFinding(CLI::App* inspect) {
       ->type_name("FILE")
       ->group(group);
   inspect->add_flag("--swap-bytes", settings->swapBytes, SWAP_HELP)->group(group);
+}
+
+void CommandLine::AddRefining(CLI::App* inspect) {
+  const std::string group = "Refining objects, in this order";
+  Refinement* refinement = &inspect_.settings.refinement;
+  const auto disk = [&](const std::string& name, int32_t* size, const std::string& help) {
+    AddParsed(
+        inspect, name, name, [=](const std::string& text) { *size = ParseDisk(text); }, help)
+        ->type_name("N")
+        ->group(group);
+  };
+  disk("--open", &refinement->open, "take away what is thinner than a disk of N pixels");
+  disk("--close", &refinement->close, "fill gaps that are thinner than a disk of N pixels");
+  inspect->add_flag("--fill-holes", refinement->fillHoles, "holes become objects")->group(group);
+  disk("--separate", &refinement->separate,
+       "cut particles apart that are joined by a neck thinner than\nN pixels");
+  inspect
+      ->add_flag("--reject-border", refinement->rejectBorder,
+                 "leave out particles that touch the edge of the picture,\nthe region or the mask")
+      ->group(group);
 }
 
 void CommandLine::AddMeasuring(CLI::App* inspect) {
@@ -228,6 +262,7 @@ void CommandLine::AddInspect() {
   CLI::App* inspect = app_.add_subcommand("inspect", "find, measure and list the particles");
   AddFiles(inspect, &inspect_.files);
   AddFinding(inspect);
+  AddRefining(inspect);
   AddMeasuring(inspect);
   AddReporting(inspect);
   inspect->footer(INSPECT_FOOTER + MethodsHelp() + INSPECT_EXAMPLES);

@@ -31,6 +31,7 @@ class CommandLine {
   void AddInfo();
   void AddInspect();
   void AddFinding(CLI::App* inspect);
+  void AddRefining(CLI::App* inspect);
   void AddMeasuring(CLI::App* inspect);
   void AddReporting(CLI::App* inspect);
   void AddFilter();

@@ -61,9 +61,10 @@ std::vector<Output> PlanOutputs(const FilterCommand& command) {
 // Throws std::invalid_argument where steps can't be held to some of the pixels.
 void RefuseMask(const FilterCommand& command) {
   for (const ChosenStep& step : command.steps) {
-    if (command.mask.empty() || !step.step->movesPixels) continue;
+    if (command.mask.empty() || !(step.step->movesPixels || step.step->makesGray)) continue;
     throw std::invalid_argument("no mask can go with the step " + std::string(step.step->name) +
-                                ", which moves pixels");
+                                (step.step->makesGray ? ", which makes a gray picture of colours"
+                                                      : ", which moves pixels"));
   }
 }
 
@@ -152,8 +153,11 @@ class FilterRun {
     FileResult result;
     try {
       Clock clock;
-      Loaded picture = ReadPicture(
-          file, {.form = Form::Gray, .swapBytes = command_.swapBytes, .border = border_});
+      Loaded picture =
+          ReadPicture(file, {.form = TakesColours(command_.steps) ? Form::AsStored : Form::Gray,
+                             .swapBytes = command_.swapBytes,
+                             .border = border_});
+      if (!picture.palette.empty()) ApplyPalette(&picture);
       result.reading = clock.Lap();
       CheckSize(picture.image);
       const Depth depth = DepthOf(picture.account, picture.image);

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <stdexcept>
 
 #include "orlune/numbers.h"
 
@@ -90,22 +91,40 @@ void TakeGivenLevels(const Range& given, const Extremes& extremes, Inspection* r
   result->objects = objects;
 }
 
+Image FindByLevels(const InspectSettings& settings, const Image* place, const Extremes& extremes,
+                   Inspection* result) {
+  if (settings.range) {
+    TakeGivenLevels(*settings.range, extremes, result);
+  } else {
+    FindLevels(settings, place, extremes, result);
+  }
+  const Range none{1, 0};
+  return MaskOf(result->picture, result->objects.value_or(none));
+}
+
+Image FindByColour(const ColourRanges& ranges, const std::optional<Image>& colours,
+                   const Image& picture) {
+  if (!colours) throw std::invalid_argument("the picture is gray: it has no objects of a colour");
+  Image mask = ObjectsByColour(*colours, ranges, PARTICLE_BORDER);
+  const ImageInfo info = picture.Info();
+  Check(ZEL_SetImageCalibration(mask, info.unit, info.xStep, info.yStep));
+  return mask;
+}
+
 // Finds the objects, and says by which levels.
-Image FindObjects(const InspectSettings& settings, Inspection* result) {
+Image FindObjects(const InspectSettings& settings, const std::optional<Image>& colours,
+                  Inspection* result) {
   const std::optional<Image> place = PlaceOf(settings.region, settings.mask, result->picture);
   const Extremes extremes = ExtremesOf(result->picture);
   const int32_t type = result->picture.Info().type;
   if (type != IMAGE_U8 || LevelsOf(result->account, type).high < 255) {
     result->stretched = Stretch(result->picture, extremes);
   }
-  if (settings.range) {
-    TakeGivenLevels(*settings.range, extremes, result);
-  } else {
-    FindLevels(settings, place ? &*place : nullptr, extremes, result);
-  }
-  const Range none{1, 0};
-  Image mask = MaskOf(result->picture, result->objects.value_or(none));
+  const Image* where = place ? &*place : nullptr;
+  Image mask = settings.colours.Any() ? FindByColour(settings.colours, colours, result->picture)
+                                      : FindByLevels(settings, where, extremes, result);
   if (place) KeepAt(*place, mask);
+  Refine(settings.refinement, settings.eightConnected, where, &mask);
   return mask;
 }
 
@@ -131,7 +150,9 @@ size_t Inspection::Kept() const {
 
 Inspection Inspect(const std::string& path, const InspectSettings& settings) {
   Clock clock;
-  Loaded picture = ReadPicture(path, {.form = Form::Gray, .swapBytes = settings.swapBytes});
+  Loaded picture = ReadPicture(
+      path,
+      {.form = Form::Gray, .swapBytes = settings.swapBytes, .colours = settings.colours.Any()});
   const ImageInfo info = picture.image.Info();
 
   Inspection result{.path = path,
@@ -151,7 +172,7 @@ Inspection Inspect(const std::string& path, const InspectSettings& settings) {
   Check(ZEL_SetImageCalibration(result.picture, info.unit, result.scale.x, result.scale.y));
   result.timing.reading = clock.Lap();
 
-  const Image mask = FindObjects(settings, &result);
+  const Image mask = FindObjects(settings, picture.colours, &result);
   result.timing.thresholding = clock.Lap();
 
   result.labels = LabelRuns(mask, settings.eightConnected);

@@ -7,7 +7,9 @@
 
 #include "orlune/boundaries.h"
 #include "orlune/clock.h"
+#include "orlune/colours.h"
 #include "orlune/particles.h"
+#include "orlune/refinement.h"
 #include "orlune/regions.h"
 #include "orlune/selection.h"
 
@@ -16,10 +18,12 @@ namespace front {
 struct InspectSettings {
   std::optional<Range> range;  // grey levels of objects, in the file's own values
   Method method = Method::Clustering;
-  bool dark = false;  // objects are darker than their surroundings
+  bool dark = false;     // objects are darker than their surroundings
+  ColourRanges colours;  // any: of objects, instead of levels
   bool eightConnected = true;
   std::optional<Region> region;
   const Image* mask = nullptr;  // objects are only where it is not 0
+  Refinement refinement;
   std::optional<Scale> scale;   // size of a pixel; without it the file's own, or 1
   std::string unit;             // of the scale; empty for none
   std::vector<Condition> keep;  // all must hold
@@ -51,7 +55,8 @@ struct Inspection {
   size_t Kept() const;
 };
 
-// Throws BadFile, LibraryFailure, and std::invalid_argument for a region or mask that does not fit.
+// Throws BadFile, LibraryFailure, and std::invalid_argument for a region or mask that does not fit,
+// and for a gray picture whose colours are asked for.
 Inspection Inspect(const std::string& path, const InspectSettings& settings);
 
 }  // namespace front

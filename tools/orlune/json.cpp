@@ -12,7 +12,21 @@ std::string StartOfFile(const std::string& path) {
   return "  {\"file\": " + JsonText(path);
 }
 
+std::string ColourRecord(const ColourRanges& ranges) {
+  std::string record = "{\"method\": \"colour\"";
+  const auto add = [&](const char* name, const std::optional<Range>& range) {
+    if (!range) return;
+    record += ", \"" + std::string(name) + "\": {\"low\": " + JsonNumber(range->low) +
+              ", \"high\": " + JsonNumber(range->high) + "}";
+  };
+  add("hue", ranges.hue);
+  add("saturation", ranges.saturation);
+  add("lightness", ranges.lightness);
+  return record + "}";
+}
+
 std::string ThresholdRecord(const Inspection& inspection, const InspectSettings& settings) {
+  if (settings.colours.Any()) return ColourRecord(settings.colours);
   std::string record = "{\"method\": ";
   record += JsonText(settings.range ? "range" : std::string(MethodName(settings.method)));
   if (inspection.objects) {
@@ -77,6 +91,7 @@ std::string JsonRecord(const Inspection& inspection, const InspectSettings& sett
             ", \"bitsPerPixel\": " + std::to_string(account.PixelBits()) +
             ", \"losses\": " + JsonTexts(account.losses) + ",\n";
   record += "   \"threshold\": " + ThresholdRecord(inspection, settings) +
+            ", \"refined\": " + JsonTexts(NamesOf(settings.refinement)) +
             ", \"connectivity\": " + (settings.eightConnected ? "8" : "4") +
             ", \"scale\": {\"x\": " + Exact(inspection.scale.x) +
             ", \"y\": " + Exact(inspection.scale.y) + ", \"unit\": " + JsonText(inspection.unit) +

@@ -1,9 +1,10 @@
 // The steps of morphology. The library's calls know no masks: results are put under one here.
 #include "orlune/morphology_steps.h"
 
-#include <algorithm>
-#include <cstring>
 #include <utility>
+
+#include "orlune/element.h"
+#include "orlune/masking.h"
 
 namespace front {
 namespace {
@@ -12,73 +13,14 @@ using Kind = Parameter::Kind;
 
 constexpr double LARGEST_SIDE = 1000;
 
-enum Shape : int32_t { RECTANGLE, DISK, HEXAGON };
-
-// The pixels of the rectangle that lie in the ellipse which fills it.
-bool EllipseHolds(const Window& window, int32_t x, int32_t y) {
-  const double u = (2.0 * x + 1 - window.width) / window.width;
-  const double v = (2.0 * y + 1 - window.height) / window.height;
-  return u * u + v * v <= 1;
-}
-
-// An element that owns its numbers.
-struct Element {
-  std::vector<int32_t> members;
-  StructuringElement record{};
-
-  explicit Element(const Arguments& arguments) {
-    const Window& window = arguments[0].window;
-    const int32_t shape = arguments[1].Whole();
-    for (int32_t y = 0; y < window.height; ++y) {
-      for (int32_t x = 0; x < window.width; ++x) {
-        members.push_back(shape != DISK || EllipseHolds(window, x, y) ? 1 : 0);
-      }
-    }
-    record = {window.width, window.height, members.data(), shape == HEXAGON ? 1 : 0};
-  }
-};
-
-int32_t ElementBorder(const Arguments& arguments) {
-  const Window& window = arguments[0].window;
-  return (std::max(window.width, window.height) - 1) / 2;
-}
-
-// Gives the pixels back that the mask, from its first pixel on the first one, does not select.
-void RestoreOutside(const Image& before, ImageRef mask, ImageRef image) {
-  ImageInfo from, over, to;
-  Check(-ZEL_GetImageInfo(before, &from));
-  Check(-ZEL_GetImageInfo(mask, &over));
-  Check(-ZEL_GetImageInfo(image, &to));
-  const auto bytes = static_cast<size_t>(from.pixelBytes);
-  for (int32_t y = 0; y < from.height; ++y) {
-    const auto* selected = y < over.height ? Row<const uint8_t>(over, y) : nullptr;
-    for (int32_t x = 0; x < from.width; ++x) {
-      if (selected && x < over.width && selected[x] != 0) continue;
-      const size_t at = static_cast<size_t>(x) * bytes;
-      std::memcpy(Row<uint8_t>(to, y) + at, Row<const uint8_t>(from, y) + at, bytes);
-    }
-  }
-}
-
-// call() changes the image; what the mask, if there is one, does not select stays.
-template <class Call>
-int32_t UnderMask(ImageRef image, ImageRef mask, const Call& call) {
-  if (mask == 0) return call();
-  ImageInfo info;
-  Check(-ZEL_GetImageInfo(image, &info));
-  const Image before(info.type);
-  Check(ZEL_NthOrder(image, 0, before, 1, 1, 0));  // a copy
-  const int32_t status = call();
-  if (status == 0) RestoreOutside(before, mask, image);
-  return status;
-}
-
 using Export = int32_t (*)(ImageRef, ImageRef, int32_t, const StructuringElement*);
 
 template <Export call, MorphologyOperation operation>
 int32_t ApplyMorphology(ImageRef image, ImageRef mask, const Arguments& arguments) {
-  const Element element(arguments);
-  return UnderMask(image, mask, [&] { return call(image, 0, operation, &element.record); });
+  const Window& window = arguments[0].window;
+  const Element element(window.width, window.height,
+                        static_cast<ElementShape>(arguments[1].Whole()));
+  return UnderMask(image, mask, [&] { return call(image, 0, operation, element.record()); });
 }
 
 template <Export call, MorphologyOperation operation>
@@ -91,7 +33,8 @@ Step StepOf(std::string_view name, std::string_view meaning) {
                       .choices = {{"rectangle", RECTANGLE}, {"disk", DISK}, {"hexagon", HEXAGON}},
                       .optional = true}},
       .meaning = meaning,
-      .border = ElementBorder,
+      .border =
+          [](const Arguments& a) { return ElementBorder(a[0].window.width, a[0].window.height); },
       .apply = ApplyMorphology<call, operation>};
 }
 

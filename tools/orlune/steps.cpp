@@ -9,6 +9,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "orlune/colour_steps.h"
+#include "orlune/colours.h"
 #include "orlune/morphology_steps.h"
 #include "orlune/numbers.h"
 #include "orlune/words.h"
@@ -282,6 +284,7 @@ std::vector<Step> MakeFilters() {
 std::vector<Step> MakeSteps() {
   std::vector<Step> steps = MakeFilters();
   for (Step& step : MorphologySteps()) steps.push_back(std::move(step));
+  for (Step& step : ColourSteps()) steps.push_back(std::move(step));
   return steps;
 }
 
@@ -294,6 +297,8 @@ std::vector<std::string_view> WordsOf(const Parameter& parameter) {
 // What a parameter may be: "0 to 100".
 std::string RangeText(const Parameter& parameter) {
   if (parameter.kind == Kind::Choice) return ListOf(WordsOf(parameter));
+  if (parameter.kind == Kind::Hues) return "MIN:MAX in degrees, as 200:260 or 340:20";
+  if (parameter.kind == Kind::Percents) return "MIN:MAX of 0 to 100, MIN: or :MAX";
   std::string range = Short(parameter.low);
   if (parameter.high >= UNLIMITED) {
     range += " or more";
@@ -305,6 +310,7 @@ std::string RangeText(const Parameter& parameter) {
 
 // What an optional parameter is where it is left out.
 std::string DefaultText(const Parameter& parameter) {
+  if (parameter.kind == Kind::Percents) return "0:100";
   for (const Choice& choice : parameter.choices) {
     if (choice.number == 0) return std::string(choice.word);
   }
@@ -355,6 +361,12 @@ Argument ParseArgument(const Parameter& parameter, std::string_view text) {
         break;
       case Kind::Window:
         argument.window = WindowOf(parameter, text);
+        break;
+      case Kind::Hues:
+        argument.range = ParseHues(text);
+        break;
+      case Kind::Percents:
+        argument.range = ParsePercents(text);
         break;
       case Kind::Whole:
       case Kind::Real:
@@ -423,11 +435,23 @@ const std::vector<Step>& AllSteps() {
   return STEPS;
 }
 
+bool TakesColours(const Chain& chain) {
+  return !chain.empty() && chain.front().step->takesColours;
+}
+
 Chain ParseChain(std::string_view text) {
   Chain chain;
+  bool coloured = true;
   for (const std::string_view piece : Split(text, ';')) {
     try {
       chain.push_back(ParseStep(piece));
+      const Step& step = *chain.back().step;
+      if (step.takesColours && !coloured) {
+        chain.pop_back();
+        throw std::invalid_argument(std::string(step.name) +
+                                    ": the picture is gray by then; steps on colours come first");
+      }
+      coloured = step.takesColours && !step.makesGray;
     } catch (const std::invalid_argument& error) {
       throw std::invalid_argument("step " + std::to_string(chain.size() + 1) + ", " + error.what());
     }
@@ -444,6 +468,12 @@ int32_t BorderOf(const Chain& chain) {
 }
 
 void Apply(const ChosenStep& chosen, const Image& image, ImageRef mask) {
+  const bool coloured = image.Info().type == IMAGE_RGB;
+  if (chosen.step->takesColours && !coloured) {
+    throw std::invalid_argument("the picture is gray, and the step " +
+                                std::string(chosen.step->name) + " takes colours");
+  }
+  if (coloured && !chosen.step->takesColours) Check(ZEL_Cast(image, IMAGE_U8));
   Check(chosen.step->apply(image, mask, chosen.arguments));
 }
 

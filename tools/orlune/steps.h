@@ -17,8 +17,9 @@ struct Window {
 
 // What stands for a parameter in a step as it was typed.
 struct Argument {
-  double number = 0;  // a word's own number where words are to be chosen from
-  Window window;      // where the parameter is one
+  double number = 0;    // a word's own number where words are to be chosen from
+  Window window;        // where the parameter is one
+  Range range{0, 100};  // likewise; of percent, all where it is left out
 
   int32_t Whole() const { return static_cast<int32_t>(number); }
   float Real() const { return static_cast<float>(number); }
@@ -31,7 +32,7 @@ struct Choice {
 };
 
 struct Parameter {
-  enum class Kind { Choice, Window, Whole, Real };
+  enum class Kind { Choice, Window, Whole, Real, Hues, Percents };
 
   std::string_view name;  // in capitals
   Kind kind;
@@ -47,7 +48,9 @@ struct Step {
   std::string_view meaning;  // one line of help
   // What is wrong with arguments that are each in their range; empty for nothing. May be null.
   std::string (*complaint)(const Arguments&) = nullptr;
-  bool movesPixels = false;  // so that no mask can choose some of them
+  bool movesPixels = false;   // so that no mask can choose some of them
+  bool takesColours = false;  // an IMAGE_RGB; others take a gray picture, of colours their mean
+  bool makesGray = false;     // of colours, so that no mask can keep some of them
   // Pixels around the picture that are read.
   int32_t (*border)(const Arguments&);
   // In place, where the mask, if there is one, is not 0. Gives the library's status.
@@ -63,13 +66,17 @@ struct ChosenStep {
 };
 using Chain = std::vector<ChosenStep>;
 
+// Whether the chain begins with colours: then it is given them, else their mean.
+bool TakesColours(const Chain& chain);
+
 // "median 5; edges sobel 20". Throws std::invalid_argument that says what is wrong where.
 Chain ParseChain(std::string_view text);
 
 // The border that all steps have enough of.
 int32_t BorderOf(const Chain& chain);
 
-// In place. The image has the border that the step needs. Throws LibraryFailure.
+// In place. The image has the border that the step needs. Throws LibraryFailure, and
+// std::invalid_argument for a gray picture where the step takes colours.
 void Apply(const ChosenStep& chosen, const Image& image, ImageRef mask);
 
 // Every step with its parameters, in columns.

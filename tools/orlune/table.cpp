@@ -101,6 +101,11 @@ std::string Level(double value) {
 
 // Which levels are objects and why, or why none are.
 std::string LevelsText(const Inspection& inspection, const InspectSettings& settings) {
+  if (settings.colours.Any()) {
+    std::string text;
+    for (const std::string& part : TextsOf(settings.colours)) text += part + ", ";
+    return text + "as given";
+  }
   const std::string remark = inspection.remark.empty() ? "" : " (" + inspection.remark + ")";
   const std::string method = settings.range
                                  ? "as given"
@@ -125,6 +130,7 @@ void PrintTable(std::ostream& out, const Inspection& inspection, const InspectSe
   out << inspection.path << ": " << HeadLine(inspection.account) << '\n';
   for (const std::string& loss : inspection.account.losses) out << "  note: " << loss << '\n';
   out << "  objects: " << LevelsText(inspection, settings) << "; ";
+  for (const std::string& name : NamesOf(settings.refinement)) out << name << "; ";
   const size_t found = inspection.particles.size(), kept = inspection.Kept();
   out << Plural(found, "particle");
   if (!settings.keep.empty()) out << ", " << kept << " kept";

@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
+#include <deque>
 #include <iostream>
 #include <map>
 #include <memory>
@@ -17,14 +18,23 @@
 #include <system_error>
 #include <vector>
 
+#include "orlune/clock.h"
 #include "orlune/interrupts.h"
+#include "orlune/parcel.h"
 #include "orlune/words.h"
 
 namespace front {
 namespace {
 
 constexpr size_t MOST_WORKERS = 256;
-constexpr size_t NO_TASK = SIZE_MAX;
+
+// Tasks that are given together. A worker that waits for each small one sleeps as long as it works;
+// one that keeps many is late with what it found.
+struct Batch {
+  size_t first = 0, count = 0;
+};
+constexpr size_t LARGEST_BATCH = 64;
+constexpr Seconds BATCH_TIME{0.002};
 
 bool ReadAll(int descriptor, void* to, size_t bytes) {
   auto* at = static_cast<char*>(to);
@@ -50,13 +60,13 @@ bool WriteAll(int descriptor, const void* from, size_t bytes) {
   return true;
 }
 
-// A process that does the tasks whose numbers it is sent, until there are no more to come.
+// A process that does the tasks of the batches that it is sent, until there are no more to come.
 class Worker {
  public:
   // Throws std::system_error.
   Worker(const TaskRun& run, const std::vector<Worker*>& others) {
-    int numbers[2], results[2];
-    if (::pipe(numbers) != 0) Fail("pipe");
+    int batches[2], results[2];
+    if (::pipe(batches) != 0) Fail("pipe");
     if (::pipe(results) != 0) Fail("pipe");
     std::cout.flush();
     process_ = ::fork();
@@ -64,13 +74,13 @@ class Worker {
     if (process_ == 0) {
       // The ends of other workers' pipes would keep them waiting.
       for (const Worker* other : others) other->CloseEnds();
-      ::close(numbers[1]);
+      ::close(batches[1]);
       ::close(results[0]);
-      Serve(run, numbers[0], results[1]);
+      Serve(run, batches[0], results[1]);
     }
-    ::close(numbers[0]);
+    ::close(batches[0]);
     ::close(results[1]);
-    numbers_ = numbers[1];
+    batches_ = batches[1];
     results_ = results[0];
   }
   ~Worker() {
@@ -81,21 +91,28 @@ class Worker {
   Worker(const Worker&) = delete;
   Worker& operator=(const Worker&) = delete;
 
-  size_t task() const { return task_; }
+  const Batch& batch() const { return batch_; }
+  bool IsBusy() const { return batch_.count > 0; }
   int results() const { return results_; }
+  // How many tasks should come next, by the time that the last ones took.
+  size_t NextCount() const { return nextCount_; }
 
-  bool Give(size_t task) {
-    task_ = task;
-    return WriteAll(numbers_, &task, sizeof task);
+  void Give(const Batch& batch) {
+    batch_ = batch;
+    clock_.Lap();
+    WriteAll(batches_, &batch, sizeof batch);
   }
-  // What the task gave; nothing from a worker that is no more.
+  // What the tasks of the batch gave; nothing from a worker that is no more.
   std::optional<std::string> Receive() {
     size_t size = 0;
     if (!ReadAll(results_, &size, sizeof size)) return std::nullopt;
-    std::string result(size, '\0');
-    if (!ReadAll(results_, result.data(), size)) return std::nullopt;
-    task_ = NO_TASK;
-    return result;
+    std::string results(size, '\0');
+    if (!ReadAll(results_, results.data(), size)) return std::nullopt;
+    const bool quick = clock_.Lap() < BATCH_TIME;
+    nextCount_ =
+        quick ? std::min(batch_.count * 2, LARGEST_BATCH) : std::max(batch_.count / 2, size_t{1});
+    batch_ = {};
+    return results;
   }
 
  private:
@@ -103,32 +120,37 @@ class Worker {
     throw std::system_error(errno, std::generic_category(), what);
   }
 
-  [[noreturn]] static void Serve(const TaskRun& run, int numbers, int results) {
+  [[noreturn]] static void Serve(const TaskRun& run, int batches, int toParent) {
     LeaveInterruptsToParent();
     // Workers share the processors, so that each computes alone.
     ::setenv("ORLUNE_PTK_THREADS", "1", 1);
-    size_t task = 0;
-    while (ReadAll(numbers, &task, sizeof task)) {
-      std::string result;
+    Batch batch;
+    while (ReadAll(batches, &batch, sizeof batch)) {
+      ParcelWriter parcel;
       try {
-        result = run.work(task);
+        for (size_t i = 0; i < batch.count; ++i) parcel.Put(run.work(batch.first + i));
       } catch (...) {
         ::_exit(EXIT_FAILURE);
       }
-      const size_t size = result.size();
-      if (!WriteAll(results, &size, sizeof size) || !WriteAll(results, result.data(), size)) break;
+      const std::string results = parcel.Take();
+      const size_t size = results.size();
+      if (!WriteAll(toParent, &size, sizeof size) || !WriteAll(toParent, results.data(), size)) {
+        break;
+      }
     }
     ::_exit(EXIT_SUCCESS);
   }
 
   void CloseEnds() const {
-    ::close(numbers_);
+    ::close(batches_);
     ::close(results_);
   }
 
   pid_t process_ = -1;
-  int numbers_ = -1, results_ = -1;
-  size_t task_ = NO_TASK;
+  int batches_ = -1, results_ = -1;
+  Batch batch_;  // that it works on
+  size_t nextCount_ = 1;
+  Clock clock_;
 };
 
 class Pool {
@@ -159,19 +181,28 @@ class Pool {
 
   bool AnyBusy() const {
     return std::any_of(workers_.begin(), workers_.end(),
-                       [](const auto& worker) { return worker->task() != NO_TASK; });
+                       [](const auto& worker) { return worker->IsBusy(); });
   }
 
   void GiveNext(Worker* worker) {
+    if (!again_.empty()) {
+      worker->Give({again_.front(), 1});
+      again_.pop_front();
+      return;
+    }
     if (next_ == run_.tasks || Interrupted() != 0) return;
-    worker->Give(next_++);
+    // The last tasks are shared out.
+    const size_t share = std::max((run_.tasks - next_) / (2 * workers_.size()), size_t{1});
+    const size_t count = std::min(worker->NextCount(), share);
+    worker->Give({next_, count});
+    next_ += count;
   }
 
   void WaitForOne() {
     std::vector<pollfd> watched;
     for (const auto& worker : workers_) {
-      const bool busy = worker->task() != NO_TASK;
-      watched.push_back({.fd = busy ? worker->results() : -1, .events = POLLIN, .revents = 0});
+      watched.push_back(
+          {.fd = worker->IsBusy() ? worker->results() : -1, .events = POLLIN, .revents = 0});
     }
     if (::poll(watched.data(), watched.size(), -1) < 0) return;  // a signal
     for (size_t i = 0; i < watched.size(); ++i) {
@@ -180,12 +211,26 @@ class Pool {
   }
 
   void TakeFrom(size_t index) {
-    const size_t task = workers_[index]->task();
-    std::optional<std::string> result = workers_[index]->Receive();
-    const bool lost = !result;
-    done_[task] = std::move(result);
-    if (lost) StartWorker(index);
+    const Batch batch = workers_[index]->batch();
+    const std::optional<std::string> results = workers_[index]->Receive();
+    if (!results) {
+      Lose(batch);
+      StartWorker(index);
+    }
+    // At once: it works while its results are taken.
     GiveNext(workers_[index].get());
+    if (!results) return;
+    ParcelReader parcel(*results);
+    for (size_t i = 0; i < batch.count; ++i) done_[batch.first + i] = parcel.Text();
+  }
+
+  // Which of several tasks a worker was lost over shows when they are done one by one.
+  void Lose(const Batch& batch) {
+    if (batch.count == 1) {
+      done_[batch.first] = std::nullopt;
+      return;
+    }
+    for (size_t i = 0; i < batch.count; ++i) again_.push_back(batch.first + i);
   }
 
   void TakeInOrder() {
@@ -198,6 +243,7 @@ class Pool {
   const TaskRun& run_;
   std::vector<std::unique_ptr<Worker>> workers_;
   size_t next_ = 0, taken_ = 0;
+  std::deque<size_t> again_;                           // tasks that lost workers had
   std::map<size_t, std::optional<std::string>> done_;  // and not taken yet
 };
 

@@ -48,6 +48,22 @@ TEST(Tasks, AWorkerThatDiesLosesItsTaskAlone) {
   }
 }
 
+TEST(Tasks, ManySmallOnesAreGivenTogetherAndLostAlone) {
+  constexpr size_t TASKS = 3000;
+  const auto work = [](size_t task) {
+    if (task == 1500 || task == 1501 || task == TASKS - 1) ::raise(SIGKILL);
+    return std::to_string(task);
+  };
+  for (const size_t workers : {2u, 3u}) {
+    const std::vector<std::string> results = ResultsOf(TASKS, workers, work);
+    ASSERT_EQ(results.size(), TASKS);
+    for (size_t task = 0; task < TASKS; ++task) {
+      const bool lost = task == 1500 || task == 1501 || task == TASKS - 1;
+      EXPECT_EQ(results[task], lost ? "lost" : std::to_string(task));
+    }
+  }
+}
+
 TEST(Tasks, WorkersAreNumbersOrAuto) {
   EXPECT_EQ(ParseWorkers("3"), 3u);
   EXPECT_GE(ParseWorkers("auto"), 1u);

@@ -175,6 +175,20 @@ void PaletteToGray(Raster* raster) {
   raster->palette.clear();
 }
 
+// The colours of a picture that is read as gray; none where it has none.
+std::optional<Image> ColoursOf(const Raster& raster, Account* account) {
+  if (raster.channels == 1 && raster.palette.empty()) return std::nullopt;
+  Loaded coloured{{}, ImageOf(raster, {}, account), raster.palette, {}};
+  if (!raster.palette.empty()) ApplyPalette(&coloured);
+  return std::move(coloured.image);
+}
+
+std::optional<Image> ColoursOfNative(Bytes file) {
+  Loaded stored = ReadNative(file, {});
+  if (stored.image.Info().type != IMAGE_RGB) return std::nullopt;
+  return std::move(stored.image);
+}
+
 }  // namespace
 
 Image ImageOf(const Raster& raster, const ReadSettings& settings, Account* account) {
@@ -190,14 +204,19 @@ Loaded ReadPicture(const std::string& name, const ReadSettings& settings) {
   const std::vector<uint8_t> bytes = ReadBytes(source);
   if (IsNative(bytes)) {
     OnlyPage(source.page, "native");
-    return ReadNative(bytes, settings);
+    Loaded loaded = ReadNative(bytes, settings);
+    if (settings.colours) loaded.colours = ColoursOfNative(bytes);
+    return loaded;
   }
   Picture picture = ReaderFor(bytes).read(bytes, source.page, Want::Pixels);
   Raster& raster = picture.raster;
   if (settings.swapBytes) SwapSamples(&raster);
+  std::optional<Image> colours;
+  if (settings.colours) colours = ColoursOf(raster, &picture.account);
   if (settings.form == Form::Gray && !raster.palette.empty()) PaletteToGray(&raster);
   Image image = ImageOf(raster, settings, &picture.account);
-  return {std::move(picture.account), std::move(image), std::move(raster.palette)};
+  return {std::move(picture.account), std::move(image), std::move(raster.palette),
+          std::move(colours)};
 }
 
 FileAccount DescribeFile(const std::string& name) {

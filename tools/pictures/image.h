@@ -1,6 +1,7 @@
 // Pictures of files as images of the library.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,7 @@ struct ReadSettings {
   Form form = Form::AsStored;
   bool swapBytes = false;  // exchange the bytes of 16-bit samples
   int32_t border = 0;      // of the image
+  bool colours = false;    // wanted too, where the form leaves them out
 };
 
 // A picture in the library's hands.
@@ -25,6 +27,7 @@ struct Loaded {
   Account account;
   Image image;
   std::vector<RGBValue> palette;  // 256 colours of an IMAGE_U8, or none
+  std::optional<Image> colours;   // IMAGE_RGB of the same size, if wanted; none of a gray picture
 };
 
 // A file by its name, "file.tif#3" for a page of it, "-" for the standard input. Throws BadFile,

@@ -140,7 +140,7 @@ Loaded ReadNative(Bytes file, const ReadSettings& settings) {
                      [](uint16_t v) { return static_cast<uint16_t>(v << 8 | v >> 8); });
     }
   }
-  return {AccountOf(info), std::move(image), {}};
+  return {AccountOf(info), std::move(image), {}, {}};
 }
 
 void WriteNative(const Image& image, const std::string& path) {

@@ -45,43 +45,63 @@ void WritePicture(const scenes::Picture& picture, const std::filesystem::path& f
     return;
   }
   ImageRef image = 0;
-  Check(ZEL_Create(&image, picture.bits == 8 ? IMAGE_U8 : IMAGE_I16, 0), name);
-  Check(ZEL_ArrayToImage(image, ARRAY_U16, picture.pixels.data(), picture.width, picture.height),
-        name);
+  const ImageType gray = picture.bits == 8 ? IMAGE_U8 : IMAGE_I16;
+  Check(ZEL_Create(&image, picture.colours.empty() ? gray : IMAGE_RGB, 0), name);
+  if (picture.colours.empty()) {
+    Check(ZEL_ArrayToImage(image, ARRAY_U16, picture.pixels.data(), picture.width, picture.height),
+          name);
+  } else {
+    Check(ZEL_ArrayToColorImage(image, picture.colours.data(), picture.width, picture.height),
+          name);
+  }
   Check(ZEL_WriteFile(image, name.c_str(), FormatOf(file), nullptr, 0), name);
   Check(ZEL_Dispose(image), name);
 }
 
-void WriteScenes(const std::filesystem::path& folder, const std::filesystem::path& truthFile) {
+void WriteScenes(const std::filesystem::path& folder, const std::filesystem::path& truthFile,
+                 const std::filesystem::path& outlineFile) {
   std::filesystem::create_directories(folder);
+  std::ofstream outline(outlineFile);
+  outline << "File,Number,AreaPixels,Perimeter,CentreOfMassX,CentreOfMassY,Red,Green,Blue\n";
   std::ofstream truth(truthFile);
   truth << "File,Number,Parts,Holes,AreaPixels,CentreOfMassX,CentreOfMassY\n";
   for (const scenes::Scene& scene : scenes::AllScenes()) {
     WritePicture(scenes::Render(scene.setup, scene.parts), folder / scene.file);
     const std::vector<scenes::Truth> groups = scenes::TruthOf(scene.setup, scene.parts);
+    const std::vector<scenes::Truth> outlines = TruthOfOutlines(scene.setup, scene.parts);
     int number = 0;
+    for (const scenes::Truth& part : outlines) {
+      const scenes::Tint& tint = scene.parts[static_cast<size_t>(number)].tint;
+      outline << scene.file << ',' << ++number << ',' << part.area << ',' << part.perimeter << ','
+              << part.centre.x << ',' << part.centre.y << ',' << tint.red << ',' << tint.green
+              << ',' << tint.blue << '\n';
+    }
+    number = 0;
     for (const scenes::Truth& group : groups) {
       truth << scene.file << ',' << ++number << ',' << group.parts << ',' << group.holes << ','
             << group.area << ',' << group.centre.x << ',' << group.centre.y << '\n';
     }
     std::printf("%-12s %4d x %d, %2d bits, %2zu particles: %s\n", scene.file.c_str(),
-                scene.setup.width, scene.setup.height, scene.setup.camera.bits, groups.size(),
+                scene.setup.width, scene.setup.height,
+                scene.setup.camera.bits * (scene.setup.camera.colour ? 3 : 1), groups.size(),
                 scene.subject.c_str());
   }
+  if (!outline.flush()) throw std::runtime_error(outlineFile.string() + " could not be written");
   if (!truth.flush()) throw std::runtime_error(truthFile.string() + " could not be written");
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 3) {
-    std::cerr << "usage: orlune_scenes FOLDER TRUTH\n"
-                 "Writes inspection scenes into the folder, and a CSV file with what is in them.\n";
+  if (argc != 3 && argc != 4) {
+    std::cerr << "usage: orlune_scenes FOLDER TRUTH [OUTLINES]\n"
+                 "Writes inspection scenes into the folder, and CSV files with what is in them:\n"
+                 "groups of touching parts, and each part alone with its holes.\n";
     return 2;
   }
   try {
     ZEL_SetErrorMode(ERROR_MODE_SILENT);
-    WriteScenes(argv[1], argv[2]);
+    WriteScenes(argv[1], argv[2], argc == 4 ? argv[3] : "/dev/null");
   } catch (const std::exception& failure) {
     std::cerr << "orlune_scenes: " << failure.what() << '\n';
     return 1;

@@ -108,6 +108,13 @@ int Holes(const Part& part) {
   return 0;
 }
 
+Part WithoutHoles(const Part& part) {
+  Part filled = part;
+  if (part.shape == Shape::Washer || part.shape == Shape::Nut) filled.width = 0;
+  if (part.shape == Shape::Chip) filled.detail = 0;
+  return filled;
+}
+
 double Gap(const Part& a, const Part& b) {
   const double centres = std::hypot(a.centre.x - b.centre.x, a.centre.y - b.centre.y);
   const double apart = centres - Reach(a) - Reach(b);

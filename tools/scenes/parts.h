@@ -10,6 +10,11 @@ struct Point {
   double x = 0, y = 0;
 };
 
+// Shares of red, green and blue that a surface sends back.
+struct Tint {
+  double red = 1, green = 1, blue = 1;
+};
+
 enum class Shape { Washer, Nut, Pin, Chip };
 
 struct Part {
@@ -20,6 +25,7 @@ struct Part {
   double width = 0;   // washer, nut: radius of the hole; pin: radius of the shaft; chip: half width
   double detail = 0;  // pin: radius of the head, 0 for none; chip: radius of its hole, 0 for none
   int group = 0;      // parts of one group touch, and are one particle
+  Tint tint{};        // for scenes in colour
 };
 
 // Distance from the outline in pixels, negative inside the material. Holes are outside.
@@ -30,6 +36,7 @@ double Reach(const Part& part);
 
 double Perimeter(const Part& part);  // outline and holes together, pixels
 int Holes(const Part& part);
+Part WithoutHoles(const Part& part);
 
 // The part's own coordinates of a point of the scene: u along its length, v across.
 Point Local(const Part& part, Point at);

@@ -180,7 +180,9 @@ bool Near(const Part& part, Point at, double margin) {
   return dx * dx + dy * dy <= reach * reach;
 }
 
-double Light(const Setup& setup, const std::vector<const Part*>& parts, Point at) {
+// The tray is grey.
+double Light(const Setup& setup, const std::vector<const Part*>& parts, Point at,
+             const double Tint::*share) {
   const Part* top = nullptr;
   double nearest = 0;
   double open = 1e9;  // distance from the shadow's middle
@@ -195,7 +197,10 @@ double Light(const Setup& setup, const std::vector<const Part*>& parts, Point at
     const Point from{at.x + LIGHT.x * 4.5, at.y + LIGHT.y * 4.5};
     open = std::min({open, Distance(*part, from), distance + 2.0});
   }
-  if (top) return PartLight(*top, at, setup.material, setup.seed) * Shading(setup, at);
+  if (top) {
+    const double light = PartLight(*top, at, setup.material, setup.seed) * Shading(setup, at);
+    return share ? light * top->tint.*share : light;
+  }
   const double shade = 1 / (1 + std::exp((open - 1.0) / 1.6));
   return TrayLight(setup, at) * (1 - setup.tray.shadow * shade);
 }
@@ -209,9 +214,8 @@ void ForSamples(int x, int y, int samples, Function function) {
   }
 }
 
-}  // namespace
-
-Picture Render(const Setup& setup, const std::vector<Part>& parts) {
+// The light that falls on each pixel: of all colours, or of one of them.
+Plane LightOnSensor(const Setup& setup, const std::vector<Part>& parts, const double Tint::*share) {
   Plane light(setup.width, setup.height);
   std::vector<const Part*> here;
   for (int y = 0; y < setup.height; ++y) {
@@ -227,18 +231,18 @@ Picture Render(const Setup& setup, const std::vector<Part>& parts) {
       // Only edges need more than one sample: all else is smooth.
       const int samples = edge ? SAMPLES : 1;
       double sum = 0;
-      ForSamples(x, y, samples, [&](Point at) { sum += Light(setup, here, at); });
+      ForSamples(x, y, samples, [&](Point at) { sum += Light(setup, here, at, share); });
       light.At(x, y) = sum / (samples * samples);
     }
   }
   Blur(&light, setup.camera.blur);
+  return light;
+}
 
-  Picture picture;
-  picture.width = setup.width;
-  picture.height = setup.height;
-  picture.bits = setup.camera.bits;
+std::vector<uint16_t> Sensed(const Setup& setup, const Plane& light, uint64_t seed) {
+  std::vector<uint16_t> pixels;
   const double range = setup.camera.bits == 8 ? 255 : 4095;
-  Random random(setup.seed + 1000);
+  Random random(seed);
   for (int y = 0; y < setup.height; ++y) {
     for (int x = 0; x < setup.width; ++x) {
       // Shot noise grows with the root of the light; reading adds a little of its own.
@@ -246,8 +250,29 @@ Picture Render(const Setup& setup, const std::vector<Part>& parts) {
       const double deviation =
           setup.camera.noise * std::sqrt(std::max(0.0, value) + 0.05) + setup.camera.noise * 0.25;
       const double sensed = std::clamp(value + deviation * random.Gauss(), 0.0, 1.0);
-      picture.pixels.push_back(static_cast<uint16_t>(std::lround(sensed * range)));
+      pixels.push_back(static_cast<uint16_t>(std::lround(sensed * range)));
     }
+  }
+  return pixels;
+}
+
+}  // namespace
+
+Picture Render(const Setup& setup, const std::vector<Part>& parts) {
+  Picture picture;
+  picture.width = setup.width;
+  picture.height = setup.height;
+  picture.bits = setup.camera.bits;
+  if (!setup.camera.colour) {
+    picture.pixels = Sensed(setup, LightOnSensor(setup, parts, nullptr), setup.seed + 1000);
+    return picture;
+  }
+  uint64_t seed = setup.seed + 1000;
+  for (const double Tint::*share : {&Tint::red, &Tint::green, &Tint::blue}) {
+    const std::vector<uint16_t> levels = Sensed(setup, LightOnSensor(setup, parts, share), seed++);
+    picture.colours.resize(levels.size());
+    std::transform(levels.begin(), levels.end(), picture.colours.begin(), picture.colours.begin(),
+                   [](uint16_t level, uint32_t colour) { return colour << 8 | level; });
   }
   return picture;
 }
@@ -300,6 +325,15 @@ std::vector<Truth> TruthOf(const Setup& setup, const std::vector<Part>& parts) {
     if (area > 0) truth[index].centre = {sumX / area, sumY / area};
   }
   return truth;
+}
+
+std::vector<Truth> TruthOfOutlines(const Setup& setup, const std::vector<Part>& parts) {
+  std::vector<Part> alone;
+  for (const Part& part : parts) {
+    alone.push_back(WithoutHoles(part));
+    alone.back().group = static_cast<int>(alone.size()) - 1;
+  }
+  return TruthOf(setup, alone);
 }
 
 }  // namespace scenes

@@ -27,6 +27,7 @@ struct Camera {
   double blur = 0.8;     // deviation of the lens blur, pixels
   double noise = 0.006;  // deviation of the sensor noise at full light, as a part of the range
   int bits = 8;          // 8, or 12 in 16-bit pixels
+  bool colour = false;   // red, green and blue of 8 bits each
 };
 
 struct Setup {
@@ -51,12 +52,16 @@ struct Picture {
   int width = 0;
   int height = 0;
   int bits = 8;
-  std::vector<uint16_t> pixels;  // row after row
+  std::vector<uint16_t> pixels;   // row after row; none of a picture in colour
+  std::vector<uint32_t> colours;  // 0x00RRGGBB, of a picture in colour
 };
 
 Picture Render(const Setup& setup, const std::vector<Part>& parts);
 
 // One record for each group, in the order of the group numbers from 0.
 std::vector<Truth> TruthOf(const Setup& setup, const std::vector<Part>& parts);
+
+// Of each part alone, as if no other touched it, and holes belonged to it.
+std::vector<Truth> TruthOfOutlines(const Setup& setup, const std::vector<Part>& parts);
 
 }  // namespace scenes

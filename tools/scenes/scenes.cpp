@@ -96,6 +96,12 @@ Part ChipOf(double length, double width, double hole) {
       .shape = Shape::Chip, .centre = {}, .length = length / 2, .width = width / 2, .detail = hole};
 }
 
+constexpr Tint RED{1.0, 0.16, 0.13};
+constexpr Tint YELLOW{1.0, 0.85, 0.12};
+constexpr Tint GREEN{0.12, 0.75, 0.25};
+constexpr Tint BLUE{0.1, 0.3, 1.0};
+constexpr Tint GREY{};
+
 }  // namespace
 
 Scene Washers() {
@@ -190,8 +196,38 @@ Scene Mixed() {
   return scene;
 }
 
+Scene Tokens() {
+  Scene scene;
+  scene.name = "tokens";
+  scene.subject = "plastic parts of four colours and grey ones, with touching ones; in colour";
+  scene.file = "tokens.bmp";
+  scene.setup = {
+      .width = 480,
+      .height = 360,
+      .seed = 59,
+      .tray = {.level = 0.42, .shading = 0.18, .texture = 0.01, .mottle = 0.012, .shadow = 0.3},
+      .material = {.level = 0.72, .relief = 0.08, .gloss = 0.1, .grain = 0.012},
+      .camera = {.blur = 0.8, .noise = 0.008, .bits = 8, .colour = true}};
+  Layout layout(scene.setup, 29);
+  const auto tinted = [](Part part, const Tint& tint) {
+    part.tint = tint;
+    return part;
+  };
+  layout.Drop(tinted(WasherOf(36, 15), RED));
+  layout.Lean(tinted(ChipOf(56, 30, 0), BLUE));
+  layout.Drop(tinted(NutOf(30, 15), GREEN));
+  layout.Lean(tinted(WasherOf(24, 9), YELLOW));
+  for (const Tint& tint : {RED, YELLOW, GREEN, BLUE, GREY}) {
+    layout.Drop(tinted(WasherOf(24, 9), tint));
+    layout.Drop(tinted(ChipOf(48, 28, 0), tint));
+    layout.Drop(tinted(NutOf(20, 10), tint));
+  }
+  scene.parts = layout.Take();
+  return scene;
+}
+
 std::vector<Scene> AllScenes() {
-  return {Washers(), Pins(), Chips(), Mixed()};
+  return {Washers(), Pins(), Chips(), Mixed(), Tokens()};
 }
 
 }  // namespace scenes
