@@ -26,10 +26,10 @@
  *   shapes.h      distance maps, circles, skeletons, zones, touching particles
  *   files.h       picture files
  *   regions.h     regions of interest
- *   barcodes.h    bar codes read
- *   dials.h       needle meters and seven-segment displays, calibrated and read
  *   gauges.h      edges along paths, pairs of edges, distances along lines, peaks
  *   matching.h    particles of a wanted shape, measures of points
+ *   barcodes.h    bar codes read
+ *   dials.h       needle meters and seven-segment displays, calibrated and read
  *
  * What holds for all functions
  *

@@ -52,8 +52,8 @@ extern const std::span<const ApiCall> SHAPE_CALLS;
 extern const std::span<const ApiCall> COLOUR_CALLS;
 extern const std::span<const ApiCall> FREQUENCY_CALLS;
 extern const std::span<const ApiCall> FILE_CALLS;
-extern const std::span<const ApiCall> BARCODE_CALLS;
 extern const std::span<const ApiCall> VISION_CALLS;
+extern const std::span<const ApiCall> BARCODE_CALLS;
 
 // All of them.
 const std::vector<ApiCall>& ApiCalls();

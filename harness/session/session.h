@@ -70,8 +70,8 @@ extern const std::span<const Step> SHAPE_STEPS;
 extern const std::span<const Step> COLOUR_STEPS;
 extern const std::span<const Step> FREQUENCY_STEPS;
 extern const std::span<const Step> FILE_STEPS;
-extern const std::span<const Step> BARCODE_STEPS;
 extern const std::span<const Step> VISION_STEPS;
+extern const std::span<const Step> BARCODE_STEPS;
 
 // All of them.
 const std::vector<Step>& Steps();

@@ -56,8 +56,7 @@ class WorkArray {
     return true;
   }
 
-  // The block, for others to give back.
-  // Leaves the block to the caller.
+  // Leaves the block to the caller, who gives it back.
   T* Release() { return std::exchange(data_, nullptr); }
 
   T* data() { return data_; }
