@@ -11,6 +11,7 @@
 
 #include "orlune/morphology_steps.h"
 #include "orlune/numbers.h"
+#include "orlune/spectrum_steps.h"
 #include "orlune/words.h"
 
 namespace front {
@@ -282,6 +283,7 @@ std::vector<Step> MakeFilters() {
 std::vector<Step> MakeSteps() {
   std::vector<Step> steps = MakeFilters();
   for (Step& step : MorphologySteps()) steps.push_back(std::move(step));
+  for (Step& step : SpectrumSteps()) steps.push_back(std::move(step));
   return steps;
 }
 
