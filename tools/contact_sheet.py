@@ -37,6 +37,9 @@ CHAINS = [
     "extract 4; expand 4",
     "relief 4",
     "median 5; edges sobel 4; maximum 3",
+    "frequencies low 10",
+    "frequencies high 10",
+    "spectrum",
 ]
 
 

@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cmath>
 #include <filesystem>
+#include <numbers>
 #include <random>
 
 #include "orlune/commands.h"
@@ -260,6 +262,64 @@ TEST_P(ChainsOnImages, GiveWhatMorphologyGives) {
     }
     EXPECT_EQ(PixelsOf(masked), mixed) << one.step;
   }
+}
+
+// Waves around a mean, 8 of them in a row.
+constexpr int32_t WAVES_WIDTH = 64, WAVES_HEIGHT = 32;
+double WaveAt(int32_t x) {
+  return 50 * std::cos(2 * std::numbers::pi * 8 * (x + 0.5) / WAVES_WIDTH);
+}
+Image Waves(int32_t type) {
+  Image image(type, 2, WAVES_WIDTH, WAVES_HEIGHT);
+  for (int32_t y = 0; y < WAVES_HEIGHT; ++y) {
+    for (int32_t x = 0; x < WAVES_WIDTH; ++x) {
+      Check(ZEL_SetPixelValue(image, x, y, static_cast<float>(std::round(100 + WaveAt(x)))));
+    }
+  }
+  return image;
+}
+
+float PixelAt(const Image& image, int32_t x, int32_t y) {
+  float value = 0;
+  Check(ZEL_GetPixelValue(image, x, y, &value));
+  return value;
+}
+
+TEST_P(ChainsOnImages, KeepLowOrHighFrequencies) {
+  const Image low = Waves(GetParam());
+  Apply(ParseChain("frequencies low 10")[0], low, 0);
+  const Image high = Waves(GetParam());
+  Apply(ParseChain("frequencies high 10")[0], high, 0);
+  for (int32_t x = 0; x < WAVES_WIDTH; ++x) {
+    EXPECT_NEAR(PixelAt(low, x, x % WAVES_HEIGHT), 100, 2);
+    EXPECT_NEAR(PixelAt(high, x, x % WAVES_HEIGHT), std::abs(WaveAt(x)), 2);
+  }
+  EXPECT_EQ(low.Info().border, 2);
+}
+
+TEST_P(ChainsOnImages, ShowTheirSpectrum) {
+  const Image image = Waves(GetParam());
+  Apply(ParseChain("spectrum")[0], image, 0);
+  EXPECT_NEAR(PixelAt(image, 32, 16), 255, 1);
+  for (int32_t x = 0; x < WAVES_WIDTH; ++x) {
+    const bool isWave = x == 32 - 8 || x == 32 + 8;
+    EXPECT_EQ(PixelAt(image, x, 16) > 200, isWave || x == 32) << x;
+    EXPECT_LT(PixelAt(image, x, 5), 60) << x;
+  }
+}
+
+// Sides that are no powers of 2 are continued, and the picture keeps its size.
+TEST_P(ChainsOnImages, KeepTheirSizeWhereFrequenciesAreTaken) {
+  const Image image = Noise(GetParam(), 1);
+  Apply(ParseChain("frequencies low 30")[0], image, 0);
+  const std::vector<float> pixels = PixelsOf(image);
+  const Image noise = Noise(GetParam(), 1);
+  EXPECT_LT(ExtremesOf(image).high, ExtremesOf(noise).high);
+  EXPECT_NEAR(ExtremesOf(image).mean, ExtremesOf(noise).mean, 10);
+  Apply(ParseChain("spectrum")[0], image, 0);
+  EXPECT_EQ(image.Info().width, 64);
+  EXPECT_EQ(image.Info().height, 32);
+  EXPECT_EQ(image.Info().border, 1);
 }
 
 // Squares with an inside: thinner things are their own inner edges.

@@ -13,6 +13,7 @@
 #include "orlune/colours.h"
 #include "orlune/morphology_steps.h"
 #include "orlune/numbers.h"
+#include "orlune/spectrum_steps.h"
 #include "orlune/words.h"
 
 namespace front {
@@ -285,6 +286,7 @@ std::vector<Step> MakeSteps() {
   std::vector<Step> steps = MakeFilters();
   for (Step& step : MorphologySteps()) steps.push_back(std::move(step));
   for (Step& step : ColourSteps()) steps.push_back(std::move(step));
+  for (Step& step : SpectrumSteps()) steps.push_back(std::move(step));
   return steps;
 }
 
