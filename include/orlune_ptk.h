@@ -25,6 +25,7 @@
  *   shapes.h      distance maps, circles, skeletons, zones, touching particles
  *   files.h       picture files
  *   regions.h     regions of interest
+ *   references.h  regions tied to parts that move: places, turns, profiles
  *
  * What holds for all functions
  *
@@ -96,6 +97,7 @@
 #include "orlune_ptk/particle_filters.h"
 #include "orlune_ptk/particles.h"
 #include "orlune_ptk/pixels.h"
+#include "orlune_ptk/references.h"
 #include "orlune_ptk/regions.h"
 #include "orlune_ptk/shapes.h"
 #include "orlune_ptk/statistics.h"

@@ -57,9 +57,10 @@ void RunCall(const ApiCall& call, Playground* play) {
 const std::vector<ApiCall>& ApiCalls() {
   static const auto calls = [] {
     std::vector<ApiCall> all;
-    for (const auto& family : {CORE_CALLS, UTILITY_CALLS, POINT_CALLS, STATISTICS_CALLS,
-                               PARTICLE_CALLS, FILTER_CALLS, GEOMETRY_CALLS, MORPHOLOGY_CALLS,
-                               PARTICLE_FILTER_CALLS, SHAPE_CALLS, COLOUR_CALLS, FILE_CALLS}) {
+    for (const auto& family :
+         {CORE_CALLS, UTILITY_CALLS, POINT_CALLS, STATISTICS_CALLS, PARTICLE_CALLS, FILTER_CALLS,
+          GEOMETRY_CALLS, MORPHOLOGY_CALLS, PARTICLE_FILTER_CALLS, SHAPE_CALLS, COLOUR_CALLS,
+          FILE_CALLS, REGION_CALLS}) {
       all.insert(all.end(), family.begin(), family.end());
     }
     return all;

@@ -51,6 +51,7 @@ extern const std::span<const ApiCall> PARTICLE_FILTER_CALLS;
 extern const std::span<const ApiCall> SHAPE_CALLS;
 extern const std::span<const ApiCall> COLOUR_CALLS;
 extern const std::span<const ApiCall> FILE_CALLS;
+extern const std::span<const ApiCall> REGION_CALLS;
 
 // All of them.
 const std::vector<ApiCall>& ApiCalls();

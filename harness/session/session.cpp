@@ -35,9 +35,10 @@ uint64_t Session::Digest() const {
 const std::vector<Step>& Steps() {
   static const auto steps = [] {
     std::vector<Step> all;
-    for (const auto& family : {CORE_STEPS, UTILITY_STEPS, POINT_STEPS, STATISTICS_STEPS,
-                               PARTICLE_STEPS, FILTER_STEPS, GEOMETRY_STEPS, MORPHOLOGY_STEPS,
-                               PARTICLE_FILTER_STEPS, SHAPE_STEPS, COLOUR_STEPS, FILE_STEPS}) {
+    for (const auto& family :
+         {CORE_STEPS, UTILITY_STEPS, POINT_STEPS, STATISTICS_STEPS, PARTICLE_STEPS, FILTER_STEPS,
+          GEOMETRY_STEPS, MORPHOLOGY_STEPS, PARTICLE_FILTER_STEPS, SHAPE_STEPS, COLOUR_STEPS,
+          FILE_STEPS, REGION_STEPS}) {
       all.insert(all.end(), family.begin(), family.end());
     }
     return all;

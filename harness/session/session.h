@@ -69,6 +69,7 @@ extern const std::span<const Step> PARTICLE_FILTER_STEPS;
 extern const std::span<const Step> SHAPE_STEPS;
 extern const std::span<const Step> COLOUR_STEPS;
 extern const std::span<const Step> FILE_STEPS;
+extern const std::span<const Step> REGION_STEPS;
 
 // All of them.
 const std::vector<Step>& Steps();

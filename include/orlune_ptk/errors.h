@@ -30,15 +30,19 @@ typedef enum FailureNumber {
   ZEL_ERR_SAME_IMAGE = -313,               /* one image stands for two */
   ZEL_ERR_BAD_FILE_HEADER = -500,          /* a header that cannot be read, taken or written */
   ZEL_ERR_FILE_OPEN = -503,                /* the file cannot be opened */
+  ZEL_ERR_INVALID_PARAMETER = -503,        /* a number outside its range, or too few points */
   ZEL_ERR_FILE_SEEK = -507,                /* a place in the file cannot be reached */
   ZEL_ERR_FILE_UNSUPPORTED = -509,         /* no known format */
   ZEL_ERR_FILE_INFO = -510,                /* missing, no regular file, or too long */
   ZEL_ERR_FILE_READ = -511,                /* pixels cannot be read */
   ZEL_ERR_FILE_WRITE = -512,               /* pixels cannot be written */
   ZEL_ERR_BAD_FILE_FORMAT = -514,          /* a directory or table in the file is not accepted */
+  ZEL_ERR_TOO_FEW_POINTS = -752,           /* a path or a list of points is too short */
   ZEL_ERR_BAD_MEASURE = -801,              /* no ParticleMeasure has this number */
   ZEL_ERR_INTERNAL = -1001,                /* outside an image; no reference is left */
   ZEL_ERR_BAD_ROI = -1200,                 /* a region without a contour, or of a wrong shape */
+  ZEL_ERR_IMAGE_TOO_SMALL = -2314,         /* a shape does not fit the image */
+  ZEL_ERR_DIVISION_BY_ZERO = -3006,        /* points between which nothing lies */
   ZEL_ERR_NULL_POINTER = -3009             /* NULL where a pointer is required */
 } FailureNumber;
 

@@ -54,6 +54,9 @@ class WorkArray {
     return true;
   }
 
+  // Leaves the block to the caller.
+  T* Release() { return std::exchange(data_, nullptr); }
+
   T* data() { return data_; }
   const T* data() const { return data_; }
   T& operator[](size_t index) { return data_[index]; }
