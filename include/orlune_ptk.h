@@ -30,6 +30,7 @@
  *   matching.h    particles of a wanted shape, measures of points
  *   barcodes.h    bar codes read
  *   dials.h       needle meters and seven-segment displays, calibrated and read
+ *   references.h  regions tied to parts that move: places, turns, profiles
  *
  * What holds for all functions
  *
@@ -106,6 +107,7 @@
 #include "orlune_ptk/particle_filters.h"
 #include "orlune_ptk/particles.h"
 #include "orlune_ptk/pixels.h"
+#include "orlune_ptk/references.h"
 #include "orlune_ptk/regions.h"
 #include "orlune_ptk/shapes.h"
 #include "orlune_ptk/statistics.h"

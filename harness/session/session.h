@@ -72,6 +72,7 @@ extern const std::span<const Step> FREQUENCY_STEPS;
 extern const std::span<const Step> FILE_STEPS;
 extern const std::span<const Step> VISION_STEPS;
 extern const std::span<const Step> BARCODE_STEPS;
+extern const std::span<const Step> REGION_STEPS;
 
 // All of them.
 const std::vector<Step>& Steps();

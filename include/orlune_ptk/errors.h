@@ -55,6 +55,9 @@ typedef enum FailureNumber {
   ZEL_ERR_NO_SEGMENT = -3040,              /* a digit, or a display, without a segment */
   ZEL_ERR_INEXACT_DIGIT = -3041,           /* segments that form no digit exactly */
   ZEL_ERR_BAD_WIDTH = -3051                /* too few samples for a curve */
+  ZEL_ERR_IMAGE_TOO_SMALL = -2314,         /* a shape does not fit the image */
+  ZEL_ERR_DIVISION_BY_ZERO = -3006,        /* points between which nothing lies */
+  ZEL_ERR_NULL_POINTER = -3009             /* NULL where a pointer is required */
 } FailureNumber;
 
 /* Whether failures are shown. */

@@ -56,6 +56,7 @@ const std::map<std::string, std::string> WITHOUT_STEP = {
     {"ZEL_realloc", "as ZEL_malloc"},
     {"ZEL_free", "only gives memory back"},
     {"ZEL_Dispose", "only gives memory back"},
+    {"ZEL_FreeROI", "only gives memory back"},
     {"ZEL_CloseSys", "only gives memory back, and ends every session"},
     {"ZEL_ProcessError", "keeps a number and a name in place"},
     {"ZEL_GetLastError", "reads them"},
