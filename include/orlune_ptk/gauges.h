@@ -14,7 +14,8 @@
  * edgeWidth, up or down, and not where it is steepest. A step thus has its edge somewhat before its
  * middle, the more the further it goes beyond the threshold: by how much does not depend on where
  * the step lies, so that distances between edges of one kind are exact. One run of values beyond the
- * threshold is one edge. A signal of 2 edgeWidth + gap samples or fewer has none.
+ * threshold is one edge. A signal of 2 edgeWidth + gap samples or fewer has none, and in a longer one
+ * places within the last 2 edgeWidth - gap samples are not looked at.
  */
 #ifndef ORLUNE_PTK_GAUGES_H
 #define ORLUNE_PTK_GAUGES_H

