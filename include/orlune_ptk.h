@@ -26,11 +26,11 @@
  *   shapes.h      distance maps, circles, skeletons, zones, touching particles
  *   files.h       picture files
  *   regions.h     regions of interest
+ *   references.h  regions tied to parts that move: places, turns, profiles
  *   gauges.h      edges along paths, pairs of edges, distances along lines, peaks
  *   matching.h    particles of a wanted shape, measures of points
  *   barcodes.h    bar codes read
  *   dials.h       needle meters and seven-segment displays, calibrated and read
- *   references.h  regions tied to parts that move: places, turns, profiles
  *
  * What holds for all functions
  *

@@ -52,9 +52,9 @@ extern const std::span<const ApiCall> SHAPE_CALLS;
 extern const std::span<const ApiCall> COLOUR_CALLS;
 extern const std::span<const ApiCall> FREQUENCY_CALLS;
 extern const std::span<const ApiCall> FILE_CALLS;
+extern const std::span<const ApiCall> REGION_CALLS;
 extern const std::span<const ApiCall> VISION_CALLS;
 extern const std::span<const ApiCall> BARCODE_CALLS;
-extern const std::span<const ApiCall> REGION_CALLS;
 
 // All of them.
 const std::vector<ApiCall>& ApiCalls();

@@ -70,9 +70,9 @@ extern const std::span<const Step> SHAPE_STEPS;
 extern const std::span<const Step> COLOUR_STEPS;
 extern const std::span<const Step> FREQUENCY_STEPS;
 extern const std::span<const Step> FILE_STEPS;
+extern const std::span<const Step> REGION_STEPS;
 extern const std::span<const Step> VISION_STEPS;
 extern const std::span<const Step> BARCODE_STEPS;
-extern const std::span<const Step> REGION_STEPS;
 
 // All of them.
 const std::vector<Step>& Steps();

@@ -45,19 +45,17 @@ typedef enum FailureNumber {
   ZEL_ERR_INTERNAL = -1001,                /* outside an image; no reference is left */
   ZEL_ERR_BAD_ROI = -1200,                 /* a region without a contour, or of a wrong shape */
   ZEL_ERR_COMPLEX_EXPECTED = -2003,        /* an image that has to be of IMAGE_COMPLEX is not */
+  ZEL_ERR_IMAGE_TOO_SMALL = -2314,         /* a shape does not fit the image */
   ZEL_ERR_NOT_A_RECTANGLE = -3000,         /* a region that has to be a rectangle */
   ZEL_ERR_BAD_CHECK = -3003,               /* a bar code is not what its check character tells */
   ZEL_ERR_NO_ASCII = -3004,                /* a bar code shifts to no character */
-  ZEL_ERR_DIVIDED_BY_ZERO = -3006,         /* a scale of no extent */
+  ZEL_ERR_DIVIDED_BY_ZERO = -3006,         /* a scale, or a line, of no extent */
   ZEL_ERR_NULL_POINTER = -3009,            /* NULL where a pointer is required */
   ZEL_ERR_NO_SOLUTION = -3010,             /* equations without exactly one solution */
   ZEL_ERR_TOO_FEW_BARS = -3030,            /* a bar code of that kind has more bars */
   ZEL_ERR_NO_SEGMENT = -3040,              /* a digit, or a display, without a segment */
   ZEL_ERR_INEXACT_DIGIT = -3041,           /* segments that form no digit exactly */
   ZEL_ERR_BAD_WIDTH = -3051                /* too few samples for a curve */
-  ZEL_ERR_IMAGE_TOO_SMALL = -2314,         /* a shape does not fit the image */
-  ZEL_ERR_DIVISION_BY_ZERO = -3006,        /* points between which nothing lies */
-  ZEL_ERR_NULL_POINTER = -3009             /* NULL where a pointer is required */
 } FailureNumber;
 
 /* Whether failures are shown. */

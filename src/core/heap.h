@@ -57,7 +57,6 @@ class WorkArray {
   }
 
   // Leaves the block to the caller, who gives it back.
-  // Leaves the block to the caller.
   T* Release() { return std::exchange(data_, nullptr); }
 
   T* data() { return data_; }

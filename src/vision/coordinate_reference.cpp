@@ -46,7 +46,7 @@ Status CoordinateReference(const PointInt* points, int32_t count, CoordinateSyst
     found.radians = static_cast<float>(angle);
   }
   if (count > 2) {
-    if (dx == 0 && dy == 0) return STATUS_DIVISION_BY_ZERO;
+    if (dx == 0 && dy == 0) return STATUS_DIVIDED_BY_ZERO;
     found.origin = FootOf(points[2], points[0], dx, dy);
   }
   *system = found;
