@@ -118,11 +118,13 @@ int32_t LineGauge(Playground& play) {
   } a{Source(play),           LineAnywhere(play), EdgeRule(play),
       Below<5>(play),         PathAnywhere(play), {Int(play), Int(play)},
       {Int(play), Int(play)}, Float(play),        Float(play)};
-  auto* results = play.OutputOf<float>(Held(a.extras.points ? a.extras.count : 0) / 2 + 1);
+  // Long signals along many lines would only take long.
+  const int32_t extras = a.rule.oversampling > 64 ? std::min(a.extras.count, 8) : a.extras.count;
+  auto* results = play.OutputOf<float>(Held(a.extras.points ? extras : 0) / 2 + 1);
   return ZEL_LineGauge(a.image, a.line.x1, a.line.y1, a.line.x2, a.line.y2, a.rule.method,
                        a.rule.oversampling, a.rule.threshold, a.rule.width, a.rule.gap, a.mode,
-                       a.extras.points, a.extras.count, a.reference.x, a.reference.y,
-                       a.referenceAngle, a.now.x, a.now.y, a.nowAngle, results);
+                       a.extras.points, extras, a.reference.x, a.reference.y, a.referenceAngle,
+                       a.now.x, a.now.y, a.nowAngle, results);
 }
 
 int32_t Interpolate(Playground& play) {

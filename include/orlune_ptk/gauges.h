@@ -70,8 +70,8 @@ int32_t ZEL_SimpleEdge(ImageRef image, const PointInt* points, int32_t pointCoun
 
 /* An edge along a path. */
 typedef struct EdgeRecord {
-  float position;   /* along the path: 0 is its first point, 1 the second one */
-  float contrast;   /* grey levels: what the windows differ by, divided by their width; cut to a whole
+  float position; /* along the path: 0 is its first point, 1 the second one */
+  float contrast; /* grey levels: what the windows differ by, divided by their width; cut to a whole
                        sum of a rising edge, and of a falling one taken at the value before it */
   int32_t polarity; /* 1 rising, -1 falling */
   float reserved;   /* 0 */

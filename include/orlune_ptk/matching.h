@@ -58,8 +58,8 @@ int32_t ZEL_ShapeMatch(ImageRef source, ImageRef templateImage, ImageRef dest,
  * perimeter: receives that circle's perimeter.
  * Failures: -3009 for any pointer; -503 for fewer than 3 points; -3010 for points on one line, where
  * that comes out exactly. */
-int32_t ZEL_GetCircle(const PointFloat* points, int32_t count, PointFloat* centre,
-                      double* diameter, double* area, double* perimeter);
+int32_t ZEL_GetCircle(const PointFloat* points, int32_t count, PointFloat* centre, double* diameter,
+                      double* area, double* perimeter);
 
 /* Which angles ZEL_GetAngles measures. */
 typedef enum AngleMode {

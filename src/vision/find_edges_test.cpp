@@ -145,15 +145,15 @@ TEST(FindEdges, InImagesWithoutASignalAreNoneAndNoFailure) {
   }
 }
 
-// The values of the parabolas begin one sample early and end in zeros.
+// The values of the parabolas begin one sample early and end in zeros, which a wide gap lets see.
 TEST(FindEdges, ByParabolasLieOneSampleEarlyAndFallAtTheEnd) {
   std::vector<uint8_t> step(40, 50);
   std::fill(step.begin() + 20, step.end(), uint8_t{150});
   const TestImage image = RowImage<uint8_t>(IMAGE_U8, step);
   Found straight;
   Found parabolas;
-  ASSERT_EQ(Find(image, RowPath(40), {INTERP_LINEAR, 3, 30, 2, 0}, &straight), 0);
-  ASSERT_EQ(Find(image, RowPath(40), {INTERP_QUADRATIC, 3, 30, 2, 0}, &parabolas), 0);
+  ASSERT_EQ(Find(image, RowPath(40), {INTERP_LINEAR, 3, 30, 1, 2}, &straight), 0);
+  ASSERT_EQ(Find(image, RowPath(40), {INTERP_QUADRATIC, 3, 30, 1, 2}, &parabolas), 0);
   ASSERT_EQ(straight.edges.count, 1);
   ASSERT_EQ(parabolas.edges.count, 2);
   EXPECT_NEAR(parabolas.edges[0].position, straight.edges[0].position - 1.0f, 0.3f);
@@ -190,11 +190,12 @@ TEST(FindEdges, FollowAStepByPartsOfAPixel) {
     most = std::max(most, off);
   }
   EXPECT_LT(most - least, 0.06f);
-  EXPECT_NEAR(most, -1.0f, 1.5f);
+  EXPECT_LT(most, 0.0f);  // found where the slope begins
 }
 
-TEST(FindEdges, OnATiltedPathLieOnTheEdgeOfTheScene) {
-  // A straight edge through the middle, 30 degrees from the vertical, blurred.
+TEST(FindEdges, OfATiltedEdgeLieAlongIt) {
+  // A straight edge through the middle, 30 degrees from the vertical, blurred. Along rows it comes
+  // later and later, but always as far from the middle of its slope.
   const double nx = std::cos(0.5235987756);
   const double ny = std::sin(0.5235987756);
   const TestImage image(IMAGE_U8, 120, 120);
@@ -207,14 +208,14 @@ TEST(FindEdges, OnATiltedPathLieOnTheEdgeOfTheScene) {
   double former = 0;
   for (int32_t row = 0; row < 5; row++) {
     Path path;
-    for (int32_t i = 0; i < 80; i++) path.push_back({20 + i, 40 + 5 * row + i / 4});
+    for (int32_t i = 0; i < 80; i++) path.push_back({20 + i, 40 + 5 * row});
     Found found;
     ASSERT_EQ(Find(image, path, {INTERP_SPLINE, 9, 25, 3, 0}, &found), 0);
     ASSERT_EQ(found.edges.count, 1);
     const double across = (static_cast<double>(found.places[0].x) - 60.3) * nx +
                           (static_cast<double>(found.places[0].y) - 59.6) * ny;
     if (row > 0) {
-      EXPECT_NEAR(across, former, 0.3);  // the path is made of whole steps
+      EXPECT_NEAR(across, former, 0.12);
     }
     former = across;
     EXPECT_LT(std::fabs(across), 3.0);

@@ -198,7 +198,7 @@ TEST(ShapeMatch, FollowsTheRule) {
                 0.7 + 0.05 * random.Between(0, 9), i % 5 == 3},
                77 + i);
     }
-    for (int32_t i = 0; i < 300; i++) {
+    for (int32_t i = 0; i < 200; i++) {
       const int32_t x = random.Between(0, 259);
       const int32_t y = random.Between(0, 199);
       if (type == IMAGE_U8) source.Set<uint8_t>(x, y, 5);

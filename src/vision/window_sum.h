@@ -32,7 +32,7 @@ class WindowSumRule {
   // Sums afresh are had for doubtful windows until so many terms are added: a signal of hundreds of
   // millions of values under a window as wide would else take hours. From then on the sum that is
   // rounded once stands for the one of doubles.
-  mutable int64_t termsLeft_ = int64_t{1} << 30;
+  mutable int64_t termsLeft_ = int64_t{1} << 27;
 };
 
 // The sum of one window.
