@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Shows the steps of `orlune filter` on a scene: a sheet of small pictures and the page that names them.
+"""Shows the steps of `orlune filter` on scenes: sheets of small pictures and the page that names them.
 
-usage: contact_sheet.py ORLUNE ORLUNE_SCENES FOLDER      (of the sheet: docs)
+usage: contact_sheet.py ORLUNE ORLUNE_SCENES FOLDER      (of the sheets: docs)
 """
 
 import math
@@ -12,19 +12,25 @@ import sys
 import tempfile
 import zlib
 
-SCENE = "mixed.orln"
-COLUMNS = 5
-CELL = (220, 180)  # pixels; pictures are made smaller to fit
 GAP = 6
 PAPER = 235
 
-CHAINS = [
+GRAY_CHAINS = [
     "edges sobel 8",
     "edges sigma",
     "lowpass 5 5",
     "median 7",
     "minimum 5",
     "maximum 5",
+    "convolve gradient3 0",
+    "convolve laplacian7",
+    "convolve smoothing7",
+    "convolve gaussian7",
+    "erode 7 disk",
+    "dilate 7 disk",
+    "open 15 disk",
+    "close 15 disk",
+    "automedian 9",
     "rotate 17",
     "rotate 45 nearest",
     "shift 60 40",
@@ -41,21 +47,58 @@ CHAINS = [
     "frequencies high 10",
     "spectrum",
 ]
+COLOUR_CHAINS = [
+    "plane red",
+    "plane hue",
+    "plane saturation",
+    "plane lightness",
+    "select 200:260 35:",
+    "select 340:20 35:; distance",
+    "equalize",
+    "equalize all",
+    "scale saturation 40",
+    "scale blue 0",
+    "median 5",
+]
+
+
+class Sheet:
+    """Chains of steps on one scene, in one picture."""
+
+    def __init__(self, scene, name, columns, cell, chains):
+        self.scene = scene
+        self.name = name
+        self.columns = columns
+        self.cell = cell  # pixels; pictures are made smaller to fit
+        self.chains = chains
+
+
+SHEETS = [
+    Sheet("mixed.orln", "filter_steps.png", 6, (148, 112), GRAY_CHAINS),
+    Sheet("tokens.bmp", "colour_steps.png", 4, (160, 120), COLOUR_CHAINS),
+]
 
 
 def read_bmp(path):
-    """Width, height and rows of grey bytes of a BMP file with 8 bits a pixel, or 24 of one grey."""
+    """Width, height and rows of a BMP file with 8 or 24 bits a pixel: red, green, blue, red, ..."""
     data = path.read_bytes()
     (offset,) = struct.unpack_from("<I", data, 10)
     width, height = struct.unpack_from("<ii", data, 18)
     (bits,) = struct.unpack_from("<H", data, 28)
     step = bits // 8
     pitch = (width * step + 3) // 4 * 4
-    rows = [data[offset + y * pitch :][: width * step : step] for y in range(abs(height))]
+    rows = []
+    for y in range(abs(height)):
+        stored = data[offset + y * pitch :][: width * step]
+        row = bytearray(width * 3)
+        for component in range(3):
+            row[component::3] = stored[2 - component :: 3] if step == 3 else stored
+        rows.append(row)
     return width, abs(height), rows[::-1] if height > 0 else rows
 
 
 def write_png(path, rows):
+    """Rows of red, green, blue; as one byte a pixel where all are grey."""
     def chunk(name, content):
         return (
             struct.pack(">I", len(content))
@@ -64,11 +107,28 @@ def write_png(path, rows):
             + struct.pack(">I", zlib.crc32(name + content))
         )
 
-    header = struct.pack(">IIBBBBB", len(rows[0]), len(rows), 8, 0, 0, 0, 0)
-    pixels = zlib.compress(b"".join(b"\0" + bytes(row) for row in rows), 9)
+    width = len(rows[0]) // 3
+    gray = all(row[0::3] == row[1::3] == row[2::3] for row in rows)
+    header = struct.pack(">IIBBBBB", width, len(rows), 8, 0 if gray else 2, 0, 0, 0)
+    lines = [bytes(row[0::3] if gray else row) for row in rows]
+    pixels = zlib.compress(b"".join(b"\0" + line for line in lines), 9)
     path.write_bytes(
         b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + chunk(b"IDAT", pixels) + chunk(b"IEND", b"")
     )
+
+
+def shrunk(width, height, rows, factor):
+    """Each square of factor x factor pixels as their mean."""
+    small = []
+    for top in range(0, height - factor + 1, factor):
+        line = bytearray()
+        for left in range(0, width - factor + 1, factor):
+            for component in range(3):
+                first, end = left * 3 + component, (left + factor) * 3
+                total = sum(sum(row[first:end:3]) for row in rows[top : top + factor])
+                line.append(total // factor**2)
+        small.append(line)
+    return small
 
 
 class Maker:
@@ -84,39 +144,53 @@ class Maker:
         subprocess.run(command, check=True, stderr=subprocess.DEVNULL)
         return result
 
-    def cell(self, picture):
-        """The rows of a picture that was made to fit a cell, by the command itself."""
-        width, height, rows = read_bmp(picture)
-        factor = min(CELL[0] / width, CELL[1] / height)
-        if factor < 1:
-            width, height, rows = read_bmp(self.filter(picture, f"resample {factor:.5f}"))
-        return [bytes(row[: CELL[0]]) for row in rows[: CELL[1]]]
+
+def cell(picture, size):
+    """The rows of a picture, made as small as needed to fit."""
+    width, height, rows = read_bmp(picture)
+    factor = max(1, math.ceil(width / size[0]), math.ceil(height / size[1]))
+    return shrunk(width, height, rows, factor)
 
 
-def paste(sheet, rows, index):
-    left = GAP + index % COLUMNS * (CELL[0] + GAP) + (CELL[0] - len(rows[0])) // 2
-    top = GAP + index // COLUMNS * (CELL[1] + GAP) + (CELL[1] - len(rows)) // 2
-    for y, row in enumerate(rows):
-        sheet[top + y][left : left + len(row)] = row
+def draw(sheet, cells):
+    """All cells on paper, row by row."""
+    wide, high = sheet.cell
+    lines = math.ceil(len(cells) / sheet.columns)
+    width = GAP + sheet.columns * (wide + GAP)
+    paper = [bytearray([PAPER] * width * 3) for _ in range(GAP + lines * (high + GAP))]
+    for index, rows in enumerate(cells):
+        left = GAP + index % sheet.columns * (wide + GAP) + (wide - len(rows[0]) // 3) // 2
+        top = GAP + index // sheet.columns * (high + GAP) + (high - len(rows)) // 2
+        for y, row in enumerate(rows):
+            paper[top + y][left * 3 : left * 3 + len(row)] = row
+    return paper
 
 
-def page(names):
+def section(sheet):
+    names = ["the scene"] + [f"`{chain}`" for chain in sheet.chains]
+    lines = [
+        f"![The scene after each chain of steps]({sheet.name})",
+        "",
+        f"The scene `{sheet.scene}`, row by row, from the left:",
+        "",
+        "| " + " | ".join([""] * sheet.columns) + " |",
+        "|" + "---|" * sheet.columns,
+    ]
+    for first in range(0, len(names), sheet.columns):
+        row = names[first : first + sheet.columns]
+        lines.append("| " + " | ".join(row + [""] * (sheet.columns - len(row))) + " |")
+    return lines
+
+
+def page():
     lines = [
         "# The steps of `orlune filter`",
         "",
-        f"Made by `tools/contact_sheet.py` from the scene `{SCENE}`; `orlune filter --help` tells of each",
-        "step and its parameters.",
-        "",
-        "![The scene after each chain of steps](filter_steps.png)",
-        "",
-        "Row by row, from the left:",
-        "",
-        "| " + " | ".join([""] * COLUMNS) + " |",
-        "|" + "---|" * COLUMNS,
+        "Made by `tools/contact_sheet.py`: each picture by one command; `orlune filter --help` tells of each",
+        "step and its parameters. Steps that take colours come first in a chain.",
     ]
-    for first in range(0, len(names), COLUMNS):
-        row = names[first : first + COLUMNS]
-        lines.append("| " + " | ".join(row + [""] * (COLUMNS - len(row))) + " |")
+    for sheet in SHEETS:
+        lines += ["", *section(sheet)]
     return "\n".join(lines) + "\n"
 
 
@@ -125,19 +199,13 @@ def main():
     with tempfile.TemporaryDirectory() as work:
         subprocess.run([scenes, f"{work}/scenes", f"{work}/truth.csv"], check=True, stdout=subprocess.DEVNULL)
         maker = Maker(orlune, work)
-        scene = f"{work}/scenes/{SCENE}"
-        results = [maker.filter(scene, "shift 0 0")]
-        results += [maker.filter(scene, chain) for chain in CHAINS]
-        cells = [maker.cell(result) for result in results]
-
-    lines = math.ceil(len(cells) / COLUMNS)
-    width = GAP + COLUMNS * (CELL[0] + GAP)
-    sheet = [bytearray([PAPER] * width) for _ in range(GAP + lines * (CELL[1] + GAP))]
-    for index, rows in enumerate(cells):
-        paste(sheet, rows, index)
-    write_png(folder / "filter_steps.png", sheet)
-    names = ["the scene"] + [f"`{chain}`" for chain in CHAINS]
-    (folder / "filter_steps.md").write_text(page(names))
+        for sheet in SHEETS:
+            scene = pathlib.Path(work, "scenes", sheet.scene)
+            plain = scene if scene.suffix == ".bmp" else maker.filter(scene, "shift 0 0")
+            results = [plain] + [maker.filter(scene, chain) for chain in sheet.chains]
+            cells = [cell(result, sheet.cell) for result in results]
+            write_png(folder / sheet.name, draw(sheet, cells))
+    (folder / "filter_steps.md").write_text(page())
 
 
 if __name__ == "__main__":

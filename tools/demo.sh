@@ -12,7 +12,7 @@ orlune=build/release/tools/orlune
 rm -rf demo && mkdir demo
 echo
 echo "== Scenes, with the particles that are truly there"
-build/release/tools/orlune_scenes demo/scenes demo/truth.csv
+build/release/tools/orlune_scenes demo/scenes demo/truth.csv demo/outlines.csv
 
 # Shows a command as one would type it, and runs it in demo/.
 show() {
@@ -30,8 +30,19 @@ show info scenes/chips.tif
 show inspect --dark --scale 0.05 --unit mm --annotate annotated scenes/washers.bmp
 show inspect --keep "AreaPixels>=500" --annotate annotated --csv particles.csv --json particles.json \
   scenes/pins.tif scenes/chips.tif scenes/mixed.orln
+
+# Parts that touch come apart, and each is measured alone.
+measures=AreaPixels,CentreOfMassX,CentreOfMassY
+show inspect --fill-holes --separate 21 --measures $measures --csv apart.csv --annotate annotated/apart \
+  scenes/mixed.orln
+tools/compare_truth.sh demo/outlines.csv mixed.orln demo/apart.csv
+show inspect --hue 200:260 --saturation 35: --fill-holes --measures $measures --csv blue.csv \
+  --annotate annotated scenes/tokens.bmp
+tools/compare_truth.sh demo/outlines.csv tokens.bmp demo/blue.csv blue
+
 show filter --steps "median 5; edges sobel 4; maximum 3" --format bmp --out filtered scenes/mixed.orln
+show filter --steps "plane saturation" --format bmp --out filtered scenes/tokens.bmp
 
 echo
 echo "The pictures are in demo/scenes, the annotated ones in demo/annotated,"
-echo "the filtered one in demo/filtered; demo/particles.csv and demo/particles.json hold the lists."
+echo "the filtered ones in demo/filtered; demo/particles.csv and demo/particles.json hold the lists."

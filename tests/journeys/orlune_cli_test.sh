@@ -3,6 +3,7 @@
 # usage: orlune_cli_test.sh ORLUNE SCENES_FOLDER WORK_FOLDER VERSION
 set -u
 orlune=$1 scenes=$2 work=$3 version=$4
+compare=$(cd "$(dirname "$0")/../../tools" && pwd)/compare_truth.sh
 rm -rf "$work"
 mkdir -p "$work"
 cd "$work" || exit 1
@@ -117,6 +118,42 @@ in_out "and 9 more"
 run 0 inspect --range 1300: --keep "AreaPixels>=200" "$scenes/chips.tif"
 in_out "20 kept"
 run 0 inspect --range=-5:5 "$scenes/washers.bmp"
+
+# Parts that touch come apart, and each is found as it truly is
+measures=AreaPixels,CentreOfMassX,CentreOfMassY
+held() {
+  "$compare" "$scenes/outlines.csv" "$@" >compared || {
+    cat compared
+    fail "$what: not the truth of $1 ${3:-}"
+  }
+}
+run 0 inspect --fill-holes --measures $measures --csv joined.csv "$scenes/mixed.orln"
+in_out "30 particles"
+if "$compare" "$scenes/outlines.csv" mixed.orln joined.csv >compared; then fail "parts that touch are apart"; fi
+for neck in 13 21 45; do
+  run 0 inspect --fill-holes --separate $neck --measures $measures --csv apart.csv "$scenes/mixed.orln"
+  in_out "fill-holes; separate $neck; 32 particles"
+  held mixed.orln apart.csv
+done
+
+# Objects of a colour
+for hues in "red 340:20" "yellow 30:80" "green 90:160" "blue 200:260"; do
+  run 0 inspect --hue "${hues#* }" --saturation 35: --fill-holes --measures $measures --csv hue.csv \
+    "$scenes/tokens.bmp"
+  held tokens.bmp hue.csv "${hues% *}"
+done
+in_out "objects: hue 200 to 260 degrees, saturation 35 to 100 %, as given"
+run 0 inspect --hue=-20:20 --saturation 35: --lightness 5:95 --fill-holes --measures $measures --csv hue.csv \
+  "$scenes/tokens.bmp"
+held tokens.bmp hue.csv red
+run 1 inspect --hue 200:260 "$scenes/washers.bmp"
+in_err "the picture is gray"
+run 2 inspect --hue 200 "$scenes/tokens.bmp"
+in_err "is no range of hues"
+run 2 inspect --saturation 101: "$scenes/tokens.bmp"
+run 2 inspect --hue 200:260 --dark "$scenes/tokens.bmp"
+run 2 inspect --open 4 "$scenes/washers.bmp"
+in_err "an odd number of pixels"
 
 # A bad file among good ones: it is named with message and number, the others go on
 printf 'this is no picture at all' >text.bmp
@@ -293,6 +330,19 @@ in_err "the mask of 801 x 601 pixels does not fit"
 run 1 filter --steps "maximum 3" --mask missing.tif "$scenes/washers.bmp" -o not-masked.bmp
 in_err "missing.tif: there is no such file"
 [ ! -e not-masked.bmp ] || fail "filtered without the mask"
+
+# Steps that take colours come first
+run 0 filter --steps "equalize; scale saturation 50" "$scenes/tokens.bmp" -o toned.png
+run 0 info toned.png
+in_out "24-bit colour"
+run 0 filter --steps "select 200:260 35:; fillholes" "$scenes/tokens.bmp" -o blue.bmp
+run 0 inspect --range 1: --measures $measures --csv blue.csv blue.bmp
+held tokens.bmp blue.csv blue
+run 2 filter --steps "median 3; plane hue" "$scenes/tokens.bmp" -o never.bmp
+in_err "step 2, plane: the picture is gray by then"
+run 1 filter --steps "plane hue" "$scenes/washers.bmp" -o never.bmp
+in_err "the picture is gray, and the step plane takes colours"
+[ ! -e never.bmp ] || fail "a picture of no colours"
 
 # Those that cannot be read or written are named, and the others go on
 run 1 filter --steps "minimum 3" missing.tif text.bmp "$scenes/washers.bmp" --out filtered/some

@@ -12,7 +12,7 @@ namespace front {
 // What of a colour must lie where, both ends included. Hue is an angle in degrees: red 0, green
 // 120, blue 240; its low end may be above the high one, around red. The others are percent.
 struct ColourRanges {
-  std::optional<Range> hue, saturation, lightness;
+  std::optional<Range> hue{}, saturation{}, lightness{};
 
   bool Any() const { return hue || saturation || lightness; }
 };

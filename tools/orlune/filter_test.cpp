@@ -590,4 +590,78 @@ TEST_F(FilteredFiles, ThatCannotBeReadAreNamedAndTheOthersGoOn) {
   EXPECT_FALSE(fs::exists(Path("out/missing.orln")));
 }
 
+// ------------------------------------------------------------------------------------- colours
+
+// One pixel each of red, green, blue and grey, after a chain.
+Image Coloured(const std::string& chain, ImageRef mask = 0) {
+  const RGBValue colours[] = {0xC00000, 0x00C000, 0x0000C0, 0x646464};
+  Image image(IMAGE_RGB, BorderOf(ParseChain(chain)));
+  Check(ZEL_ArrayToColorImage(image, colours, 4, 1));
+  for (const ChosenStep& step : ParseChain(chain)) Apply(step, image, mask);
+  return image;
+}
+
+std::vector<int> GraysAfter(const std::string& chain) {
+  const Image image = Coloured(chain);
+  EXPECT_EQ(image.Info().type, IMAGE_U8) << chain;
+  const auto* row = Row<uint8_t>(image.Info(), 0);
+  return {row[0], row[1], row[2], row[3]};
+}
+
+std::vector<RGBValue> ColoursAfter(const std::string& chain, ImageRef mask = 0) {
+  const Image image = Coloured(chain, mask);
+  EXPECT_EQ(image.Info().type, IMAGE_RGB) << chain;
+  const auto* row = Row<RGBValue>(image.Info(), 0);
+  return {row[0], row[1], row[2], row[3]};
+}
+
+using Grays = std::vector<int>;
+
+TEST(ColourSteps, PlanesBecomeGrayPictures) {
+  EXPECT_EQ(GraysAfter("plane red"), (Grays{0xC0, 0, 0, 0x64}));
+  EXPECT_EQ(GraysAfter("plane green"), (Grays{0, 0xC0, 0, 0x64}));
+  EXPECT_EQ(GraysAfter("plane blue"), (Grays{0, 0, 0xC0, 0x64}));
+  EXPECT_EQ(GraysAfter("plane hue"), (Grays{0, 85, 170, 0}));
+  EXPECT_EQ(GraysAfter("plane saturation"), (Grays{255, 255, 255, 0}));
+  EXPECT_EQ(GraysAfter("plane lightness"), (Grays{0x60, 0x60, 0x60, 0x64}));
+  EXPECT_EQ(GraysAfter("plane value"), (Grays{0xC0, 0xC0, 0xC0, 0x64}));
+}
+
+TEST(ColourSteps, ColoursAreSelectedByRanges) {
+  EXPECT_EQ(GraysAfter("select 200:260"), (Grays{0, 0, 255, 0}));
+  EXPECT_EQ(GraysAfter("select 300:130 50:"), (Grays{255, 255, 0, 0}));
+  EXPECT_EQ(GraysAfter("select 0:360 :50 30:60"), (Grays{0, 0, 0, 255}));
+}
+
+TEST(ColourSteps, OnePlaneIsScaled) {
+  EXPECT_EQ(ColoursAfter("scale red 50"),
+            (std::vector<RGBValue>{0x600000, 0x00C000, 0x0000C0, 0x326464}));
+  EXPECT_EQ(ColoursAfter("scale green 1000"),
+            (std::vector<RGBValue>{0xC00000, 0x00FF00, 0x0000C0, 0x64FF64}));
+  Image mask(IMAGE_U8, 0, 4, 1);
+  Check(ZEL_ClearPixels(mask));
+  Row<uint8_t>(mask.Info(), 0)[3] = 1;
+  EXPECT_EQ(ColoursAfter("scale red 50", mask),
+            (std::vector<RGBValue>{0xC00000, 0x00C000, 0x0000C0, 0x326464}));
+  EXPECT_EQ(ColoursAfter("equalize all", mask)[0], 0xC00000u);
+  EXPECT_NE(ColoursAfter("equalize all")[3], 0x646464u);
+}
+
+TEST(ColourSteps, GrayStepsAfterThemTakeTheMean) {
+  EXPECT_EQ(GraysAfter("scale red 50; flip left-right"), (Grays{0x53, 0x40, 0x40, 0x20}));
+}
+
+TEST(ColourSteps, ComeBeforeGrayOnes) {
+  EXPECT_TRUE(TakesColours(ParseChain("plane hue; median 3")));
+  EXPECT_FALSE(TakesColours(ParseChain("median 3")));
+  ExpectComplaint("median 3; plane hue", "step 2, plane: the picture is gray by then");
+  ExpectComplaint("plane hue; equalize", "step 2, equalize: the picture is gray by then");
+  ExpectComplaint("plane pink", "did you mean");
+  ExpectComplaint("select 20", "the hues must be MIN:MAX in degrees, as 200:260 or 340:20, not");
+  ExpectComplaint("select 20:30 high", "the saturations must be MIN:MAX of 0 to 100");
+  EXPECT_EQ(Complaint("equalize; scale saturation 150; select 0:60 20: ; close 3"), "no complaint");
+  const Image gray(IMAGE_U8, 0, 2, 2);
+  EXPECT_THROW(Apply(ParseChain("plane hue")[0], gray, 0), std::invalid_argument);
+}
+
 }  // namespace

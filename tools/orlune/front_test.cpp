@@ -505,6 +505,196 @@ TEST_F(Pictures, PaletteColoursAreInspectedByTheirGray) {
   EXPECT_EQ(inspection.objects->low, 85);
 }
 
+// ---------------------------------------------------------------------------------- refinement
+
+std::vector<double> AreasOf(const Inspection& inspection) {
+  std::vector<double> areas;
+  for (const Particle& particle : inspection.particles) {
+    areas.push_back(particle.values[MEASURE_AREA_PIXELS]);
+  }
+  return areas;
+}
+
+using Areas = std::vector<double>;
+
+TEST_F(Pictures, OpeningTakesThinThingsAndClosingFillsThinGaps) {
+  const std::string path = Write("thin.orln",
+                                 {"...........", ".####.####.", ".####.####.", ".####.####.",
+                                  "...........", ".########..", "..........."},
+                                 0, 255, 1);
+  InspectSettings settings;
+  EXPECT_EQ(AreasOf(Inspect(path, settings)), (Areas{12, 12, 8}));
+  settings.refinement.open = 3;
+  EXPECT_EQ(AreasOf(Inspect(path, settings)), (Areas{12, 12}));
+  settings.refinement.close = 3;
+  EXPECT_EQ(AreasOf(Inspect(path, settings)), (Areas{27}));
+  EXPECT_EQ(NamesOf(settings.refinement), (std::vector<std::string>{"open 3", "close 3"}));
+}
+
+TEST_F(Pictures, HolesAreFilledAsTheNeighboursJoin) {
+  const std::string path =
+      Write("hole.orln", {".....", "..#..", ".#.#.", "..#..", "....."}, 0, 255, 1);
+  InspectSettings settings;
+  settings.refinement.fillHoles = true;
+  EXPECT_EQ(AreasOf(Inspect(path, settings)), (Areas{5}));
+  settings.eightConnected = false;
+  EXPECT_EQ(AreasOf(Inspect(path, settings)), (Areas{1, 1, 1, 1}));
+}
+
+TEST_F(Pictures, ParticlesAtTheEdgeOfWhatIsLookedAtAreLeftOut) {
+  const std::string path =
+      Write("edge.orln", {"##.....", ".......", "..##...", "..##..#", "......."}, 0, 255, 1);
+  InspectSettings settings;
+  settings.refinement.rejectBorder = true;
+  EXPECT_EQ(AreasOf(Inspect(path, settings)), (Areas{4}));
+  settings.region = ParseRegion("1,1,5,4");
+  EXPECT_EQ(AreasOf(Inspect(path, settings)), (Areas{4}));
+  settings.region = ParseRegion("2,1,5,4");
+  EXPECT_EQ(AreasOf(Inspect(path, settings)), (Areas{}));
+}
+
+TEST_F(Pictures, NecksAreCutWhereWiderPartsMeet) {
+  const std::vector<std::string> rows = {"...............", ".#####...#####.", ".#####...#####.",
+                                         ".#############.", ".#####...#####.", ".#####...#####.",
+                                         "...............", ".#############.", "..............."};
+  const std::string path = Write("neck.orln", rows, 0, 255, 1);
+  InspectSettings settings;
+  settings.refinement.separate = 3;
+  settings.scale = Scale{0.5f, 0.5f};
+  const Inspection inspection = Inspect(path, settings);
+  const Areas areas = AreasOf(inspection);
+  ASSERT_EQ(areas.size(), 3u);
+  // One or two pixels of the neck are the cut; a bar without wide parts has no neck.
+  EXPECT_EQ(areas[2], 13);
+  EXPECT_GE(areas[0] + areas[1], 51);
+  EXPECT_LE(areas[0] + areas[1], 52);
+  EXPECT_NEAR(areas[0], areas[1], 3);
+  EXPECT_EQ(inspection.particles[2].values[MEASURE_AREA_CALIBRATED], 13 * 0.25);
+}
+
+TEST_F(Pictures, RefinementTakesPicturesOfAnySize) {
+  InspectSettings settings;
+  settings.refinement = {.open = 3, .close = 31, .fillHoles = true, .separate = 31};
+  for (const size_t width : {1u, 2u, 5u}) {
+    for (const size_t height : {1u, 3u}) {
+      std::vector<std::string> rows(height, std::string(width, '#'));
+      const std::string path = Write("small.orln", rows, 0, 255, 1);
+      settings.range = Range{1, 255};
+      const double pixels = static_cast<double>(width * height);
+      EXPECT_EQ(AreasOf(Inspect(path, settings)), (Areas{pixels})) << width << " x " << height;
+    }
+  }
+}
+
+TEST(Refinements, DisksHaveOddSizes) {
+  EXPECT_EQ(ParseDisk("3"), 3);
+  EXPECT_EQ(ParseDisk("999"), 999);
+  for (const char* bad : {"1", "0", "-3", "4", "3.5", "1001", "1e9", "nan", "x", ""}) {
+    EXPECT_THROW(ParseDisk(bad), std::invalid_argument) << bad;
+  }
+}
+
+// ------------------------------------------------------------------------------------- colours
+
+TEST(Colours, HuesGoRound) {
+  const auto hues = [](const char* text) {
+    const Range range = ParseHues(text);
+    return std::pair(range.low, range.high);
+  };
+  EXPECT_EQ(hues("200:260"), std::pair(200.0, 260.0));
+  EXPECT_EQ(hues("340:20"), std::pair(340.0, 20.0));
+  EXPECT_EQ(hues("-20:20"), std::pair(340.0, 20.0));
+  EXPECT_EQ(hues("340:380"), std::pair(340.0, 20.0));
+  EXPECT_EQ(hues("300:"), std::pair(300.0, 360.0));
+  EXPECT_EQ(hues(":60"), std::pair(0.0, 60.0));
+  EXPECT_EQ(hues("20:400"), std::pair(0.0, 360.0));
+  for (const char* bad : {"", ":", "200", "a:b", "1000:2000", "1:2:3"}) {
+    EXPECT_THROW(ParseHues(bad), std::invalid_argument) << bad;
+  }
+  EXPECT_EQ(ParsePercents("80:").high, 100);
+  EXPECT_THROW(ParsePercents("120:130"), std::invalid_argument);
+}
+
+// A row of colours in a picture file.
+std::string WriteColours(const fs::path& path, const std::vector<RGBValue>& colours) {
+  Raster raster = MakeRaster(static_cast<int64_t>(colours.size()), 1, 3, Sample::U8);
+  for (size_t i = 0; i < colours.size(); ++i) {
+    for (size_t k = 0; k < 3; ++k) {
+      raster.bytes[i * 3 + k] = static_cast<uint8_t>(colours[i] >> (16 - 8 * k));
+    }
+  }
+  WriteWhole(path.string(), EncodePng(raster));
+  return path.string();
+}
+
+TEST_F(Pictures, ObjectsHaveTheColoursAskedFor) {
+  const std::string path = WriteColours(
+      folder_ / "colours.png",
+      {0xFF0000, 0, 0x00FF00, 0, 0x0000FF, 0, 0x808080, 0, 0xFF0020, 0, 0xFF2000, 0, 0xD07070});
+  const auto found = [&](const ColourRanges& colours) {
+    InspectSettings settings;
+    settings.colours = colours;
+    std::string columns;
+    for (const Particle& particle : Inspect(path, settings).particles) {
+      columns += std::to_string(particle.rect.left) + " ";
+    }
+    return columns;
+  };
+  EXPECT_EQ(found({.hue = Range{200, 260}}), "4 ");
+  EXPECT_EQ(found({.hue = Range{100, 260}}), "2 4 ");
+  EXPECT_EQ(found({.hue = Range{340, 20}}), "0 8 10 12 ");
+  EXPECT_EQ(found({.hue = Range{0, 20}}), "0 10 12 ");
+  EXPECT_EQ(found({.hue = Range{350, 340}}), "0 2 4 10 12 ");
+  EXPECT_EQ(found({.hue = Range{340, 20}, .saturation = Range{80, 100}}), "0 8 10 ");
+  EXPECT_EQ(found({.saturation = Range{0, 10}, .lightness = Range{40, 60}}), "6 ");
+  EXPECT_EQ(found({.hue = Range{0, 360}}), "0 ");  // all of the row
+  EXPECT_EQ(found({.saturation = Range{0, 100}}), "0 ");
+}
+
+TEST_F(Pictures, PalettesAndNativeFilesHaveColoursToo) {
+  Raster raster = MakeRaster(4, 1, 1, Sample::U8);
+  raster.palette.assign(256, 0);
+  raster.palette[1] = 0x0000FF;
+  raster.palette[2] = 0x00FF00;
+  raster.bytes = {0, 1, 0, 2};
+  const std::string palette = (folder_ / "palette.bmp").string();
+  WriteWhole(palette, EncodeBmp(raster));
+  const std::string native = (folder_ / "colour.orln").string();
+  const Image image(IMAGE_RGB, 0, 4, 1);
+  Check(ZEL_ClearPixels(image));
+  Check(ZEL_SetColorPixel(image, 1, 0, 0x0000FF));
+  Check(ZEL_WriteFile(image, native.c_str(), FILE_FORMAT_NATIVE, nullptr, 0));
+  InspectSettings settings;
+  settings.colours.hue = Range{200, 260};
+  for (const std::string& path : {palette, native}) {
+    const Inspection inspection = Inspect(path, settings);
+    ASSERT_EQ(inspection.particles.size(), 1u) << path;
+    EXPECT_EQ(inspection.particles[0].rect.left, 1) << path;
+    EXPECT_EQ(inspection.particles[0].values[GRAY_MEAN], 85) << path;
+  }
+  const std::string gray = Write("gray.orln", TWO_DOTS, 10, 200, 1);
+  EXPECT_TRUE(Has(Complaint([&] { Inspect(gray, settings); }), "the picture is gray"));
+}
+
+TEST_F(Pictures, ReportsTellOfColoursAndOfWhatWasRefined) {
+  InspectSettings settings;
+  settings.colours = {.hue = Range{200, 260}, .saturation = {}, .lightness = Range{5, 95}};
+  settings.refinement.fillHoles = true;
+  const std::string path = WriteColours(folder_ / "one.png", {0xFF, 0});
+  const Inspection inspection = Inspect(path, settings);
+  const MeasureList measures = ParseMeasures("AreaPixels");
+  std::ostringstream table;
+  PrintTable(table, inspection, settings, measures, 0);
+  EXPECT_TRUE(Has(table.str(),
+                  "hue 200 to 260 degrees, lightness 5 to 95 %, as given; fill-holes; "
+                  "1 particle"))
+      << table.str();
+  const std::string json = JsonRecord(inspection, settings, measures);
+  EXPECT_TRUE(JsonChecker(json).WellFormed()) << json;
+  EXPECT_TRUE(Has(json, "\"method\": \"colour\", \"hue\": {\"low\": 200, \"high\": 260}")) << json;
+  EXPECT_TRUE(Has(json, "\"refined\": [\"fill-holes\"]")) << json;
+}
+
 TEST_F(Pictures, AnUnreadableFileSaysWhy) {
   EXPECT_EQ(Complaint([&] { Inspect((folder_ / "missing.tif").string(), {}); }),
             "there is no such file");

@@ -36,6 +36,15 @@ How objects are found:
   methods work on 8 bits: other pictures are spread for them from their darkest to their brightest
   pixel. A boundary at an end of the levels is told. With --region or --mask the levels are those
   of that part, and objects are only there. Touching objects form one particle.
+  With --hue, --saturation or --lightness objects are the pixels whose colour lies in all of these
+  ranges. A grey has no hue; a colour that is near to black, white or grey has a hue by chance, so
+  that a least saturation goes with most ranges of hues.
+
+How objects are refined:
+  First --open, then --close, --fill-holes, --separate and --reject-border, each if it is asked for.
+  --separate cuts where a neck joins two parts that are both wider than the neck, from the thinnest
+  neck up to those of N pixels. Rings need --fill-holes with it: else their rims are thin, and may be
+  cut themselves. Objects that touch along their sides have no neck.
 
 Methods:
 )";
@@ -49,13 +58,16 @@ Which particles are kept:
 Examples:
   orlune inspect part.tif
   orlune inspect --dark --keep "AreaPixels>=50" --annotate marked parts/*.bmp
+  orlune inspect --fill-holes --separate 21 --reject-border parts/*.bmp
+  orlune inspect --hue 200:260 --saturation 35: --open 3 caps.png
   orlune inspect --range 1800:4095 --measures AreaPixels,FeretMaximum,Solidity,GrayMean deep.tif
   orlune inspect -j auto --scale 0.05 --unit mm --json parts.json --quiet parts/*.tif)";
 
 constexpr char FILTER_FOOTER[] = R"(
 What is filtered:
   The steps follow one another on the picture in memory, which keeps its depth. Colour pictures are
-  filtered by the mean of their colours. Neighbours beyond the picture are its own pixels, mirrored
+  filtered by the mean of their colours, unless the chain begins with steps that take colours: these
+  are marked, and take 8 bits of each. Neighbours beyond the picture are its own pixels, mirrored
   at the edge: no side of it may be shorter than half of the largest window. Under a mask, each step
   changes only the pixels where the mask is not 0.
 
@@ -71,6 +83,7 @@ constexpr char FILTER_EXAMPLES[] = R"(
 Examples:
   orlune filter --steps "median 5" part.tif -o quiet.tif
   orlune filter --steps "lowpass 3 10; edges sobel 20" --out edges parts/*.bmp
+  orlune filter --steps "select 200:260 35:; open 5" caps.png -o blue.png
   orlune filter --steps "rank 9x1 2" --mask tray.bmp --format png --out ranked parts/*.tif)";
 
 constexpr char CONVERT_FOOTER[] = R"(

@@ -62,7 +62,7 @@ void WriteScenes(const std::filesystem::path& folder, const std::filesystem::pat
                  const std::filesystem::path& outlineFile) {
   std::filesystem::create_directories(folder);
   std::ofstream outline(outlineFile);
-  outline << "File,Number,AreaPixels,Perimeter,CentreOfMassX,CentreOfMassY,Red,Green,Blue\n";
+  outline << "File,Number,AreaPixels,Perimeter,CentreOfMassX,CentreOfMassY,Colour\n";
   std::ofstream truth(truthFile);
   truth << "File,Number,Parts,Holes,AreaPixels,CentreOfMassX,CentreOfMassY\n";
   for (const scenes::Scene& scene : scenes::AllScenes()) {
@@ -71,10 +71,9 @@ void WriteScenes(const std::filesystem::path& folder, const std::filesystem::pat
     const std::vector<scenes::Truth> outlines = TruthOfOutlines(scene.setup, scene.parts);
     int number = 0;
     for (const scenes::Truth& part : outlines) {
-      const scenes::Tint& tint = scene.parts[static_cast<size_t>(number)].tint;
+      const char* colour = scene.parts[static_cast<size_t>(number)].tint.name;
       outline << scene.file << ',' << ++number << ',' << part.area << ',' << part.perimeter << ','
-              << part.centre.x << ',' << part.centre.y << ',' << tint.red << ',' << tint.green
-              << ',' << tint.blue << '\n';
+              << part.centre.x << ',' << part.centre.y << ',' << colour << '\n';
     }
     number = 0;
     for (const scenes::Truth& group : groups) {

@@ -96,10 +96,10 @@ Part ChipOf(double length, double width, double hole) {
       .shape = Shape::Chip, .centre = {}, .length = length / 2, .width = width / 2, .detail = hole};
 }
 
-constexpr Tint RED{1.0, 0.16, 0.13};
-constexpr Tint YELLOW{1.0, 0.85, 0.12};
-constexpr Tint GREEN{0.12, 0.75, 0.25};
-constexpr Tint BLUE{0.1, 0.3, 1.0};
+constexpr Tint RED{1.0, 0.16, 0.13, "red"};
+constexpr Tint YELLOW{1.0, 0.85, 0.12, "yellow"};
+constexpr Tint GREEN{0.12, 0.75, 0.25, "green"};
+constexpr Tint BLUE{0.1, 0.3, 1.0, "blue"};
 constexpr Tint GREY{};
 
 }  // namespace
