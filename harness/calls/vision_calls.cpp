@@ -26,9 +26,6 @@ Path PathAnywhere(Playground& play) {
   play.model().Gives(points);
   return {points, count};
 }
-std::tuple<const PointInt*, int32_t> Arguments(const Path& path) {
-  return {path.points, path.count};
-}
 
 // Mostly few values between samples: memory and time are those of the values.
 int32_t Oversampling(Playground& play) {
