@@ -136,8 +136,25 @@ void Painter::PaintPoint(PointInt point) {
 bool Painter::PaintLine(PointInt from, PointInt to) {
   KernelLine line{from.x, from.y, to.x, to.y};
   if (!LineClipToSize(frame_.width, frame_.height, &line)) return false;
-  PaintVisible(line);
+  if (Stores({line.startX, line.startY}) && Stores({line.endX, line.endY})) {
+    PaintStored(line);
+  } else {
+    PaintVisible(line);
+  }
   return Holds(from) && Holds(to);
+}
+
+// A line of which all pixels are stored.
+void Painter::PaintStored(const KernelLine& line) {
+  LineSteps steps(line);
+  uint8_t* pixel = view_.At<uint8_t>(line.startX, line.startY);
+  const int64_t pitch = view_.pitch;
+  const uint8_t value = value_;
+  for (int64_t left = steps.points(); left > 0; left--) {
+    *pixel = value;
+    const LinePoint step = steps.Next();
+    pixel += step.x + step.y * pitch;
+  }
 }
 
 // A line in the frame. What is not stored is passed over along its longer axis, so that time hangs

@@ -44,6 +44,7 @@ class Painter {
   void PaintSpan(int64_t y, int64_t first, int64_t last);
   void PaintPoint(PointInt point);
   bool PaintLine(PointInt from, PointInt to);  // whether both ends are in the frame
+  void PaintStored(const KernelLine& line);
   void PaintVisible(const KernelLine& line);
   void PaintBox(const PixelBox& box);
   void PaintOval(const PixelBox& box);
