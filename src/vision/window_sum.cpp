@@ -36,7 +36,18 @@ struct BitRange {
   bool isFinite = true;
 };
 
+// Whether all values are whole numbers of the 16 bits that pixels have at most.
+bool IsOfWholeNumbers(const float* signal, int64_t count) {
+  for (int64_t i = 0; i < count; i++) {
+    const float value = signal[i];
+    if (!(std::fabs(value) <= 32768.0f)) return false;  // NaN among them
+    if (static_cast<float>(static_cast<int32_t>(value)) != value) return false;
+  }
+  return true;
+}
+
 BitRange BitsOf(const float* signal, int64_t count) {
+  if (IsOfWholeNumbers(signal, count)) return {.low = 0, .high = 16, .isFinite = true};
   BitRange range;
   for (int64_t i = 0; i < count; i++) {
     if (signal[i] == 0.0f) continue;
@@ -98,12 +109,10 @@ WindowSum::WindowSum(const WindowSumRule& rule, const float* window)
   for (int64_t i = 0; i < rule.width_; i++) Enter(window[i]);
 }
 
-void WindowSum::Slide() {
-  if (rule_.way_ != Way::AFRESH) {
-    Enter(window_[rule_.width_]);
-    Leave(window_[0]);
-  }
-  window_++;
+void WindowSum::SlideRounded() {
+  if (rule_.way_ == Way::AFRESH) return;
+  Enter(window_[rule_.width_]);
+  Leave(window_[0]);
 }
 
 int64_t* WindowSum::CounterOf(float value) {
@@ -123,17 +132,14 @@ void WindowSum::Enter(float value) {
 }
 
 void WindowSum::Leave(float value) {
-  if (rule_.way_ == Way::EXACT) {
-    sum_ -= static_cast<double>(value);
-  } else if (int64_t* counter = CounterOf(value)) {
+  if (int64_t* counter = CounterOf(value)) {
     --*counter;
   } else {
     units_ -= rule_.UnitsOf(value);
   }
 }
 
-float WindowSum::Value() const {
-  if (rule_.way_ == Way::EXACT) return static_cast<float>(sum_);
+float WindowSum::ValueRounded() const {
   if (rule_.way_ == Way::AFRESH) return rule_.Fresh(window_);
   if (nans_ != 0 || (infinities_ != 0 && negativeInfinities_ != 0)) {
     return std::numeric_limits<float>::quiet_NaN();

@@ -40,13 +40,25 @@ class WindowSum {
  public:
   WindowSum(const WindowSumRule& rule, const float* window);
 
-  float Value() const;
+  float Value() const {
+    return rule_.way_ == Way::EXACT ? static_cast<float>(sum_) : ValueRounded();
+  }
   // On by one sample.
-  void Slide();
+  void Slide() {
+    if (rule_.way_ == Way::EXACT) {
+      sum_ += static_cast<double>(window_[rule_.width_]);
+      sum_ -= static_cast<double>(window_[0]);
+    } else {
+      SlideRounded();
+    }
+    window_++;
+  }
 
  private:
   using Way = WindowSumRule::Way;
 
+  float ValueRounded() const;
+  void SlideRounded();
   void Enter(float value);
   void Leave(float value);
   // What is not finite is counted instead of added.
