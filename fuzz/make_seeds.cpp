@@ -126,6 +126,16 @@ void RawSeeds() {
   }
 }
 
+// Regions of one to four contours over runs of pixels, in each pixel type.
+void DialSeeds() {
+  for (uint8_t seed = 0; seed < 24; seed++) {
+    test::Random random(seed + 1u);
+    Bytes bytes = {static_cast<uint8_t>(0x80 | seed % 3), 60, 50, static_cast<uint8_t>(seed % 4)};
+    for (int i = 0; i < 400; i++) bytes.push_back(static_cast<uint8_t>(random.Next()));
+    Write("dials", "region-" + std::to_string(seed), bytes);
+  }
+}
+
 void CallSeeds() {
   for (uint64_t seed = 1; seed <= 60; seed++) {
     test::Random random(seed);
@@ -176,6 +186,7 @@ int main(int argc, char** argv) {
   FrontBmpSeeds();
   RawSeeds();
   BarcodeSeeds();
+  DialSeeds();
   CallSeeds();
   ZEL_CloseSys();
   return 0;

@@ -69,7 +69,7 @@ build_release() {
   build "build/deep-release" "$1" -DCMAKE_BUILD_TYPE=Release
 }
 
-readers=(read_native read_tiff read_bmp read_raw)
+readers=(read_native read_tiff read_bmp read_raw dials)
 sequences=(chain api)
 
 # fuzz SANITIZER RUNS TARGET...

@@ -43,6 +43,14 @@ tools/compare_truth.sh demo/outlines.csv tokens.bmp demo/blue.csv blue
 show filter --steps "median 5; edges sobel 4; maximum 3" --format bmp --out filtered scenes/mixed.orln
 show filter --steps "plane saturation" --format bmp --out filtered scenes/tokens.bmp
 
+# Gauges: a dial told by pictures of its needle at both ends, and a display by a picture of all eights.
+show calibrate meter --base 160,160 --radius 112 --high 10 --unit bar -o dial.json \
+  scenes/gauges/empty.bmp scenes/gauges/full.bmp
+show read meter --setup dial.json --annotate annotated/gauges scenes/gauges/dial1.bmp scenes/gauges/dial2.bmp
+show calibrate lcd --region 26,24,280,96 --light --points -o display.json scenes/gauges/eights.bmp
+show read lcd --setup display.json --annotate annotated/gauges --csv displays.csv \
+  scenes/gauges/display1.bmp scenes/gauges/display2.bmp
+
 echo
 echo "The pictures are in demo/scenes, the annotated ones in demo/annotated,"
 echo "the filtered ones in demo/filtered; demo/particles.csv and demo/particles.json hold the lists."

@@ -18,7 +18,7 @@ while [ $# -gt 0 ]; do
     *) targets+=("$1"); shift ;;
   esac
 done
-[ ${#targets[@]} -gt 0 ] || targets=(read_native read_tiff read_bmp read_raw front_bmp barcode chain api)
+[ ${#targets[@]} -gt 0 ] || targets=(read_native read_tiff read_bmp read_raw front_bmp barcode dials chain api)
 
 clang=clang++-19
 if ! command -v $clang >/dev/null; then

@@ -55,6 +55,7 @@ extern const std::span<const ApiCall> FILE_CALLS;
 extern const std::span<const ApiCall> REGION_CALLS;
 extern const std::span<const ApiCall> VISION_CALLS;
 extern const std::span<const ApiCall> BARCODE_CALLS;
+extern const std::span<const ApiCall> DIALS_CALLS;
 
 // All of them.
 const std::vector<ApiCall>& ApiCalls();

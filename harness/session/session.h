@@ -73,6 +73,7 @@ extern const std::span<const Step> FILE_STEPS;
 extern const std::span<const Step> REGION_STEPS;
 extern const std::span<const Step> VISION_STEPS;
 extern const std::span<const Step> BARCODE_STEPS;
+extern const std::span<const Step> DIALS_STEPS;
 
 // All of them.
 const std::vector<Step>& Steps();

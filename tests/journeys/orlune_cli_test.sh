@@ -482,5 +482,52 @@ if script -qec true /dev/null >out 2>&1 </dev/null; then  # not where no termina
   in_out " left"
 fi
 
+# Gauges: a set-up file of what pictures show, and what other pictures say by it
+gauges=$scenes/gauges
+run 0 calibrate meter --base 160,160 --radius 112 --high 10 --unit bar -o dial.json \
+  "$gauges/empty.bmp" "$gauges/full.bmp"
+silent err
+run 0 read meter --setup dial.json --csv - "$gauges/dial1.bmp" "$gauges/dial2.bmp"
+awk -F, 'NR == 2 && ($2 - 2.75) ^ 2 < 0.05 ^ 2 { right++ }
+         NR == 3 && ($2 - 6.4) ^ 2 < 0.05 ^ 2 && $3 == "bar" { right++ }
+         END { exit right != 2 }' out || fail "$what: not 2.75 and 6.4 bar"
+run 0 read meter --setup dial.json --annotate marked --json dials.json "$gauges/dial1.bmp"
+in_out "dial1.bmp: 2."
+[ -s marked/dial1-read.bmp ] || fail "$what: no annotated picture"
+grep -q '"unit": "bar"' dials.json || fail "$what: no unit in the JSON report"
+run 0 calibrate meter --base 160,160 --start 81,239 --end 239,239 -o places.json
+run 0 read meter --setup places.json "$gauges/full.bmp"
+in_out "100 %"
+run 2 calibrate meter --base 160,160 --start 160,160 --end 239,239 -o none.json
+run 2 calibrate meter --base 160,160 -o none.json "$gauges/empty.bmp"
+in_err "--radius"
+run 2 calibrate meter --base 160 --start 1,2 --end 3,4 -o none.json
+[ ! -e none.json ] || fail "a set-up of what is no meter"
+
+run 0 calibrate lcd --region 26,24,280,96 --light --points -o display.json "$gauges/eights.bmp"
+run 0 read lcd --setup display.json --csv displays.csv "$gauges/display1.bmp" "$gauges/display2.bmp"
+in_out "display1.bmp: 127.5"
+in_out "display2.bmp: 3.064"
+grep -q 'display2.bmp,3.064,3064,4$' displays.csv || fail "$what: wrong CSV report"
+# A picture that cannot be read is told, and the others are read
+run 1 read lcd --setup display.json --json - "$gauges/dial1.bmp" missing.bmp "$gauges/eights.bmp"
+in_out '"text": "8888"'
+in_out '"failed": 2'
+in_err "missing.bmp"
+run 2 read lcd --setup dial.json "$gauges/eights.bmp"
+in_err "no set-up of a lcd"
+run 2 read meter --setup missing.json "$gauges/dial1.bmp"
+in_err "missing.json"
+printf '{"gauge": "lcd", "digits": [[1, 2, 3]]}' >odd.json
+run 2 read lcd --setup odd.json "$gauges/eights.bmp"
+in_err "two or four corners"
+printf '{"gauge": "lcd", "digits": [[1, 2' >odd.json
+run 2 read lcd --setup odd.json "$gauges/eights.bmp"
+in_err "no set-up"
+run 2 read lcd --setup display.json --csv display.json "$gauges/eights.bmp"
+run 1 calibrate lcd --region 0,0,30,30 --light -o none.json "$gauges/eights.bmp"
+run 2 calibrate lcd --region 0,0,30,30 -o none.json
+run 2 read gauge --setup display.json "$gauges/eights.bmp"
+
 [ "$failures" -eq 0 ] || { echo "$failures failures"; exit 1; }
 echo "all as it should be"

@@ -47,6 +47,9 @@ const std::map<std::string, int32_t> TYPES = {{"u8", IMAGE_U8},           {"u16"
                                               {"i16", IMAGE_I16},         {"sgl", IMAGE_SGL},
                                               {"complex", IMAGE_COMPLEX}, {"rgb", IMAGE_RGB}};
 
+const std::map<std::string, GaugeKind> GAUGES = {{"lcd", GaugeKind::Display},
+                                                 {"meter", GaugeKind::Meter}};
+
 constexpr char SWAP_HELP[] =
     "exchange the bytes of 16-bit samples: for files that say the\nwrong byte order";
 constexpr char FORMAT_HELP[] = "native, tiff, png or bmp; otherwise by the ending of the name";
@@ -316,6 +319,88 @@ void CommandLine::AddConvert() {
   convert->footer(CONVERT_FOOTER);
 }
 
+void CommandLine::AddRead() {
+  CLI::App* read = app_.add_subcommand("read", "read the gauges in pictures");
+  AddChoice(
+      read, "KIND", GAUGES, [this](GaugeKind kind) { readDials_.kind = kind; },
+      "meter: a dial with a needle; lcd: a display of seven segments")
+      ->required()
+      ->type_name("KIND");
+  AddFiles(read, &readDials_.files);
+  read->add_option("--setup", readDials_.setup, "what 'orlune calibrate' wrote of the gauge")
+      ->required()
+      ->type_name("FILE");
+  read->add_option("--csv", readDials_.csv, "write the readings as CSV; - is standard output")
+      ->type_name("FILE");
+  read->add_option("--json", readDials_.json, "write the readings as JSON; - is standard output")
+      ->type_name("FILE");
+  read->add_option("--annotate", readDials_.annotate,
+                   "write each picture as BMP with what was read marked")
+      ->type_name("FOLDER");
+  read->add_flag("--quiet", readDials_.quiet, "print no readings and no summary");
+  read->footer(READ_FOOTER);
+}
+
+void CommandLine::AddCalibrate() {
+  CLI::App* calibrate =
+      app_.add_subcommand("calibrate", "write the set-up that a gauge is read with");
+  CalibrateDialsCommand* command = &calibrateDials_;
+  MeterSetup* meter = &command->meter;
+  DisplaySetup* display = &command->display;
+  const auto addPlace = [&](const std::string& name, PointFloat* place, const std::string& help) {
+    AddParsed(
+        calibrate, name, name, [=](const std::string& text) { *place = ParsePlace(text); }, help)
+        ->type_name("X,Y")
+        ->group("Meter");
+  };
+  AddChoice(
+      calibrate, "KIND", GAUGES, [=](GaugeKind kind) { command->kind = kind; }, "meter or lcd")
+      ->required()
+      ->type_name("KIND");
+  calibrate
+      ->add_option("FILE", command->files,
+                   "meter: none, or a picture of the needle at each end; lcd: one picture")
+      ->type_name("FILE");
+  calibrate->add_option("-o", command->setup, "set-up file to write")
+      ->required()
+      ->type_name("SETUP");
+  calibrate->add_flag_callback(
+      "--light", [=] { meter->isLight = display->isLight = true; },
+      "a light needle, or light segments, on dark");
+  addPlace("--base", &meter->base, "the point that the needle turns around");
+  addPlace("--start", &meter->start, "the needle's tip at the start of the scale");
+  addPlace("--end", &meter->end, "the needle's tip at the end, clockwise");
+  calibrate
+      ->add_option("--radius", command->radius,
+                   "from the base to the tip, where pictures show the ends")
+      ->type_name("PIXELS")
+      ->group("Meter");
+  calibrate->add_option("--low", meter->low, "what the scale says at its start")
+      ->type_name("VALUE")
+      ->group("Meter");
+  calibrate->add_option("--high", meter->high, "what the scale says at its end")
+      ->type_name("VALUE")
+      ->group("Meter");
+  calibrate->add_option("--unit", meter->unit, "name of the unit, as bar")
+      ->type_name("NAME")
+      ->group("Meter");
+  AddParsed(
+      calibrate, "--region", "--region",
+      [=](const std::string& text) { command->region = ParseRegion(text); },
+      "the digits, with some ground around them and nothing else")
+      ->type_name("LEFT,TOP,WIDTH,HEIGHT")
+      ->group("Display");
+  calibrate
+      ->add_option("--threshold", display->threshold,
+                   "least standard deviation of a line that crosses segments")
+      ->type_name("LEVELS")
+      ->capture_default_str()
+      ->group("Display");
+  calibrate->add_flag("--sign", display->hasSign, "look for a minus sign")->group("Display");
+  calibrate->add_flag("--points", display->hasPoints, "look for decimal points")->group("Display");
+  calibrate->footer(CALIBRATE_FOOTER);
+}
+
 void CommandLine::AddOthers() {
   app_.add_subcommand("measures", "list the measures of a particle");
   CLI::App* help = app_.add_subcommand("help", "tell how a command is used");
@@ -342,6 +427,8 @@ CommandLine::CommandLine()
   AddInspect();
   AddFilter();
   AddConvert();
+  AddRead();
+  AddCalibrate();
   AddOthers();
   app_.footer(PROGRAM_FOOTER);
 }
@@ -405,6 +492,8 @@ int CommandLine::Run(int argc, char** argv) {
   if (asked("inspect")) return front::Run(inspect_);
   if (asked("filter")) return front::Run(filter_);
   if (asked("convert")) return front::Run(convert_);
+  if (asked("read")) return front::Run(readDials_);
+  if (asked("calibrate")) return front::Run(calibrateDials_);
   if (asked("measures")) return ListMeasures();
   if (asked("completions")) {
     const std::string script = Completions(*this, shell_);

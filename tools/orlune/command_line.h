@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "orlune/commands.h"
+#include "orlune/read_dials.h"
 
 namespace front {
 
@@ -36,6 +37,8 @@ class CommandLine {
   void AddReporting(CLI::App* inspect);
   void AddFilter();
   void AddConvert();
+  void AddRead();
+  void AddCalibrate();
   void AddOthers();
   void AddFiles(CLI::App* command, std::vector<std::string>* files);
   void AddWorkers(CLI::App* command, size_t* workers, const std::string& group);
@@ -55,6 +58,8 @@ class CommandLine {
   InspectCommand inspect_;
   FilterCommand filter_;
   ConvertCommand convert_;
+  ReadDialsCommand readDials_;
+  CalibrateDialsCommand calibrateDials_;
   std::string helpTopic_, manualTopic_, shell_;
 };
 

@@ -99,6 +99,26 @@ Examples:
   orlune convert scan.tif#3 page.png
   orlune convert --type sgl part.tif part.orln)";
 
+constexpr char READ_FOOTER[] = R"(
+A meter's needle is looked for along all lines from its base to its arc: the darkest, with a light
+needle the lightest, is taken. A display's digits are read by three lines over each of them. A picture
+in which segments form no digit is not read, and the exit status says so.
+
+Examples:
+  orlune read meter --setup boiler.json shots/*.png
+  orlune read lcd --setup scales.json --csv weights.csv --annotate marked shots/*.bmp)";
+
+constexpr char CALIBRATE_FOOTER[] = R"(
+A meter is told by its base and the ends of its scale: as places, or as two pictures in which the
+needle stands at these ends. A display is told by one picture in which at least one digit has segments
+on both sides, best all eights; a set-up file may also be written by hand, with four corners for each
+digit of a slanted display.
+
+Examples:
+  orlune calibrate meter --base 203,174 --start 127,247 --end 279,248 --high 1 --unit MPa -o boiler.json
+  orlune calibrate meter --base 203,174 --radius 105 empty.png full.png -o tank.json
+  orlune calibrate lcd --region 40,30,220,90 --points eights.png -o scales.json)";
+
 constexpr char COMPLETIONS_FOOTER[] = R"(
 Examples:
   orlune completions bash >~/.local/share/bash-completion/completions/orlune

@@ -37,7 +37,10 @@ constexpr Message MESSAGES[] = {
     {ZEL_ERR_BAD_FILE_FORMAT, "bad file format"},
     {ZEL_ERR_BAD_MEASURE, "bad number of measure"},
     {ZEL_ERR_INTERNAL, "kernel internal error"},
+    {ZEL_ERR_DIVIDED_BY_ZERO, "Divided by zero"},
     {ZEL_ERR_NULL_POINTER, "Null pointer passed to function"},
+    {ZEL_ERR_NO_SEGMENT, "LCD no segments"},
+    {ZEL_ERR_INEXACT_DIGIT, "LCD bad match"},
 };
 
 std::string Describe(int32_t number, const std::string& function) {

@@ -9,6 +9,7 @@
 
 #include "orlune_ptk.h"
 #include "pictures/writers.h"
+#include "scenes/gauges.h"
 #include "scenes/scenes.h"
 
 namespace {
@@ -89,6 +90,14 @@ void WriteScenes(const std::filesystem::path& folder, const std::filesystem::pat
   if (!truth.flush()) throw std::runtime_error(truthFile.string() + " could not be written");
 }
 
+void WriteGauges(const std::filesystem::path& folder) {
+  std::filesystem::create_directories(folder);
+  for (const scenes::Gauge& gauge : scenes::AllGauges()) {
+    WritePicture(gauge.picture, folder / gauge.file);
+    std::printf("%-12s a gauge that says %s\n", gauge.file.c_str(), gauge.says.c_str());
+  }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -101,6 +110,7 @@ int main(int argc, char** argv) {
   try {
     ZEL_SetErrorMode(ERROR_MODE_SILENT);
     WriteScenes(argv[1], argv[2], argc == 4 ? argv[3] : "/dev/null");
+    WriteGauges(std::filesystem::path(argv[1]) / "gauges");
   } catch (const std::exception& failure) {
     std::cerr << "orlune_scenes: " << failure.what() << '\n';
     return 1;
