@@ -12,7 +12,7 @@ needed="$needed libcli11-dev libtiff-dev libpng-dev libjpeg-dev"
 needed="$needed imagemagick netpbm libtiff-tools python3-pil"
 for argument in "$@"; do
   case $argument in
-    --benchmarks) needed="$needed libopencv-core-dev libopencv-imgproc-dev libopencv-imgcodecs-dev libleptonica-dev" ;;
+    --benchmarks) needed="$needed libopencv-core-dev libopencv-imgproc-dev libopencv-imgcodecs-dev libleptonica-dev libzxing-dev" ;;
     --deep-check) needed="$needed clang-19 libclang-rt-19-dev valgrind gcovr" ;;
     --check-tools) needed="$needed clang-format clang-tidy cppcheck clang-19 libclang-rt-19-dev" ;;
     *)
