@@ -101,9 +101,9 @@ std::vector<Step> ColourSteps() {
 
       {.name = "select",
        .parameters = {{.name = "HUES", .kind = Kind::Hues},
-                      {.name = "SATURATIONS", .kind = Kind::Percents, .optional = true},
-                      {.name = "LIGHTNESSES", .kind = Kind::Percents, .optional = true}},
-       .meaning = "white where the colour lies in all the ranges, else black (colour)",
+                      {.name = "SATURATION", .kind = Kind::Percents, .optional = true},
+                      {.name = "LIGHTNESS", .kind = Kind::Percents, .optional = true}},
+       .meaning = "white where all lie in their ranges, else black (colour)",
        .takesColours = true,
        .makesGray = true,
        .border = NoBorder,

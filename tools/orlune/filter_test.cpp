@@ -658,7 +658,7 @@ TEST(ColourSteps, ComeBeforeGrayOnes) {
   ExpectComplaint("plane hue; equalize", "step 2, equalize: the picture is gray by then");
   ExpectComplaint("plane pink", "did you mean");
   ExpectComplaint("select 20", "the hues must be MIN:MAX in degrees, as 200:260 or 340:20, not");
-  ExpectComplaint("select 20:30 high", "the saturations must be MIN:MAX of 0 to 100");
+  ExpectComplaint("select 20:30 high", "the saturation must be MIN:MAX of 0 to 100");
   EXPECT_EQ(Complaint("equalize; scale saturation 150; select 0:60 20: ; close 3"), "no complaint");
   const Image gray(IMAGE_U8, 0, 2, 2);
   EXPECT_THROW(Apply(ParseChain("plane hue")[0], gray, 0), std::invalid_argument);

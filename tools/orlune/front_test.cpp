@@ -644,7 +644,7 @@ TEST_F(Pictures, ObjectsHaveTheColoursAskedFor) {
   EXPECT_EQ(found({.hue = Range{100, 260}}), "2 4 ");
   EXPECT_EQ(found({.hue = Range{340, 20}}), "0 8 10 12 ");
   EXPECT_EQ(found({.hue = Range{0, 20}}), "0 10 12 ");
-  EXPECT_EQ(found({.hue = Range{350, 340}}), "0 2 4 10 12 ");
+  EXPECT_EQ(found({.hue = Range{356, 340}}), "0 2 4 10 12 ");
   EXPECT_EQ(found({.hue = Range{340, 20}, .saturation = Range{80, 100}}), "0 8 10 ");
   EXPECT_EQ(found({.saturation = Range{0, 10}, .lightness = Range{40, 60}}), "6 ");
   EXPECT_EQ(found({.hue = Range{0, 360}}), "0 ");  // all of the row

@@ -32,6 +32,29 @@ Image Changed(const Image& mask, MorphologyOperation operation, int32_t disk) {
   return changed;
 }
 
+void CopyRows(const Image& from, int32_t fromMargin, const Image& to, int32_t toMargin) {
+  const ImageInfo source = from.Info(), target = to.Info();
+  const int32_t width = std::min(source.width, target.width);
+  const int32_t height = std::min(source.height, target.height);
+  for (int32_t y = 0; y < height; ++y) {
+    const uint8_t* row = Row<uint8_t>(source, y + fromMargin) + fromMargin;
+    std::copy(row, row + width, Row<uint8_t>(target, y + toMargin) + toMargin);
+  }
+}
+
+// With background around the picture: else objects that the disk takes to the edge would stay
+// there.
+Image Closed(const Image& mask, int32_t disk) {
+  const ImageInfo info = mask.Info();
+  Image wide(IMAGE_U8, 0, info.width + 2 * disk, info.height + 2 * disk);
+  Check(ZEL_ClearPixels(wide));
+  CopyRows(mask, 0, wide, disk);
+  wide = Changed(wide, MORPHOLOGY_CLOSE, disk);
+  Image closed = Copied(mask, info.border);  // for its size and calibration
+  CopyRows(wide, disk, closed, 0);
+  return closed;
+}
+
 // ------------------------------------------------------------------------------ taking apart
 
 struct Box {
@@ -179,7 +202,7 @@ void Refine(const Refinement& refinement, bool eightConnected, const Image* plac
   if (info.width == 0 || info.height == 0) return;
   if (refinement.open > 0) *mask = Changed(*mask, MORPHOLOGY_OPEN, refinement.open);
   if (refinement.close > 0) {
-    *mask = Changed(*mask, MORPHOLOGY_CLOSE, refinement.close);
+    *mask = Closed(*mask, refinement.close);
     if (place != nullptr) KeepAt(*place, *mask);
   }
   if (refinement.fillHoles) {
