@@ -112,6 +112,7 @@ int32_t CoordinateReference(Playground& play) {
   for (int32_t i = 0; i < std::min(count, 3) && points && given != 0; i++) {
     points[i] = {Int(play), Int(play)};
   }
+  play.model().Gives(points);
   const struct {
     PointInt* origin;
     float *degrees, *radians;
