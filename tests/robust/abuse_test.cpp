@@ -65,6 +65,7 @@ TEST(Abuse, EveryRowIsSeenToSucceedAndToFail) {
                                               "ZEL_Get_MO_STD3X3Ptr",
                                               "ZEL_Get_MO_STD5X5Ptr",
                                               "ZEL_Get_MO_STD7X7Ptr",
+                                              "ZEL_FreeROI",
                                               "ZEL_ColorConversion",
                                               "ZEL_ColorEqualize",
                                               "ZEL_GetCpxConstant1Ptr"};

@@ -94,7 +94,7 @@ std::vector<Step> SpectrumSteps() {
                        .kind = Kind::Choice,
                        .choices = {{"low", FREQUENCY_KEEP_LOW}, {"high", FREQUENCY_KEEP_HIGH}}},
                       {.name = "PERCENT", .kind = Kind::Real, .low = 0, .high = 100}},
-       .meaning = "the waves within PERCENT of the spectrum, or those outside, without a sign",
+       .meaning = "the waves within PERCENT of the spectrum, or those outside, unsigned",
        .movesPixels = true,
        .border = [](const Arguments&) { return 0; },
        .apply = KeepFrequencies},
