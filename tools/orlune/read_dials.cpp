@@ -297,6 +297,10 @@ std::string CalibratedMeter(const CalibrateDialsCommand& command) {
     setup.start = TipIn(command.files[0], setup.base, *command.radius, setup.isLight);
     setup.end = TipIn(command.files[1], setup.base, *command.radius, setup.isLight);
   }
+  const auto isBase = [&](PointFloat p) { return p.x == setup.base.x && p.y == setup.base.y; };
+  if (isBase(setup.start) || isBase(setup.end)) {
+    throw std::invalid_argument("give --base, --start and --end, three places apart");
+  }
   if (ArcOf(setup.base, setup.start, setup.end).count < 2) {
     throw std::invalid_argument("both ends of the scale are at one place");
   }

@@ -117,7 +117,7 @@ Gauge Display(const std::string& file, const std::string& digits) {
     }
     return 25 + 30 * shine;
   };
-  return {file, digits, Paint(314, 140, 12, light)};
+  return {file, digits, Paint(316, 140, 12, light)};
 }
 
 std::vector<Gauge> AllGauges() {
