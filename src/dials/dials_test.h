@@ -117,16 +117,20 @@ class Canvas {
                                                    [](Place a, Place b) { return a.y < b.y; });
     const int32_t first = std::max(static_cast<int32_t>(std::floor(top->y)), 0);
     const int32_t last = std::min(static_cast<int32_t>(std::ceil(bottom->y)), height_ - 1);
+    const auto [leftmost, rightmost] = std::minmax_element(
+        corners.begin(), corners.end(), [](Place a, Place b) { return a.x < b.x; });
+    const int32_t left = std::max(static_cast<int32_t>(std::floor(leftmost->x)), 0);
+    const int32_t right = std::min(static_cast<int32_t>(std::ceil(rightmost->x)), width_ - 1);
     std::vector<double> coverage(static_cast<size_t>(width_));
     for (int32_t y = first; y <= last; y++) {
-      std::fill(coverage.begin(), coverage.end(), 0.0);
+      for (int32_t x = left; x <= right; x++) coverage[static_cast<size_t>(x)] = 0.0;
       for (int line = 0; line < lines; line++) {
         const std::vector<double> crossings = Crossings(corners, y + (line - 2) / 5.0);
         for (size_t i = 0; i + 1 < crossings.size(); i += 2) {
           AddSpan(crossings[i], crossings[i + 1], 1.0 / lines, &coverage);
         }
       }
-      for (int32_t x = 0; x < width_; x++) {
+      for (int32_t x = left; x <= right; x++) {
         double& there = levels_[static_cast<size_t>(y * width_ + x)];
         there += (level - there) * strength * coverage[static_cast<size_t>(x)];
       }
