@@ -268,6 +268,41 @@ void CommandLine::AddInspect() {
   inspect->footer(INSPECT_FOOTER + MethodsHelp() + INSPECT_EXAMPLES);
 }
 
+void CommandLine::AddRead() {
+  CLI::App* read = app_.add_subcommand("read", "read the bar code in each picture");
+  CLI::Option* what = read->add_option("WHAT", readWhat_, "what to read: barcode");
+  what->required()->type_name("WHAT")->check(CLI::IsMember({"barcode"}));
+  choices_[what] = {"barcode"};
+  AddFiles(read, &read_.files);
+  BarcodeSettings* settings = &read_.settings;
+  std::map<std::string, BarcodeKind> kinds;
+  for (const BarcodeKindRow& row : AllBarcodeKinds()) kinds[std::string(row.name)] = row.kind;
+  AddChoice(
+      read, "--kind", kinds, [=](BarcodeKind kind) { settings->kind = kind; },
+      "codabar, code39, code93, code128, ean8, ean13, interleaved,\nmsi or upca")
+      ->required()
+      ->type_name("KIND");
+  AddParsed(
+      read, "--region", "--region",
+      [=](const std::string& text) { settings->region = ParseRegion(text); },
+      "look only into this rectangle of each picture")
+      ->type_name("LEFT,TOP,WIDTH,HEIGHT");
+  read->add_flag("--validate", settings->validate,
+                 "ask for the check character of codabar, code39, interleaved\nand msi");
+  read->add_option("--first-digit", settings->firstDigit,
+                   "first digit of an ean13; otherwise the one that fits best")
+      ->check(CLI::Range(0, 9))
+      ->type_name("DIGIT");
+  read->add_flag("--swap-bytes", settings->swapBytes, SWAP_HELP);
+  read->add_option("--csv", read_.csv, "write what was read as CSV; - is standard output")
+      ->type_name("FILE");
+  read->add_option("--json", read_.json, "write what was read as JSON; - is standard output")
+      ->type_name("FILE");
+  AddWorkers(read, &read_.workers, "");
+  read->add_flag("--quiet", read_.quiet, "print no texts and no summary");
+  read->footer(READ_FOOTER);
+}
+
 void CommandLine::AddFilter() {
   CLI::App* filter =
       app_.add_subcommand("filter", "apply filters to pictures, one after the other");
@@ -340,6 +375,7 @@ CommandLine::CommandLine()
   app_.formatter(std::make_shared<HelpText>());
   AddInfo();
   AddInspect();
+  AddRead();
   AddFilter();
   AddConvert();
   AddOthers();
@@ -403,6 +439,7 @@ int CommandLine::Run(int argc, char** argv) {
   const auto asked = [&](const char* name) { return FindCommand(name)->parsed(); };
   if (asked("info")) return front::Run(info_);
   if (asked("inspect")) return front::Run(inspect_);
+  if (asked("read")) return front::Run(read_);
   if (asked("filter")) return front::Run(filter_);
   if (asked("convert")) return front::Run(convert_);
   if (asked("measures")) return ListMeasures();

@@ -34,6 +34,7 @@ class CommandLine {
   void AddRefining(CLI::App* inspect);
   void AddMeasuring(CLI::App* inspect);
   void AddReporting(CLI::App* inspect);
+  void AddRead();
   void AddFilter();
   void AddConvert();
   void AddOthers();
@@ -53,6 +54,8 @@ class CommandLine {
   std::map<const CLI::Option*, std::vector<std::string>> choices_;
   InfoCommand info_;
   InspectCommand inspect_;
+  ReadCommand read_;
+  std::string readWhat_;
   FilterCommand filter_;
   ConvertCommand convert_;
   std::string helpTopic_, manualTopic_, shell_;

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "orlune/barcode_search.h"
 #include "orlune/inspection.h"
 #include "orlune/output.h"
 #include "orlune/program.h"
@@ -32,6 +33,17 @@ struct InspectCommand {
   bool quiet = false;
 };
 int Run(const InspectCommand& command);
+
+struct ReadCommand {
+  std::vector<std::string> files;
+  BarcodeSettings settings;
+  std::string csv;  // file, "-" for the standard output, empty for none
+  std::string json;
+  size_t workers = 1;
+  bool quiet = false;
+};
+// Every picture with a code that was read is well; ALL_WELL means all of them.
+int Run(const ReadCommand& command);
 
 struct ConvertCommand {
   std::string from, to;

@@ -26,6 +26,18 @@ Examples:
   orlune info scan.tif
   orlune info --json photo.jpg scan.tif#2)";
 
+constexpr char READ_FOOTER[] = R"(
+A region that fits a code, upright and with some light at both ends, is read as it is. Otherwise, and
+where nothing is read there, the bars are looked for in the region or in the whole picture, turned
+upright by the direction of their edges, enlarged, and read along many rows and both ways; the text
+that most readings agree on is told.
+
+Examples:
+  orlune read barcode --kind code128 labels/*.png
+  orlune read barcode --kind ean13 --region 40,60,300,50 --csv codes.csv box.tif
+Exit status: 0 a code was read in every picture; 1 in some none, or a file could not be read or
+written.)";
+
 constexpr char INSPECT_FOOTER[] = R"(
 How objects are found:
   Every pixel whose grey level lies in the range is object, all others are background. Without
