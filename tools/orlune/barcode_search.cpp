@@ -189,6 +189,51 @@ std::optional<double> Misfit(const std::vector<double>& runs, const std::string&
   return sum / static_cast<double>(runs.size());
 }
 
+// Whether some runs round to these widths.
+bool Round(const double* runs, double modules, std::string_view widths) {
+  for (size_t i = 0; i < widths.size(); ++i) {
+    if (std::lround(runs[i] * modules) != widths[i] - '0') return false;
+  }
+  return true;
+}
+
+// Whether runs make symbols of three bars and three spaces between a start and a stop.
+bool HasEnds(const std::vector<double>& runs, int32_t symbolModules, std::string_view start,
+             std::string_view stop) {
+  constexpr size_t SYMBOL = 6;
+  const size_t least = 3 * SYMBOL + stop.size();
+  if (runs.size() < least || (runs.size() - stop.size()) % SYMBOL != 0) return false;
+  double modules = static_cast<double>((runs.size() - stop.size()) / SYMBOL) * symbolModules;
+  for (const char width : stop) modules += width - '0';
+  return Round(runs.data(), modules, start) &&
+         Round(runs.data() + runs.size() - stop.size(), modules, stop);
+}
+
+// How far the bars are from those of a text, in modules a run; nothing where they are others
+// altogether. Texts that tell by themselves that they were framed by a start and a stop fit.
+std::optional<double> MisfitOf(BarcodeKind kind, const std::string& text,
+                               const std::vector<double>& runs) {
+  constexpr double WORST = 0.35;
+  std::optional<double> misfit = 0.0;
+  if (kind == BarcodeKind::Code128) {
+    if (!HasEnds(runs, 11, "211", "2331112")) misfit = std::nullopt;
+  } else if (kind == BarcodeKind::Code93) {
+    if (!HasEnds(runs, 9, "111141", "1111411")) misfit = std::nullopt;
+  } else if (std::string widths = WidthsOf(kind, text); !widths.empty()) {
+    misfit = Misfit(runs, widths);
+    if (misfit && kind == BarcodeKind::Interleaved) {
+      // Wide is two to three times narrow.
+      std::replace(widths.begin(), widths.end(), '3', '2');
+      misfit = std::min(*misfit, *Misfit(runs, widths));
+    }
+  }
+  return misfit && *misfit <= WORST ? misfit : std::nullopt;
+}
+
+bool LosesCheck(BarcodeKind kind) {
+  return kind == BarcodeKind::Interleaved || kind == BarcodeKind::Msi;
+}
+
 // Whether a text can have come from a code: the kinds without a check have starts and stops.
 bool HasFrame(BarcodeKind kind, const std::string& text, bool validated) {
   constexpr size_t SHORTEST = 4;
@@ -213,17 +258,13 @@ class Search {
     for (const int digit : FirstDigits()) {
       const std::optional<std::string> text = Read(gray, area, backward, digit);
       if (!text || !HasFrame(settings_.kind, *text, settings_.validate)) continue;
-      double weight = 1.0;
-      const std::string widths = settings_.validate ? "" : WidthsOf(settings_.kind, *text);
-      if (!widths.empty()) {
-        if (runs.empty()) runs = RunsOf(gray, area, backward);
-        const std::optional<double> misfit = Misfit(runs, widths);
-        constexpr double WORST = 0.6;
-        if (misfit && *misfit > WORST) continue;
-        weight = misfit ? 1 / (0.05 + *misfit * *misfit) : 0.05;
-      }
+      if (runs.empty()) runs = RunsOf(gray, area, backward);
+      // A text that lost its check is no longer that of all bars.
+      const bool isWhole = !settings_.validate || !LosesCheck(settings_.kind);
+      const std::optional<double> misfit = isWhole ? MisfitOf(settings_.kind, *text, runs) : 0.0;
+      if (!misfit) continue;
       Candidate& candidate = candidates_[*text];
-      candidate.weight += weight;
+      candidate.weight += 1 / (0.05 + *misfit * *misfit);
       if (candidate.reading.readings++ != 0) continue;
       candidate.reading.text = *text;
       candidate.reading.place = {area.left / scale, area.top / scale,
