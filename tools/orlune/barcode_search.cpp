@@ -154,6 +154,7 @@ std::string WidthsOf(BarcodeKind kind, const std::string& text) {
 // mean of some rows.
 std::vector<double> RunsOf(const Image& gray, const Bars& area, bool backward) {
   constexpr int32_t LINES = 10;
+  constexpr size_t SHARE_AROUND = 16;
   const ImageInfo info = gray.Info();
   const auto count = static_cast<size_t>(area.right - area.left + 1);
   std::vector<double> profile(count, 0.0);
@@ -162,10 +163,14 @@ std::vector<double> RunsOf(const Image& gray, const Bars& area, bool backward) {
     const uint8_t* row = Row<uint8_t>(info, y) + area.left;
     for (size_t i = 0; i < count; ++i) profile[i] += row[backward ? count - 1 - i : i];
   }
-  const auto [low, high] = std::minmax_element(profile.begin(), profile.end());
-  const double level = (*low + *high) / 2;
   std::vector<double> crossings;
   for (size_t i = 1; i < count; ++i) {
+    // Light and blur differ from end to end: the level is that of the neighbourhood.
+    const size_t reach = count / SHARE_AROUND + 4;
+    const auto from = profile.begin() + static_cast<std::ptrdiff_t>(i > reach ? i - reach : 0);
+    const auto to = profile.begin() + static_cast<std::ptrdiff_t>(std::min(count, i + reach));
+    const auto [low, high] = std::minmax_element(from, to);
+    const double level = (*low + *high) / 2;
     const double a = profile[i - 1] - level, b = profile[i] - level;
     if ((a <= 0) == (b <= 0)) continue;
     if (crossings.empty() && a <= 0) continue;  // begins dark
