@@ -267,9 +267,11 @@ class Search {
       // A text that lost its check is no longer that of all bars.
       const bool isWhole = !settings_.validate || !LosesCheck(settings_.kind);
       const std::optional<double> misfit = isWhole ? MisfitOf(settings_.kind, *text, runs) : 0.0;
-      if (!misfit) continue;
+      if (!misfit && !MayStandAlone(*text)) continue;
       Candidate& candidate = candidates_[*text];
-      candidate.weight += 1 / (0.05 + *misfit * *misfit);
+      constexpr double OF_NO_FIT = 0.05;
+      candidate.weight += misfit ? 1 / (0.05 + *misfit * *misfit) : OF_NO_FIT;
+      if (misfit) ++candidate.fits;
       if (candidate.reading.readings++ != 0) continue;
       candidate.reading.text = *text;
       candidate.reading.place = {area.left / scale, area.top / scale,
@@ -286,7 +288,10 @@ class Search {
     for (const auto& [text, candidate] : candidates_) {
       if (!best || candidate.weight > best->weight) best = &candidate;
     }
-    if (!best || best->reading.readings < leastReadings) return std::nullopt;
+    // Where bars are too blurred to be told one by one, a fifth of all readings has to agree.
+    if (!best) return std::nullopt;
+    const bool agreed = 5 * best->reading.readings > attempts_;
+    if (best->fits < leastReadings && !agreed) return std::nullopt;
     BarcodeReading reading = best->reading;
     reading.attempts = attempts_;
     return reading;
@@ -295,8 +300,17 @@ class Search {
  private:
   struct Candidate {
     double weight = 0;
+    int fits = 0;  // readings whose bars are those of the text
     BarcodeReading reading;
   };
+
+  // Whether the kind's check tells enough where the bars cannot be compared with the text.
+  bool MayStandAlone(const std::string& text) const {
+    constexpr size_t LONG_ENOUGH = 4;
+    return (settings_.kind == BarcodeKind::Code128 || settings_.kind == BarcodeKind::UpcA ||
+            settings_.kind == BarcodeKind::Ean8) &&
+           text.size() >= LONG_ENOUGH;
+  }
 
   std::vector<int> FirstDigits() const {
     if (settings_.kind != BarcodeKind::Ean13) return {0};
