@@ -49,6 +49,12 @@ const std::map<std::string, int32_t> TYPES = {{"u8", IMAGE_U8},           {"u16"
 
 const std::map<std::string, GaugeKind> GAUGES = {{"lcd", GaugeKind::Display},
                                                  {"meter", GaugeKind::Meter}};
+const std::map<std::string, Readable> READABLE = {
+    {"barcode", Readable::Barcode}, {"lcd", Readable::Display}, {"meter", Readable::Meter}};
+
+// Groups of options.
+constexpr char BARCODES[] = "Bar codes";
+constexpr char METERS_AND_DISPLAYS[] = "Meters and displays";
 
 constexpr char SWAP_HELP[] =
     "exchange the bytes of 16-bit samples: for files that say the\nwrong byte order";
@@ -320,25 +326,83 @@ void CommandLine::AddConvert() {
 }
 
 void CommandLine::AddRead() {
-  CLI::App* read = app_.add_subcommand("read", "read the gauges in pictures");
+  CLI::App* read = app_.add_subcommand("read", "read bar codes, meters or displays in pictures");
   AddChoice(
-      read, "KIND", GAUGES, [this](GaugeKind kind) { readDials_.kind = kind; },
-      "meter: a dial with a needle; lcd: a display of seven segments")
+      read, "WHAT", READABLE, [this](Readable what) { readable_ = what; },
+      "barcode; meter: a dial with a needle; lcd: a display of seven\nsegments")
       ->required()
-      ->type_name("KIND");
-  AddFiles(read, &readDials_.files);
+      ->type_name("WHAT");
+  AddFiles(read, &readFiles_.files);
+  read->add_option("--csv", readFiles_.csv, "write what was read as CSV; - is standard output")
+      ->type_name("FILE");
+  read->add_option("--json", readFiles_.json, "write what was read as JSON; - is standard output")
+      ->type_name("FILE");
+  read->add_flag("--quiet", readFiles_.quiet, "print nothing of what was read");
+  AddReadingBarcodes(read);
+  AddReadingGauges(read);
+  read->footer(READ_FOOTER);
+}
+
+void CommandLine::AddReadingBarcodes(CLI::App* read) {
+  BarcodeSettings* settings = &readBarcodes_.settings;
+  std::map<std::string, BarcodeKind> kinds;
+  for (const BarcodeKindRow& row : AllBarcodeKinds()) kinds[std::string(row.name)] = row.kind;
+  AddChoice(
+      read, "--kind", kinds, [=](BarcodeKind kind) { settings->kind = kind; },
+      "codabar, code39, code93, code128, ean8, ean13, interleaved,\nmsi or upca")
+      ->type_name("KIND")
+      ->group(BARCODES);
+  AddParsed(
+      read, "--region", "--region",
+      [=](const std::string& text) { settings->region = ParseRegion(text); },
+      "look only into this rectangle of each picture")
+      ->type_name("LEFT,TOP,WIDTH,HEIGHT")
+      ->group(BARCODES);
+  read->add_flag("--validate", settings->validate,
+                 "ask for the check character of codabar, code39, interleaved\nand msi")
+      ->group(BARCODES);
+  read->add_option("--first-digit", settings->firstDigit,
+                   "first digit of an ean13; otherwise the one that fits best")
+      ->check(CLI::Range(0, 9))
+      ->type_name("DIGIT")
+      ->group(BARCODES);
+  read->add_flag("--swap-bytes", settings->swapBytes, SWAP_HELP)->group(BARCODES);
+  AddWorkers(read, &readBarcodes_.workers, BARCODES);
+}
+
+void CommandLine::AddReadingGauges(CLI::App* read) {
   read->add_option("--setup", readDials_.setup, "what 'orlune calibrate' wrote of the gauge")
-      ->required()
-      ->type_name("FILE");
-  read->add_option("--csv", readDials_.csv, "write the readings as CSV; - is standard output")
-      ->type_name("FILE");
-  read->add_option("--json", readDials_.json, "write the readings as JSON; - is standard output")
-      ->type_name("FILE");
+      ->type_name("FILE")
+      ->group(METERS_AND_DISPLAYS);
   read->add_option("--annotate", readDials_.annotate,
                    "write each picture as BMP with what was read marked")
-      ->type_name("FOLDER");
-  read->add_flag("--quiet", readDials_.quiet, "print no readings and no summary");
-  read->footer(READ_FOOTER);
+      ->type_name("FOLDER")
+      ->group(METERS_AND_DISPLAYS);
+}
+
+int CommandLine::RunRead() {
+  const bool isBarcode = readable_ == Readable::Barcode;
+  const CLI::App* read = FindCommand("read");
+  const std::string needed = isBarcode ? "--kind" : "--setup";
+  if (read->get_option(needed)->count() == 0) {
+    std::cerr << "orlune: this reading needs " << needed << '\n';
+    return BAD_USE;
+  }
+  for (const CLI::Option* option : read->get_options()) {
+    if (option->count() == 0 ||
+        option->get_group() != (isBarcode ? METERS_AND_DISPLAYS : BARCODES)) {
+      continue;
+    }
+    std::cerr << "orlune: " << option->get_name() << " is not for this reading\n";
+    return BAD_USE;
+  }
+  if (isBarcode) {
+    static_cast<ReadFiles&>(readBarcodes_) = readFiles_;
+    return front::Run(readBarcodes_);
+  }
+  static_cast<ReadFiles&>(readDials_) = readFiles_;
+  readDials_.kind = readable_ == Readable::Meter ? GaugeKind::Meter : GaugeKind::Display;
+  return front::Run(readDials_);
 }
 
 void CommandLine::AddCalibrate() {
@@ -425,10 +489,10 @@ CommandLine::CommandLine()
   app_.formatter(std::make_shared<HelpText>());
   AddInfo();
   AddInspect();
-  AddFilter();
-  AddConvert();
   AddRead();
   AddCalibrate();
+  AddFilter();
+  AddConvert();
   AddOthers();
   app_.footer(PROGRAM_FOOTER);
 }
@@ -490,9 +554,9 @@ int CommandLine::Run(int argc, char** argv) {
   const auto asked = [&](const char* name) { return FindCommand(name)->parsed(); };
   if (asked("info")) return front::Run(info_);
   if (asked("inspect")) return front::Run(inspect_);
+  if (asked("read")) return RunRead();
   if (asked("filter")) return front::Run(filter_);
   if (asked("convert")) return front::Run(convert_);
-  if (asked("read")) return front::Run(readDials_);
   if (asked("calibrate")) return front::Run(calibrateDials_);
   if (asked("measures")) return ListMeasures();
   if (asked("completions")) {

@@ -12,6 +12,9 @@
 
 namespace front {
 
+// What orlune read reads.
+enum class Readable { Barcode, Meter, Display };
+
 class CommandLine {
  public:
   CommandLine();
@@ -35,10 +38,12 @@ class CommandLine {
   void AddRefining(CLI::App* inspect);
   void AddMeasuring(CLI::App* inspect);
   void AddReporting(CLI::App* inspect);
+  void AddRead();
+  void AddReadingBarcodes(CLI::App* read);
+  void AddReadingGauges(CLI::App* read);
+  void AddCalibrate();
   void AddFilter();
   void AddConvert();
-  void AddRead();
-  void AddCalibrate();
   void AddOthers();
   void AddFiles(CLI::App* command, std::vector<std::string>* files);
   void AddWorkers(CLI::App* command, size_t* workers, const std::string& group);
@@ -49,6 +54,8 @@ class CommandLine {
                          const std::map<std::string, Value>& values, Take take,
                          const std::string& help);
 
+  int RunRead();
+
   // What is wrong with the arguments that a better name would mend; empty for nothing.
   std::string WrongName(int argc, char** argv) const;
 
@@ -56,9 +63,12 @@ class CommandLine {
   std::map<const CLI::Option*, std::vector<std::string>> choices_;
   InfoCommand info_;
   InspectCommand inspect_;
+  Readable readable_ = Readable::Barcode;
+  ReadFiles readFiles_;
+  ReadBarcodesCommand readBarcodes_;
+  ReadDialsCommand readDials_;
   FilterCommand filter_;
   ConvertCommand convert_;
-  ReadDialsCommand readDials_;
   CalibrateDialsCommand calibrateDials_;
   std::string helpTopic_, manualTopic_, shell_;
 };

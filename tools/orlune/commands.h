@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "orlune/barcode_search.h"
 #include "orlune/inspection.h"
 #include "orlune/output.h"
 #include "orlune/program.h"
@@ -32,6 +33,20 @@ struct InspectCommand {
   bool quiet = false;
 };
 int Run(const InspectCommand& command);
+
+// What every kind of reading takes and gives.
+struct ReadFiles {
+  std::vector<std::string> files;
+  std::string csv, json;  // file, "-" for the standard output, empty for none
+  bool quiet = false;
+};
+
+struct ReadBarcodesCommand : ReadFiles {
+  BarcodeSettings settings;
+  size_t workers = 1;
+};
+// Every picture with a code that was read is well; ALL_WELL means all of them.
+int Run(const ReadBarcodesCommand& command);
 
 struct ConvertCommand {
   std::string from, to;

@@ -1,4 +1,5 @@
 // Completions of the command line for shells, made of the list of options.
+#include <algorithm>
 #include <sstream>
 
 #include "orlune/command_line.h"
@@ -33,12 +34,19 @@ std::string Meaning(const std::string& description) {
   return meaning;
 }
 
-// The words that stand for the command's own argument; empty where it takes files.
+// The words that stand for the command's first argument; empty where that is a file.
 std::vector<std::string> PositionalChoices(const CommandLine& line, const CLI::App& command) {
   for (const CLI::Option* option : command.get_options()) {
     if (option->get_positional()) return line.ChoicesOf(*option);
   }
   return {};
+}
+
+bool TakesFiles(const CommandLine& line, const CLI::App& command) {
+  const std::vector<const CLI::Option*> options = command.get_options();
+  return std::any_of(options.begin(), options.end(), [&](const CLI::Option* option) {
+    return option->get_positional() && line.ChoicesOf(*option).empty();
+  });
 }
 
 std::string CommandNames(const CommandLine& line) {
@@ -74,6 +82,7 @@ std::string Bash(const CommandLine& line) {
         << "            COMPREPLY=($(compgen -W \"" << Joined(all) << "\" -- \"$word\"))\n"
         << "          else\n            COMPREPLY=($(compgen "
         << (choices.empty() ? "-f" : "-W \"" + Joined(choices) + "\"")
+        << (!choices.empty() && TakesFiles(line, *command) ? " -f" : "")
         << " -- \"$word\"))\n          fi\n          ;;\n      esac\n      ;;\n";
   }
   out << "  esac\n}\ncomplete -o filenames -F _orlune orlune\n";
@@ -101,8 +110,15 @@ std::string Zsh(const CommandLine& line) {
       }
     }
     const std::vector<std::string> choices = PositionalChoices(line, *command);
-    out << " \\\n      '*:argument:" << (choices.empty() ? "_files" : "(" + Joined(choices) + ")")
-        << "'\n    ;;\n";
+    const std::string words = "(" + Joined(choices) + ")";
+    if (choices.empty()) {
+      out << " \\\n      '*:argument:_files'";
+    } else if (TakesFiles(line, *command)) {
+      out << " \\\n      '1:argument:" << words << "' \\\n      '*:argument:_files'";
+    } else {
+      out << " \\\n      '*:argument:" << words << '\'';
+    }
+    out << "\n    ;;\n";
   }
   out << "esac\n";
   return out.str();
@@ -117,7 +133,9 @@ std::string Fish(const CommandLine& line) {
         << Meaning(command->get_description()) << "'\n";
     const std::string here = "complete -c orlune -n '__fish_seen_subcommand_from " + name + "'";
     const std::vector<std::string> own = PositionalChoices(line, *command);
-    if (!own.empty()) out << here << " -f -a '" << Joined(own) << "'\n";
+    if (!own.empty()) {
+      out << here << (TakesFiles(line, *command) ? "" : " -f") << " -a '" << Joined(own) << "'\n";
+    }
     for (const CLI::Option* option : command->get_options()) {
       if (option->get_positional()) continue;
       out << here;

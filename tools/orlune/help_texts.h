@@ -100,13 +100,21 @@ Examples:
   orlune convert --type sgl part.tif part.orln)";
 
 constexpr char READ_FOOTER[] = R"(
-A meter's needle is looked for along all lines from its base to its arc: the darkest, with a light
-needle the lightest, is taken. A display's digits are read by three lines over each of them. A picture
-in which segments form no digit is not read, and the exit status says so.
+Bar codes: a region that fits a code, upright and with some light at both ends, is read as it is.
+Otherwise, and where nothing is read there, the bars are looked for in the region or in the whole
+picture, turned upright by the direction of their edges, enlarged, and read along many rows and both
+ways; the text that most readings agree on is told.
+
+Gauges: a meter's needle is looked for along all lines from its base to its arc: the darkest, with a
+light needle the lightest, is taken. A display's digits are read by three lines over each of them. A
+picture in which segments form no digit is not read.
 
 Examples:
+  orlune read barcode --kind code128 labels/*.png
+  orlune read barcode --kind ean13 --region 40,60,300,50 --csv codes.csv box.tif
   orlune read meter --setup boiler.json shots/*.png
-  orlune read lcd --setup scales.json --csv weights.csv --annotate marked shots/*.bmp)";
+  orlune read lcd --setup scales.json --csv weights.csv --annotate marked shots/*.bmp
+Exit status: 0 every picture was read; 1 some were not, or a file could not be read or written.)";
 
 constexpr char CALIBRATE_FOOTER[] = R"(
 A meter is told by its base and the ends of its scale: as places, or as two pictures in which the

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "orlune/commands.h"
 #include "orlune/gauge_setup.h"
 #include "orlune/regions.h"
 
@@ -12,13 +13,10 @@ namespace front {
 
 enum class GaugeKind { Meter, Display };
 
-struct ReadDialsCommand {
+struct ReadDialsCommand : ReadFiles {
   GaugeKind kind = GaugeKind::Meter;
-  std::string setup;  // file
-  std::vector<std::string> files;
-  std::string csv, json;  // file, "-" for the standard output, empty for none
-  std::string annotate;   // folder, empty for none
-  bool quiet = false;
+  std::string setup;     // file
+  std::string annotate;  // folder, empty for none
 };
 int Run(const ReadDialsCommand& command);
 
