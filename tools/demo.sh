@@ -51,6 +51,9 @@ show calibrate lcd --region 26,24,280,96 --light --points -o display.json scenes
 show read lcd --setup display.json --annotate annotated/gauges --csv displays.csv \
   scenes/gauges/display1.bmp scenes/gauges/display2.bmp
 
+# Bar codes, found wherever they lie.
+show read barcode --kind interleaved scenes/labels/upright.bmp scenes/labels/turned.bmp
+
 echo
 echo "The pictures are in demo/scenes, the annotated ones in demo/annotated,"
 echo "the filtered ones in demo/filtered; demo/particles.csv and demo/particles.json hold the lists."

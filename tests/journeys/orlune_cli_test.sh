@@ -529,5 +529,29 @@ run 1 calibrate lcd --region 0,0,30,30 --light -o none.json "$gauges/eights.bmp"
 run 2 calibrate lcd --region 0,0,30,30 -o none.json
 run 2 read gauge --setup display.json "$gauges/eights.bmp"
 
+# Bar codes: found in the whole picture, however they are turned, or read in a region
+labels=$scenes/labels
+run 0 read barcode --kind interleaved --csv codes.csv --json codes.json "$labels/upright.bmp" "$labels/turned.bmp"
+in_out "20261122"
+in_out "0417"
+grep -q 'upright.bmp,interleaved,"20261122",' codes.csv || fail "$what: wrong CSV report"
+grep -q '"0417"' codes.json || fail "$what: wrong JSON report"
+run 0 read barcode --kind interleaved -j 2 --quiet --csv - "$labels/upright.bmp" "$labels/turned.bmp"
+cmp -s out codes.csv || fail "$what: another report with two workers"
+run 1 read barcode --kind interleaved "$gauges/empty.bmp" "$labels/upright.bmp"
+in_out "20261122"
+run 1 read barcode --kind ean13 "$labels/upright.bmp"
+run 1 read barcode --kind interleaved --region 0,0,60,60 "$labels/upright.bmp"
+run 0 read barcode --kind interleaved --region 100,100,280,120 --csv - --quiet "$labels/upright.bmp"
+awk -F, 'NR == 2 && $4 >= 100 && $5 >= 100 && $6 > 180 && $6 <= 280 { right++ } END { exit right != 1 }' out ||
+  fail "$what: not found where it lies"
+run 2 read barcode "$labels/upright.bmp"
+in_err "--kind"
+run 2 read barcode --kind interleaved --setup dial.json "$labels/upright.bmp"
+in_err "--setup"
+run 2 read meter --setup dial.json --validate "$gauges/dial1.bmp"
+in_err "--validate"
+run 2 read barcode --kind code11 "$labels/upright.bmp"
+
 [ "$failures" -eq 0 ] || { echo "$failures failures"; exit 1; }
 echo "all as it should be"

@@ -408,8 +408,7 @@ Image PartOf(const Image& gray, const Region& region) {
     throw std::invalid_argument("the region does not lie in the picture");
   }
   Image part(IMAGE_U8);
-  Check(ZEL_Resample(gray, part, region.top, region.left, region.height, region.width, region.width,
-                     region.height, 0));
+  Check(ZEL_Extract(gray, part, region.top, region.left, region.height, region.width, 1, 1));
   return part;
 }
 

@@ -6,13 +6,12 @@
 #include <cstdio>
 #include <numbers>
 
-#include "scenes/random.h"
+#include "scenes/paint.h"
 
 namespace scenes {
 namespace {
 
 constexpr int DIAL_SIZE = 320;
-constexpr int PLACES = 4;  // looked at in a pixel, along each side
 
 // How far a point is from a straight stroke.
 double DistanceFromStroke(Point at, Point from, Point to) {
@@ -21,29 +20,6 @@ double DistanceFromStroke(Point at, Point from, Point to) {
   const double length = along.x * along.x + along.y * along.y;
   const double part = std::clamp((off.x * along.x + off.y * along.y) / length, 0.0, 1.0);
   return std::hypot(off.x - part * along.x, off.y - part * along.y);
-}
-
-// Each pixel from the light that the rule gives for places in it, with the noise of a camera.
-template <class Light>
-Picture Paint(int width, int height, uint64_t seed, const Light& light) {
-  Picture picture;
-  picture.width = width;
-  picture.height = height;
-  picture.pixels.resize(static_cast<size_t>(width) * static_cast<size_t>(height));
-  Random random(seed);
-  for (int y = 0; y < height; y++) {
-    for (int x = 0; x < width; x++) {
-      double sum = 0;
-      for (int i = 0; i < PLACES * PLACES; i++) {
-        sum += light(
-            Point{x + (i % PLACES + 0.5) / PLACES - 0.5, y + (i / PLACES + 0.5) / PLACES - 0.5});
-      }
-      const double level = sum / (PLACES * PLACES) + 2.0 * random.Gauss();
-      picture.pixels[static_cast<size_t>(y * width + x)] =
-          static_cast<uint16_t>(std::lround(std::clamp(level, 0.0, 255.0)));
-    }
-  }
-  return picture;
 }
 
 // A place at this distance from the dial's centre, at a part of the scale.

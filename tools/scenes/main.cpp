@@ -10,6 +10,7 @@
 #include "orlune_ptk.h"
 #include "pictures/writers.h"
 #include "scenes/gauges.h"
+#include "scenes/labels.h"
 #include "scenes/scenes.h"
 
 namespace {
@@ -98,6 +99,14 @@ void WriteGauges(const std::filesystem::path& folder) {
   }
 }
 
+void WriteLabels(const std::filesystem::path& folder) {
+  std::filesystem::create_directories(folder);
+  for (const scenes::Label& label : scenes::AllLabels()) {
+    WritePicture(label.picture, folder / label.file);
+    std::printf("%-12s a bar code of %s\n", label.file.c_str(), label.digits.c_str());
+  }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -111,6 +120,7 @@ int main(int argc, char** argv) {
     ZEL_SetErrorMode(ERROR_MODE_SILENT);
     WriteScenes(argv[1], argv[2], argc == 4 ? argv[3] : "/dev/null");
     WriteGauges(std::filesystem::path(argv[1]) / "gauges");
+    WriteLabels(std::filesystem::path(argv[1]) / "labels");
   } catch (const std::exception& failure) {
     std::cerr << "orlune_scenes: " << failure.what() << '\n';
     return 1;
