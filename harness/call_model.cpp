@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "core/tables.h"
+#include "display/window_records.h"
 
 #if defined(__has_feature)
 #if __has_feature(memory_sanitizer)
@@ -118,7 +119,7 @@ void CallModel::Begin() {
   size_t images = 0;
   for (uint32_t row = 0; row < coreTables.imageCapacity; row++) {
     const ImageEntry& entry = coreTables.images[row];
-    if (entry.reference == 0) continue;
+    if (entry.reference == 0 || zel::IsWindowImage(entry.reference)) continue;
     if (images == before_.size()) before_.emplace_back();
     State& state = before_[images++];
     state.reference = entry.reference;
@@ -217,7 +218,7 @@ const char* CallModel::NewImagesFault() const {
                              [](const Named& one) { return (one.allowed & MADE) != 0; });
   for (uint32_t row = 0; row < coreTables.imageCapacity; row++) {
     const ImageEntry& entry = coreTables.images[row];
-    if (entry.reference == 0) continue;
+    if (entry.reference == 0 || zel::IsWindowImage(entry.reference)) continue;
     const bool isNew = std::none_of(before_.begin(), before_.end(), [&](const State& state) {
       return state.reference == entry.reference;
     });

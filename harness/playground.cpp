@@ -7,6 +7,7 @@
 #include "core/images.h"
 #include "core/pixel_types.h"
 #include "harness/checks.h"
+#include "platform/memory_desktop.h"
 
 namespace test {
 namespace {
@@ -47,6 +48,7 @@ Playground::~Playground() {
     ZEL_free(block);
   }
   ZEL_CloseSys();
+  zel::MemoryDesktopReset();
   Require(zel::HeapHooksGet()->liveBlocks == 0, "blocks are left after closing");
 }
 

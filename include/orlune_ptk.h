@@ -31,6 +31,8 @@
  *   matching.h    particles of a wanted shape, measures of points
  *   barcodes.h    bar codes read
  *   dials.h       needle meters and seven-segment displays, calibrated and read
+ *   windows.h     windows that show images
+ *   window_tools.h  tools, events and regions of windows
  *
  * What holds for all functions
  *
@@ -113,5 +115,7 @@
 #include "orlune_ptk/statistics.h"
 #include "orlune_ptk/thresholds.h"
 #include "orlune_ptk/types.h"
+#include "orlune_ptk/window_tools.h"
+#include "orlune_ptk/windows.h"
 
 #endif

@@ -60,7 +60,8 @@ const std::vector<ApiCall>& ApiCalls() {
     for (const auto& family :
          {CORE_CALLS, UTILITY_CALLS, POINT_CALLS, STATISTICS_CALLS, PARTICLE_CALLS, FILTER_CALLS,
           GEOMETRY_CALLS, MORPHOLOGY_CALLS, PARTICLE_FILTER_CALLS, SHAPE_CALLS, COLOUR_CALLS,
-          FREQUENCY_CALLS, FILE_CALLS, REGION_CALLS, VISION_CALLS, BARCODE_CALLS, DIALS_CALLS}) {
+          FREQUENCY_CALLS, FILE_CALLS, REGION_CALLS, VISION_CALLS, BARCODE_CALLS, DIALS_CALLS,
+          WINDOW_CALLS}) {
       all.insert(all.end(), family.begin(), family.end());
     }
     return all;

@@ -38,7 +38,8 @@ const std::vector<Step>& Steps() {
     for (const auto& family :
          {CORE_STEPS, UTILITY_STEPS, POINT_STEPS, STATISTICS_STEPS, PARTICLE_STEPS, FILTER_STEPS,
           GEOMETRY_STEPS, MORPHOLOGY_STEPS, PARTICLE_FILTER_STEPS, SHAPE_STEPS, COLOUR_STEPS,
-          FREQUENCY_STEPS, FILE_STEPS, REGION_STEPS, VISION_STEPS, BARCODE_STEPS, DIALS_STEPS}) {
+          FREQUENCY_STEPS, FILE_STEPS, REGION_STEPS, VISION_STEPS, BARCODE_STEPS, DIALS_STEPS,
+          WINDOW_STEPS}) {
       all.insert(all.end(), family.begin(), family.end());
     }
     return all;

@@ -39,6 +39,11 @@ typedef enum FailureNumber {
   ZEL_ERR_FILE_READ = -511,                /* pixels cannot be read */
   ZEL_ERR_FILE_WRITE = -512,               /* pixels cannot be written */
   ZEL_ERR_BAD_FILE_FORMAT = -514,          /* a directory or table in the file is not accepted */
+  ZEL_ERR_DISPLAY_UNUSABLE = -600,         /* the desktop cannot be drawn on */
+  ZEL_ERR_NO_WINDOW = -601,                /* a window cannot be made */
+  ZEL_ERR_BAD_WINDOW = -602,               /* no window has this number */
+  ZEL_ERR_WINDOW_CLOSED = -698,            /* the window is not open */
+  ZEL_ERR_BAD_ATTRIBUTE = -699,            /* no attribute has this number, or not here */
   ZEL_ERR_BAD_INTERPOLATION = -751,        /* no InterpolationMethod has this number */
   ZEL_ERR_TOO_FEW_POINTS = -752,           /* a path or a list of points is too short */
   ZEL_ERR_BAD_MEASURE = -801,              /* no ParticleMeasure has this number */

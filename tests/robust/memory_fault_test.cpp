@@ -33,9 +33,9 @@ std::vector<uint64_t> Digests() {
   return digests;
 }
 
-// The numbers that a call may answer when memory fails.
+// The numbers that a call may answer when memory fails; a window that needs some is not made then.
 bool IsMemoryFailure(int32_t result) {
-  return result == -101 || result == -102;
+  return result == -101 || result == -102 || result == -601;
 }
 
 // What a step left otherwise than it may when its call failed, or null. Steps don't tell which
