@@ -53,10 +53,10 @@ extern const std::span<const ApiCall> COLOUR_CALLS;
 extern const std::span<const ApiCall> FREQUENCY_CALLS;
 extern const std::span<const ApiCall> FILE_CALLS;
 extern const std::span<const ApiCall> REGION_CALLS;
-extern const std::span<const ApiCall> WINDOW_CALLS;
 extern const std::span<const ApiCall> VISION_CALLS;
 extern const std::span<const ApiCall> BARCODE_CALLS;
 extern const std::span<const ApiCall> DIALS_CALLS;
+extern const std::span<const ApiCall> WINDOW_CALLS;
 
 // All of them.
 const std::vector<ApiCall>& ApiCalls();

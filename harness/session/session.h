@@ -71,10 +71,10 @@ extern const std::span<const Step> COLOUR_STEPS;
 extern const std::span<const Step> FREQUENCY_STEPS;
 extern const std::span<const Step> FILE_STEPS;
 extern const std::span<const Step> REGION_STEPS;
-extern const std::span<const Step> WINDOW_STEPS;
 extern const std::span<const Step> VISION_STEPS;
 extern const std::span<const Step> BARCODE_STEPS;
 extern const std::span<const Step> DIALS_STEPS;
+extern const std::span<const Step> WINDOW_STEPS;
 
 // All of them.
 const std::vector<Step>& Steps();
