@@ -1,13 +1,15 @@
 #!/usr/bin/env bash
 # Builds the fuzz targets with clang and runs each: first the stored inputs and the seeds, then new
 # ones. A finding ends it with the input's place.
-# usage: tools/fuzz.sh [--seconds N | --runs N] [--sanitizer address|memory] [--seed N] [TARGET...]
+# usage: tools/fuzz.sh [--seconds N | --runs N] [--sanitizer address|memory] [--seed N] [--plain] [TARGET...]
+#   --plain  builds the processor level of plain loops alone, which is soon done
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 limit=-max_total_time=20
 sanitizer=address
 seed=1
+skipped="baseline;v3"
 targets=()
 while [ $# -gt 0 ]; do
   case $1 in
@@ -15,6 +17,7 @@ while [ $# -gt 0 ]; do
     --runs) limit=-runs=$2; shift 2 ;;
     --sanitizer) sanitizer=$2; shift 2 ;;
     --seed) seed=$2; shift 2 ;;
+    --plain) skipped="baseline;v3;v4"; shift ;;
     *) targets+=("$1"); shift ;;
   esac
 done
@@ -31,7 +34,7 @@ build=build/fuzz-$sanitizer
 build() {
   cmake -S . -B "build/fuzz-$1" -G Ninja -DCMAKE_CXX_COMPILER=$clang -DCMAKE_C_COMPILER=clang-19 \
     -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG="-g1 -O1" -DPTK_SANITIZE="$1" \
-    -DPTK_FUZZ=ON -DPTK_SKIP_LEVELS="baseline;v3" -DPTK_BUILD_TESTS=OFF -DPTK_BUILD_TOOLS=OFF -DPTK_BUILD_BENCHMARKS=OFF >/dev/null
+    -DPTK_FUZZ=ON -DPTK_SKIP_LEVELS="$skipped" -DPTK_BUILD_TESTS=OFF -DPTK_BUILD_TOOLS=OFF -DPTK_BUILD_BENCHMARKS=OFF >/dev/null
   cmake --build "build/fuzz-$1" --target "${@:2}"
 }
 build "$sanitizer" "${targets[@]/#/fuzz_}"

@@ -23,7 +23,7 @@ struct Axis {
   int64_t canvas;  // pixels of the canvas without scroll bar
   int64_t image;   // pixels of the image
   int64_t origin;
-  int64_t zoom;
+  int64_t zoom;  // canvas pixels an image pixel takes; below 0 it is the other way round; never 0
   float factor;
   bool keepsToZoom;  // an offset on the canvas is a multiple of the zoom
 };
@@ -42,23 +42,23 @@ int64_t PixelsToFill(const Axis& axis) {
 }
 
 int64_t OffsetOf(const Axis& axis) {
-  if (axis.zoom < 1) return (axis.image / axis.zoom + axis.canvas) / 2;
+  if (axis.zoom < 0) return (axis.image / axis.zoom + axis.canvas) / 2;
   const int64_t offset = (axis.canvas - axis.image * axis.zoom) / 2;
   return axis.keepsToZoom ? offset / axis.zoom * axis.zoom : offset;
 }
 
 bool Fits(const Axis& axis) {
-  const int64_t extent = axis.zoom < 1 ? -(axis.image / axis.zoom) : axis.image * axis.zoom;
+  const int64_t extent = axis.zoom < 0 ? -(axis.image / axis.zoom) : axis.image * axis.zoom;
   return extent <= axis.canvas;
 }
 
 // From the origin where enough of the image follows it; else the image's last pixels.
 void PlacePart(const Axis& axis, int64_t* first, int64_t* end) {
   const int64_t pixels = PixelsToFill(axis);
-  const bool reaches = axis.zoom < 1 ? (axis.origin - axis.image) / axis.zoom > axis.canvas
+  const bool reaches = axis.zoom < 0 ? (axis.origin - axis.image) / axis.zoom > axis.canvas
                                      : (axis.image - axis.origin) * axis.zoom > axis.canvas;
   *first = axis.origin;
-  *end = axis.zoom < 1 ? axis.origin - axis.canvas * axis.zoom : axis.origin + pixels;
+  *end = axis.zoom < 0 ? axis.origin - axis.canvas * axis.zoom : axis.origin + pixels;
   if (reaches && *end <= axis.image) return;
   *end = axis.image;
   *first = axis.image - pixels;

@@ -26,10 +26,15 @@ template <int32_t plane>
 ZEL_INLINE double ValueOf(ComplexValue pixel) {
   const auto real = static_cast<double>(pixel.real);
   const auto imaginary = static_cast<double>(pixel.imaginary);
-  if constexpr (plane == COMPLEX_PLANE_REAL) return real;
-  if constexpr (plane == COMPLEX_PLANE_IMAGINARY) return imaginary;
-  if constexpr (plane == COMPLEX_PLANE_MAGNITUDE) return Magnitude(real, imaginary);
-  if constexpr (plane == COMPLEX_PLANE_PHASE) return Phase(real, imaginary);
+  if constexpr (plane == COMPLEX_PLANE_REAL) {
+    return real;
+  } else if constexpr (plane == COMPLEX_PLANE_IMAGINARY) {
+    return imaginary;
+  } else if constexpr (plane == COMPLEX_PLANE_MAGNITUDE) {
+    return Magnitude(real, imaginary);
+  } else {
+    return Phase(real, imaginary);
+  }
 }
 
 template <int32_t plane, class Pixel>

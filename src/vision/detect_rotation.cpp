@@ -96,8 +96,8 @@ Status DetectRotation(ImageRef referenceImage, ImageRef testImage, const Circle&
   const float wayY = circle.test.y - circle.reference.y;
   const int32_t count = 360 / precision + 1;
   const double step = FULL_TURN / count;
-  float ofReference[MOST_SAMPLES];
-  float ofTest[MOST_SAMPLES];
+  float ofReference[MOST_SAMPLES] = {};
+  float ofTest[MOST_SAMPLES] = {};
   for (int32_t i = 0; i < count; i++) {
     const auto x = static_cast<float>(std::cos(i * step) * circle.radius +
                                       static_cast<double>(circle.reference.x));

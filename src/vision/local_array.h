@@ -11,6 +11,7 @@ namespace zel {
 template <class T, uint32_t room>
 class LocalArray {
  public:
+  // cppcheck-suppress uninitMemberVar ; what is not written is not read
   LocalArray() = default;
   LocalArray(const LocalArray&) = delete;
   LocalArray& operator=(const LocalArray&) = delete;
@@ -41,6 +42,7 @@ class LocalArray {
 template <class T, uint32_t room>
 class LocalList {
  public:
+  // cppcheck-suppress uninitMemberVar ; what is not written is not read
   LocalList() = default;
   LocalList(const LocalList&) = delete;
   LocalList& operator=(const LocalList&) = delete;
