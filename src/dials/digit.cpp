@@ -150,7 +150,8 @@ double DigitReader::Level() const {
     largest = std::max(largest, sample);
     smallest = std::min(smallest, sample);
   }
-  return static_cast<double>((int64_t{largest} + smallest) / 2);
+  const int64_t middle = (int64_t{largest} + smallest) / 2;
+  return static_cast<double>(middle);
 }
 
 bool DigitReader::IsOn(int64_t index, double level) const {

@@ -1,4 +1,5 @@
 // Displays read: one digit, or all digits of a region with their sign and points.
+#include <algorithm>
 #include <cmath>
 
 #include "core/heap.h"
@@ -75,9 +76,8 @@ class DisplayText {
     if (reading.hasPoint) Add('.');
     // A digit of 0 adds nothing, however many digits follow.
     if (reading.digit != 0) value_ += reading.digit * PowerOfTen(digitCount - index - 1);
-    for (int32_t i = 0; i < SEGMENTS; i++) {
-      segments_[static_cast<size_t>(SEGMENTS * index + i)] = reading.segments[i];
-    }
+    uint8_t* segments = segments_.data() + int64_t{SEGMENTS} * index;
+    std::copy_n(reading.segments, SEGMENTS, segments);
   }
   void HandTo(char** text, double* value, uint8_t** segments) {
     HandOver(&characters_, text);

@@ -130,8 +130,9 @@ Buttons ButtonsOf(const WindowRecord& record) {
 }
 
 void ButtonStateSet(int32_t window, int64_t index, int32_t state) {
-  ImageButton& button = ButtonsOf(RecordOf(window)).buttons[index];
-  if (button.kind != BUTTON_TOGGLE) return;
+  const Buttons all = ButtonsOf(RecordOf(window));
+  if (index >= all.count || all.buttons[index].kind != BUTTON_TOGGLE) return;
+  ImageButton& button = all.buttons[index];
   button.state = state;
   ButtonDraw(RecordOf(window), button);
   WindowMarkDirty(window);

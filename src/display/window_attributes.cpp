@@ -101,7 +101,8 @@ Status TitleGet(int32_t window, char* title) {
   int32_t panel = 0;
   const Status status = PanelFind(window, &panel);
   if (status != STATUS_OK) return status;
-  std::strcpy(title, panel != 0 ? DesktopInUse().panelTitle(panel) : "");
+  const char* shown = panel != 0 ? DesktopInUse().panelTitle(panel) : "";
+  std::memcpy(title, shown, std::strlen(shown) + 1);
   return STATUS_OK;
 }
 

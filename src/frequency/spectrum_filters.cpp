@@ -104,8 +104,8 @@ struct Attenuation {
 Attenuation AttenuationOf(const PixelView& view, bool isLow) {
   const SpectrumFilterRows& rows = spectrumFilterRows();
   const WeightRoutines& routines = isLow ? rows.fromMiddle : rows.fromSides;
-  return {view.type == IMAGE_SGL ? routines.one : routines.two,
-          static_cast<float>(int64_t{view.width / 2} * (view.height / 2)), isLow};
+  const int64_t scale = int64_t{view.width / 2} * (view.height / 2);
+  return {view.type == IMAGE_SGL ? routines.one : routines.two, static_cast<float>(scale), isLow};
 }
 
 Status Attenuate(ImageRef source, ImageRef destination, int16_t mode) {
