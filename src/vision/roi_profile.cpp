@@ -118,9 +118,9 @@ Status LinesFollow(const PixelView& view, const FlatContour& contour, Profile* p
   const OutlineLines lines(view, contour);
   int64_t points = 0;
   for (int64_t i = 0; i < lines.count(); i++) points += lines[i].points;
+  if (points == 0) return STATUS_OK;
   if (!TableMake(&profile->points, points)) return STATUS_MEMORY_FULL;
   for (int64_t i = 0; i < lines.count(); i++) LineAdd(lines[i], profile);
-  if (points == 0) return STATUS_OK;
 
   profile->start = profile->points[0];
   profile->end = profile->points[static_cast<size_t>(points) - 1];
