@@ -131,7 +131,7 @@ Buttons ButtonsOf(const WindowRecord& record) {
 
 void ButtonStateSet(int32_t window, int64_t index, int32_t state) {
   const Buttons all = ButtonsOf(RecordOf(window));
-  if (index >= all.count || all.buttons[index].kind != BUTTON_TOGGLE) return;
+  if (!all.buttons || all.buttons[index].kind != BUTTON_TOGGLE) return;
   ImageButton& button = all.buttons[index];
   button.state = state;
   ButtonDraw(RecordOf(window), button);
