@@ -79,7 +79,7 @@ endfunction()
 function(ptk_test name)
   cmake_parse_arguments(TEST "" "" "LEVELS" ${ARGN})
   add_executable(${name} ${TEST_UNPARSED_ARGUMENTS})
-  target_compile_options(${name} PRIVATE ${PTK_WARNING_FLAGS} ${PTK_LIGHT_SANITIZE_FLAGS}
+  target_compile_options(${name} PRIVATE ${PTK_WARNING_FLAGS} ${PTK_TEST_SANITIZE_FLAGS}
                                          $<$<CONFIG:Release>:-O1>)
   target_link_libraries(${name} PRIVATE ptk_test_support orlune_internal GTest::gtest)
   if(NOT TEST_LEVELS)
