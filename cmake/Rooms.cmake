@@ -74,14 +74,22 @@ function(ptk_room name)
   endif()
 endfunction()
 
+# What all GoogleTest programs are compiled and linked with.
+function(ptk_test_flags name)
+  target_compile_options(${name} PRIVATE ${PTK_WARNING_FLAGS} ${PTK_TEST_SANITIZE_FLAGS}
+                                         $<$<CONFIG:Release>:-O1>)
+  target_link_libraries(${name} PRIVATE ptk_test_support orlune_internal GTest::gtest)
+endfunction()
+
 # ptk_test(name sources... [LEVELS ...]): a GoogleTest program over the library's internals, run by
 # ctest once, or once at each processor level.
 function(ptk_test name)
   cmake_parse_arguments(TEST "" "" "LEVELS" ${ARGN})
   add_executable(${name} ${TEST_UNPARSED_ARGUMENTS})
-  target_compile_options(${name} PRIVATE ${PTK_WARNING_FLAGS} ${PTK_TEST_SANITIZE_FLAGS}
-                                         $<$<CONFIG:Release>:-O1>)
-  target_link_libraries(${name} PRIVATE ptk_test_support orlune_internal GTest::gtest)
+  ptk_test_flags(${name})
+  if(NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    target_precompile_headers(${name} REUSE_FROM ptk_test_headers)
+  endif()
   if(NOT TEST_LEVELS)
     add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
   endif()
