@@ -42,7 +42,7 @@ tidy:
 	tools/static_analysis.sh
 
 fuzz:
-	@tools/setup.sh --check-tools
+	@tools/setup.sh --deep-check
 	tools/fuzz.sh
 
 check-deep:

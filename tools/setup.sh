@@ -3,7 +3,7 @@
 # there. The library itself needs no more than the compiler; libcli11, libtiff, libpng and libjpeg are
 # for the command-line front, and the last packages make the pictures that its tests read. With
 # --benchmarks also what the benchmarks compare with, with --check-tools also what checks the sources,
-# with --deep-check also what tools/check_deep.sh runs.
+# with --deep-check also the fuzzers and what tools/check_deep.sh runs.
 # usage: setup.sh [--benchmarks] [--check-tools] [--deep-check]
 set -eu
 
@@ -14,7 +14,7 @@ for argument in "$@"; do
   case $argument in
     --benchmarks) needed="$needed libopencv-core-dev libopencv-imgproc-dev libopencv-imgcodecs-dev libleptonica-dev libzxing-dev" ;;
     --deep-check) needed="$needed clang-19 libclang-rt-19-dev valgrind gcovr" ;;
-    --check-tools) needed="$needed clang-format clang-tidy cppcheck clang-19 libclang-rt-19-dev" ;;
+    --check-tools) needed="$needed clang-format clang-tidy cppcheck" ;;
     *)
       echo "usage: setup.sh [--benchmarks] [--check-tools] [--deep-check]" >&2
       exit 2

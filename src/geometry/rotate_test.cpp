@@ -291,10 +291,8 @@ TEST(Rotate, TakesTheLowBitsOfAnyFill) {
 
 // Positions far from the centre of a long image pass 2^31.
 TEST(Rotate, TakesPositionsModuloTheirWord) {
-  for (const bool interpolates : {false, true}) {
-    ExpectRotated(TestImage(IMAGE_U8, 2200000, 1, 0, 5), 17, interpolates);
-    ExpectRotated(TestImage(IMAGE_U8, 1, 2200000, 0, 5), 0, interpolates);
-  }
+  ExpectRotated(TestImage(IMAGE_U8, 2200000, 1, 0, 5), 17, true);
+  ExpectRotated(TestImage(IMAGE_U8, 1, 2200000, 0, 5), 0, false);
 }
 
 TEST(Rotate, PassesOnCalibrationAndOffset) {
