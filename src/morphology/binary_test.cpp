@@ -220,7 +220,7 @@ TEST(BinaryMorphology, GivesEveryOperationAtEverySize) {
 }
 
 TEST(BinaryMorphology, GivesPassesAtAllSmallSizes) {
-  for (int32_t height = 0; height <= 40; height++) {
+  for (int32_t height = 0; height <= 40; height += height < 9 ? 1 : 5) {
     for (int32_t width = 0; width <= 40; width += height < 4 ? 1 : 3) {
       const TestImage image = Noise(width, height, 7, 60, static_cast<uint64_t>(width));
       for (const int32_t operation : {MORPHOLOGY_DILATE, MORPHOLOGY_ERODE, MORPHOLOGY_OPEN}) {
