@@ -314,7 +314,6 @@ Status ConvolutionPlanMake(const ConvolutionMatrix& matrix, int32_t type, Convol
 
 ConvolutionRoutine ConvolutionRoutineOf(const WindowViews& views, ConvolutionPlan* plan) {
   const int32_t type = views.source.type;
-  if (plan->isFractional || type == IMAGE_SGL) return {convolutionRows().real.For(type), nullptr};
   if (type != IMAGE_U8) return {convolutionRows().whole.For(type), nullptr};
   ConvolutionRoutine routine = ByteRoutineOf(views, plan);
   if (!plan->hasFactors) routine.down = nullptr;

@@ -26,8 +26,9 @@ int64_t ConvolutionCount(const ConvolutionMatrix& matrix);
 // STATUS_MEMORY_FULL.
 Status ConvolutionPlanMake(const ConvolutionMatrix& matrix, int32_t type, ConvolutionPlan* plan);
 
-// The routine for the images of a call, and the one by factors, where the plan has them and sums of
-// 16 bits do; of its results the columns behind the rule's wrappedColumns don't count.
+// The routine for the images of a call with integer sums, and the one by factors, where the plan
+// has them and sums of 16 bits do; of its results the columns behind the rule's wrappedColumns
+// don't count.
 struct ConvolutionRoutine {
   WindowRow<ConvolutionRule> row;
   ConvolutionDown down;

@@ -8,6 +8,7 @@
 
 #include "core/numbers.h"
 #include "engine/vectors.h"
+#include "filters/convolution_quotients.h"
 
 namespace zel::ZEL_LEVEL {
 namespace {
@@ -27,35 +28,6 @@ ZEL_INLINE void WholeSums(const void* const* rows, int64_t first, int64_t count,
       sums[x] = static_cast<Sum>(sums[x] + coefficient * static_cast<Sum>(pixels[x]));
     }
   }
-}
-
-// Products of two 32-bit floats are exact; sums are rounded, so their order is kept.
-template <class Pixel>
-ZEL_INLINE void RealSums(const void* const* rows, int64_t first, int64_t count,
-                         const ConvolutionRule& rule, double* __restrict sums) {
-  for (int64_t x = 0; x < count; x++) sums[x] = 0.0;
-  for (int32_t i = 0; i < rule.tapCount; i++) {
-    const ConvolutionTap& tap = rule.taps[i];
-    const Pixel* pixels = static_cast<const Pixel*>(rows[tap.row]) + first + tap.column;
-    const double coefficient = tap.real;
-    for (int64_t x = 0; x < count; x++) sums[x] += coefficient * static_cast<double>(pixels[x]);
-  }
-}
-
-template <class Pixel>
-constexpr double LOWEST = 0.0;
-template <>
-constexpr double LOWEST<int16_t> = INT16_MIN;
-template <class Pixel>
-constexpr double HIGHEST = UINT8_MAX;
-template <>
-constexpr double HIGHEST<int16_t> = INT16_MAX;
-
-template <class Pixel>
-ZEL_INLINE Pixel Quotient(double sum, double reciprocal) {
-  const double quotient = sum * reciprocal;
-  const double upper = quotient < HIGHEST<Pixel> ? quotient : HIGHEST<Pixel>;
-  return static_cast<Pixel>(static_cast<int32_t>(upper > LOWEST<Pixel> ? upper : LOWEST<Pixel>));
 }
 
 template <class Pixel>
@@ -369,141 +341,6 @@ void Down(const uint8_t* const* sums, const void* centre, void* to,
 
 #endif
 
-// ---- sums of floats
-
-#if defined(ZEL_VECTORS)
-
-constexpr size_t REAL_VECTORS = 8;
-constexpr int32_t REAL_COLUMNS = REAL_VECTORS * DOUBLE_LANES;
-
-ZEL_INLINE void RealGroup(const float* const* rows, int64_t x, const ConvolutionRule& rule,
-                          double* to) {
-  Doubles sums[REAL_VECTORS] = {};
-  for (int32_t i = 0; i < rule.tapCount; i++) {
-    const ConvolutionTap& tap = rule.taps[i];
-    const float* pixels = rows[tap.row] + x + tap.column;
-    const Doubles coefficient = Doubles{} + tap.real;
-    for (size_t v = 0; v < REAL_VECTORS; v++) {
-      sums[v] = MultiplyAdd(coefficient, WidenFloats(pixels + v * DOUBLE_LANES), sums[v]);
-    }
-  }
-  for (size_t v = 0; v < REAL_VECTORS; v++) Store(to + v * DOUBLE_LANES, sums[v]);
-}
-
-ZEL_INLINE void RealGroups(const float* const* rows, int64_t count, const ConvolutionRule& rule,
-                           double* sums) {
-  EachGroup<REAL_COLUMNS>(count, [&](int64_t x) { RealGroup(rows, x, rule, sums + x); });
-}
-
-constexpr int32_t MOST_ROWS = 32;
-
-// Integers as floats, row after row, for a block of results.
-constexpr int64_t FLOAT_ROOM = 2560;
-
-template <class Pixel>
-ZEL_INLINE int64_t RealBlock(const ConvolutionRule& rule) {
-  if (rule.rows > MOST_ROWS) return 0;
-  if (sizeof(Pixel) == sizeof(float)) return BLOCK;
-  const int64_t fit = FLOAT_ROOM / rule.rows - rule.columns + 1;
-  return fit < REAL_COLUMNS ? 0 : fit < BLOCK ? fit : BLOCK;
-}
-
-ZEL_INLINE void BlockRealSums(const float* const* rows, int64_t count, const ConvolutionRule& rule,
-                              double* sums) {
-  RealGroups(rows, count, rule, sums);
-}
-
-template <class Pixel>
-ZEL_INLINE void BlockRealSums(const Pixel* const* rows, int64_t count, const ConvolutionRule& rule,
-                              double* sums) {
-  float floats[FLOAT_ROOM];
-  const float* floatRows[MOST_ROWS];
-  const int64_t columns = count + rule.columns - 1;
-  const int64_t left = (rule.columns - 1) / 2;
-  for (int32_t j = 0; j < rule.rows; j++) {
-    const Pixel* pixels = rows[j] - left;
-    float* __restrict to = floats + j * columns;
-    for (int64_t x = 0; x < columns; x++) to[x] = pixels[x];
-    floatRows[j] = to + left;
-  }
-  RealGroups(floatRows, count, rule, sums);
-}
-
-// False for blocks that are too small or windows that are too large.
-template <class Pixel>
-ZEL_INLINE bool FastRealSums(const void* const* rows, int64_t first, int64_t count,
-                             const ConvolutionRule& rule, double* sums) {
-  if (count < REAL_COLUMNS || rule.rows > MOST_ROWS) return false;
-  const Pixel* pixels[MOST_ROWS];
-  for (int32_t j = 0; j < rule.rows; j++) pixels[j] = static_cast<const Pixel*>(rows[j]) + first;
-  BlockRealSums(pixels, count, rule, sums);
-  return true;
-}
-
-#else
-
-template <class Pixel>
-ZEL_INLINE int64_t RealBlock(const ConvolutionRule&) {
-  return 0;
-}
-template <class Pixel>
-ZEL_INLINE bool FastRealSums(const void* const*, int64_t, int64_t, const ConvolutionRule&,
-                             double*) {
-  return false;
-}
-
-#endif
-
-// Calls finish(sums, first, count) for blocks of columns.
-template <class Pixel, class Finish>
-ZEL_INLINE void EachRealBlock(const void* const* rows, int32_t width, const ConvolutionRule& rule,
-                              const Finish& finish) {
-  alignas(64) double sums[BLOCK];
-  const int64_t fit = RealBlock<Pixel>(rule);
-  const int64_t block = fit > 0 ? fit : BLOCK;
-  for (int64_t first = 0; first < width; first += block) {
-    const int64_t count = width - first < block ? width - first : block;
-    if (fit == 0 || !FastRealSums<Pixel>(rows, first, count, rule, sums)) {
-      RealSums<Pixel>(rows, first, count, rule, sums);
-    }
-    finish(sums, first, count);
-  }
-}
-
-// Of a sum that is no number, 0.
-template <class Pixel>
-ZEL_INLINE Pixel QuotientOrZero(double sum, double reciprocal) {
-  const double quotient = sum * reciprocal;
-  return Quotient<Pixel>(quotient == quotient ? quotient : 0.0, 1.0);
-}
-
-template <class Pixel>
-void RealRow(const void* const* rows, void* to, int32_t width, const ConvolutionRule& rule) {
-  const double reciprocal = rule.reciprocal;
-  EachRealBlock<Pixel>(rows, width, rule, [&](const double* sums, int64_t first, int64_t count) {
-    Pixel* __restrict results = static_cast<Pixel*>(to) + first;
-    for (int64_t x = 0; x < count; x++) {
-      const auto sum = static_cast<double>(static_cast<float>(sums[x]));
-      results[x] = QuotientOrZero<Pixel>(sum, reciprocal);
-    }
-  });
-}
-
-// The 64-bit quotient of two 32-bit floats, rounded to 32 bits, is their 32-bit quotient: as it is
-// no closer to the middle between two of these than 2^-49 of its size, or lies there, rounding to
-// 53 bits before doesn't carry it across.
-void FloatRow(const void* const* rows, void* to, int32_t width, const ConvolutionRule& rule) {
-  const float divider = rule.divider;
-  EachRealBlock<float>(rows, width, rule, [&](const double* sums, int64_t first, int64_t count) {
-    float* __restrict results = static_cast<float*>(to) + first;
-    if (divider == 1.0f) {
-      for (int64_t x = 0; x < count; x++) results[x] = static_cast<float>(sums[x]);
-    } else {
-      for (int64_t x = 0; x < count; x++) results[x] = static_cast<float>(sums[x]) / divider;
-    }
-  });
-}
-
 }  // namespace
 
 extern const ConvolutionRows convolutionRows = {
@@ -515,7 +352,6 @@ extern const ConvolutionRows convolutionRows = {
     .dividedSignedDown = &Down<Divided<true>>,
     .dividedUnsignedDown = &Down<Divided<false>>,
     .whole = {.u8 = &WholeRow<uint8_t>, .i16 = &WholeRow<int16_t>, .sgl = nullptr},
-    .real = {.u8 = &RealRow<uint8_t>, .i16 = &RealRow<int16_t>, .sgl = &FloatRow},
 };
 
 }  // namespace zel::ZEL_LEVEL

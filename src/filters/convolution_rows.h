@@ -77,8 +77,33 @@ struct ConvolutionRows {
   ConvolutionAcross across;
   ConvolutionDown wrappedDown, dividedSignedDown, dividedUnsignedDown;
   WindowRows<ConvolutionRule> whole;  // sums of 32 bits; none for SGL
-  WindowRows<ConvolutionRule> real;   // sums of floats
 };
 ZEL_ROW_TABLE(ConvolutionRows, convolutionRows)
+
+// ---- sums of floats
+
+constexpr int32_t CONVOLUTION_ROWS_AT_ONCE = 4;
+
+// Rows of results. rows[j] begins with the first column of the first window, in the j-th row that
+// the window of the first row of results covers; the row below has that window's rows one later.
+using ConvolutionRealRow = void (*)(const void* const* rows, void* const* to, int32_t width,
+                                    const ConvolutionRule& rule);
+struct ConvolutionReal {
+  ConvolutionRealRow one, atOnce;  // one row of results, and CONVOLUTION_ROWS_AT_ONCE
+};
+
+struct ConvolutionRealRows {
+  void (*widen)(const void* pixels, double* to, int64_t count);
+  ConvolutionReal ofWidened;  // of rows whose pixels were made 64-bit floats before
+  ConvolutionReal ofPixels;   // of rows as they are: SGL alone
+};
+struct ConvolutionRealTypes {
+  ConvolutionRealRows u8, i16, sgl;
+
+  const ConvolutionRealRows& For(int32_t type) const {
+    return type == IMAGE_U8 ? u8 : type == IMAGE_I16 ? i16 : sgl;
+  }
+};
+ZEL_ROW_TABLE(ConvolutionRealTypes, convolutionRealRows)
 
 }  // namespace zel

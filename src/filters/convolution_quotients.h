@@ -1,0 +1,28 @@
+// Quotients of the sums of convolution as pixels, for its row routines.
+#pragma once
+
+#include <cstdint>
+
+#include "engine/vectors.h"
+
+namespace zel::ZEL_LEVEL {
+namespace {
+
+template <class Pixel>
+constexpr double LOWEST = 0.0;
+template <>
+constexpr double LOWEST<int16_t> = INT16_MIN;
+template <class Pixel>
+constexpr double HIGHEST = UINT8_MAX;
+template <>
+constexpr double HIGHEST<int16_t> = INT16_MAX;
+
+template <class Pixel>
+ZEL_INLINE Pixel Quotient(double sum, double reciprocal) {
+  const double quotient = sum * reciprocal;
+  const double upper = quotient < HIGHEST<Pixel> ? quotient : HIGHEST<Pixel>;
+  return static_cast<Pixel>(static_cast<int32_t>(upper > LOWEST<Pixel> ? upper : LOWEST<Pixel>));
+}
+
+}  // namespace
+}  // namespace zel::ZEL_LEVEL

@@ -1,0 +1,178 @@
+// Row routines of convolution by fractions and of float images: 64-bit sums, rounded when complete.
+#include <cstddef>
+#include <cstdint>
+
+#include "engine/vectors.h"
+#include "filters/convolution_quotients.h"
+#include "filters/convolution_rows.h"
+
+namespace zel::ZEL_LEVEL {
+namespace {
+
+constexpr int64_t BLOCK = 256;
+
+template <class Pixel>
+void Widen(const void* pixels, double* __restrict to, int64_t count) {
+  const auto* from = static_cast<const Pixel*>(pixels);
+  for (int64_t x = 0; x < count; x++) to[x] = from[x];
+}
+
+// ---- sums
+
+// Products of two 32-bit floats are exact; sums are rounded, so their order is kept.
+template <class Number>
+ZEL_INLINE void PlainSums(const Number* const* rows, int64_t first, int64_t count,
+                          const ConvolutionRule& rule, double* __restrict sums) {
+  for (int64_t x = 0; x < count; x++) sums[x] = 0.0;
+  const ConvolutionTap* tap = rule.taps;
+  for (int32_t j = 0; j < rule.rows; j++) {
+    for (int32_t i = 0; i < rule.columns; i++, tap++) {
+      const Number* pixels = rows[j] + first + i;
+      for (int64_t x = 0; x < count; x++) sums[x] += tap->real * double{pixels[x]};
+    }
+  }
+}
+
+#if defined(ZEL_VECTORS)
+
+// As many sums as the registers hold beside pixels.
+template <int32_t results>
+constexpr size_t VECTORS = results == 1         ? 8
+                           : VECTOR_BYTES == 64 ? 4
+                                                : 2;
+template <int32_t results>
+constexpr int64_t COLUMNS = static_cast<int64_t>(VECTORS<results>) * DOUBLE_LANES;
+
+ZEL_INLINE Doubles AsDoubles(const float* from) {
+  return WidenFloats(from);
+}
+ZEL_INLINE Doubles AsDoubles(const double* from) {
+  return Load<Doubles>(from);
+}
+
+// Most pixels lie in the windows of all rows of results: each is loaded once for these, whose sums
+// are put BLOCK numbers apart.
+template <int32_t results, class Number>
+ZEL_INLINE void SumGroup(const Number* const* rows, int64_t x, const ConvolutionRule& rule,
+                         double* to) {
+  constexpr size_t vectors = VECTORS<results>;
+  Doubles sums[static_cast<size_t>(results)][vectors] = {};
+  for (int32_t j = 0; j < rule.rows + results - 1; j++) {
+    // The row of the matrix that meets these pixels, for each row of results whose windows they lie
+    // in.
+    const ConvolutionTap* taps[static_cast<size_t>(results)];
+    for (int32_t r = 0; r < results; r++) {
+      const int32_t row = j - r;
+      const bool isInside = row >= 0 && row < rule.rows;
+      taps[r] = isInside ? rule.taps + int64_t{row} * rule.columns : nullptr;
+    }
+    for (int32_t i = 0; i < rule.columns; i++) {
+      Doubles pixels[vectors];
+      for (size_t v = 0; v < vectors; v++) {
+        pixels[v] = AsDoubles(rows[j] + x + i + v * DOUBLE_LANES);
+      }
+      for (int32_t r = 0; r < results; r++) {
+        if (!taps[r]) continue;
+        const Doubles coefficient = taps[r][i].real - Doubles{};
+        for (size_t v = 0; v < vectors; v++) {
+          sums[r][v] = MultiplyAdd(coefficient, pixels[v], sums[r][v]);
+        }
+      }
+    }
+  }
+  for (int32_t r = 0; r < results; r++) {
+    for (size_t v = 0; v < vectors; v++) Store(to + r * BLOCK + v * DOUBLE_LANES, sums[r][v]);
+  }
+}
+
+// Groups of columns, the last of which may cover some of the one before once more. False for fewer
+// columns than a group has.
+template <int32_t results, class Number>
+ZEL_INLINE bool GroupSums(const Number* const* rows, int64_t first, int64_t count,
+                          const ConvolutionRule& rule, double* sums) {
+  constexpr int64_t columns = COLUMNS<results>;
+  if (count < columns) return false;
+  for (int64_t next = 0; next < count; next += columns) {
+    const int64_t x = next < count - columns ? next : count - columns;
+    SumGroup<results>(rows, first + x, rule, sums + x);
+  }
+  return true;
+}
+
+#else
+
+template <int32_t results, class Number>
+ZEL_INLINE bool GroupSums(const Number* const*, int64_t, int64_t, const ConvolutionRule&, double*) {
+  return false;
+}
+
+#endif
+
+// ---- results
+
+// Of a sum that is no number, 0.
+template <class Pixel>
+ZEL_INLINE void Finish(const double* sums, Pixel* __restrict results, int64_t count,
+                       const ConvolutionRule& rule) {
+  const double reciprocal = rule.reciprocal;
+  for (int64_t x = 0; x < count; x++) {
+    const double quotient = static_cast<double>(static_cast<float>(sums[x])) * reciprocal;
+    results[x] = Quotient<Pixel>(quotient == quotient ? quotient : 0.0, 1.0);
+  }
+}
+
+// The 64-bit quotient of two 32-bit floats, rounded to 32 bits, is their 32-bit quotient: as it is
+// no closer to the middle between two of these than 2^-49 of its size, or lies there, rounding to
+// 53 bits before doesn't carry it across.
+ZEL_INLINE void Finish(const double* sums, float* __restrict results, int64_t count,
+                       const ConvolutionRule& rule) {
+  const float divider = rule.divider;
+  if (divider == 1.0f) {
+    for (int64_t x = 0; x < count; x++) results[x] = static_cast<float>(sums[x]);
+  } else {
+    for (int64_t x = 0; x < count; x++) results[x] = static_cast<float>(sums[x]) / divider;
+  }
+}
+
+// Blocks of columns, the last of which may cover some of the one before once more.
+template <class Pixel, class Number, int32_t results>
+void RealRows(const void* const* places, void* const* to, int32_t width,
+              const ConvolutionRule& rule) {
+  const auto* rows = reinterpret_cast<const Number* const*>(places);
+  alignas(64) double sums[static_cast<size_t>(results * BLOCK)];
+  const int64_t count = width < BLOCK ? width : BLOCK;
+  for (int64_t next = 0; next < width; next += count) {
+    const int64_t first = next < width - count ? next : width - count;
+    if (!GroupSums<results>(rows, first, count, rule, sums)) {
+      for (int32_t r = 0; r < results; r++)
+        PlainSums(rows + r, first, count, rule, sums + r * BLOCK);
+    }
+    for (int32_t r = 0; r < results; r++) {
+      Finish(sums + r * BLOCK, static_cast<Pixel*>(to[r]) + first, count, rule);
+    }
+  }
+}
+
+template <class Pixel, class Number>
+constexpr ConvolutionReal REAL_OF = {
+    .one = &RealRows<Pixel, Number, 1>,
+    .atOnce = &RealRows<Pixel, Number, CONVOLUTION_ROWS_AT_ONCE>,
+};
+
+template <class Pixel>
+constexpr ConvolutionRealRows ROWS_OF = {
+    .widen = &Widen<Pixel>,
+    .ofWidened = REAL_OF<Pixel, double>,
+    .ofPixels = {},
+};
+
+}  // namespace
+
+extern const ConvolutionRealTypes convolutionRealRows = {
+    .u8 = ROWS_OF<uint8_t>,
+    .i16 = ROWS_OF<int16_t>,
+    .sgl = {.widen = &Widen<float>,
+            .ofWidened = REAL_OF<float, double>,
+            .ofPixels = REAL_OF<float, float>}};
+
+}  // namespace zel::ZEL_LEVEL
