@@ -56,25 +56,27 @@ void TilesWalk(const ResampleViews& views, const Band& band, int32_t tileColumns
 // ---- nearest
 
 void NearestBand(const ResampleViews& views, const Band& band) {
-  const PickRow pick = resampleRows().pick.For(views.result.pixelBytes);
-  int32_t index[TILE_NUMBERS];
+  const int32_t pixelBytes = views.result.pixelBytes;
+  const PickRoutines routines = resampleRows().pick.For(pixelBytes);
+  PickColumns columns;
+  columns.readable = views.source.width;
   const void* last = nullptr;
   const uint8_t* lastFrom = nullptr;
   const auto begin = [&](const Tile& tile) {
-    for (int32_t i = 0; i < tile.Columns(); i++) {
-      index[i] = views.x.At(tile.begin + i).pixel;
+    columns.count = tile.Columns();
+    for (int32_t i = 0; i < columns.count; i++) {
+      columns.index[i] = views.x.At(tile.begin + i).pixel;
     }
+    routines.prepare(&columns);
     lastFrom = nullptr;
   };
   TilesWalk(views, band, TILE_NUMBERS, begin, [&](const Tile& tile, int32_t y) {
     const auto* from = views.source.Row<uint8_t>(views.y.At(y).pixel);
-    uint8_t* to = views.result.Row<uint8_t>(y) + int64_t{tile.begin} * views.result.pixelBytes;
+    uint8_t* to = views.result.Row<uint8_t>(y) + int64_t{tile.begin} * pixelBytes;
     if (from == lastFrom) {
-      std::memcpy(
-          to, last,
-          static_cast<size_t>(tile.Columns()) * static_cast<size_t>(views.result.pixelBytes));
+      std::memcpy(to, last, static_cast<size_t>(columns.count) * static_cast<size_t>(pixelBytes));
     } else {
-      pick(from, views.source.width, index, to, tile.Columns());
+      routines.pick(from, columns, to);
     }
     last = to;
     lastFrom = from;
@@ -150,7 +152,12 @@ class JoinedRows {
       }
     }
     columns_.estimated = 0;
-    if (canBeEstimated_) rows_.estimate.prepare(&columns_);
+    columns_.windowed = 0;
+    if (canBeEstimated_) {
+      rows_.estimate.prepare(&columns_);
+    } else if (rows_.placeWindows) {
+      rows_.placeWindows(&columns_, samplesAlong_);
+    }
     for (int32_t i = 0; i < TILE_SAMPLES; i++) held_[i].row = NONE;
   }
 

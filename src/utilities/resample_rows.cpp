@@ -56,26 +56,105 @@ ZEL_INLINE bool WindowHolds(int32_t, int32_t last, int32_t readable) {
 // ---- nearest
 
 template <class T>
-void Pick(const void* source, int32_t, const int32_t* index, void* destination, int32_t count) {
+ZEL_INLINE void PickEach(const void* source, const PickColumns& columns, int32_t begin,
+                         void* destination) {
   const T* from = static_cast<const T*>(source);
   T* __restrict to = static_cast<T*>(destination);
-  for (int32_t i = 0; i < count; i++) to[i] = from[index[i]];
+  for (int32_t i = begin; i < columns.count; i++) to[i] = from[columns.index[i]];
 }
 
-#if defined(ZEL_WIDE_VECTORS)
-void PickBytes(const void* source, int32_t readable, const int32_t* index, void* destination,
-               int32_t count) {
+void PrepareNothing(PickColumns*) {}
+
+template <class T>
+void PickAll(const void* from, const PickColumns& columns, void* to) {
+  PickEach<T>(from, columns, 0, to);
+}
+
+template <class T>
+constexpr PickRoutines PICK_EACH = {.prepare = &PrepareNothing, .pick = &PickAll<T>};
+
+#if defined(ZEL_LEVEL_v4)
+
+// Out of two vectors.
+ZEL_INLINE __m512i Permuted(__m512i low, __m512i places, __m512i high, uint8_t) {
+  return _mm512_permutex2var_epi8(low, places, high);
+}
+ZEL_INLINE __m512i Permuted(__m512i low, __m512i places, __m512i high, uint16_t) {
+  return _mm512_permutex2var_epi16(low, places, high);
+}
+ZEL_INLINE __m512i Permuted(__m512i low, __m512i places, __m512i high, uint32_t) {
+  return _mm512_permutex2var_epi32(low, places, high);
+}
+
+// Vectors of results, the last of which may cover some of the one before once more.
+template <class T>
+constexpr int32_t PICKED = VECTOR_BYTES / static_cast<int32_t>(sizeof(T));
+
+template <class T>
+ZEL_INLINE int32_t FirstPicked(int32_t vector, int32_t count) {
+  const int32_t first = vector * PICKED<T>;
+  return first < count - PICKED<T> ? first : count - PICKED<T>;
+}
+
+template <class T>
+void PreparePick(PickColumns* columns) {
+  constexpr int32_t window = 2 * PICKED<T>;
+  columns->vectors = 0;
+  if (columns->count < PICKED<T> || columns->readable < window) return;
+  T* places = reinterpret_cast<T*>(columns->places);
+  for (int32_t i = 0; i < columns->count; i += PICKED<T>) {
+    const int32_t* index = columns->index + FirstPicked<T>(columns->vectors, columns->count);
+    const int32_t last = columns->readable - window;
+    const int32_t start = index[0] < last ? index[0] : last;
+    if (index[PICKED<T> - 1] - start >= window) return;
+    columns->start[columns->vectors++] = start;
+    for (int32_t k = 0; k < PICKED<T>; k++) *places++ = static_cast<T>(index[k] - start);
+  }
+}
+
+template <class T>
+void PickVectors(const void* source, const PickColumns& columns, void* destination) {
+  const T* from = static_cast<const T*>(source);
+  T* to = static_cast<T*>(destination);
+  const T* places = reinterpret_cast<const T*>(columns.places);
+  for (int32_t v = 0; v < columns.vectors; v++) {
+    const T* window = from + columns.start[v];
+    Store(to + FirstPicked<T>(v, columns.count),
+          Permuted(Load<__m512i>(window), Load<__m512i>(places + v * PICKED<T>),
+                   Load<__m512i>(window + PICKED<T>), T{}));
+  }
+  PickEach<T>(from, columns, columns.vectors * PICKED<T>, to);
+}
+
+template <class T>
+constexpr PickRoutines PICK = {.prepare = &PreparePick<T>, .pick = &PickVectors<T>};
+
+#elif defined(ZEL_WIDE_VECTORS)
+
+void PickBytes(const void* source, const PickColumns& columns, void* destination) {
   const auto* from = static_cast<const uint8_t*>(source);
   auto* to = static_cast<uint8_t*>(destination);
+  const int32_t* index = columns.index;
   int32_t i = 0;
-  for (; i + LANES <= count && WindowHolds(index[i], index[i + LANES - 1], readable); i += LANES) {
-    const int32_t start = WindowStart(index[i], readable);
+  for (;
+       i + LANES <= columns.count && WindowHolds(index[i], index[i + LANES - 1], columns.readable);
+       i += LANES) {
+    const int32_t start = WindowStart(index[i], columns.readable);
     StoreBytes<0>(to + i, BytesAt(from + start, Load<Ints>(index + i) - start));
   }
-  Pick<uint8_t>(from, readable, index + i, to + i, count - i);
+  PickEach<uint8_t>(from, columns, i, to);
 }
+
+template <class T>
+constexpr PickRoutines PICK = PICK_EACH<T>;
+template <>
+constexpr PickRoutines PICK<uint8_t> = {.prepare = &PrepareNothing, .pick = &PickBytes};
+
 #else
-constexpr PickRow PickBytes = &Pick<uint8_t>;
+
+template <class T>
+constexpr PickRoutines PICK = PICK_EACH<T>;
+
 #endif
 
 // ---- joined numbers
@@ -87,14 +166,101 @@ void Widen(const void* source, double* __restrict to, int32_t count) {
 }
 
 // Numbers between samples, as 64-bit floats in this order of operations.
-ZEL_INLINE double Between(double f0, double f1, double t) {
+template <class Number>
+ZEL_INLINE Number Between(Number f0, Number f1, Number t) {
   return f0 + t * (f1 - f0);
 }
-ZEL_INLINE double Between(double f0, double f1, double f2, double t) {
-  const double d1 = f1 - f0;
-  const double d2 = (f2 - f1) - d1;
+template <class Number>
+ZEL_INLINE Number Between(Number f0, Number f1, Number f2, Number t) {
+  const Number d1 = f1 - f0;
+  const Number d2 = (f2 - f1) - d1;
   return f0 + t * d1 + t * (t - 1.0) * 0.5 * d2;
 }
+
+#if defined(ZEL_LEVEL_v4)
+
+// As many numbers as two vectors hold.
+constexpr int32_t WINDOW_NUMBERS = 2 * LANES;
+
+// Pixels of the border may stand before those of the image, so that all are looked at.
+bool WindowPlace(TileColumns* columns, int32_t first, int32_t samples) {
+  const int32_t last = columns->readable - WINDOW_NUMBERS;
+  const int32_t begin = columns->index[0][first];
+  const int32_t start = begin < last ? begin : last;
+  columns->start[first] = start;
+  bool fits = start >= 0;
+  for (int32_t sample = 0; sample < samples; sample++) {
+    for (int32_t i = first; i < first + LANES; i++) {
+      const int32_t place = columns->index[sample][i] - start;
+      columns->place[sample][i] = place;
+      fits &= place >= 0 && place < WINDOW_NUMBERS;
+    }
+  }
+  return fits;
+}
+
+void PlaceAll(TileColumns* columns, int32_t samples) {
+  int32_t i = 0;
+  while (samples > 1 && i + LANES <= columns->count && WindowPlace(columns, i, samples)) i += LANES;
+  columns->windowed = i;
+}
+constexpr PlaceWindows PLACE_WINDOWS = &PlaceAll;
+
+ZEL_INLINE __m512i NumbersAt(const float* window, Ints places) {
+  return Permuted(Load<__m512i>(window), Of(places), Load<__m512i>(window + LANES), uint32_t{});
+}
+ZEL_INLINE __m512i NumbersAt(const uint8_t* window, Ints places) {
+  return Permuted(_mm512_maskz_cvtepu8_epi32(0xFFFF, Load<__m128i>(window)), Of(places),
+                  _mm512_maskz_cvtepu8_epi32(0xFFFF, Load<__m128i>(window + LANES)), uint32_t{});
+}
+ZEL_INLINE __m512i NumbersAt(const int16_t* window, Ints places) {
+  return Permuted(_mm512_maskz_cvtepi16_epi32(0xFFFF, Load<__m256i>(window)), Of(places),
+                  _mm512_maskz_cvtepi16_epi32(0xFFFF, Load<__m256i>(window + LANES)), uint32_t{});
+}
+
+template <class T>
+ZEL_INLINE Doubles Widened(__m256i numbers) {
+  if constexpr (sizeof(T) == sizeof(float)) {
+    return (Doubles)_mm512_maskz_cvtps_pd(0xFF, _mm256_castsi256_ps(numbers));
+  } else {
+    return (Doubles)_mm512_maskz_cvtepi32_pd(0xFF, numbers);
+  }
+}
+
+template <class T, int32_t samples>
+ZEL_INLINE int32_t AlongWindows(const T* from, const TileColumns& columns, double* to) {
+  for (int32_t i = 0; i < columns.windowed; i += LANES) {
+    const T* window = from + columns.start[i];
+    Doubles numbers[2][static_cast<size_t>(samples)];
+    for (int32_t sample = 0; sample < samples; sample++) {
+      const __m512i all = NumbersAt(window, Load<Ints>(columns.place[sample] + i));
+      numbers[0][sample] = Widened<T>(_mm512_maskz_extracti64x4_epi64(0xF, all, 0));
+      numbers[1][sample] = Widened<T>(_mm512_maskz_extracti64x4_epi64(0xF, all, 1));
+    }
+    for (int32_t half = 0; half < 2; half++) {
+      const Doubles* f = numbers[half];
+      const int32_t at = i + half * DOUBLE_LANES;
+      const auto share = Load<Doubles>(columns.share + at);
+      if constexpr (samples == 2) {
+        Store(to + at, Between(f[0], f[1], share));
+      } else {
+        Store(to + at, Between(f[0], f[1], f[2], share));
+      }
+    }
+  }
+  return columns.windowed;
+}
+
+#else
+
+constexpr PlaceWindows PLACE_WINDOWS = nullptr;
+
+template <class T, int32_t samples>
+ZEL_INLINE int32_t AlongWindows(const T*, const TileColumns&, double*) {
+  return 0;
+}
+
+#endif
 
 template <class T, int32_t samples>
 void Along(const void* source, const TileColumns& columns, double* destination) {
@@ -105,7 +271,9 @@ void Along(const void* source, const TileColumns& columns, double* destination) 
   const double* share = columns.share;
   double* __restrict to = destination;
   const int32_t count = columns.count;
-  for (int32_t i = columns.estimated; i < count; i++) {
+  int32_t begin = columns.estimated;
+  if constexpr (samples > 1) begin += AlongWindows<T, samples>(from, columns, to);
+  for (int32_t i = begin; i < count; i++) {
     const auto f0 = static_cast<double>(from[first[i]]);
     if constexpr (samples == 1) {
       to[i] = f0;
@@ -291,11 +459,12 @@ constexpr EstimateRows ESTIMATE = {
 }  // namespace
 
 extern const ResampleRows resampleRows = {
-    .pick = {.one = PickBytes,
-             .two = &Pick<uint16_t>,
-             .four = &Pick<uint32_t>,
-             .eight = &Pick<uint64_t>},
+    .pick = {.one = PICK<uint8_t>,
+             .two = PICK<uint16_t>,
+             .four = PICK<uint32_t>,
+             .eight = PICK_EACH<uint64_t>},
     .widen = {.u8 = &Widen<uint8_t>, .i16 = &Widen<int16_t>, .sgl = &Widen<float>},
+    .placeWindows = PLACE_WINDOWS,
     .along = {.u8 = ALONG<uint8_t>, .i16 = ALONG<int16_t>, .sgl = ALONG<float>},
     .down = {.u8 = DOWN<uint8_t>, .i16 = DOWN<int16_t>, .sgl = DOWN<float>},
     .estimate = ESTIMATE,

@@ -21,17 +21,31 @@ struct TileColumns {
   int32_t count;     // of results
   int32_t readable;  // numbers of a row, from its first one on
 
-  // The first results may be estimated, vector by vector: where in a row a vector starts, and the
-  // numbers behind that.
+  // The first results may be estimated, or joined from numbers near each other, vector by vector:
+  // where in a row a vector starts, and the numbers behind that.
   int32_t estimated;
+  int32_t windowed;
   int32_t start[TILE_NUMBERS];
-  alignas(64) int32_t place[2][TILE_NUMBERS];
+  alignas(64) int32_t place[TILE_SAMPLES][TILE_NUMBERS];
   alignas(64) float shareEstimate[TILE_NUMBERS];
 };
 
-// Pixels picked from a row, of which so many may be read.
-using PickRow = void (*)(const void* from, int32_t readable, const int32_t* index, void* to,
-                         int32_t count);
+// Where the pixels of a tile are picked from a row. The first ones may be picked vector by vector:
+// where in a row a vector starts, and the pixels behind that, in numbers of a pixel's size.
+struct PickColumns {
+  int32_t index[TILE_NUMBERS];
+  int32_t count;
+  int32_t readable;  // pixels of a row, from its first one on
+  int32_t vectors;
+  int32_t start[TILE_NUMBERS];
+  alignas(64) uint8_t places[TILE_NUMBERS * 4];
+};
+struct PickRoutines {
+  void (*prepare)(PickColumns* columns);  // the vectors
+  void (*pick)(const void* from, const PickColumns& columns, void* to);
+};
+// The first results whose samples of a row are near enough, for so many samples.
+using PlaceWindows = void (*)(TileColumns* columns, int32_t samples);
 // The numbers of a row joined along it, without rounding to their type. Those that are estimated
 // are left out.
 using AlongRow = void (*)(const void* from, const TileColumns& columns, double* to);
@@ -71,8 +85,9 @@ struct ByNumber {
 };
 
 struct ResampleRows {
-  ByPixelBytes<PickRow> pick;
+  ByPixelBytes<PickRoutines> pick;
   ByNumber<void (*)(const void* from, double* to, int32_t count)> widen;
+  PlaceWindows placeWindows;  // nullptr where the processor cannot
   ByNumber<BySamples<AlongRow>> along;
   ByNumber<BySamples<DownRows>> down;
   EstimateRows estimate;
