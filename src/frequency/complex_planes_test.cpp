@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <vector>
 
 #include "frequency/frequency_test.h"
@@ -91,6 +92,35 @@ TEST(ComplexPlanes, PhasesHaveTheirQuadrant) {
   const TestImage result(IMAGE_SGL, 1, 1);
   ASSERT_EQ(ZEL_ExtractComplexPlane(source, result, COMPLEX_PLANE_PHASE), 0);
   for (int32_t x = 0; x < 8; x++) EXPECT_NEAR(result.Get<float>(x, 0), degrees[x], 1e-4f) << x;
+}
+
+// All kinds of quotients, and angles next to where results are rounded to another number or cut.
+TEST(ComplexPlanes, PhasesAreTheStatedOnesToTheLastBit) {
+  constexpr int32_t width = 512;
+  constexpr int32_t height = 300;
+  const float infinite = std::numeric_limits<float>::infinity();
+  const float odd[] = {0.0f,          -0.0f,  1.0f,   -1.0f,    infinite,  -infinite,
+                       std::nanf(""), 1e-38f, -3e38f, 9.9e-11f, 1.01e-10f, -1e-10f};
+  test::Random random(3);
+  const TestImage source(IMAGE_COMPLEX, width, height);
+  for (int32_t y = 0; y < height; y++) {
+    for (int32_t x = 0; x < width; x++) {
+      const double degrees =
+          random.Between(-180, 180) + (y % 3 == 0 ? 0 : random.Between(0, 999) / 1e3);
+      const double size = std::exp(random.Between(-20, 20));
+      const double angle = degrees / 57.29577867;
+      const bool isOdd = y % 10 == 9;
+      source.Set(x, y,
+                 isOdd ? ComplexValue{odd[random.Between(0, 11)], odd[random.Between(0, 11)]}
+                       : ComplexValue{static_cast<float>(std::cos(angle) * size),
+                                      static_cast<float>(std::sin(angle) * size)});
+    }
+  }
+  for (const int32_t type : test::FREQUENCY_TYPES) {
+    const TestImage result(type, 1, 1);
+    ASSERT_EQ(ZEL_ExtractComplexPlane(source, result, COMPLEX_PLANE_PHASE), 0);
+    ExpectPlane(result, source, COMPLEX_PLANE_PHASE);
+  }
 }
 
 TEST(ComplexPlanes, AreExtractedInPlace) {
