@@ -56,8 +56,18 @@ Status Oversampler::Prepare(int32_t method, int64_t factor, int64_t mostSamples)
   method_ = method;
   factor_ = factor;
   if (method != INTERP_SPLINE) return STATUS_OK;
-  return seconds_.Allocate(mostSamples) && factors_.Allocate(mostSamples) ? STATUS_OK
-                                                                          : STATUS_MEMORY_FULL;
+  const int64_t weights = std::min<int64_t>(factor, MOST_WEIGHTS);
+  const bool hasMemory = seconds_.Allocate(mostSamples) && factors_.Allocate(mostSamples) &&
+                         weights_.Allocate(weights);
+  if (!hasMemory) return STATUS_MEMORY_FULL;
+  for (int64_t i = 0; i < weights; i++) weights_[i] = WeightsOf(i);
+  return STATUS_OK;
+}
+
+Oversampler::Weights Oversampler::WeightsOf(int64_t place) const {
+  const double t = static_cast<double>(place) / static_cast<double>(factor_);
+  const double s = 1.0 - t;
+  return {t, s, (s * s - 1.0) * s, (t * t - 1.0) * t};
 }
 
 void Oversampler::Oversample(const float* samples, int64_t count, float* values) {
@@ -119,17 +129,15 @@ void Oversampler::Spline(const float* samples, int64_t count, float* values) {
     seconds_[i] = factors_[i] * seconds_[i + 1] + seconds_[i];
   }
 
-  const auto factor = static_cast<double>(factor_);
   for (int64_t j = 0; j + 1 < count; j++, values += factor_) {
     const double first = sample(j);
     const double second = sample(j + 1);
     const double m0 = seconds_[j];
     const double m1 = seconds_[j + 1];
     for (int64_t i = 0; i < factor_; i++) {
-      const double t = static_cast<double>(i) / factor;
-      const double s = 1.0 - t;
-      const double curve = (s * s - 1.0) * s * m0 + (t * t - 1.0) * t * m1;
-      values[i] = static_cast<float>(t * second + s * first + curve / 6.0);
+      const Weights w = i < MOST_WEIGHTS ? weights_[i] : WeightsOf(i);
+      const double curve = w.bendFirst * m0 + w.bendSecond * m1;
+      values[i] = static_cast<float>(w.second * second + w.first * first + curve / 6.0);
     }
   }
   *values = samples[count - 1];

@@ -33,12 +33,21 @@ class Oversampler {
   void Quadratic(const float* samples, int64_t count, float* values) const;
   void Spline(const float* samples, int64_t count, float* values);
 
+  // What a value takes of the samples beside it and of the spline's derivatives there.
+  struct Weights {
+    double second, first, bendFirst, bendSecond;
+  };
+  Weights WeightsOf(int64_t place) const;
+
   static constexpr uint32_t ROOM = 256;
 
   int32_t method_ = 0;
   int64_t factor_ = 1;
   LocalArray<double, ROOM> seconds_;  // derivatives of the spline
   LocalArray<double, ROOM> factors_;  // of its sweep
+  // Of the values between two samples, where these are few.
+  static constexpr uint32_t MOST_WEIGHTS = 64;
+  LocalArray<Weights, MOST_WEIGHTS> weights_;
 };
 
 // The signal of a path as edges are looked for in.

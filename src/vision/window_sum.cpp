@@ -67,7 +67,7 @@ BitRange BitsOf(const float* signal, int64_t count) {
 }  // namespace
 
 WindowSumRule::WindowSumRule(const float* signal, int64_t count, int64_t width)
-    : width_(width), way_(Way::AFRESH) {
+    : end_(signal + count), width_(width), way_(Way::AFRESH) {
   const BitRange range = BitsOf(signal, count);
   const bool isZero = range.low > range.high;
   // A sum that slides has one term more for a moment.
@@ -90,6 +90,15 @@ float WindowSumRule::Fresh(const float* window) const {
   return static_cast<float>(sum);
 }
 
+// Each window is added up from left to right for itself, but all take a step together.
+void WindowSumRule::FreshBlock(const float* window, float* sums) const {
+  double all[BLOCK] = {};
+  for (int64_t i = 0; i < width_; i++) {
+    for (int32_t j = 0; j < BLOCK; j++) all[j] += static_cast<double>(window[i + j]);
+  }
+  for (int32_t j = 0; j < BLOCK; j++) sums[j] = static_cast<float>(all[j]);
+}
+
 WindowSumRule::Wide WindowSumRule::UnitsOf(float value) const {
   const FloatParts parts = PartsOf(value);
   const int32_t shift = parts.exponent - unit_;
@@ -104,15 +113,34 @@ float WindowSumRule::FloatOf(Wide units) const {
 }
 
 WindowSum::WindowSum(const WindowSumRule& rule, const float* window)
-    : rule_(rule), window_(window) {
-  if (rule.way_ == Way::AFRESH) return;
+    : rule_(rule), window_(window), aheadFrom_(window) {
+  if (rule.way_ == Way::AFRESH) {
+    SumAhead();
+    return;
+  }
   for (int64_t i = 0; i < rule.width_; i++) Enter(window[i]);
 }
 
+// The last windows of a signal, of which there is no whole block, are summed one by one.
+void WindowSum::SumAhead() {
+  aheadFrom_ = window_;
+  const int64_t windows = rule_.WindowsFrom(window_);
+  if (windows >= WindowSumRule::BLOCK) {
+    rule_.FreshBlock(window_, ahead_);
+    return;
+  }
+  for (int64_t i = 0; i < windows; i++) ahead_[i] = rule_.Fresh(window_ + i);
+}
+
 void WindowSum::SlideRounded() {
-  if (rule_.way_ == Way::AFRESH) return;
+  if (rule_.way_ == Way::AFRESH) {
+    window_++;
+    if (window_ - aheadFrom_ == WindowSumRule::BLOCK) SumAhead();
+    return;
+  }
   Enter(window_[rule_.width_]);
   Leave(window_[0]);
+  window_++;
 }
 
 int64_t* WindowSum::CounterOf(float value) {
@@ -140,7 +168,7 @@ void WindowSum::Leave(float value) {
 }
 
 float WindowSum::ValueRounded() const {
-  if (rule_.way_ == Way::AFRESH) return rule_.Fresh(window_);
+  if (rule_.way_ == Way::AFRESH) return ahead_[window_ - aheadFrom_];
   if (nans_ != 0 || (infinities_ != 0 && negativeInfinities_ != 0)) {
     return std::numeric_limits<float>::quiet_NaN();
   }

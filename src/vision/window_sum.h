@@ -21,10 +21,16 @@ class WindowSumRule {
   };
   __extension__ using Wide = __int128;
 
+  // How many windows there are from this one on.
+  int64_t WindowsFrom(const float* window) const { return end_ - window - width_ + 1; }
   float Fresh(const float* window) const;
+  // The sums of so many windows one after the other, which are there.
+  static constexpr int32_t BLOCK = 16;
+  void FreshBlock(const float* window, float* sums) const;
   Wide UnitsOf(float value) const;
   float FloatOf(Wide units) const;
 
+  const float* end_;  // of the signal
   int64_t width_;
   Way way_;
   int32_t unit_ = 0;  // BRACKETED: the exponent of a unit
@@ -48,10 +54,10 @@ class WindowSum {
     if (rule_.way_ == Way::EXACT) {
       sum_ += static_cast<double>(window_[rule_.width_]);
       sum_ -= static_cast<double>(window_[0]);
+      window_++;
     } else {
       SlideRounded();
     }
-    window_++;
   }
 
  private:
@@ -59,6 +65,7 @@ class WindowSum {
 
   float ValueRounded() const;
   void SlideRounded();
+  void SumAhead();
   void Enter(float value);
   void Leave(float value);
   // What is not finite is counted instead of added.
@@ -69,6 +76,10 @@ class WindowSum {
   double sum_ = 0.0;
   WindowSumRule::Wide units_ = 0;
   int64_t nans_ = 0, infinities_ = 0, negativeInfinities_ = 0;
+  // AFRESH: the sums of the next windows, which are independent of each other, and the window that
+  // the first one of them belongs to.
+  float ahead_[WindowSumRule::BLOCK] = {};
+  const float* aheadFrom_;
 };
 
 }  // namespace zel
