@@ -13,7 +13,8 @@ RegionRecord::RegionRecord(const std::vector<Contour>& contours) {
     flat.push_back(contour.type);
     flat.insert(flat.end(), contour.coordinates.begin(), contour.coordinates.end());
   }
-  record_ = std::exchange(OfFlat(flat).record_, nullptr);
+  RegionRecord region = OfFlat(flat);
+  std::swap(record_, region.record_);
 }
 
 RegionRecord RegionRecord::OfFlat(const std::vector<int32_t>& flat) {

@@ -7,6 +7,7 @@
 #include <functional>
 #include <iostream>
 #include <iterator>
+#include <limits>
 #include <numbers>
 #include <sstream>
 
@@ -23,6 +24,7 @@ constexpr double LINE_HALF = 75;   // of the line's length, from the picture's m
 constexpr double REACH = 10;       // beside the line, where the picture has pixels
 constexpr double FIRST_EDGE = 42;  // along the line
 constexpr double BAR = 63;         // from there to the second edge
+constexpr double NOTHING = std::numeric_limits<double>::quiet_NaN();
 constexpr int TRIALS = 60;
 constexpr int32_t EDGE_WIDTH = 3;
 constexpr int32_t OVERSAMPLING = 15;
@@ -124,7 +126,7 @@ double SimpleEdgeOff(const Trial& trial, const Bar&) {
   Check(ZEL_SimpleEdge(trial.picture, trial.path.data(), static_cast<int32_t>(trial.path.size()),
                        EDGE_FIRST, 1, 50, 15, 1, &edges, &count));
   const Block<PointFloat> owner(edges);
-  return count > 0 ? Along(trial, edges[0]) - trial.first : NAN;
+  return count > 0 ? Along(trial, edges[0]) - trial.first : NOTHING;
 }
 
 double FindEdgesOff(const Trial& trial, const Bar& bar) {
@@ -136,7 +138,7 @@ double FindEdgesOff(const Trial& trial, const Bar& bar) {
                       &places));
   const Block<EdgeRecord> edgesOwner(edges);
   const Block<PointFloat> placesOwner(places);
-  return count > 0 ? Along(trial, places[0]) - trial.first : NAN;
+  return count > 0 ? Along(trial, places[0]) - trial.first : NOTHING;
 }
 
 double CaliperOff(const Trial& trial, const Bar& bar) {
@@ -148,7 +150,8 @@ double CaliperOff(const Trial& trial, const Bar& bar) {
                     static_cast<float>(BAR), 5, &pairs, &reports, &ends, &places));
   const Block<CaliperReport> reportsOwner(reports);
   const Block<PointFloat> placesOwner(places);
-  return pairs > 0 ? static_cast<double>(reports[0].distance) - (trial.last - trial.first) : NAN;
+  return pairs > 0 ? static_cast<double>(reports[0].distance) - (trial.last - trial.first)
+                   : NOTHING;
 }
 
 double LineGaugeOff(const Trial& trial, const Bar& bar) {
@@ -156,7 +159,7 @@ double LineGaugeOff(const Trial& trial, const Bar& bar) {
   Check(ZEL_LineGauge(trial.picture, trial.from.x, trial.from.y, trial.to.x, trial.to.y,
                       INTERP_SPLINE, OVERSAMPLING, ThresholdOf(bar), EDGE_WIDTH, 0,
                       GAUGE_EDGE_TO_EDGE, nullptr, 0, 0, 0, 0, 0, 0, 0, &distance));
-  return distance > 0 ? static_cast<double>(distance) - (trial.last - trial.first) : NAN;
+  return distance > 0 ? static_cast<double>(distance) - (trial.last - trial.first) : NOTHING;
 }
 
 std::vector<LineEdge> GaugedEdges(const Trial& trial, int32_t band) {
@@ -168,13 +171,13 @@ std::vector<LineEdge> GaugedEdges(const Trial& trial, int32_t band) {
 
 double GaugedEdgeOff(const Trial& trial, const Bar&) {
   const std::vector<LineEdge> edges = GaugedEdges(trial, 5);
-  return edges.empty() ? NAN : edges.front().along - trial.first;
+  return edges.empty() ? NOTHING : edges.front().along - trial.first;
 }
 
 template <int32_t BAND>
 double GaugedSpanOff(const Trial& trial, const Bar&) {
   const std::vector<LineEdge> edges = GaugedEdges(trial, BAND);
-  if (edges.size() < 2) return NAN;
+  if (edges.size() < 2) return NOTHING;
   return edges.back().along - edges.front().along - (trial.last - trial.first);
 }
 
@@ -208,21 +211,21 @@ std::vector<TableRow> AllRows() {
     bar.*member = value;
     return bar;
   };
-  return {{"blur 0.5", with(&Bar::blur, 0.5), {0.02, 0.03}},
-          {"**usual: blur 1, noise 2, contrast 100, level**", Bar{}, {0.01, 0.02}},
-          {"blur 2", with(&Bar::blur, 2), {0.01, 0.04}},
-          {"blur 3", with(&Bar::blur, 3), {0.02, 0.06}},
-          {"noise 0", with(&Bar::noise, 0), {0.01, 0.01}},
-          {"noise 5", with(&Bar::noise, 5), {0.02, 0.06}},
-          {"noise 10", with(&Bar::noise, 10), {0.03, 0.12}},
-          {"contrast 20", with(&Bar::contrast, 20), {0.03, 0.12}},
-          {"contrast 50", with(&Bar::contrast, 50), {0.02, 0.05}},
-          {"contrast 200", with(&Bar::contrast, 200), {0.01, 0.02}},
-          {"second edge of 70 levels", with(&Bar::second, 0.7), {0.02, 0.03}},
-          {"line at 5 degrees", with(&Bar::degrees, 5), {0.02, 0.03}},
-          {"line at 20 degrees", with(&Bar::degrees, 20), {0.02, 0.03}},
-          {"line at 45 degrees", with(&Bar::degrees, 45), {0.02, 0.03}},
-          {"line at 70 degrees", with(&Bar::degrees, 70), {0.02, 0.03}}};
+  return {{"blur 0.5", with(&Bar::blur, 0.5), {0.02, 0.04}},
+          {"**usual: blur 1, noise 2, contrast 100, level**", Bar{}, {0.01, 0.05}},
+          {"blur 2", with(&Bar::blur, 2), {0.02, 0.08}},
+          {"blur 3", with(&Bar::blur, 3), {0.03, 0.2}},
+          {"noise 0", with(&Bar::noise, 0), {0.01, 0.02}},
+          {"noise 5", with(&Bar::noise, 5), {0.02, 0.1}},
+          {"noise 10", with(&Bar::noise, 10), {0.03, 0.2}},
+          {"contrast 20", with(&Bar::contrast, 20), {0.03, 0.2}},
+          {"contrast 50", with(&Bar::contrast, 50), {0.02, 0.09}},
+          {"contrast 200", with(&Bar::contrast, 200), {0.01, 0.03}},
+          {"second edge of 70 levels", with(&Bar::second, 0.7), {0.02, 0.05}},
+          {"line at 5 degrees", with(&Bar::degrees, 5), {0.02, 0.04}},
+          {"line at 20 degrees", with(&Bar::degrees, 20), {0.02, 0.06}},
+          {"line at 45 degrees", with(&Bar::degrees, 45), {0.02, 0.055}},
+          {"line at 70 degrees", with(&Bar::degrees, 70), {0.025, 0.045}}};
 }
 
 std::string Signed(double pixels) {

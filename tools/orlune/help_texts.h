@@ -70,7 +70,7 @@ How edges are found:
   with values between pixels: lines may begin anywhere and run at any angle. An edge is where the
   means of --edge-width pixels on either side differ by the threshold, and lies in the middle of that
   place, seen from both ends of the line. It should cross the line squarely: else a narrow --band
-  helps. Distances are in pixels, or in the unit of --scale; a file's own scale counts where none is
+  helps. Edges nearer to each other than twice --edge-width push each other apart. Distances are in pixels, or in the unit of --scale; a file's own scale counts where none is
   given.
 
 Lines that follow the part:

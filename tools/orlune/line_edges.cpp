@@ -8,12 +8,12 @@
 namespace front {
 namespace {
 
-constexpr int32_t OVERSAMPLING = 15;  // sixteen places a pixel
-constexpr int32_t LEVELS = 1000;  // what the threshold becomes: levels are whole for the library
+constexpr int32_t PLACES = 32;     // a pixel, at which edges can lie
+constexpr int32_t LEVELS = 20000;  // from the darkest to the lightest; the library's are whole
 
-// By which the signal has to be beyond its noise: of the means of three pixels, noise alone makes
-// no edge in some thousands of places.
-constexpr double NOISE_DISTANCE = 6;
+// By which the means of both sides of an edge have to differ beyond what noise makes of them: less
+// than one place in a million gets so far without an edge.
+constexpr double NOISE_DISTANCE = 5;
 
 // A value between pixels; the nearest ones beyond the picture.
 template <class T>
@@ -87,41 +87,70 @@ double NoiseOf(const std::vector<double>& signal) {
 double ThresholdFor(const std::vector<double>& signal, const Levels& levels,
                     const EdgeSearch& search) {
   if (search.threshold) return *search.threshold;
-  return std::max((levels.high - levels.low) * search.share, NOISE_DISTANCE * NoiseOf(signal));
+  const double noise = NoiseOf(signal) * std::sqrt(2.0 / search.edgeWidth);
+  return std::max((levels.high - levels.low) * search.share, NOISE_DISTANCE * noise);
 }
 
-// What the library finds along a path of the row.
+std::vector<PointInt> PathAlong(int32_t count) {
+  std::vector<PointInt> path(static_cast<size_t>(count));
+  for (int32_t i = 0; i < count; i++) path[static_cast<size_t>(i)] = {i, 0};
+  return path;
+}
+
+// The signal along a spline as a row of whole levels, in which windows of any width slide in no
+// time.
+Image FineRow(const std::vector<double>& signal, const Levels& levels) {
+  const auto count = static_cast<int32_t>(signal.size());
+  const Image coarse(IMAGE_SGL, 0, count, 1);
+  std::transform(signal.begin(), signal.end(), Row<float>(coarse.Info(), 0), [&](double value) {
+    return static_cast<float>((value - levels.low) / (levels.high - levels.low));
+  });
+  const std::vector<PointInt> path = PathAlong(count);
+  float* values = nullptr;
+  int32_t valueCount = 0;
+  Check(ZEL_Interpolate1D(coarse, path.data(), count, INTERP_SPLINE, PLACES - 1, &values,
+                          &valueCount));
+  const Block<float> owner(values);
+  Image row(IMAGE_I16, 0, valueCount, 1);
+  std::transform(values, values + valueCount, Row<int16_t>(row.Info(), 0), [](float value) {
+    const double level = static_cast<double>(value) * LEVELS - LEVELS / 2.0;
+    return static_cast<int16_t>(level >= -LEVELS && level <= LEVELS ? std::lround(level) : 0);
+  });
+  return row;
+}
+
+// What the library finds along a path of the row, in pixels.
 struct Crossing {
   double position = 0;
   bool rises = false;
 };
 
 std::vector<Crossing> CrossingsOf(const Image& row, const std::vector<PointInt>& path,
-                                  int32_t edgeWidth) {
+                                  int32_t threshold, int32_t edgeWidth) {
   EdgeRecord* edges = nullptr;
   PointFloat* places = nullptr;
   int32_t count = 0;
-  Check(ZEL_FindEdges(row, path.data(), static_cast<int32_t>(path.size()), INTERP_SPLINE,
-                      OVERSAMPLING, LEVELS, edgeWidth, 0, &count, &edges, &places));
+  Check(ZEL_FindEdges(row, path.data(), static_cast<int32_t>(path.size()), INTERP_LINEAR, 0,
+                      threshold, edgeWidth * PLACES, 0, &count, &edges, &places));
   const Block<EdgeRecord> edgesOwner(edges);
   const Block<PointFloat> placesOwner(places);
   std::vector<Crossing> crossings;
   for (int32_t i = 0; i < count; i++) {
-    crossings.push_back({static_cast<double>(edges[i].position), edges[i].polarity > 0});
+    crossings.push_back({static_cast<double>(edges[i].position) / PLACES, edges[i].polarity > 0});
   }
   return crossings;
 }
 
 // An edge stands where the difference of two windows first reaches the threshold, which is before
 // its middle. Seen from the row's other end it is as far behind it: the mean of both is the middle.
-std::vector<Crossing> EdgesOf(const Image& row, int32_t count, int32_t edgeWidth) {
-  std::vector<PointInt> path(static_cast<size_t>(count));
-  for (int32_t i = 0; i < count; i++) path[static_cast<size_t>(i)] = {i, 0};
-  const std::vector<Crossing> forward = CrossingsOf(row, path, edgeWidth);
+std::vector<Crossing> EdgesOf(const Image& row, int32_t threshold, int32_t edgeWidth) {
+  std::vector<PointInt> path = PathAlong(row.Info().width);
+  const double end = (static_cast<double>(path.size()) - 1) / PLACES;
+  const std::vector<Crossing> forward = CrossingsOf(row, path, threshold, edgeWidth);
   std::reverse(path.begin(), path.end());
-  std::vector<Crossing> backward = CrossingsOf(row, path, edgeWidth);
+  std::vector<Crossing> backward = CrossingsOf(row, path, threshold, edgeWidth);
   for (Crossing& crossing : backward) {
-    crossing = {count - 1 - crossing.position, !crossing.rises};
+    crossing = {end - crossing.position, !crossing.rises};
   }
   std::reverse(backward.begin(), backward.end());
 
@@ -129,12 +158,14 @@ std::vector<Crossing> EdgesOf(const Image& row, int32_t count, int32_t edgeWidth
   std::vector<Crossing> edges;
   for (size_t i = 0; i < forward.size(); i++) {
     const Crossing& start = forward[i];
-    const double limit = i + 1 < forward.size() ? forward[i + 1].position : count;
-    const auto end = std::find_if(backward.begin(), backward.end(), [&](const Crossing& other) {
+    const double limit = i + 1 < forward.size() ? forward[i + 1].position : end;
+    const auto finish = std::find_if(backward.begin(), backward.end(), [&](const Crossing& other) {
       return other.rises == start.rises && other.position >= start.position - SLACK &&
              other.position <= limit + SLACK;
     });
-    if (end != backward.end()) edges.push_back({(start.position + end->position) / 2, start.rises});
+    if (finish != backward.end()) {
+      edges.push_back({(start.position + finish->position) / 2, start.rises});
+    }
   }
   return edges;
 }
@@ -161,13 +192,10 @@ std::vector<LineEdge> EdgesAlong(const Image& picture, const Line& line, const E
   const double threshold = ThresholdFor(signal, levels, search);
   if (!(levels.high - levels.low >= threshold && threshold > 0)) return {};
 
-  const auto count = static_cast<int32_t>(signal.size());
-  const Image row(IMAGE_SGL, 0, count, 1);
-  std::transform(signal.begin(), signal.end(), Row<float>(row.Info(), 0), [&](double value) {
-    return static_cast<float>((value - levels.low) * (LEVELS / threshold));
-  });
+  const double level = threshold / (levels.high - levels.low) * LEVELS;
+  const int32_t least = std::max(static_cast<int32_t>(std::lround(level)), 1);
   std::vector<LineEdge> edges;
-  for (const Crossing& found : EdgesOf(row, count, search.edgeWidth)) {
+  for (const Crossing& found : EdgesOf(FineRow(signal, levels), least, search.edgeWidth)) {
     const double along = found.position - margin;
     if (along < 0 || along > length) continue;
     const auto at = static_cast<size_t>(std::lround(found.position));

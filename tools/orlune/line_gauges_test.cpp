@@ -11,6 +11,7 @@
 #include "orlune/line_reports.h"
 #include "orlune/line_setup.h"
 #include "orlune/output.h"
+#include "scenes/random.h"
 #include "scenes/shafts.h"
 
 namespace {
@@ -40,7 +41,7 @@ Image Painted(int32_t width, int32_t height, const std::function<double(Place)>&
     for (int32_t y = 0; y < height; y++) {
       for (int32_t x = 0; x < width; x++) {
         const double level = light({1.0 * x, 1.0 * y});
-        Row<T>(info, y)[x] = static_cast<T>(std::is_same_v<T, float> ? level : std::lround(level));
+        Row<T>(info, y)[x] = static_cast<T>(std::is_same_v<T, float> ? level : std::round(level));
       }
     }
   });
@@ -130,10 +131,10 @@ TEST(LineEdges, AreNoneWhereNoNumberIs) {
 
 // ------------------------------------------------------------------------------------- gauges
 
-// Light bars from 20 to 30.5 and from 50 to 54 on the dark.
+// Light bars from 20 to 30.5 and from 50 to 62 on the dark.
 Image Bars() {
   return Painted(100, 9, [](Place p) {
-    return 30 + 150 * (Step(p.x - 20) - Step(p.x - 30.5) + Step(p.x - 50) - Step(p.x - 54));
+    return 30 + 150 * (Step(p.x - 20) - Step(p.x - 30.5) + Step(p.x - 50) - Step(p.x - 62));
   });
 }
 
@@ -154,11 +155,11 @@ TEST(LineGauges, MeasureWhatTheyAreAskedFor) {
   const auto value = [](LineMeasure measure, Object object, std::optional<double> nominal = {}) {
     return Measured(measure, object, nominal).value.value_or(-1);
   };
-  EXPECT_NEAR(value(LineMeasure::Span, Object::Any), 34, 0.05);
-  EXPECT_NEAR(value(LineMeasure::Span, Object::Light), 34, 0.05);
+  EXPECT_NEAR(value(LineMeasure::Span, Object::Any), 42, 0.05);
+  EXPECT_NEAR(value(LineMeasure::Span, Object::Light), 42, 0.05);
   EXPECT_NEAR(value(LineMeasure::Span, Object::Dark), 19.5, 0.05);
   EXPECT_NEAR(value(LineMeasure::Pair, Object::Light), 10.5, 0.05);
-  EXPECT_NEAR(value(LineMeasure::Pair, Object::Light, 5), 4, 0.08);
+  EXPECT_NEAR(value(LineMeasure::Pair, Object::Light, 13), 12, 0.05);
   EXPECT_NEAR(value(LineMeasure::Pair, Object::Dark), 19.5, 0.05);
   EXPECT_NEAR(value(LineMeasure::Start, Object::Dark), 25.5, 0.05);
   EXPECT_NEAR(value(LineMeasure::End, Object::Any), 70, 0.05);

@@ -202,7 +202,7 @@ void PrintSpreads(std::ostream& out, const GaugeSetup& setup,
     const ValueSpread& spread = spreads[i];
     if (spread.count() < 2) continue;
     out << "  " << ReadableText(gauge.name) << ": mean " << ValueText(gauge, spread.mean()) << ' '
-        << UnitOf(gauge, unit) << ", deviation " << Short(spread.Deviation()) << ", from "
+        << UnitOf(gauge, unit) << ", deviation " << Fixed(spread.Deviation(), 4) << ", from "
         << ValueText(gauge, spread.low()) << " to " << ValueText(gauge, spread.high()) << '\n';
   }
 }
