@@ -21,9 +21,9 @@ struct Found {
 };
 
 int32_t Find(ImageRef image, const Path& path, const Request& r, Found* found) {
-  const int32_t result = ZEL_FindEdges(
-      image, path.data(), Count(path), r.method, r.oversampling, r.threshold, r.edgeWidth,
-      r.gap, &found->edges.count, &found->edges.records, &found->places.records);
+  const int32_t result = ZEL_FindEdges(image, path.data(), Count(path), r.method, r.oversampling,
+                                       r.threshold, r.edgeWidth, r.gap, &found->edges.count,
+                                       &found->edges.records, &found->places.records);
   found->places.count = found->edges.count;
   return result;
 }

@@ -32,12 +32,9 @@ class Oversampler {
   void Linear(const float* samples, int64_t count, float* values) const;
   void Quadratic(const float* samples, int64_t count, float* values) const;
   void Spline(const float* samples, int64_t count, float* values);
-
-  // What a value takes of the samples beside it and of the spline's derivatives there.
-  struct Weights {
-    double second, first, bendFirst, bendSecond;
-  };
-  Weights WeightsOf(int64_t place) const;
+  void PrepareSweep(int64_t count);
+  // The second derivatives of a natural spline: no curvature at either end.
+  void SplineSweep(const float* samples, int64_t count);
 
   static constexpr uint32_t ROOM = 256;
 
@@ -45,9 +42,6 @@ class Oversampler {
   int64_t factor_ = 1;
   LocalArray<double, ROOM> seconds_;  // derivatives of the spline
   LocalArray<double, ROOM> factors_;  // of its sweep
-  // Of the values between two samples, where these are few.
-  static constexpr uint32_t MOST_WEIGHTS = 64;
-  LocalArray<Weights, MOST_WEIGHTS> weights_;
 };
 
 // The signal of a path as edges are looked for in.

@@ -46,6 +46,25 @@ bool IsOfWholeNumbers(const float* signal, int64_t count) {
   return true;
 }
 
+// The range by the exponents alone: it reaches as low as the smallest value's last bit, whether
+// that is set or not.
+BitRange RoughBitsOf(const float* signal, int64_t count) {
+  int32_t least = INT32_MAX;
+  int32_t most = 0;
+  for (int64_t i = 0; i < count; i++) {
+    const int32_t bits = std::bit_cast<int32_t>(signal[i]) & INT32_MAX;
+    least = std::min(least, bits == 0 ? INT32_MAX : bits);
+    most = std::max(most, bits);
+  }
+  if (most == 0) return {};
+  const float largest = std::bit_cast<float>(most);
+  if (!std::isfinite(largest)) return {.isFinite = false};
+  const FloatParts parts = PartsOf(largest);
+  const auto width = std::bit_width(static_cast<uint32_t>(parts.significand));
+  return {PartsOf(std::bit_cast<float>(least)).exponent,
+          parts.exponent + static_cast<int32_t>(width), true};
+}
+
 BitRange BitsOf(const float* signal, int64_t count) {
   if (IsOfWholeNumbers(signal, count)) return {.low = 0, .high = 16, .isFinite = true};
   BitRange range;
@@ -68,15 +87,22 @@ BitRange BitsOf(const float* signal, int64_t count) {
 
 WindowSumRule::WindowSumRule(const float* signal, int64_t count, int64_t width)
     : end_(signal + count), width_(width), way_(Way::AFRESH) {
-  const BitRange range = BitsOf(signal, count);
-  const bool isZero = range.low > range.high;
   // A sum that slides has one term more for a moment.
   const auto countBits = static_cast<int32_t>(std::bit_width(static_cast<uint64_t>(width)));
-  if (range.isFinite && (isZero || int64_t{range.high} + countBits - range.low <= DOUBLE_BITS)) {
+  const auto isExact = [&](const BitRange& range) {
+    const bool isZero = range.low > range.high;
+    return range.isFinite && (isZero || int64_t{range.high} + countBits - range.low <= DOUBLE_BITS);
+  };
+  if (isExact(RoughBitsOf(signal, count))) {
+    way_ = Way::EXACT;
+    return;
+  }
+  const BitRange range = BitsOf(signal, count);
+  if (isExact(range)) {
     way_ = Way::EXACT;
   } else if (width > NARROW) {
     way_ = Way::BRACKETED;
-    unit_ = isZero ? 0 : range.high - UNIT_BITS;
+    unit_ = range.low > range.high ? 0 : range.high - UNIT_BITS;
     // Each of width additions is off by at most 2^-52 of the sum of all sizes, however doubles are
     // rounded, and each value by what its unit cuts off. Twice that, for the bracket's own
     // rounding.

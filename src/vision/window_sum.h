@@ -41,10 +41,31 @@ class WindowSumRule {
   mutable int64_t termsLeft_ = int64_t{1} << 27;
 };
 
+// A window whose sum is exact, in few words that fit into registers.
+struct ExactWindow {
+  const float* first;
+  int64_t width;
+  double sum;
+
+  void Slide() {
+    sum += static_cast<double>(first[width]);
+    sum -= static_cast<double>(*first++);
+  }
+  float Value() const { return static_cast<float>(sum); }
+};
+
 // The sum of one window.
 class WindowSum {
  public:
   WindowSum(const WindowSumRule& rule, const float* window);
+
+  bool IsExact() const { return rule_.way_ == Way::EXACT; }
+  // Where the sum is exact: the window, and a place to go on from.
+  ExactWindow Exact() const { return {window_, rule_.width_, sum_}; }
+  void GoOnFrom(const ExactWindow& window) {
+    window_ = window.first;
+    sum_ = window.sum;
+  }
 
   float Value() const {
     return rule_.way_ == Way::EXACT ? static_cast<float>(sum_) : ValueRounded();

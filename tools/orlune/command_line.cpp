@@ -683,7 +683,7 @@ void CommandLine::AddOthers() {
 }
 
 CommandLine::CommandLine()
-    : app_("orlune finds, measures and lists the particles of picture files.", "orlune") {
+    : app_("orlune finds, measures, gauges and reads what picture files show.", "orlune") {
   app_.set_version_flag("-V,--version", std::string("orlune ") + ORLUNE_VERSION,
                         "print the version");
   app_.set_help_flag("-h,--help", "print this help");

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace front {
 namespace {
@@ -61,7 +62,8 @@ struct Levels {
 };
 
 Levels LevelsOf(const std::vector<double>& signal) {
-  Levels levels{INFINITY, -INFINITY};
+  constexpr double INFINITE = std::numeric_limits<double>::infinity();
+  Levels levels{INFINITE, -INFINITE};
   for (const double value : signal) {
     if (!std::isfinite(value)) continue;
     levels.low = std::min(levels.low, value);
@@ -135,6 +137,7 @@ std::vector<Crossing> CrossingsOf(const Image& row, const std::vector<PointInt>&
   const Block<EdgeRecord> edgesOwner(edges);
   const Block<PointFloat> placesOwner(places);
   std::vector<Crossing> crossings;
+  crossings.reserve(static_cast<size_t>(count));
   for (int32_t i = 0; i < count; i++) {
     crossings.push_back({static_cast<double>(edges[i].position) / PLACES, edges[i].polarity > 0});
   }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numbers>
 #include <stdexcept>
 
@@ -41,7 +42,7 @@ Ends SpanOf(const Edges& edges, Object object) {
 // The pair whose distance is nearest to the nominal one, or the first one.
 Ends PairOf(const Edges& edges, const LineGauge& gauge, double pixel) {
   Ends best;
-  double nearest = INFINITY;
+  double nearest = std::numeric_limits<double>::infinity();
   for (size_t i = 1; i < edges.size(); i++) {
     const LineEdge& first = edges[i - 1];
     const LineEdge& second = edges[i];

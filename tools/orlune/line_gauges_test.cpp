@@ -122,7 +122,7 @@ TEST(LineEdges, BesideTheLineOrThePictureAreNoEdges) {
 
 TEST(LineEdges, AreNoneWhereNoNumberIs) {
   const Image none = Painted(
-      40, 9, [](Place) { return NAN; }, IMAGE_SGL);
+      40, 9, [](Place) { return std::nan(""); }, IMAGE_SGL);
   EXPECT_TRUE(EdgesAlong(none, {{5, 4}, {30, 4}}, {}).empty());
   const Image far = Painted(
       40, 9, [](Place p) { return p.x < 20 ? -3e38 : 3e38; }, IMAGE_SGL);
