@@ -22,12 +22,6 @@ struct FloorQuotient {
   }
 };
 
-// A sum that wraps at 32 bits.
-int32_t Wrapped(int32_t value, int32_t first, int32_t second) {
-  return static_cast<int32_t>(static_cast<uint32_t>(value) + static_cast<uint32_t>(first) +
-                              static_cast<uint32_t>(second));
-}
-
 }  // namespace
 
 Status PolygonFill::Prepare(int64_t points, int32_t rows) {
@@ -60,6 +54,15 @@ void PolygonFill::AddEdge(PointInt from, PointInt to) {
   if (direction != direction_) AddPoint(from);
   direction_ = direction;
   AddSlope(from, to);
+}
+
+// Whether the remainder carries is a matter of chance, so that a mask does it and no branch.
+void PolygonFill::Crossing::GoOn() {
+  remainder += stepRemainder;
+  const int32_t mask = -static_cast<int32_t>(remainder >= divisor);
+  remainder -= divisor & mask;
+  x = static_cast<int32_t>(static_cast<uint32_t>(x) + static_cast<uint32_t>(step) +
+                           static_cast<uint32_t>(carry & mask));
 }
 
 void PolygonFill::AddPoint(PointInt point) {
@@ -144,10 +147,7 @@ void PolygonFill::Advance(int32_t y) {
   for (int32_t i = 0; i < before; i++) {
     Crossing crossing = active_[static_cast<size_t>(i)];
     if (crossing.last < y) continue;
-    crossing.remainder += crossing.stepRemainder;
-    const bool carries = crossing.remainder >= crossing.divisor;
-    crossing.remainder -= carries ? crossing.divisor : 0;
-    crossing.x = Wrapped(crossing.x, crossing.step, carries ? crossing.carry : 0);
+    crossing.GoOn();
     Insert(crossing);
   }
   for (int32_t index = beginning_[static_cast<size_t>(y)]; index != NONE;) {

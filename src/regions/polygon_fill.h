@@ -37,6 +37,8 @@ class PolygonFill {
     int32_t step, carry;
     int32_t last;  // row
     int32_t next;  // that begins in the same row, or NONE
+
+    void GoOn();  // to the next row
   };
   static constexpr int32_t NONE = -1;
 
