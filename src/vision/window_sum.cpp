@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 namespace zel {
@@ -118,11 +119,18 @@ float WindowSumRule::Fresh(const float* window) const {
 
 // Each window is added up from left to right for itself, but all take a step together.
 void WindowSumRule::FreshBlock(const float* window, float* sums) const {
-  double all[BLOCK] = {};
+  using FloatPair [[gnu::vector_size(8)]] = float;
+  using DoublePair [[gnu::vector_size(16)]] = double;
+  constexpr int32_t PAIRS = BLOCK / 2;
+  DoublePair all[PAIRS] = {};
   for (int64_t i = 0; i < width_; i++) {
-    for (int32_t j = 0; j < BLOCK; j++) all[j] += static_cast<double>(window[i + j]);
+    for (int32_t j = 0; j < PAIRS; j++) {
+      FloatPair values;
+      std::memcpy(&values, window + i + 2 * j, sizeof values);
+      all[j] += __builtin_convertvector(values, DoublePair);
+    }
   }
-  for (int32_t j = 0; j < BLOCK; j++) sums[j] = static_cast<float>(all[j]);
+  for (int32_t j = 0; j < BLOCK; j++) sums[j] = static_cast<float>(all[j / 2][j % 2]);
 }
 
 WindowSumRule::Wide WindowSumRule::UnitsOf(float value) const {
@@ -158,12 +166,7 @@ void WindowSum::SumAhead() {
   for (int64_t i = 0; i < windows; i++) ahead_[i] = rule_.Fresh(window_ + i);
 }
 
-void WindowSum::SlideRounded() {
-  if (rule_.way_ == Way::AFRESH) {
-    window_++;
-    if (window_ - aheadFrom_ == WindowSumRule::BLOCK) SumAhead();
-    return;
-  }
+void WindowSum::SlideInUnits() {
   Enter(window_[rule_.width_]);
   Leave(window_[0]);
   window_++;
@@ -193,8 +196,7 @@ void WindowSum::Leave(float value) {
   }
 }
 
-float WindowSum::ValueRounded() const {
-  if (rule_.way_ == Way::AFRESH) return ahead_[window_ - aheadFrom_];
+float WindowSum::ValueOfUnits() const {
   if (nans_ != 0 || (infinities_ != 0 && negativeInfinities_ != 0)) {
     return std::numeric_limits<float>::quiet_NaN();
   }

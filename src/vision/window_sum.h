@@ -68,7 +68,8 @@ class WindowSum {
   }
 
   float Value() const {
-    return rule_.way_ == Way::EXACT ? static_cast<float>(sum_) : ValueRounded();
+    if (rule_.way_ == Way::EXACT) return static_cast<float>(sum_);
+    return rule_.way_ == Way::AFRESH ? ahead_[window_ - aheadFrom_] : ValueOfUnits();
   }
   // On by one sample.
   void Slide() {
@@ -76,16 +77,19 @@ class WindowSum {
       sum_ += static_cast<double>(window_[rule_.width_]);
       sum_ -= static_cast<double>(window_[0]);
       window_++;
+    } else if (rule_.way_ == Way::AFRESH) {
+      window_++;
+      if (window_ - aheadFrom_ == WindowSumRule::BLOCK) SumAhead();
     } else {
-      SlideRounded();
+      SlideInUnits();
     }
   }
 
  private:
   using Way = WindowSumRule::Way;
 
-  float ValueRounded() const;
-  void SlideRounded();
+  float ValueOfUnits() const;
+  void SlideInUnits();
   void SumAhead();
   void Enter(float value);
   void Leave(float value);
