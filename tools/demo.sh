@@ -60,6 +60,26 @@ show read lcd --setup display.json --annotate annotated/gauges --csv displays.cs
 # Bar codes, found wherever they lie.
 show read barcode --kind interleaved scenes/labels/upright.bmp scenes/labels/turned.bmp
 
+# Recipes: what a line would ask of each picture, and what is wrong with some of them. The exit status
+# says that some failed.
+cp examples/recipes/*.toml demo/
+show calibrate lcd --region 106,344,280,96 --light --points -o scale.json scenes/packages/eights.bmp
+show run --check tray.toml
+for recipe in tray shaft package; do
+  case $recipe in
+    tray) pictures=scenes/trays/tray*.bmp ;;
+    shaft) pictures=scenes/shafts/shaft*.bmp ;;
+    *) pictures=scenes/packages/package*.bmp ;;
+  esac
+  # shellcheck disable=SC2086 # the pictures are words of their own
+  (cd demo && echo $pictures) >demo/pictures.txt
+  # shellcheck disable=SC2046
+  show run -j auto $recipe.toml --html $recipe.html --csv $recipe.csv --annotate annotated/$recipe \
+    $(cat demo/pictures.txt) || [ $? -eq 1 ]
+done
+rm demo/pictures.txt
+
 echo
+echo "The reports of the recipes are demo/tray.html, demo/shaft.html and demo/package.html."
 echo "The pictures are in demo/scenes, the annotated ones in demo/annotated,"
 echo "the filtered ones in demo/filtered; demo/particles.csv and demo/particles.json hold the lists."

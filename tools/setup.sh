@@ -1,14 +1,16 @@
 #!/bin/sh
 # Installs what the build needs on Debian 12, and says what it installs. Does nothing when all is
-# there. The library itself needs no more than the compiler; libcli11, libtiff, libpng and libjpeg are
-# for the command-line front, and the last packages make the pictures that its tests read. With
-# --benchmarks also what the benchmarks compare with, with --check-tools also what checks the sources,
-# with --deep-check also the fuzzers and what tools/check_deep.sh runs.
+# there. The library itself needs no more than the compiler; libcli11, libtiff, libpng, libjpeg,
+# libsqlite3 and libtomlplusplus are for the command-line front, and the last packages make the pictures
+# that its tests read. With --benchmarks also what the benchmarks compare with, with --check-tools also
+# what checks the sources, with --deep-check also the fuzzers and what
+# tools/check_deep.sh runs.
 # usage: setup.sh [--benchmarks] [--check-tools] [--deep-check]
 set -eu
 
 needed="make g++ cmake ninja-build pkgconf libgtest-dev"
 needed="$needed libcli11-dev libtiff-dev libpng-dev libjpeg-dev"
+needed="$needed libsqlite3-dev libtomlplusplus-dev"
 needed="$needed imagemagick netpbm libtiff-tools python3-pil"
 for argument in "$@"; do
   case $argument in

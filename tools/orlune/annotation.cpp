@@ -2,6 +2,7 @@
 #include "orlune/annotation.h"
 
 #include <algorithm>
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -43,6 +44,16 @@ void DrawOutlines(const Inspection& inspection, const Canvas& canvas) {
   }
 }
 
+// The template's own axes, where they lie in the match.
+void DrawAxes(const Canvas& canvas, const ShapeMatch& match) {
+  constexpr RGBValue COLOUR = 0xFF50FF;
+  const double reach = std::max(std::sqrt(match.area) / 3, 4.0);
+  const Pose pose{match.at, match.degrees.value_or(0)};
+  const auto place = [&](double x, double y) { return Carried({x, y}, {}, pose); };
+  canvas.Stroke(place(match.degrees ? 0 : -reach / 2, 0), place(reach, 0), 1, COLOUR);
+  canvas.Stroke(place(0, -reach / 2), place(0, reach / 2), 1, COLOUR);
+}
+
 }  // namespace
 
 void DrawParticles(const Inspection& inspection, const Canvas& canvas) {
@@ -57,6 +68,11 @@ void DrawParticles(const Inspection& inspection, const Canvas& canvas) {
   for (const Particle& particle : inspection.particles) {
     if (particle.kept) DrawNumber(canvas, particle.number, particle.rect);
   }
+}
+
+void DrawMatches(const Matching& matching, const Canvas& canvas) {
+  DrawParticles(matching.inspection, canvas);
+  for (const ShapeMatch& match : matching.matches) DrawAxes(canvas, match);
 }
 
 void WriteAnnotation(const Inspection& inspection, const std::string& file) {

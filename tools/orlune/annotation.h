@@ -5,12 +5,17 @@
 
 #include "orlune/canvas.h"
 #include "orlune/inspection.h"
+#include "orlune/shape_matches.h"
 
 namespace front {
 
 // Draws kept particles in a green outline, with a yellow upright rectangle and their number;
 // particles left out with a red outline alone.
 void DrawParticles(const Inspection& inspection, const Canvas& canvas);
+
+// Draws the objects so, the matches as the kept ones, and the template's axes where they lie in
+// each.
+void DrawMatches(const Matching& matching, const Canvas& canvas);
 
 // Writes a 24-bit BMP file: the picture with its particles drawn. Throws as WritePicture.
 void WriteAnnotation(const Inspection& inspection, const std::string& file);

@@ -16,6 +16,9 @@ class Clock {
     return Seconds(now - std::exchange(start_, now));
   }
 
+  // The same, and the clock goes on.
+  Seconds Passed() const { return Seconds(std::chrono::steady_clock::now() - start_); }
+
  private:
   std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };

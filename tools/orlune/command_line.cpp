@@ -7,7 +7,6 @@
 #include <sstream>
 
 #include "orlune/help_texts.h"
-#include "orlune/line_setup.h"
 #include "orlune/tasks.h"
 #include "orlune/words.h"
 
@@ -30,19 +29,6 @@ CLI::Option* AddParsed(CLI::App* command, const std::string& name, const std::st
                        Take take, const std::string& help) {
   return command->add_option_function<std::string>(
       name, [=](const std::string& text) { Parse(option, [&] { take(text); }); }, help);
-}
-
-std::map<std::string, Method> Methods() {
-  std::map<std::string, Method> methods;
-  for (const MethodRow& row : AllMethods()) methods[std::string(row.name)] = row.method;
-  return methods;
-}
-
-template <class Value>
-std::map<std::string, Value> WordsOf(const std::vector<NamedRow<Value>>& rows) {
-  std::map<std::string, Value> words;
-  for (const NamedRow<Value>& row : rows) words[std::string(row.name)] = row.value;
-  return words;
 }
 
 template <class Value>
@@ -70,7 +56,6 @@ const std::map<std::string, Readable> READABLE = {
     {"barcode", Readable::Barcode}, {"lcd", Readable::Display}, {"meter", Readable::Meter}};
 
 // Groups of options.
-constexpr char BARCODES[] = "Bar codes";
 constexpr char METERS_AND_DISPLAYS[] = "Meters and displays";
 
 constexpr char SWAP_HELP[] =
@@ -128,6 +113,34 @@ CLI::Option* CommandLine::AddChoice(CLI::App* command, const std::string& name,
   return option;
 }
 
+void CommandLine::Add(CLI::App* command, const Options& options) {
+  for (const Option& option : options) {
+    const std::string name = "--" + option.name;
+    const auto take = [name, take = option.take](const std::string& text) {
+      Parse(name, [&] { take(text); });
+    };
+    CLI::Option* added = nullptr;
+    if (option.IsSwitch()) {
+      added = command->add_flag_callback(
+          name, [take] { take(""); }, option.help);
+    } else {
+      added = command->add_option_function<std::vector<std::string>>(
+          name,
+          [take](const std::vector<std::string>& texts) {
+            for (const std::string& text : texts) take(text);
+          },
+          option.help);
+      added->type_name(option.type)->expected(1)->allow_extra_args(false);
+      if (!option.many) added->multi_option_policy(CLI::MultiOptionPolicy::Throw);
+    }
+    if (!option.group.empty()) added->group(option.group);
+    for (const std::string& other : option.excludes) {
+      added->excludes(command->get_option("--" + other));
+    }
+    if (!option.choices.empty()) choices_[added] = option.choices;
+  }
+}
+
 void CommandLine::AddFiles(CLI::App* command, std::vector<std::string>* files) {
   command->add_option("FILE", *files, "picture files; FILE#3 is a page, - standard input")
       ->required()
@@ -148,111 +161,6 @@ void CommandLine::AddInfo() {
   AddFiles(info, &info_.files);
   info->add_flag("--json", info_.json, "tell it as JSON");
   info->footer(INFO_FOOTER);
-}
-
-void CommandLine::AddFinding(CLI::App* inspect) {
-  const std::string group = "Finding objects";
-  InspectSettings* settings = &inspect_.settings;
-  CLI::Option* range = AddParsed(
-      inspect, "--range", "--range",
-      [=](const std::string& text) { settings->range = ParseRange(text); },
-      "grey levels of objects: MIN:MAX, MIN: or :MAX");
-  range->type_name("LEVELS")->group(group);
-  CLI::Option* method = AddChoice(
-      inspect, "--method", Methods(), [=](Method chosen) { settings->method = chosen; },
-      "how to find the boundary: clustering (used if nothing is said),\nentropy, metric, moments, "
-      "interclass, otsu");
-  method->type_name("METHOD")->group(group)->excludes(range);
-  CLI::Option* light = inspect->add_flag(
-      "--light", [](int64_t) {}, "objects are lighter than the background (usual)");
-  CLI::Option* dark =
-      inspect->add_flag("--dark", settings->dark, "objects are darker than the background");
-  light->group(group)->excludes(range);
-  dark->group(group)->excludes(range)->excludes(light);
-  ColourRanges* colours = &settings->colours;
-  const auto colour = [&](const std::string& name, std::optional<Range>* ranges, auto parse,
-                          const std::string& type, const std::string& help) {
-    CLI::Option* option = AddParsed(
-        inspect, name, name, [=](const std::string& text) { *ranges = parse(text); }, help);
-    option->type_name(type)->group(group);
-    option->excludes(range)->excludes(method)->excludes(light)->excludes(dark);
-  };
-  colour("--hue", &colours->hue, ParseHues, "DEGREES",
-         "hues of objects: red is 0, green 120, blue 240; 340:20 is\naround red");
-  colour("--saturation", &colours->saturation, ParsePercents, "PERCENT",
-         "how far from grey the colours of objects are: MIN:MAX or MIN:");
-  colour("--lightness", &colours->lightness, ParsePercents, "PERCENT",
-         "how light the colours of objects are, 0 black to 100 white");
-  AddChoice(
-      inspect, "--connectivity", std::map<std::string, bool>{{"4", false}, {"8", true}},
-      [=](bool eight) { settings->eightConnected = eight; },
-      "pixels that touch by a corner are joined (8, usual) or not (4)")
-      ->type_name("4|8")
-      ->group(group);
-  AddParsed(
-      inspect, "--region", "--region",
-      [=](const std::string& text) { settings->region = ParseRegion(text); },
-      "look only into this rectangle of each picture")
-      ->type_name("LEFT,TOP,WIDTH,HEIGHT")
-      ->group(group);
-  inspect->add_option("--mask", inspect_.mask, "look only where this picture is not 0")
-      ->type_name("FILE")
-      ->group(group);
-  inspect->add_flag("--swap-bytes", settings->swapBytes, SWAP_HELP)->group(group);
-}
-
-void CommandLine::AddRefining(CLI::App* inspect) {
-  const std::string group = "Refining objects, in this order";
-  Refinement* refinement = &inspect_.settings.refinement;
-  const auto disk = [&](const std::string& name, int32_t* size, const std::string& help) {
-    AddParsed(
-        inspect, name, name, [=](const std::string& text) { *size = ParseDisk(text); }, help)
-        ->type_name("N")
-        ->group(group);
-  };
-  disk("--open", &refinement->open, "take away what is thinner than a disk of N pixels");
-  disk("--close", &refinement->close, "fill gaps that are thinner than a disk of N pixels");
-  inspect->add_flag("--fill-holes", refinement->fillHoles, "holes become objects")->group(group);
-  disk("--separate", &refinement->separate,
-       "cut particles apart that are joined by a neck thinner than\nN pixels");
-  inspect
-      ->add_flag("--reject-border", refinement->rejectBorder,
-                 "leave out particles that touch the edge of the picture,\nthe region or the mask")
-      ->group(group);
-}
-
-void CommandLine::AddMeasuring(CLI::App* inspect) {
-  const std::string group = "Measuring";
-  InspectSettings* settings = &inspect_.settings;
-  inspect
-      ->add_option_function<std::vector<std::string>>(
-          "--keep",
-          [=](const std::vector<std::string>& texts) {
-            for (const std::string& text : texts) {
-              Parse("--keep", [&] {
-                for (Condition& c : ParseConditions(text)) settings->keep.push_back(c);
-              });
-            }
-          },
-          "keep only particles for which this holds, as \"AreaPixels>=50\";\nmay be given again")
-      ->allow_extra_args(false)
-      ->type_name("CONDITION")
-      ->group(group);
-  AddParsed(
-      inspect, "--measures", "--measures",
-      [this](const std::string& text) { inspect_.measures = ParseMeasures(text); },
-      "measures to list, with commas between them, or all")
-      ->type_name("NAMES")
-      ->group(group);
-  AddParsed(
-      inspect, "--scale", "--scale",
-      [=](const std::string& text) { settings->scale = ParseScale(text); },
-      "size of a pixel in the unit, or X,Y for width and height")
-      ->type_name("SIZE")
-      ->group(group);
-  inspect->add_option("--unit", settings->unit, "name of the unit, as mm")
-      ->type_name("NAME")
-      ->group(group);
 }
 
 void CommandLine::AddReporting(CLI::App* inspect) {
@@ -287,9 +195,9 @@ void CommandLine::AddReporting(CLI::App* inspect) {
 void CommandLine::AddInspect() {
   CLI::App* inspect = app_.add_subcommand("inspect", "find, measure and list the particles");
   AddFiles(inspect, &inspect_.files);
-  AddFinding(inspect);
-  AddRefining(inspect);
-  AddMeasuring(inspect);
+  Add(inspect, InspectOptions(&inspect_));
+  inspect->add_flag("--swap-bytes", inspect_.settings.swapBytes, SWAP_HELP)
+      ->group("Finding objects");
   AddReporting(inspect);
   inspect->footer(INSPECT_FOOTER + MethodsHelp() + INSPECT_EXAMPLES);
 }
@@ -298,22 +206,14 @@ void CommandLine::AddFilter() {
   CLI::App* filter =
       app_.add_subcommand("filter", "apply filters to pictures, one after the other");
   AddFiles(filter, &filter_.files);
-  AddParsed(
-      filter, "--steps", "--steps",
-      [this](const std::string& text) { filter_.steps = ParseChain(text); },
-      "what to do, with semicolons between the steps, as\n\"median 5; edges sobel 20\"")
-      ->required()
-      ->type_name("STEPS");
+  Add(filter, FilterOptions(&filter_));
+  filter->get_option("--steps")->required();
   CLI::Option* folder =
       filter->add_option("--out", filter_.folder, "write a picture of each file into this folder");
   folder->type_name("FOLDER");
   filter->add_option("-o", filter_.to, "write the picture of one file to this file")
       ->type_name("OUT")
       ->excludes(folder);
-  filter
-      ->add_option("--mask", filter_.mask,
-                   "filter only where this picture, of the same size, is not 0")
-      ->type_name("FILE");
   AddChoice(
       filter, "--format", Formats(), [this](PictureFormat format) { filter_.format = format; },
       FORMAT_HELP)
@@ -356,100 +256,13 @@ void CommandLine::AddFileReports(CLI::App* app, Command* command, const std::str
   app->add_flag("--quiet", command->quiet, "print no table and no summary")->group(group);
 }
 
-void CommandLine::AddGaugeLines(CLI::App* gauge) {
-  const std::string group = "Lines";
-  LineGauge* line = &gaugeLine_;
-  GaugeSetup* setup = &gauge_.setup;
-  gauge
-      ->add_option_function<std::vector<std::string>>(
-          "--line",
-          [=](const std::vector<std::string>& texts) {
-            for (const std::string& text : texts) {
-              Parse("--line", [&] { setup->gauges.push_back(ParseLineGauge(text)); });
-            }
-          },
-          "a line to measure along, with a name or without; may be given\nagain")
-      ->allow_extra_args(false)
-      ->type_name("[NAME=]X1,Y1,X2,Y2")
-      ->group(group);
-  const auto number = [&](const std::string& name, std::optional<double>* value,
-                          const std::string& help) {
-    AddParsed(
-        gauge, name, name, [=](const std::string& text) { *value = ParseNumber(text); }, help)
-        ->type_name("SIZE")
-        ->group(group);
-  };
-  const auto whole = [&](const std::string& name, int32_t* value, int32_t (*parse)(double),
-                         const std::string& help) {
-    AddParsed(
-        gauge, name, name, [=](const std::string& text) { *value = parse(ParseNumber(text)); },
-        help)
-        ->type_name("PIXELS")
-        ->group(group);
-  };
-  AddChoice(
-      gauge, "--measure", WordsOf(AllLineMeasures()),
-      [=](LineMeasure measure) { line->measure = measure; },
-      "what to measure along it: span, pair, start, end or edges")
-      ->type_name("MEASURE")
-      ->group(group);
-  AddChoice(
-      gauge, "--object", WordsOf(AllObjects()), [=](Object object) { line->object = object; },
-      "what is measured is dark or light beside what is around it, or any")
-      ->type_name("KIND")
-      ->group(group);
-  number("--min", &line->limits.low, "least size that passes, in the unit");
-  number("--max", &line->limits.high, "greatest size that passes");
-  number("--nominal", &line->nominal, "of several pairs take the one that is nearest to this size");
-  AddParsed(
-      gauge, "--threshold", "--threshold",
-      [=](const std::string& text) { ParseEdgeThreshold(text, &line->search); },
-      "least contrast of an edge in grey levels, or as part of the range\non the line, as 30% "
-      "(usual)")
-      ->type_name("LEVELS|PERCENT%")
-      ->group(group);
-  whole("--edge-width", &line->search.edgeWidth, ParseEdgeWidth,
-        "pixels on either side of an edge that are looked at; usual is 3");
-  whole("--band", &line->search.band, ParseBand,
-        "pixels across the line whose mean is looked at; usual is 5");
-}
-
 void CommandLine::AddGauge() {
   CLI::App* gauge = app_.add_subcommand("gauge", "measure along lines, and hold it to limits");
   AddFiles(gauge, &gauge_.files);
-  AddGaugeLines(gauge);
+  Add(gauge, GaugeOptions(&gauge_));
   const std::string group = "Set-up";
-  GaugeSetup* setup = &gauge_.setup;
-  CLI::Option* file = gauge->add_option("--setup", gauge_.setupFile,
-                                        "take lines, limits and reference from this file");
-  file->type_name("FILE")->group(group);
-  const std::map<std::string, Object> parts = {{"dark", Object::Dark}, {"light", Object::Light}};
-  AddChoice(
-      gauge, "--follow", parts,
-      [=](Object object) {
-        setup->reference.follow = Follow::Object;
-        setup->reference.object = object;
-      },
-      "let the lines follow the largest dark or light object")
-      ->type_name("dark|light")
-      ->group(group)
-      ->excludes(file);
-  gauge
-      ->add_option("--master", gauge_.master,
-                   "picture that the lines are drawn for, where they follow")
-      ->type_name("FILE")
-      ->group(group);
   gauge->add_option("--save", gauge_.save, "write all this as a set-up file")
       ->type_name("FILE")
-      ->group(group);
-  AddParsed(
-      gauge, "--scale", "--scale",
-      [=](const std::string& text) { setup->scale = ParseScale(text); },
-      "size of a pixel in the unit, or X,Y for width and height")
-      ->type_name("SIZE")
-      ->group(group);
-  gauge->add_option("--unit", setup->unit, "name of the unit, as mm")
-      ->type_name("NAME")
       ->group(group);
   gauge->add_flag("--swap-bytes", gauge_.swapBytes, SWAP_HELP)->group(group);
   AddFileReports(gauge, &gauge_, "write each picture as BMP with lines, edges and distances",
@@ -462,69 +275,64 @@ int CommandLine::RunGauge() {
   const CLI::App* gauge = FindCommand("gauge");
   if (!gauge_.setupFile.empty()) {
     for (const CLI::Option* option : gauge->get_options()) {
-      if (option->count() == 0 || option->get_group() != "Lines") continue;
+      if (option->count() == 0 || option->get_group() != LINES_GROUP) continue;
       std::cerr << "orlune: " << option->get_name() << " is said by the set-up file\n";
       return BAD_USE;
     }
-  }
-  for (LineGauge& line : gauge_.setup.gauges) {
-    LineGauge whole = gaugeLine_;
-    whole.name = line.name;
-    whole.line = line.line;
-    line = whole;
   }
   return front::Run(gauge_);
 }
 
 void CommandLine::AddMatch() {
   CLI::App* match = app_.add_subcommand("match", "find objects that have the shape of a template");
-  MatchSettings* settings = &match_.settings;
-  InspectSettings* finding = &settings->finding;
   match->add_option("TEMPLATE", match_.shape, "picture whose largest object is looked for")
       ->required()
       ->type_name("TEMPLATE");
   AddFiles(match, &match_.files);
-  const std::string group = "Matching";
-  CLI::Option* range = AddParsed(
-      match, "--range", "--range",
-      [=](const std::string& text) { finding->range = ParseRange(text); },
-      "grey levels of objects: MIN:MAX, MIN: or :MAX");
-  range->type_name("LEVELS")->group(group);
-  AddChoice(
-      match, "--method", Methods(), [=](Method chosen) { finding->method = chosen; },
-      "how to find the boundary, as in orlune inspect")
-      ->type_name("METHOD")
-      ->group(group)
-      ->excludes(range);
-  match->add_flag("--dark", finding->dark, "objects are darker than the background")
-      ->group(group)
-      ->excludes(range);
-  match->add_flag("--fill-holes", finding->refinement.fillHoles, "holes count to the object")
-      ->group(group);
-  match
-      ->add_flag("--reject-border", finding->refinement.rejectBorder,
-                 "leave out objects that touch the edge of the picture")
-      ->group(group);
-  AddParsed(
-      match, "--tolerance", "--tolerance",
-      [=](const std::string& text) {
-        settings->tolerance = ParseNumber(text);
-        if (!(settings->tolerance >= 0)) {
-          throw std::invalid_argument("a tolerance is 0 or above");
-        }
-      },
-      "by how much of them the invariants of a shape may differ; usual\nis 0.05")
-      ->type_name("PART")
-      ->group(group);
-  AddParsed(
-      match, "--scales", "--scales",
-      [=](const std::string& text) { settings->scales = ParseRange(text); },
-      "sizes by the template's, as 0.5:2; otherwise areas within 10\npercent")
-      ->type_name("MIN:MAX")
-      ->group(group);
-  match->add_flag("--swap-bytes", finding->swapBytes, SWAP_HELP)->group(group);
+  Add(match, MatchOptions(&match_));
+  match->add_flag("--swap-bytes", match_.settings.finding.swapBytes, SWAP_HELP)->group("Matching");
   AddFileReports(match, &match_, "write each picture as BMP with the matches drawn", "Reporting");
   match->footer(MATCH_FOOTER);
+}
+
+void CommandLine::AddRun() {
+  CLI::App* run = app_.add_subcommand("run", "carry out a recipe on pictures");
+  run->add_option("RECIPE", run_.recipe, "recipe file")->required()->type_name("RECIPE");
+  run->add_option("FILE", run_.files, "picture files; FILE#3 is a page, - standard input")
+      ->type_name("FILE");
+  const std::string trying = "Trying a recipe";
+  CLI::Option* check = run->add_flag("--check", run_.check,
+                                     "only tell what the recipe says, or what is wrong with it");
+  check->group(trying);
+  run->add_option("--explain-on", run_.explainOn,
+                  "carry it out on this picture, and write one after each step")
+      ->type_name("PICTURE")
+      ->group(trying)
+      ->excludes(check);
+  run->add_option("--out", run_.out, "where these go")->type_name("FOLDER")->group(trying);
+  const std::string reporting = "Reporting";
+  const auto file = [&](const std::string& name, std::string* to, const std::string& help) {
+    run->add_option(name, *to, help)->type_name("FILE")->group(reporting);
+  };
+  file("--csv", &run_.csv, "write all values as CSV; - is standard output");
+  file("--json-lines", &run_.json, "write a JSON object a line for each picture; - likewise");
+  file("--html", &run_.html, "write a report with small pictures, in one file");
+  run->add_option("--annotate", run_.annotate, "write each picture as BMP with what was found")
+      ->type_name("FOLDER")
+      ->group(reporting);
+  run->add_flag("--quiet", run_.quiet, "print no table and no summary")->group(reporting);
+  const std::string working = "Working";
+  AddWorkers(run, &run_.workers, working);
+  run->add_option("--time-limit", run_.limit, "what a picture may take; 0 is no limit")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(0.0, 1e6))
+      ->capture_default_str()
+      ->group(working);
+  file("--db", &run_.database, "record the run in this SQLite file");
+  run->add_flag("--resume", run_.resume, "finish the last run of the recipe in there")
+      ->group(working);
+  run->get_option("--db")->group(working);
+  run->footer(RUN_FOOTER);
 }
 
 void CommandLine::AddRead() {
@@ -547,29 +355,9 @@ void CommandLine::AddRead() {
 
 void CommandLine::AddReadingBarcodes(CLI::App* read) {
   BarcodeSettings* settings = &readBarcodes_.settings;
-  std::map<std::string, BarcodeKind> kinds;
-  for (const BarcodeKindRow& row : AllBarcodeKinds()) kinds[std::string(row.name)] = row.kind;
-  AddChoice(
-      read, "--kind", kinds, [=](BarcodeKind kind) { settings->kind = kind; },
-      "codabar, code39, code93, code128, ean8, ean13, interleaved,\nmsi or upca")
-      ->type_name("KIND")
-      ->group(BARCODES);
-  AddParsed(
-      read, "--region", "--region",
-      [=](const std::string& text) { settings->region = ParseRegion(text); },
-      "look only into this rectangle of each picture")
-      ->type_name("LEFT,TOP,WIDTH,HEIGHT")
-      ->group(BARCODES);
-  read->add_flag("--validate", settings->validate,
-                 "ask for the check character of codabar, code39, interleaved\nand msi")
-      ->group(BARCODES);
-  read->add_option("--first-digit", settings->firstDigit,
-                   "first digit of an ean13; otherwise the one that fits best")
-      ->check(CLI::Range(0, 9))
-      ->type_name("DIGIT")
-      ->group(BARCODES);
-  read->add_flag("--swap-bytes", settings->swapBytes, SWAP_HELP)->group(BARCODES);
-  AddWorkers(read, &readBarcodes_.workers, BARCODES);
+  Add(read, BarcodeOptions(settings));
+  read->add_flag("--swap-bytes", settings->swapBytes, SWAP_HELP)->group(BARCODES_GROUP);
+  AddWorkers(read, &readBarcodes_.workers, BARCODES_GROUP);
 }
 
 void CommandLine::AddReadingGauges(CLI::App* read) {
@@ -592,7 +380,7 @@ int CommandLine::RunRead() {
   }
   for (const CLI::Option* option : read->get_options()) {
     if (option->count() == 0 ||
-        option->get_group() != (isBarcode ? METERS_AND_DISPLAYS : BARCODES)) {
+        option->get_group() != (isBarcode ? METERS_AND_DISPLAYS : BARCODES_GROUP)) {
       continue;
     }
     std::cerr << "orlune: " << option->get_name() << " is not for this reading\n";
@@ -693,6 +481,7 @@ CommandLine::CommandLine()
   AddInspect();
   AddGauge();
   AddMatch();
+  AddRun();
   AddRead();
   AddCalibrate();
   AddFilter();
@@ -760,6 +549,7 @@ int CommandLine::Run(int argc, char** argv) {
   if (asked("inspect")) return front::Run(inspect_);
   if (asked("gauge")) return RunGauge();
   if (asked("match")) return front::Run(match_);
+  if (asked("run")) return front::Run(run_);
   if (asked("read")) return RunRead();
   if (asked("filter")) return front::Run(filter_);
   if (asked("convert")) return front::Run(convert_);

@@ -8,7 +8,9 @@
 #include <vector>
 
 #include "orlune/commands.h"
+#include "orlune/options.h"
 #include "orlune/read_dials.h"
+#include "orlune/run.h"
 
 namespace front {
 
@@ -34,12 +36,9 @@ class CommandLine {
  private:
   void AddInfo();
   void AddInspect();
-  void AddFinding(CLI::App* inspect);
-  void AddRefining(CLI::App* inspect);
-  void AddMeasuring(CLI::App* inspect);
   void AddReporting(CLI::App* inspect);
   void AddGauge();
-  void AddGaugeLines(CLI::App* gauge);
+  void AddRun();
   void AddMatch();
   void AddRead();
   void AddReadingBarcodes(CLI::App* read);
@@ -48,6 +47,7 @@ class CommandLine {
   void AddFilter();
   void AddConvert();
   void AddOthers();
+  void Add(CLI::App* command, const Options& options);
   void AddFiles(CLI::App* command, std::vector<std::string>* files);
   // --csv and --json of a command, --annotate, --quiet and --jobs.
   template <class Command>
@@ -72,8 +72,8 @@ class CommandLine {
   InfoCommand info_;
   InspectCommand inspect_;
   GaugeCommand gauge_;
-  LineGauge gaugeLine_;  // what the options say of all lines
   MatchCommand match_;
+  RunCommand run_;
   Readable readable_ = Readable::Barcode;
   ReadFiles readFiles_;
   ReadBarcodesCommand readBarcodes_;

@@ -13,6 +13,7 @@
 #include "orlune/program.h"
 #include "orlune/shape_matches.h"
 #include "orlune/steps.h"
+#include "orlune/works.h"
 
 namespace front {
 
@@ -22,12 +23,9 @@ struct InfoCommand {
 };
 int Run(const InfoCommand& command);
 
-struct InspectCommand {
+struct InspectCommand : InspectWork {
   std::vector<std::string> files;
-  InspectSettings settings;
-  std::string mask;                      // file, empty for none
-  std::vector<const Measure*> measures;  // empty: a choice that suits the table
-  std::string csv;                       // file, "-" for the standard output, empty for none
+  std::string csv;  // file, "-" for the standard output, empty for none
   std::string json;
   std::string annotate;  // folder, empty for none
   std::string labels;    // likewise
@@ -51,11 +49,8 @@ struct ReadBarcodesCommand : ReadFiles {
 // Every picture with a code that was read is well; ALL_WELL means all of them.
 int Run(const ReadBarcodesCommand& command);
 
-struct GaugeCommand {
+struct GaugeCommand : GaugeWork {
   std::vector<std::string> files;
-  std::string setupFile;  // empty: the set-up is what follows
-  GaugeSetup setup;       // with a file, only its scale and unit count
-  std::string master;     // picture that the lines are drawn for; empty for none
   std::string save;       // file for the set-up, empty for none
   std::string csv, json;  // file, "-" for the standard output, empty for none
   std::string annotate;   // folder, empty for none
@@ -66,10 +61,8 @@ struct GaugeCommand {
 // ALL_WELL means that every picture passed.
 int Run(const GaugeCommand& command);
 
-struct MatchCommand {
-  std::string shape;  // file of the template
+struct MatchCommand : MatchWork {
   std::vector<std::string> files;
-  MatchSettings settings;
   std::string csv, json;  // file, "-" for the standard output, empty for none
   std::string annotate;   // folder, empty for none
   size_t workers = 1;
@@ -88,12 +81,10 @@ struct ConvertCommand {
 constexpr int32_t TYPE_U16 = 100;  // unsigned 16-bit pixels, which only files have
 int Run(const ConvertCommand& command);
 
-struct FilterCommand {
+struct FilterCommand : FilterWork {
   std::vector<std::string> files;
-  Chain steps;
   std::string folder;                   // for a picture of each file, or
   std::string to;                       // the picture of the only file
-  std::string mask;                     // file, empty for none
   std::optional<PictureFormat> format;  // none: by the endings of the names
   size_t workers = 1;
   bool swapBytes = false;

@@ -58,20 +58,6 @@ std::vector<Output> PlanOutputs(const FilterCommand& command) {
   return outputs;
 }
 
-// Throws std::invalid_argument where steps can't be held to some of the pixels.
-void RefuseMask(const FilterCommand& command) {
-  for (const ChosenStep& step : command.steps) {
-    if (command.mask.empty() || !(step.step->movesPixels || step.step->makesGray)) continue;
-    throw std::invalid_argument("no mask can go with the step " + std::string(step.step->name) +
-                                (step.step->makesGray ? ", which makes a gray picture of colours"
-                                                      : ", which moves pixels"));
-  }
-}
-
-std::string SizeText(const ImageInfo& info) {
-  return std::to_string(info.width) + " x " + std::to_string(info.height);
-}
-
 // What there is to say of a file, made where it was filtered and told where all come together.
 struct FileResult {
   bool filtered = false;
@@ -159,13 +145,10 @@ class FilterRun {
                              .border = border_});
       if (!picture.palette.empty()) ApplyPalette(&picture);
       result.reading = clock.Lap();
-      CheckSize(picture.image);
+      const Image* mask = mask_ ? &*mask_ : nullptr;
+      CheckSize(picture.image, command_, mask);
       const Depth depth = DepthOf(picture.account, picture.image);
-      for (const ChosenStep& step : command_.steps) {
-        CheckSize(picture.image);
-        Apply(step, picture.image, mask_ ? ImageRef(*mask_) : 0);
-        result.steps.push_back(clock.Lap());
-      }
+      ApplyChain(command_, mask, picture.image, [&] { result.steps.push_back(clock.Lap()); });
 
       concerned = output.path.string();
       // Filters of whole numbers give such, but not always those of an unsigned type.
@@ -191,18 +174,6 @@ class FilterRun {
     result.complaint =
         "orlune: " + command_.files[task] + ": the process that filtered it was ended\n";
     return result;
-  }
-
-  // The library fills a border that is wider than the picture with other pixels than the
-  // neighbours, and takes a mask of any size.
-  void CheckSize(const Image& image) const {
-    const ImageInfo picture = image.Info();
-    if (std::min(picture.width, picture.height) < border_) {
-      throw std::invalid_argument("the picture of " + SizeText(picture) +
-                                  " pixels is too small for these steps: they take at least " +
-                                  std::to_string(border_) + " on each side");
-    }
-    if (mask_) CheckMaskFits(*mask_, image);
   }
 
   void Take(const FileResult& result) {
@@ -257,6 +228,38 @@ class FilterRun {
 };
 
 }  // namespace
+
+void RefuseMask(const FilterWork& work) {
+  for (const ChosenStep& step : work.steps) {
+    if (work.mask.empty() || !(step.step->movesPixels || step.step->makesGray)) continue;
+    throw std::invalid_argument("no mask can go with the step " + std::string(step.step->name) +
+                                (step.step->makesGray ? ", which makes a gray picture of colours"
+                                                      : ", which moves pixels"));
+  }
+}
+
+// The library fills a border that is wider than the picture with other pixels than the
+// neighbours, and takes a mask of any size.
+void CheckSize(const Image& image, const FilterWork& work, const Image* mask) {
+  const ImageInfo picture = image.Info();
+  const int32_t border = BorderOf(work.steps);
+  if (std::min(picture.width, picture.height) < border) {
+    throw std::invalid_argument("the picture of " + std::to_string(picture.width) + " x " +
+                                std::to_string(picture.height) +
+                                " pixels is too small for these steps: they take at least " +
+                                std::to_string(border) + " on each side");
+  }
+  if (mask != nullptr) CheckMaskFits(*mask, image);
+}
+
+void ApplyChain(const FilterWork& work, const Image* mask, const Image& image,
+                const std::function<void()>& done) {
+  for (const ChosenStep& step : work.steps) {
+    CheckSize(image, work, mask);
+    Apply(step, image, mask != nullptr ? ImageRef(*mask) : 0);
+    if (done) done();
+  }
+}
 
 int Run(const FilterCommand& asked) {
   FilterCommand command = asked;

@@ -61,23 +61,17 @@ class Totals {
 // The set-up that the command names or gives, ready to be measured by.
 class GaugeRun {
  public:
-  explicit GaugeRun(const GaugeCommand& command) : command_(command), setup_(command.setup) {}
-
-  // All throw std::invalid_argument for what makes no sense.
-  void Prepare() {
-    master_ = command_.master;
-    if (!command_.setupFile.empty()) TakeFile();
-    if (command_.setup.scale) setup_.scale = command_.setup.scale;
-    if (!command_.setup.unit.empty()) setup_.unit = command_.setup.unit;
-    if (setup_.gauges.empty()) throw std::invalid_argument("give --line or --setup");
-    NameLines(&setup_);
-    const bool follows = setup_.reference.follow != Follow::Nothing;
-    if (!follows && !command_.master.empty()) {
-      throw std::invalid_argument("--master is for lines that follow the part");
-    }
-    if (follows && master_.empty() && !setup_.reference.taught) {
+  // Throws std::invalid_argument for what makes no sense.
+  explicit GaugeRun(const GaugeCommand& command) : command_(command) {
+    PreparedGauging prepared = PrepareGauging(command);
+    setup_ = std::move(prepared.setup);
+    master_ = std::move(prepared.master);
+    if (setup_.reference.follow != Follow::Nothing && master_.empty() && !setup_.reference.taught) {
       throw std::invalid_argument(
           "lines that follow the part need --master, the picture that they are drawn for");
+    }
+    if (setup_.reference.follow == Follow::Nothing && !command.master.empty()) {
+      throw std::invalid_argument("--master is for lines that follow the part");
     }
   }
 
@@ -108,17 +102,6 @@ class GaugeRun {
   }
 
  private:
-  void TakeFile() {
-    try {
-      ParsedGaugeSetup parsed = ParseGaugeSetup(ReadSetupFile(command_.setupFile));
-      setup_ = std::move(parsed.setup);
-      if (!master_.empty() || parsed.master.empty()) return;
-      master_ = (std::filesystem::path(command_.setupFile).parent_path() / parsed.master).string();
-    } catch (const std::exception& failure) {
-      throw std::invalid_argument(FailureText(command_.setupFile, failure));
-    }
-  }
-
   // Where the part is in the picture that the lines are drawn for.
   void Learn() {
     if (setup_.reference.follow == Follow::Nothing || master_.empty()) return;
@@ -166,15 +149,41 @@ class GaugeRun {
 
 }  // namespace
 
+PreparedGauging PrepareGauging(const GaugeWork& work) {
+  PreparedGauging prepared{work.setup, work.master};
+  for (LineGauge& line : prepared.setup.gauges) {
+    LineGauge whole = work.line;
+    whole.name = line.name;
+    whole.line = line.line;
+    line = whole;
+  }
+  prepared.setup.gauges.insert(prepared.setup.gauges.end(), work.lines.begin(), work.lines.end());
+  if (!work.setupFile.empty()) {
+    try {
+      ParsedGaugeSetup parsed = ParseGaugeSetup(ReadSetupFile(work.setupFile));
+      prepared.setup = std::move(parsed.setup);
+      if (prepared.master.empty() && !parsed.master.empty()) {
+        const auto folder = std::filesystem::path(work.setupFile).parent_path();
+        prepared.master = (folder / parsed.master).string();
+      }
+    } catch (const std::exception& failure) {
+      throw std::invalid_argument(FailureText(work.setupFile, failure));
+    }
+  }
+  if (work.setup.scale) prepared.setup.scale = work.setup.scale;
+  if (!work.setup.unit.empty()) prepared.setup.unit = work.setup.unit;
+  if (prepared.setup.gauges.empty()) throw std::invalid_argument("give --line or --setup");
+  NameLines(&prepared.setup);
+  return prepared;
+}
+
 int Run(const GaugeCommand& command) {
-  GaugeRun run(command);
   try {
-    run.Prepare();
+    return GaugeRun(command).Work();
   } catch (const std::invalid_argument& error) {
     std::cerr << "orlune: " << error.what() << '\n';
     return BAD_USE;
   }
-  return run.Work();
 }
 
 }  // namespace front

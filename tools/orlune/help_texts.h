@@ -10,6 +10,7 @@ Examples:
   orlune inspect --scale 0.05 --unit mm --csv parts.csv --annotate marked parts/*.tif
   orlune gauge --line 320,40,320,440 --object dark --min 119.8 --max 120.2 shots/*.bmp
   orlune filter --steps "median 5; edges sobel 20" --out filtered parts/*.tif
+  orlune run shaft.toml --csv diameters.csv shots/*.bmp
   orlune convert --type u8 --stretch deep.tif view.png
 
 Pictures: native (.orln), TIFF, PNG, JPEG and BMP files of all usual kinds. scan.tif#3 is the third
@@ -104,6 +105,56 @@ Examples:
     --unit mm --follow dark --master first.bmp --save shaft.json --annotate marked first.bmp
   orlune gauge -j auto --setup shaft.json --csv diameters.csv shots/*.bmp
 Exit status: 0 all pictures passed; 1 some did not, or a file could not be read or written.)";
+
+constexpr char RUN_FOOTER[] = R"(
+A recipe is a TOML file: steps that are done in their order, each with the keys that the command of
+its name has as options, without the dashes. docs/recipes.md tells all of it.
+
+  name = "washers"
+  scale = 0.05                 # of a pixel, for all steps that say nothing else
+  unit = "mm"
+
+  [[step]]
+  do = "filter"                # filter, inspect, gauge, match or read
+  steps = "median 3"
+
+  [[step]]
+  do = "inspect"
+  name = "parts"
+  dark = true
+  keep = "AreaPixels>=500"
+  count = "9:11"               # passes with so many kept particles
+  require = "NumberOfHoles=1"  # and if this holds for each of them
+
+  [[step]]
+  do = "gauge"
+  follow-step = "parts"        # the lines lie on its largest particle
+  master = "first.bmp"         # as they were drawn on this picture
+  line = ["width=10,40,90,40"]
+  object = "dark"
+  min = 3.9
+  max = 4.1
+
+  [[step]]
+  do = "read"
+  what = "lcd"                 # barcode, lcd or meter
+  setup = "display.json"       # files are named from the recipe's folder
+  expect = "[0-9]{3}\.[0-9]"   # a regular expression for all of the text
+
+Filters change the picture for the steps after them; on = "original" or the name of a filter step
+looks at another one. A step with record-only = true does not decide.
+
+Each picture is worked on in a process of its own kind: one that breaks, or takes too long, costs that
+picture alone. With --db each result is recorded at once; --resume finishes the last run of the same
+recipe there, whatever ended it, and its reports tell all of its pictures.
+
+Examples:
+  orlune run --check shaft.toml
+  orlune run shaft.toml --explain-on shots/7.bmp --out steps
+  orlune run -j auto shaft.toml --db shafts.db --html shafts.html shots/*.bmp
+  orlune run -j auto shaft.toml --db shafts.db --resume
+Exit status: 0 all pictures passed; 1 some failed; 2 wrong use, or a recipe with mistakes; 3 some have
+no verdict: they could not be read, or what the recipe asks of them cannot be done.)";
 
 constexpr char MATCH_FOOTER[] = R"(
 Objects are found in the template's picture and in the others alike, by a boundary between light and

@@ -16,12 +16,6 @@
 namespace front {
 namespace {
 
-MeasureList UsualMeasures(const InspectSettings& settings) {
-  return ParseMeasures(std::string(settings.scale ? "AreaCalibrated" : "AreaPixels") +
-                       ",CentreOfMassX,CentreOfMassY,WidthCalibrated,HeightCalibrated,Perimeter,"
-                       "NumberOfHoles,Orientation,HeywoodCircularity");
-}
-
 // What there is to say of a file, made where it was inspected and told where all come together.
 struct FileResult {
   Summary summary;
@@ -58,7 +52,7 @@ class InspectRun {
   explicit InspectRun(const InspectCommand& command)
       : command_(command),
         settings_(command.settings),
-        measures_(command.measures.empty() ? UsualMeasures(command.settings) : command.measures),
+        measures_(MeasuresOf(command)),
         tableOut_(command.csv == STANDARD_STREAM || command.json == STANDARD_STREAM ? std::cerr
                                                                                     : std::cout),
         progress_(command.files.size()) {}
@@ -251,6 +245,13 @@ class InspectRun {
 };
 
 }  // namespace
+
+MeasureList MeasuresOf(const InspectWork& work) {
+  if (!work.measures.empty()) return work.measures;
+  return ParseMeasures(std::string(work.settings.scale ? "AreaCalibrated" : "AreaPixels") +
+                       ",CentreOfMassX,CentreOfMassY,WidthCalibrated,HeightCalibrated,Perimeter,"
+                       "NumberOfHoles,Orientation,HeywoodCircularity");
+}
 
 int Run(const InspectCommand& asked) {
   InspectCommand command = asked;

@@ -156,11 +156,8 @@ struct Located {
   Image mask;
 };
 
-Located FindAndLabel(const std::string& path, const InspectSettings& settings) {
+Located FindAndLabel(const std::string& path, Loaded picture, const InspectSettings& settings) {
   Clock clock;
-  Loaded picture = ReadPicture(
-      path,
-      {.form = Form::Gray, .swapBytes = settings.swapBytes, .colours = settings.colours.Any()});
   const ImageInfo info = picture.image.Info();
 
   Inspection result{.path = path,
@@ -178,8 +175,6 @@ Located FindAndLabel(const std::string& path, const InspectSettings& settings) {
     result.unit = settings.unit.empty() ? "unit" : settings.unit;
   }
   Check(ZEL_SetImageCalibration(result.picture, info.unit, result.scale.x, result.scale.y));
-  result.timing.reading = clock.Lap();
-
   Image mask = FindObjects(settings, picture.colours, &result);
   result.timing.thresholding = clock.Lap();
 
@@ -188,14 +183,33 @@ Located FindAndLabel(const std::string& path, const InspectSettings& settings) {
   return {std::move(result), std::move(mask)};
 }
 
+Loaded ReadFor(const std::string& path, const InspectSettings& settings) {
+  return ReadPicture(
+      path,
+      {.form = Form::Gray, .swapBytes = settings.swapBytes, .colours = settings.colours.Any()});
+}
+
 }  // namespace
 
 Inspection Locate(const std::string& path, const InspectSettings& settings) {
-  return FindAndLabel(path, settings).inspection;
+  return Locate(path, ReadFor(path, settings), settings);
+}
+
+Inspection Locate(const std::string& path, Loaded picture, const InspectSettings& settings) {
+  return FindAndLabel(path, std::move(picture), settings).inspection;
 }
 
 Inspection Inspect(const std::string& path, const InspectSettings& settings) {
-  Located located = FindAndLabel(path, settings);
+  Clock clock;
+  Loaded picture = ReadFor(path, settings);
+  const Seconds reading = clock.Lap();
+  Inspection inspection = Inspect(path, std::move(picture), settings);
+  inspection.timing.reading = reading;
+  return inspection;
+}
+
+Inspection Inspect(const std::string& path, Loaded picture, const InspectSettings& settings) {
+  Located located = FindAndLabel(path, std::move(picture), settings);
   Inspection result = std::move(located.inspection);
   const Image& mask = located.mask;
   Clock clock;

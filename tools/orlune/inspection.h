@@ -63,4 +63,9 @@ Inspection Locate(const std::string& path, const InspectSettings& settings);
 // Measures them too. Throws as Locate.
 Inspection Inspect(const std::string& path, const InspectSettings& settings);
 
+// The same in a picture that has been read as gray, with its colours where objects are found by
+// them.
+Inspection Locate(const std::string& path, Loaded picture, const InspectSettings& settings);
+Inspection Inspect(const std::string& path, Loaded picture, const InspectSettings& settings);
+
 }  // namespace front

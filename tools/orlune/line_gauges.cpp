@@ -106,9 +106,9 @@ Place FirstEdge(const Image& picture, const Line& line, const Reference& referen
   const Edges edges = EdgesAlong(picture, line, reference.search);
   const auto first = FirstInto(edges, reference.object);
   if (first == edges.end()) {
-    throw std::runtime_error("the part was not found: no edge on the line of reference from " +
-                             std::to_string(std::lround(line.from.x)) + "," +
-                             std::to_string(std::lround(line.from.y)));
+    throw NotFound("the part was not found: no edge on the line of reference from " +
+                   std::to_string(std::lround(line.from.x)) + "," +
+                   std::to_string(std::lround(line.from.y)));
   }
   return line.At(first->along);
 }
@@ -123,7 +123,7 @@ Pose PoseByEdges(const Image& picture, const Reference& reference) {
   const Place& base = found[0];
   const double dx = found[1].x - base.x, dy = found[1].y - base.y;
   const double squared = dx * dx + dy * dy;
-  if (!(squared > 0)) throw std::runtime_error("the part was not found: two edges at one place");
+  if (!(squared > 0)) throw NotFound("the part was not found: two edges at one place");
   const double part = ((found[2].x - base.x) * dx + (found[2].y - base.y) * dy) / squared;
   return {{base.x + part * dx, base.y + part * dy}, std::atan2(dy, dx) * 180 / std::numbers::pi};
 }
@@ -131,9 +131,9 @@ Pose PoseByEdges(const Image& picture, const Reference& reference) {
 Pose PoseByObject(const Inspection& inspection, const Reference& reference) {
   const std::optional<ObjectPose> object = PoseOf(inspection.labels, 0);
   if (!object) {
-    throw std::runtime_error("the part was not found: " + (inspection.remark.empty()
-                                                               ? std::string("there is no object")
-                                                               : inspection.remark));
+    throw NotFound("the part was not found: " + (inspection.remark.empty()
+                                                     ? std::string("there is no object")
+                                                     : inspection.remark));
   }
   return reference.taught ? Resolved(*object, *reference.taught) : object->pose;
 }
@@ -144,12 +144,11 @@ struct Found {
   std::optional<Pose> part;
 };
 
-Found ReadAndFind(const std::string& path, const Reference& reference, bool swapBytes) {
+Found FindIn(const std::string& path, Loaded picture, const Reference& reference) {
   if (reference.follow == Follow::Object) {
     InspectSettings settings;
     settings.dark = reference.object == Object::Dark;
-    settings.swapBytes = swapBytes;
-    Inspection inspection = Locate(path, settings);
+    Inspection inspection = Locate(path, std::move(picture), settings);
     const Pose part = PoseByObject(inspection, reference);
     return {{.account = std::move(inspection.account),
              .image = std::move(inspection.picture),
@@ -157,10 +156,13 @@ Found ReadAndFind(const std::string& path, const Reference& reference, bool swap
              .colours = {}},
             part};
   }
-  Loaded picture = ReadPicture(path, {.form = Form::Gray, .swapBytes = swapBytes});
   std::optional<Pose> part;
   if (reference.follow == Follow::Edges) part = PoseByEdges(picture.image, reference);
   return {std::move(picture), part};
+}
+
+Loaded ReadGray(const std::string& path, bool swapBytes) {
+  return ReadPicture(path, {.form = Form::Gray, .swapBytes = swapBytes});
 }
 
 template <class Value>
@@ -204,7 +206,11 @@ bool Gauging::Passed() const {
 }
 
 Pose FindPart(const std::string& path, const Reference& reference, bool swapBytes) {
-  return ReadAndFind(path, reference, swapBytes).part.value_or(Pose{});
+  return FindPart(path, ReadGray(path, swapBytes), reference);
+}
+
+Pose FindPart(const std::string& path, Loaded picture, const Reference& reference) {
+  return FindIn(path, std::move(picture), reference).part.value_or(Pose{});
 }
 
 std::vector<GaugeResult> GaugeLines(const Image& picture, const Scale& scale,
@@ -222,11 +228,22 @@ std::vector<GaugeResult> GaugeLines(const Image& picture, const Scale& scale,
 }
 
 Gauging GaugePicture(const std::string& path, const GaugeSetup& setup, bool swapBytes) {
+  Clock clock;
+  Loaded picture = ReadGray(path, swapBytes);
+  const Seconds reading = clock.Lap();
+  Gauging gauging = GaugePicture(path, std::move(picture), setup);
+  gauging.time += reading;
+  return gauging;
+}
+
+Gauging GaugePicture(const std::string& path, Loaded picture, const GaugeSetup& setup,
+                     std::optional<Pose> part) {
   if (setup.reference.follow != Follow::Nothing && !setup.reference.taught) {
     throw std::invalid_argument("lines that follow the part need the picture they are drawn for");
   }
   Clock clock;
-  Found found = ReadAndFind(path, setup.reference, swapBytes);
+  Found found =
+      part ? Found{std::move(picture), part} : FindIn(path, std::move(picture), setup.reference);
   const ImageInfo info = found.picture.image.Info();
   Gauging gauging{.path = path,
                   .account = std::move(found.picture.account),

@@ -106,6 +106,12 @@ Pose FindPart(const std::string& path, const Reference& reference, bool swapByte
 // part but was taught nowhere.
 Gauging GaugePicture(const std::string& path, const GaugeSetup& setup, bool swapBytes);
 
+// The same for a picture that has been read as gray. Where the part was found by other means, it
+// is not looked for.
+Pose FindPart(const std::string& path, Loaded picture, const Reference& reference);
+Gauging GaugePicture(const std::string& path, Loaded picture, const GaugeSetup& setup,
+                     std::optional<Pose> part = {});
+
 // The same for a picture that has been read, where the part is known: for lines that are carried
 // along from where it was taught, or stay.
 std::vector<GaugeResult> GaugeLines(const Image& picture, const Scale& scale,

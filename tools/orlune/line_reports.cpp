@@ -5,7 +5,6 @@
 #include <cmath>
 #include <iomanip>
 
-#include "orlune/canvas.h"
 #include "orlune/numbers.h"
 #include "orlune/output.h"
 #include "orlune/readable.h"
@@ -13,21 +12,6 @@
 
 namespace front {
 namespace {
-
-std::string UnitOf(const LineGauge& gauge, const std::string& unit) {
-  return gauge.measure == LineMeasure::Edges ? "" : unit;
-}
-
-std::string ValueText(const LineGauge& gauge, const std::optional<double>& value) {
-  if (!value) return "-";
-  if (gauge.measure == LineMeasure::Edges) return Fixed(*value, 0);
-  return Fixed(*value, std::abs(*value) < 10 ? 4 : std::abs(*value) < 100 ? 3 : 2);
-}
-
-std::string LimitsText(const Limits& limits) {
-  if (!limits.Any()) return "";
-  return (limits.low ? Short(*limits.low) : "") + ":" + (limits.high ? Short(*limits.high) : "");
-}
 
 std::string ExactOrNothing(const std::optional<double>& value) {
   return value ? Exact(*value) : "";
@@ -119,6 +103,21 @@ void DrawPart(const Canvas& canvas, const Pose& part) {
 
 }  // namespace
 
+std::string UnitOf(const LineGauge& gauge, const std::string& unit) {
+  return gauge.measure == LineMeasure::Edges ? "" : unit;
+}
+
+std::string ValueText(const LineGauge& gauge, const std::optional<double>& value) {
+  if (!value) return "-";
+  if (gauge.measure == LineMeasure::Edges) return Fixed(*value, 0);
+  return Fixed(*value, std::abs(*value) < 10 ? 4 : std::abs(*value) < 100 ? 3 : 2);
+}
+
+std::string LimitsText(const Limits& limits) {
+  if (!limits.Any()) return "";
+  return (limits.low ? Short(*limits.low) : "") + ":" + (limits.high ? Short(*limits.high) : "");
+}
+
 std::string_view VerdictOf(const GaugeResult& result) {
   return !result.value ? "not found" : result.passed ? "passed" : "failed";
 }
@@ -207,11 +206,7 @@ void PrintSpreads(std::ostream& out, const GaugeSetup& setup,
   }
 }
 
-void WriteGauged(const Gauging& gauging, const GaugeSetup& setup, const std::string& file) {
-  const ImageInfo info = gauging.picture.Info();
-  const Image picture(IMAGE_RGB, 0, info.width, info.height);
-  const Canvas canvas(picture);
-  canvas.CopyGray(Stretch(gauging.picture, ExtremesOf(gauging.picture)));
+void DrawGauged(const Gauging& gauging, const GaugeSetup& setup, const Canvas& canvas) {
   for (size_t i = 0; i < setup.gauges.size(); i++) {
     DrawResult(canvas, gauging.results[i], setup.gauges[i]);
   }
@@ -219,6 +214,14 @@ void WriteGauged(const Gauging& gauging, const GaugeSetup& setup, const std::str
   for (size_t i = 0; i < setup.gauges.size(); i++) {
     DrawText(canvas, gauging.results[i], setup.gauges[i]);
   }
+}
+
+void WriteGauged(const Gauging& gauging, const GaugeSetup& setup, const std::string& file) {
+  const ImageInfo info = gauging.picture.Info();
+  const Image picture(IMAGE_RGB, 0, info.width, info.height);
+  const Canvas canvas(picture);
+  canvas.CopyGray(Stretch(gauging.picture, ExtremesOf(gauging.picture)));
+  DrawGauged(gauging, setup, canvas);
   WritePicture(picture, {}, Depth::AsImage, file, PictureFormat::Bmp);
 }
 

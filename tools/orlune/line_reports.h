@@ -6,12 +6,18 @@
 #include <string>
 #include <vector>
 
+#include "orlune/canvas.h"
 #include "orlune/line_gauges.h"
 
 namespace front {
 
 // "passed", "failed", or "not found": an edge that is needed is not there.
 std::string_view VerdictOf(const GaugeResult& result);
+
+// A value's unit, none for numbers of edges; the value, a dash for none; "4.98:5.02".
+std::string UnitOf(const LineGauge& gauge, const std::string& unit);
+std::string ValueText(const LineGauge& gauge, const std::optional<double>& value);
+std::string LimitsText(const Limits& limits);
 
 void PrintTable(std::ostream& out, const Gauging& gauging, const GaugeSetup& setup);
 
@@ -38,9 +44,11 @@ class ValueSpread {
 void PrintSpreads(std::ostream& out, const GaugeSetup& setup,
                   const std::vector<ValueSpread>& spreads, const std::string& unit);
 
-// Writes a 24-bit BMP file: the picture with each line, its edges as strokes across it, the
-// distance in green, in red where it did not pass, and its name and value; and the place and
-// direction of the part. Throws as WritePicture.
+// Draws each line, its edges as strokes across it, the distance in green, in red where it did not
+// pass, and its name and value; and the place and direction of the part.
+void DrawGauged(const Gauging& gauging, const GaugeSetup& setup, const Canvas& canvas);
+
+// Writes a 24-bit BMP file: the picture with all that drawn. Throws as WritePicture.
 void WriteGauged(const Gauging& gauging, const GaugeSetup& setup, const std::string& file);
 
 }  // namespace front

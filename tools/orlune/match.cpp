@@ -1,6 +1,4 @@
 // orlune match: finds the objects of picture files that have the shape of a template.
-#include <algorithm>
-#include <cmath>
 #include <iomanip>
 #include <iostream>
 #include <sstream>
@@ -80,24 +78,13 @@ std::string JsonOf(const Matching& matching) {
   return record + "]}";
 }
 
-// The template's own axes, where they lie in the match.
-void DrawAxes(const Canvas& canvas, const ShapeMatch& match) {
-  constexpr RGBValue COLOUR = 0xFF50FF;
-  const double reach = std::max(std::sqrt(match.area) / 3, 4.0);
-  const Pose pose{match.at, match.degrees.value_or(0)};
-  const auto place = [&](double x, double y) { return Carried({x, y}, {}, pose); };
-  canvas.Stroke(place(match.degrees ? 0 : -reach / 2, 0), place(reach, 0), 1, COLOUR);
-  canvas.Stroke(place(0, -reach / 2), place(0, reach / 2), 1, COLOUR);
-}
-
 void WriteMatches(const Matching& matching, const std::string& file) {
   const Image& gray = matching.inspection.Gray();
   const ImageInfo info = gray.Info();
   const Image picture(IMAGE_RGB, 0, info.width, info.height);
   const Canvas canvas(picture);
   canvas.CopyGray(gray);
-  DrawParticles(matching.inspection, canvas);
-  for (const ShapeMatch& match : matching.matches) DrawAxes(canvas, match);
+  DrawMatches(matching, canvas);
   WritePicture(picture, {}, Depth::AsImage, file, PictureFormat::Bmp);
 }
 

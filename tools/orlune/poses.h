@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <stdexcept>
 
 #include "orlune/labels.h"
 
@@ -15,6 +16,12 @@ struct Place {
 struct Pose {
   Place at;
   double degrees = 0;  // from the direction of rows clockwise, as y points down
+};
+
+// What a picture was searched for is not in it.
+class NotFound : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
 };
 
 // Where a point goes that is fixed to what has moved from one pose to another.

@@ -71,10 +71,6 @@ Image ReadGray(const std::string& path) {
 
 // ---- what is drawn
 
-struct Stroke {
-  int32_t x1, y1, x2, y2;
-};
-
 int32_t Pixel(float coordinate) {
   return static_cast<int32_t>(std::lround(coordinate));
 }
@@ -99,27 +95,15 @@ void WriteMarked(const Image& picture, const std::vector<Stroke>& strokes,
 
 // ---- gauges
 
-// What a picture says.
-struct Reading {
-  std::string text;                // as people read it
-  std::vector<std::string> cells;  // of the CSV report, behind the file's name
-  std::string members;             // of the JSON record
-  std::vector<Stroke> strokes;
-};
-
-// A gauge of either kind, ready to be read.
-struct Gauge {
-  std::string csvHead;
-  std::function<Reading(const Image& gray)> read;
-};
-
-Gauge MeterOf(const MeterSetup& setup) {
+Dial MeterOf(const MeterSetup& setup) {
   const auto arc = std::make_shared<Arc>(ArcOf(setup.base, setup.start, setup.end));
   const auto read = [=](const Image& gray) {
     const NeedleReading needle = ReadNeedle(gray, setup.base, *arc, setup.isLight);
     const auto percent = static_cast<double>(needle.percent);
     const double value = setup.ValueAt(percent);
-    Reading reading;
+    DialReading reading;
+    reading.value = value;
+    reading.unit = setup.unit;
     reading.text = Short(value) + ' ' + setup.unit;
     reading.cells = {Exact(value), CsvText(setup.unit), Exact(needle.percent), Exact(needle.tip.x),
                      Exact(needle.tip.y)};
@@ -144,7 +128,7 @@ std::vector<Stroke> OutlinesOf(const DisplaySetup& setup) {
   return strokes;
 }
 
-Gauge DisplayOf(const DisplaySetup& setup) {
+Dial DisplayOf(const DisplaySetup& setup) {
   const std::shared_ptr<RoiDescriptor> digits = RoiOf(setup.digits);
   const auto read = [=](const Image& gray) {
     char* text = nullptr;
@@ -155,7 +139,8 @@ Gauge DisplayOf(const DisplaySetup& setup) {
                              setup.hasSign, setup.hasPoints, &text, &number, &segments, &count));
     const Block<char> textOwner(text);
     const Block<uint8_t> segmentsOwner(segments);
-    Reading reading;
+    DialReading reading;
+    reading.value = number;
     reading.text = std::string(Trim(text));
     reading.cells = {CsvText(reading.text), Exact(number), std::to_string(count)};
     reading.members = "\"text\": " + JsonText(reading.text) +
@@ -167,17 +152,11 @@ Gauge DisplayOf(const DisplaySetup& setup) {
   return {"file,text,number,digits\n", read};
 }
 
-Gauge GaugeOf(const ReadDialsCommand& command) {
-  const std::string text = ReadSetupFile(command.setup);
-  return command.kind == GaugeKind::Meter ? MeterOf(ParseMeterSetup(text))
-                                          : DisplayOf(ParseDisplaySetup(text));
-}
-
 // ---- reading
 
 class ReadRun {
  public:
-  ReadRun(const ReadDialsCommand& command, const Gauge& gauge)
+  ReadRun(const ReadDialsCommand& command, const Dial& gauge)
       : command_(command),
         gauge_(gauge),
         tableOut_(command.csv == STANDARD_STREAM || command.json == STANDARD_STREAM ? std::cerr
@@ -230,7 +209,7 @@ class ReadRun {
     std::string record;
     try {
       const Image gray = ReadGray(path);
-      const Reading reading = gauge_.read(gray);
+      const DialReading reading = gauge_.read(gray);
       record = reading.members;
       if (csv_) PutCsv(path, reading);
       if (!command_.quiet && &tableOut_ != &std::cerr) {
@@ -251,14 +230,14 @@ class ReadRun {
     }
   }
 
-  void PutCsv(const std::string& path, const Reading& reading) {
+  void PutCsv(const std::string& path, const DialReading& reading) {
     csv_->stream() << CsvText(path);
     for (const std::string& cell : reading.cells) csv_->stream() << ',' << cell;
     csv_->stream() << '\n';
   }
 
   // A gauge that was read stays so when its picture cannot be written.
-  void WriteMarkedOf(size_t task, const Image& gray, const Reading& reading) {
+  void WriteMarkedOf(size_t task, const Image& gray, const DialReading& reading) {
     try {
       WriteMarked(gray, reading.strokes, marked_[task]);
     } catch (const std::exception& failure) {
@@ -269,7 +248,7 @@ class ReadRun {
   }
 
   const ReadDialsCommand& command_;
-  const Gauge& gauge_;
+  const Dial& gauge_;
   std::vector<std::string> marked_;
   std::ostream& tableOut_;
   Progress progress_;
@@ -338,11 +317,17 @@ PointFloat ParsePlace(std::string_view text) {
   return {static_cast<float>(ParseNumber(sides[0])), static_cast<float>(ParseNumber(sides[1]))};
 }
 
+Dial DialOf(GaugeKind kind, const std::string& setupFile) {
+  const std::string text = ReadSetupFile(setupFile);
+  return kind == GaugeKind::Meter ? MeterOf(ParseMeterSetup(text))
+                                  : DisplayOf(ParseDisplaySetup(text));
+}
+
 int Run(const ReadDialsCommand& asked) {
   ReadDialsCommand command = asked;
-  Gauge gauge;
+  Dial gauge;
   try {
-    gauge = GaugeOf(command);
+    gauge = DialOf(command.kind, command.setup);
   } catch (const std::exception& failure) {
     PrintFailure(command.setup, failure);
     return BAD_USE;

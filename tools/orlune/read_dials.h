@@ -1,6 +1,8 @@
-// orlune read meter and orlune read lcd, and the commands that write their set-up files.
+// Meters and displays: orlune read meter and orlune read lcd, and the commands that write their
+// set-up files.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,6 +14,28 @@
 namespace front {
 
 enum class GaugeKind { Meter, Display };
+
+struct Stroke {
+  int32_t x1, y1, x2, y2;
+};
+
+// What a picture says.
+struct DialReading {
+  std::string text;                // as people read it
+  double value = 0;                // that it stands for
+  std::string unit;                // empty for none
+  std::vector<std::string> cells;  // of the CSV report, behind the file's name
+  std::string members;             // of the JSON record
+  std::vector<Stroke> strokes;     // that show it in the picture
+};
+
+// A meter or display, ready to be read.
+struct Dial {
+  std::string csvHead;
+  std::function<DialReading(const Image& gray)> read;
+};
+// By a set-up file. Throws std::invalid_argument.
+Dial DialOf(GaugeKind kind, const std::string& setupFile);
 
 struct ReadDialsCommand : ReadFiles {
   GaugeKind kind = GaugeKind::Meter;

@@ -109,7 +109,11 @@ Template ReadTemplate(const std::string& path, const InspectSettings& finding) {
 
 Matching FindMatches(const std::string& path, const Template& shape,
                      const MatchSettings& settings) {
-  Matching matching{Locate(path, settings.finding), {}};
+  return FindMatches(Locate(path, settings.finding), shape, settings);
+}
+
+Matching FindMatches(Inspection located, const Template& shape, const MatchSettings& settings) {
+  Matching matching{std::move(located), {}};
   const Labels& labels = matching.inspection.labels;
   const std::vector<double> areas = AreasOf(labels);
   const auto isWanted = [&](uint32_t label) {

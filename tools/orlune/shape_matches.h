@@ -41,5 +41,7 @@ struct Matching {
 };
 // Throws as Locate.
 Matching FindMatches(const std::string& path, const Template& shape, const MatchSettings& settings);
+// The same among objects that were located.
+Matching FindMatches(Inspection located, const Template& shape, const MatchSettings& settings);
 
 }  // namespace front

@@ -3,11 +3,14 @@
 
 #include <poll.h>
 #include <sched.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
+#include <csignal>
 #include <cstdint>
 #include <cstdlib>
 #include <deque>
@@ -69,6 +72,7 @@ class Worker {
     if (::pipe(batches) != 0) Fail("pipe");
     if (::pipe(results) != 0) Fail("pipe");
     std::cout.flush();
+    const pid_t parent = ::getpid();
     process_ = ::fork();
     if (process_ < 0) Fail("fork");
     if (process_ == 0) {
@@ -76,7 +80,7 @@ class Worker {
       for (const Worker* other : others) other->CloseEnds();
       ::close(batches[1]);
       ::close(results[0]);
-      Serve(run, batches[0], results[1]);
+      Serve(run, parent, batches[0], results[1]);
     }
     ::close(batches[0]);
     ::close(results[1]);
@@ -94,6 +98,11 @@ class Worker {
   const Batch& batch() const { return batch_; }
   bool IsBusy() const { return batch_.count > 0; }
   int results() const { return results_; }
+  // How long it may go on until it is late; without end where it does not work.
+  Seconds Left(Seconds limit) const {
+    return IsBusy() ? limit - clock_.Passed() : Seconds(HUGE_VAL);
+  }
+  void End() const { ::kill(process_, SIGKILL); }
   // How many tasks should come next, by the time that the last ones took.
   size_t NextCount() const { return nextCount_; }
 
@@ -120,8 +129,11 @@ class Worker {
     throw std::system_error(errno, std::generic_category(), what);
   }
 
-  [[noreturn]] static void Serve(const TaskRun& run, int batches, int toParent) {
+  [[noreturn]] static void Serve(const TaskRun& run, pid_t parent, int batches, int toParent) {
     LeaveInterruptsToParent();
+    // A worker that hangs would outlive a parent that was ended.
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (::getppid() != parent) ::_exit(EXIT_FAILURE);
     // Workers share the processors, so that each computes alone.
     ::setenv("ORLUNE_PTK_THREADS", "1", 1);
     Batch batch;
@@ -204,9 +216,34 @@ class Pool {
       watched.push_back(
           {.fd = worker->IsBusy() ? worker->results() : -1, .events = POLLIN, .revents = 0});
     }
-    if (::poll(watched.data(), watched.size(), -1) < 0) return;  // a signal
+    if (::poll(watched.data(), watched.size(), LongestWait()) < 0) return;  // a signal
     for (size_t i = 0; i < watched.size(); ++i) {
       if (watched[i].revents != 0) TakeFrom(i);
+    }
+    EndLate();
+  }
+
+  // Milliseconds until a worker is late; -1 where none can be.
+  int LongestWait() const {
+    if (!run_.limit) return -1;
+    Seconds left = *run_.limit;
+    for (const auto& worker : workers_) left = std::min(left, worker->Left(*run_.limit));
+    return static_cast<int>(std::clamp(std::ceil(left.count() * 1000), 0.0, 1e6));
+  }
+
+  void EndLate() {
+    if (!run_.limit) return;
+    for (size_t i = 0; i < workers_.size(); ++i) {
+      if (workers_[i]->Left(*run_.limit).count() > 0) continue;
+      const Batch batch = workers_[i]->batch();
+      workers_[i]->End();
+      if (batch.count == 1) {
+        done_[batch.first] = run_.late(batch.first);
+      } else {
+        Lose(batch);
+      }
+      StartWorker(i);
+      GiveNext(workers_[i].get());
     }
   }
 
@@ -250,7 +287,7 @@ class Pool {
 }  // namespace
 
 void RunTasks(const TaskRun& run) {
-  if (run.workers > 1 && run.tasks > 1) {
+  if (run.apart || (run.workers > 1 && run.tasks > 1)) {
     Pool(run).Run();
     return;
   }

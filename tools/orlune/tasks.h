@@ -7,6 +7,8 @@
 #include <optional>
 #include <string>
 
+#include "orlune/clock.h"
+
 namespace front {
 
 struct TaskRun {
@@ -14,6 +16,12 @@ struct TaskRun {
   size_t workers = 1;  // 1: in this process
   // Does a task and gives what there is to say of it.
   std::function<std::string(size_t task)> work;
+  // Even a single worker is a process of its own, so that none takes this one with it.
+  bool apart = false;
+  // What a task may take; a worker that needs longer is ended. Needs apart, or more workers.
+  std::optional<Seconds> limit = {};
+  // What there is to say of a task that took longer.
+  std::function<std::string(size_t task)> late = {};
   // Takes that; nothing from a worker that did not live to say it.
   std::function<void(size_t task, std::optional<std::string> result)> take;
 };

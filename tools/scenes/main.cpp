@@ -11,6 +11,7 @@
 #include "pictures/writers.h"
 #include "scenes/gauges.h"
 #include "scenes/labels.h"
+#include "scenes/lots.h"
 #include "scenes/scenes.h"
 #include "scenes/shafts.h"
 
@@ -124,6 +125,21 @@ void WriteShafts(const std::filesystem::path& folder) {
   if (!truth.flush()) throw std::runtime_error(truthFile.string() + " could not be written");
 }
 
+// The pictures, and which of them are good.
+void WriteLots(const std::filesystem::path& folder,
+               const std::vector<scenes::LotPicture>& pictures) {
+  std::filesystem::create_directories(folder);
+  const std::filesystem::path truthFile = folder / "truth.csv";
+  std::ofstream truth(truthFile);
+  truth << "file,verdict,truth\n";
+  for (const scenes::LotPicture& each : pictures) {
+    WritePicture(each.picture, folder / each.file);
+    truth << each.file << ',' << (each.good ? "passed" : "failed") << ",\"" << each.truth << "\"\n";
+    std::printf("%-12s %s\n", each.file.c_str(), each.truth.c_str());
+  }
+  if (!truth.flush()) throw std::runtime_error(truthFile.string() + " could not be written");
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -139,6 +155,8 @@ int main(int argc, char** argv) {
     WriteGauges(std::filesystem::path(argv[1]) / "gauges");
     WriteLabels(std::filesystem::path(argv[1]) / "labels");
     WriteShafts(std::filesystem::path(argv[1]) / "shafts");
+    WriteLots(std::filesystem::path(argv[1]) / "trays", scenes::Trays());
+    WriteLots(std::filesystem::path(argv[1]) / "packages", scenes::Packages());
   } catch (const std::exception& failure) {
     std::cerr << "orlune_scenes: " << failure.what() << '\n';
     return 1;
