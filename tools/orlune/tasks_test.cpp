@@ -64,6 +64,46 @@ TEST(Tasks, ManySmallOnesAreGivenTogetherAndLostAlone) {
   }
 }
 
+TEST(Tasks, AWorkerThatTakesTooLongIsEndedAndLosesItsTaskAlone) {
+  for (const size_t workers : {1u, 3u}) {
+    std::vector<std::string> results;
+    TaskRun run;
+    run.tasks = 200;
+    run.workers = workers;
+    run.apart = true;
+    run.limit = Seconds(0.3);
+    run.late = [](size_t) { return std::string("late"); };
+    run.work = [](size_t task) {
+      while (task == 0 || task == 150) ::usleep(1000);
+      if (task == 151) ::raise(SIGKILL);
+      return std::to_string(task);
+    };
+    run.take = [&](size_t task, std::optional<std::string> result) {
+      EXPECT_EQ(task, results.size());
+      results.push_back(result.value_or("lost"));
+    };
+    RunTasks(run);
+    ASSERT_EQ(results.size(), 200u);
+    for (size_t task = 0; task < 200; ++task) {
+      EXPECT_EQ(results[task], task == 0 || task == 150 ? "late"
+                               : task == 151            ? "lost"
+                                                        : std::to_string(task));
+    }
+  }
+}
+
+TEST(Tasks, ApartIsAnotherProcessEvenForOneWorker) {
+  std::string process;
+  TaskRun run;
+  run.tasks = 1;
+  run.apart = true;
+  run.work = [](size_t) { return std::to_string(::getpid()); };
+  run.take = [&](size_t, std::optional<std::string> result) { process = result.value_or(""); };
+  RunTasks(run);
+  EXPECT_FALSE(process.empty());
+  EXPECT_NE(process, std::to_string(::getpid()));
+}
+
 TEST(Tasks, WorkersAreNumbersOrAuto) {
   EXPECT_EQ(ParseWorkers("3"), 3u);
   EXPECT_GE(ParseWorkers("auto"), 1u);
