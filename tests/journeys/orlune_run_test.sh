@@ -165,13 +165,14 @@ END
 mistake 1 "write [[step]]" <<'END'
 step = 3
 END
-mistake 2 "" <<'END'
-name = "not
+mistake 2 "Error while parsing" <<'END'
+name = "wrong"
+scale = 0.1.2
 END
-mistake 3 "the median" <<'END' 2>/dev/null || true
+mistake 3 "'steps': step 2, edges: " <<'END'
 [[step]]
 do = "filter"
-steps = "median 500"
+steps = "median 3; edges sobbel 4"
 END
 mistake 1 "the step filter needs steps" <<'END'
 [[step]]
@@ -210,7 +211,7 @@ do = "gauge"
 line = "1,2,30,4"
 follow = "dark"
 END
-mistake 5 "cannot be read" <<'END'
+mistake 5 "there is no such file" <<'END'
 [[step]]
 do = "gauge"
 line = "1,2,30,4"
@@ -291,13 +292,12 @@ for jobs in 1 3; do
   grep -q '^pictures/p3.bmp,,,picture,,.*error$' broken$jobs.csv || fail "$what: p3 is no error"
 done
 same broken1.csv broken3.csv
-mkfifo pictures/never.bmp
-sleep 60 >pictures/never.bmp &
+mkfifo never
+sleep 60 >never &
 writer=$!
-run 3 run one.toml --time-limit 1 pictures/p1.bmp pictures/never.bmp pictures/p2.bmp
+run 3 run one.toml --time-limit 1 pictures/p1.bmp - pictures/p2.bmp <never
 kill $writer
-in_out "never.bmp: error: it took longer than 1 seconds"
+in_out "-: error: it took longer than 1 seconds"
 in_out "3 pictures, 2 passed, 0 failed, 1 without a verdict"
-rm pictures/never.bmp
 
 [ "$failures" -eq 0 ] || { echo "$failures failures"; exit 1; }

@@ -128,6 +128,15 @@ std::vector<Stroke> OutlinesOf(const DisplaySetup& setup) {
   return strokes;
 }
 
+// What the text says; the library's number is that of the digits alone, without their point.
+double ValueOf(const std::string& text, double number) {
+  try {
+    return ParseNumber(text);
+  } catch (const std::invalid_argument&) {
+    return number;
+  }
+}
+
 Dial DisplayOf(const DisplaySetup& setup) {
   const std::shared_ptr<RoiDescriptor> digits = RoiOf(setup.digits);
   const auto read = [=](const Image& gray) {
@@ -140,8 +149,8 @@ Dial DisplayOf(const DisplaySetup& setup) {
     const Block<char> textOwner(text);
     const Block<uint8_t> segmentsOwner(segments);
     DialReading reading;
-    reading.value = number;
     reading.text = std::string(Trim(text));
+    reading.value = ValueOf(reading.text, number);
     reading.cells = {CsvText(reading.text), Exact(number), std::to_string(count)};
     reading.members = "\"text\": " + JsonText(reading.text) +
                       ", \"number\": " + JsonNumber(number) +

@@ -93,8 +93,8 @@ struct ParsedRecipe {
   Recipe recipe;
   std::vector<Mistake> mistakes;  // in the order of lines; with any the recipe is of no use
 };
-// Files that the recipe names are sought from its own folder. Throws BadFile for a recipe that
-// cannot be read.
+// Files that the recipe names are sought from its own folder. Throws std::invalid_argument for
+// a recipe that cannot be read.
 ParsedRecipe ReadRecipe(const std::string& file);
 ParsedRecipe ParseRecipe(const std::string& text, const std::string& file);
 

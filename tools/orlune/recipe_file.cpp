@@ -62,7 +62,8 @@ std::vector<std::string> TextsOf(const toml::node& value, bool many) {
   std::vector<std::string> words;
   for (const toml::node& word : *list) words.push_back(WordOf(word));
   if (words.empty()) throw std::invalid_argument("is an empty list");
-  if (many) return words;
+  const auto isNumber = [](const toml::node& word) { return word.is_number(); };
+  if (many && !std::all_of(list->begin(), list->end(), isNumber)) return words;
   std::string joined;
   for (const std::string& word : words) joined += (joined.empty() ? "" : ",") + word;
   return {joined};

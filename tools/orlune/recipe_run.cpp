@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <filesystem>
 
 #include "orlune/annotation.h"
@@ -37,11 +38,16 @@ struct Picture {
   std::optional<Image> colours;
 };
 
+// The library's own copy would take the border over.
 Image CopyOf(const Image& image, int32_t border) {
-  Image copy(image.Info().type, border);
-  Check(ZEL_Copy(image, copy));
-  const ImageInfo info = image.Info();
-  Check(ZEL_SetImageCalibration(copy, info.unit, info.xStep, info.yStep));
+  const ImageInfo from = image.Info();
+  Image copy(from.type, border, from.width, from.height);
+  Check(ZEL_SetImageCalibration(copy, from.unit, from.xStep, from.yStep));
+  const ImageInfo to = copy.Info();
+  const auto bytes = static_cast<size_t>(from.width) * static_cast<size_t>(from.pixelBytes);
+  for (int32_t y = 0; y < from.height; ++y) {
+    std::memcpy(Row<char>(to, y), Row<const char>(from, y), bytes);
+  }
   return copy;
 }
 
@@ -164,7 +170,7 @@ class PictureRun {
  public:
   using Prepared = RecipeRun::Prepared;
 
-  PictureRun(const Recipe& recipe, std::string file) : recipe_(recipe), file_(std::move(file)) {
+  PictureRun(const Recipe& recipe, std::string file) : file_(std::move(file)) {
     Loaded loaded = ReadPicture(
         file_,
         {.form = Form::Gray, .swapBytes = recipe.swapBytes, .colours = NeedsColours(recipe)});
@@ -251,11 +257,12 @@ class PictureRun {
     const std::string number = std::to_string(particle.number);
     const size_t first = result->values.size();
     const auto add = [&](const Measure& measure) {
-      const double value = particle.values[measure.number];
+      // With no more figures than it has, as the command tells it.
+      const std::string value = ExactValue(measure, particle.values[measure.number]);
       result->values.push_back(
           {.object = number,
            .name = std::string(measure.name),
-           .number = std::isfinite(value) ? std::optional(value) : std::nullopt,
+           .number = value.empty() ? std::nullopt : std::optional(ParseNumber(value)),
            .text = "",
            .unit = UnitText(measure.unit, unit)});
     };
@@ -263,9 +270,10 @@ class PictureRun {
     for (const Requirement& required : inspect.required) {
       const Measure& measure = *required.condition.measure;
       const double value = particle.values[measure.number];
-      const Verdict verdict = judgement->Take(
-          required.condition.Holds(value), "particle " + number + ": " + std::string(measure.name) +
-                                               " is " + Short(value) + ", not " + required.text);
+      const Verdict verdict =
+          judgement->Take(required.condition.Holds(value),
+                          "particle " + number + ": " + std::string(measure.name) + " is " +
+                              Short(value) + ", against " + required.text);
       const auto isIt = [&](const StepValue& v) { return v.name == measure.name; };
       auto row = std::find_if(result->values.begin() + static_cast<std::ptrdiff_t>(first),
                               result->values.end(), isIt);
@@ -392,7 +400,6 @@ class PictureRun {
 
   static constexpr RGBValue READ_COLOUR = 0x20E850;
 
-  const Recipe& recipe_;
   std::string file_;
   std::map<std::string, Picture> pictures_;  // by the steps that left them
   std::string last_ = ORIGINAL;

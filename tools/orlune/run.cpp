@@ -216,8 +216,16 @@ int Explain(const RunCommand& command, const RecipeRun& run) {
   return result.verdict == Verdict::Failed ? SOME_FAILED : ALL_WELL;
 }
 
+ParsedRecipe ReadNamed(const std::string& file) {
+  try {
+    return ReadRecipe(file);
+  } catch (const std::invalid_argument& failure) {
+    throw std::invalid_argument(FailureText(file, failure));
+  }
+}
+
 int RunChecked(const RunCommand& command) {
-  const ParsedRecipe parsed = ReadRecipe(command.recipe);
+  const ParsedRecipe parsed = ReadNamed(command.recipe);
   RecipeRun run(parsed.recipe);
   std::vector<Mistake> mistakes = parsed.mistakes;
   if (mistakes.empty()) mistakes = run.Prepare();
