@@ -431,7 +431,8 @@ void WritePage(const Picture& picture, const std::vector<Mark>& marks, const std
 void DrawVerdict(const Image& page, const PictureResult& result) {
   const std::string text =
       std::string(NameOf(result.verdict)) + (result.reason.empty() ? "" : ": " + result.reason);
-  Canvas(page).Text(4, 4, text);
+  const Canvas canvas(page);
+  canvas.Text(4, canvas.height() - TextHeight(canvas.TextSize()) - 4, text);
 }
 
 }  // namespace
