@@ -300,4 +300,50 @@ kill $writer
 in_out "-: error: it took longer than 1 seconds"
 in_out "3 pictures, 2 passed, 0 failed, 1 without a verdict"
 
+# ---- pictures that come into a folder
+
+mkdir camera
+cp scenes/washers.bmp camera/first.bmp
+run 2 run one.toml --watch camera --csv camera/report.csv
+in_err "the folder that is watched"
+"$orlune" run one.toml --watch camera --db camera.db --csv camera.csv >watched 2>err &
+program=$!
+# told TEXT: waits until a verdict is told
+told() {
+  i=0
+  while ! grep -qF -e "$1" watched; do
+    i=$((i + 1))
+    [ $i -lt 200 ] || { fail "orlune run --watch: no '$1'"; break; }
+    sleep 0.05
+  done
+}
+told "camera/first.bmp: passed"
+cp scenes/washers.bmp part.bmp
+mv part.bmp camera/moved.bmp
+told "camera/moved.bmp: passed"
+# Half of a picture is none, until the other half is there.
+{ head -c 100000 scenes/washers.bmp; sleep 0.5; tail -c +100001 scenes/washers.bmp; } >camera/slow.bmp
+told "camera/slow.bmp: passed"
+ln -s ../scenes/washers.bmp camera/link.bmp
+told "camera/link.bmp: passed"
+cp scenes/washers.bmp camera/.hidden.bmp
+echo nothing >camera/none.bmp
+told "camera/none.bmp: error"
+kill -INT $program
+wait $program
+[ $? -eq 130 ] || fail "orlune run --watch: another exit status after an interrupt than 130"
+lines watched 6
+[ "$(grep -c ',,,picture,' camera.csv)" -eq 5 ] || fail "orlune run --watch: not five pictures in the report"
+# What came while nobody looked is looked at, and nothing again.
+cp scenes/washers.bmp camera/later.bmp
+"$orlune" run one.toml --watch camera --db camera.db --resume >watched 2>err &
+program=$!
+told "camera/later.bmp: passed"
+sleep 0.3
+kill -INT $program
+wait $program
+[ "$(grep -c 'camera/first.bmp' watched)" -eq 1 ] || fail "orlune run --watch --resume: first.bmp again"
+run 3 run one.toml --db camera.db --resume
+in_out "6 pictures, 5 passed, 0 failed, 1 without a verdict"
+
 [ "$failures" -eq 0 ] || { echo "$failures failures"; exit 1; }

@@ -323,6 +323,9 @@ void CommandLine::AddRun() {
   run->add_flag("--quiet", run_.quiet, "print no table and no summary")->group(reporting);
   const std::string working = "Working";
   AddWorkers(run, &run_.workers, working);
+  run->add_option("--watch", run_.watch, "take the pictures that come into this folder, too")
+      ->type_name("FOLDER")
+      ->group(working);
   run->add_option("--time-limit", run_.limit, "what a picture may take; 0 is no limit")
       ->type_name("SECONDS")
       ->check(CLI::Range(0.0, 1e6))

@@ -148,11 +148,16 @@ Each picture is worked on in a process of its own kind: one that breaks, or take
 picture alone. With --db each result is recorded at once; --resume finishes the last run of the same
 recipe there, whatever ended it, and its reports tell all of its pictures.
 
+With --watch the run goes on until it is interrupted, and tells a verdict a line: of what is in the
+folder at first, and then of each file that comes, as soon as it is whole: closed by its writer, or moved
+there. The CSV report and the JSON lines may go to a pipe with a name, for a program that acts on them.
+
 Examples:
   orlune run --check shaft.toml
   orlune run shaft.toml --explain-on shots/7.bmp --out steps
   orlune run -j auto shaft.toml --db shafts.db --html shafts.html shots/*.bmp
   orlune run -j auto shaft.toml --db shafts.db --resume
+  orlune run shaft.toml --db shafts.db --watch camera
 Exit status: 0 all pictures passed; 1 some failed; 2 wrong use, or a recipe with mistakes; 3 some have
 no verdict: they could not be read, or what the recipe asks of them cannot be done.)";
 

@@ -1,7 +1,6 @@
 // Recipes: what is done to a picture, step after step, and what makes it pass.
 #pragma once
 
-#include <map>
 #include <optional>
 #include <regex>
 #include <string>

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 #include <filesystem>
+#include <map>
 
 #include "orlune/annotation.h"
 #include "orlune/commands.h"

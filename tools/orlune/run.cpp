@@ -1,10 +1,13 @@
 // orlune run: recipes carried out on picture files, and what was found recorded.
 #include "orlune/run.h"
 
+#include <filesystem>
 #include <iostream>
 #include <memory>
+#include <set>
 
 #include "orlune/commands.h"
+#include "orlune/folder_watch.h"
 #include "orlune/interrupts.h"
 #include "orlune/numbers.h"
 #include "orlune/output.h"
@@ -29,6 +32,10 @@ class Report {
   void Add(const Make& make) {
     if (file_) file_->stream() << make();
   }
+  // For whoever reads along.
+  void Flush() {
+    if (file_) file_->stream().flush();
+  }
   void Finish() {
     if (file_) Named(file_->path(), [&] { file_->Finish(); });
   }
@@ -43,6 +50,7 @@ class RecipeRunner {
       : command_(command),
         recipe_(recipe),
         run_(run),
+        names_(command.annotate, "-result.bmp"),
         out_(command.csv == STANDARD_STREAM || command.json == STANDARD_STREAM ||
                      command.html == STANDARD_STREAM
                  ? std::cerr
@@ -51,6 +59,8 @@ class RecipeRunner {
   // Throws std::invalid_argument where a file would be written that is read, or written twice, and
   // what cannot be made as std::runtime_error.
   int Work() {
+    std::unique_ptr<FolderWatch> watch;
+    if (!command_.watch.empty()) watch = std::make_unique<FolderWatch>(command_.watch);
     TakeFiles();
     Plan();
     if (!command_.annotate.empty())
@@ -61,6 +71,7 @@ class RecipeRunner {
     csv_.Add(RunCsvHead);
     html_.Add([&] { return HtmlHead(recipe_); });
     WorkOnPending();
+    if (watch) WorkAsTheyCome(watch.get());
     const bool whole = told_ == files_.size();
     html_.Add([&] { return HtmlEnd(counts_, whole); });
     for (Report* report : {&csv_, &json_, &html_}) report->Finish();
@@ -91,26 +102,67 @@ class RecipeRunner {
   }
 
   void RefuseNone() const {
-    if (files_.empty()) throw std::invalid_argument("give the pictures to be looked at");
+    if (files_.empty() && command_.watch.empty()) {
+      throw std::invalid_argument("give the pictures to be looked at");
+    }
   }
 
   void Plan() {
-    FilePlan plan;
-    for (const std::string& file : files_) plan.Reads(file, "a picture to be looked at");
-    for (const std::string& file : run_.ReadToo()) plan.Reads(file, "read for the recipe");
+    for (const std::string& file : files_) plan_.Reads(file, "a picture to be looked at");
+    for (const std::string& file : run_.ReadToo()) plan_.Reads(file, "read for the recipe");
     const auto writes = [&](const std::string& file, const std::string& what) {
-      if (!file.empty()) plan.Writes(file, what);
+      if (!file.empty()) plan_.Writes(file, what);
     };
     writes(command_.csv, "the CSV report");
     writes(command_.json, "the JSON lines");
     writes(command_.html, "the HTML report");
     writes(command_.database, "the database");
-    annotated_.resize(files_.size());
-    if (command_.annotate.empty()) return;
-    NamesInFolder names(command_.annotate, "-result.bmp");
-    for (size_t i = 0; i < files_.size(); i++) {
-      annotated_[i] = names.NameFor(files_[i]);
-      plan.Writes(annotated_[i], "the annotated picture of " + files_[i]);
+    RefuseWatched();
+    for (const std::string& file : files_) PlanAnnotated(file);
+  }
+
+  // What is written into the watched folder would come as a picture.
+  void RefuseWatched() const {
+    if (command_.watch.empty()) return;
+    const std::string watched = IdentityOf(command_.watch);
+    const auto refuse = [&](const std::string& folder) {
+      if (IdentityOf(folder.empty() ? "." : folder) != watched) return;
+      throw std::invalid_argument("reports and records cannot go into the folder that is watched");
+    };
+    if (!command_.annotate.empty()) refuse(command_.annotate);
+    for (const std::string& file :
+         {command_.csv, command_.json, command_.html, command_.database}) {
+      if (!file.empty() && file != STANDARD_STREAM) {
+        refuse(std::filesystem::path(file).parent_path().string());
+      }
+    }
+  }
+
+  void PlanAnnotated(const std::string& file) {
+    annotated_.push_back(command_.annotate.empty() ? "" : names_.NameFor(file));
+    if (annotated_.back().empty()) return;
+    plan_.Writes(annotated_.back(), "the annotated picture of " + file);
+  }
+
+  // Until an interrupt. Their reports are complete by each of them.
+  void WorkAsTheyCome(FolderWatch* watch) {
+    const std::set<std::string> recorded(files_.begin(), files_.end());
+    bool first = true;
+    while (Interrupted() == 0) {
+      std::vector<std::string> files = watch->Next();
+      // Those of a run that is resumed have their verdicts.
+      if (first) std::erase_if(files, [&](const auto& file) { return recorded.contains(file); });
+      first = false;
+      if (files.empty()) continue;
+      if (database_) database_->Add(files);
+      pending_.clear();
+      for (const std::string& file : files) {
+        pending_.push_back(files_.size());
+        files_.push_back(file);
+        plan_.Reads(file, "a picture to be looked at");
+        PlanAnnotated(file);
+      }
+      WorkOnPending();
     }
   }
 
@@ -168,9 +220,16 @@ class RecipeRunner {
     csv_.Add([&] { return CsvRows(result); });
     json_.Add([&] { return JsonLine(result); });
     html_.Add([&] { return HtmlOf(result); });
+    if (!command_.watch.empty()) csv_.Flush();
+    if (!command_.watch.empty()) json_.Flush();
     if (command_.quiet || &out_ == &std::cerr) return;
     progress_->Hide();
-    PrintResult(out_, result);
+    if (command_.watch.empty()) {
+      PrintResult(out_, result);
+    } else {
+      PrintVerdict(out_, result);
+      out_.flush();
+    }
     if (!out_) NoteClosedPipe();
   }
 
@@ -189,6 +248,8 @@ class RecipeRunner {
   const RunCommand& command_;
   const Recipe& recipe_;
   const RecipeRun& run_;
+  NamesInFolder names_;
+  FilePlan plan_;
   std::ostream& out_;
   std::unique_ptr<RunDatabase> database_;
   std::vector<std::string> files_, annotated_;
@@ -249,7 +310,8 @@ int Run(const RunCommand& command) {
     if (command.explainOn.empty() != command.out.empty()) {
       throw std::invalid_argument("--explain-on PICTURE and --out FOLDER go together");
     }
-    if (!command.check && command.explainOn.empty() && !command.resume && command.files.empty()) {
+    if (!command.check && command.explainOn.empty() && !command.resume && command.watch.empty() &&
+        command.files.empty()) {
       throw std::invalid_argument("give the pictures to be looked at");
     }
     return RunChecked(command);

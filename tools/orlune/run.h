@@ -16,6 +16,7 @@ struct RunCommand {
   std::string annotate;         // folder, empty for none
   std::string database;         // file, empty for none
   bool resume = false;
+  std::string watch;  // folder whose pictures are taken as they come; empty for none
   size_t workers = 1;
   double limit = 60;  // seconds for a picture; 0 is none
   bool quiet = false;

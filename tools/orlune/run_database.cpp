@@ -167,7 +167,7 @@ void RunDatabase::MakeTables() {
   transaction.Finished();
 }
 
-void RunDatabase::AddFiles(size_t first, const std::vector<std::string>& files) {
+void RunDatabase::InsertFiles(size_t first, const std::vector<std::string>& files) {
   const Statement insert = Prepare("INSERT INTO pictures(run, number, file) VALUES(?, ?, ?)");
   for (size_t i = 0; i < files.size(); i++) {
     sqlite3_bind_int64(insert.get(), 1, run_);
@@ -189,7 +189,7 @@ void RunDatabase::Begin(const Recipe& recipe, const std::vector<std::string>& fi
   Bind(insert.get(), 3, std::string("orlune ") + ORLUNE_VERSION, false);
   Next(insert);
   run_ = sqlite3_last_insert_rowid(database_);
-  AddFiles(0, files);
+  InsertFiles(0, files);
   Execute("COMMIT");
   transaction.Finished();
 }
@@ -211,10 +211,22 @@ bool RunDatabase::Resume(const Recipe& recipe, const std::vector<std::string>& f
   std::vector<std::string> more;
   std::copy_if(files.begin(), files.end(), std::back_inserter(more),
                [&](const std::string& file) { return !known.contains(file); });
-  AddFiles(there.size(), more);
+  InsertFiles(there.size(), more);
   Execute("COMMIT");
   transaction.Finished();
   return true;
+}
+
+void RunDatabase::Add(const std::vector<std::string>& files) {
+  Execute("BEGIN IMMEDIATE");
+  Transaction transaction(database_);
+  const Statement count = Prepare("SELECT count(*) FROM pictures WHERE run = ?");
+  sqlite3_bind_int64(count.get(), 1, run_);
+  Next(count);
+  InsertFiles(static_cast<size_t>(sqlite3_column_int64(count.get(), 0)), files);
+  sqlite3_reset(count.get());
+  Execute("COMMIT");
+  transaction.Finished();
 }
 
 std::vector<std::string> RunDatabase::Files() const {

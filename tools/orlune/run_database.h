@@ -29,6 +29,9 @@ class RunDatabase {
   // none. Throws std::invalid_argument where the recipe's file was another one then.
   bool Resume(const Recipe& recipe, const std::vector<std::string>& files);
 
+  // More pictures for it, behind the others.
+  void Add(const std::vector<std::string>& files);
+
   // Pictures of the run at hand, in their order.
   std::vector<std::string> Files() const;
   std::vector<bool> Done() const;
@@ -47,7 +50,7 @@ class RunDatabase {
   bool Next(const Statement& statement) const;
   [[noreturn]] void Complain() const;
   void MakeTables();
-  void AddFiles(size_t first, const std::vector<std::string>& files);
+  void InsertFiles(size_t first, const std::vector<std::string>& files);
   void StoreSteps(int64_t picture, const PictureResult& result);
   void LoadValues(int64_t step, StepResult* result) const;
 

@@ -131,10 +131,14 @@ void RunCounts::Add(Verdict verdict) {
   }
 }
 
-void PrintResult(std::ostream& out, const PictureResult& result) {
+void PrintVerdict(std::ostream& out, const PictureResult& result) {
   out << ReadableText(result.file) << ": " << NameOf(result.verdict);
   if (!result.reason.empty()) out << ": " << ReadableText(result.reason);
   out << '\n';
+}
+
+void PrintResult(std::ostream& out, const PictureResult& result) {
+  PrintVerdict(out, result);
   for (const StepResult& step : result.steps) {
     const std::string values = ValuesText(step);
     if (!values.empty()) out << "  " << ReadableText(step.step) << ": " << values << '\n';

@@ -18,6 +18,7 @@ struct RunCounts {
 };
 
 // "FILE: passed" with a line for each step that found something.
+void PrintVerdict(std::ostream& out, const PictureResult& result);  // the first line alone
 void PrintResult(std::ostream& out, const PictureResult& result);
 
 // A line for each picture, with an empty step, and one for each value.
