@@ -66,18 +66,10 @@ cp examples/recipes/*.toml demo/
 show calibrate lcd --region 106,344,280,96 --light --points -o scale.json scenes/packages/eights.bmp
 show run --check tray.toml
 for recipe in tray shaft package; do
-  case $recipe in
-    tray) pictures=scenes/trays/tray*.bmp ;;
-    shaft) pictures=scenes/shafts/shaft*.bmp ;;
-    *) pictures=scenes/packages/package*.bmp ;;
-  esac
-  # shellcheck disable=SC2086 # the pictures are words of their own
-  (cd demo && echo $pictures) >demo/pictures.txt
-  # shellcheck disable=SC2046
+  # shellcheck disable=SC2046 # the names are words of their own
   show run -j auto $recipe.toml --html $recipe.html --csv $recipe.csv --annotate annotated/$recipe \
-    $(cat demo/pictures.txt) || [ $? -eq 1 ]
+    $(cd demo && ls scenes/${recipe}s/$recipe[0-9].bmp) || [ $? -eq 1 ]
 done
-rm demo/pictures.txt
 
 echo
 echo "The reports of the recipes are demo/tray.html, demo/shaft.html and demo/package.html."
