@@ -314,7 +314,14 @@ def function_text(function: Function, records: dict[str, Record]) -> list[str]:
     # What is told of parameters and failures begins after a blank line.
     told = re.sub(rf"\n({names[0]}: )" if names else r"\n(Failures: )", r"\n\n\1", function.comment, count=1)
     lines.append(docstring(told, "    "))
-    call = f"{bound}({', '.join(names)})"
+    passed = [
+        # ctypes would find this number by itself, but takes longer for it than for all the rest of a call
+        f'getattr({parameter.name}, "_as_parameter_", {parameter.name})'
+        if parameter.type == "ImageRef" and parameter.stars == 0
+        else parameter.name
+        for parameter in function.parameters
+    ]
+    call = f"{bound}({', '.join(passed)})"
     if function.result == "int32_t" and function.name not in NO_STATUS:
         failed = "status > 0" if function.name in POSITIVE_STATUS else "status < 0"
         lines.append(f"    with lock:\n        status: int = {call}")

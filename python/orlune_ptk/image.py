@@ -416,7 +416,7 @@ class Image:
         return to_png(array) if array.size else None
 
 
-ImageLike: TypeAlias = "Image | ArrayLike"
+ImageLike: TypeAlias = Union[Image, ArrayLike]
 """What functions take for an image: an Image, or an array that is copied into a new one."""
 
 
