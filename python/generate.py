@@ -3,16 +3,18 @@
 
 usage: generate.py [FOLDER]
 
-Writes constants.py, records.py and lowlevel.py into FOLDER, or into orlune_ptk beside this file, where git does
-not look at them.
+Writes constants.py, records.py and lowlevel.py into orlune_ptk beside this file, where git does not look at them.
+With FOLDER it makes FOLDER/orlune_ptk, the whole package, and leaves the sources alone.
 """
 
 import re
+import shutil
 import sys
 from dataclasses import dataclass, field
 from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
+PACKAGE = HERE / "orlune_ptk"
 INCLUDE = HERE.parent / "include"
 
 # C type: what ctypes calls it, what NumPy calls it, what a caller sees.
@@ -357,13 +359,27 @@ def lowlevel_module(families: list[Family]) -> str:
     return "\n".join(lines) + "\n"
 
 
-def main() -> None:
-    folder = Path(sys.argv[1]) if len(sys.argv) > 1 else HERE / "orlune_ptk"
+def write_modules(folder: Path) -> None:
     families = read_families()
     (folder / "constants.py").write_text(constants_module(families))
     (folder / "records.py").write_text(records_module(families))
     (folder / "lowlevel.py").write_text(lowlevel_module(families))
 
 
+def make_package(folder: Path) -> Path:
+    """Copies the package into a folder and writes its other modules there."""
+    package = folder / "orlune_ptk"
+    shutil.rmtree(package, ignore_errors=True)
+    package.mkdir(parents=True)
+    for source in sorted(PACKAGE.iterdir()):
+        if source.suffix == ".py" or source.name == "py.typed":
+            shutil.copy(source, package)
+    write_modules(package)
+    return package
+
+
 if __name__ == "__main__":
-    main()
+    if len(sys.argv) > 1:
+        make_package(Path(sys.argv[1]))
+    else:
+        write_modules(PACKAGE)
