@@ -1,9 +1,10 @@
 # Commands for people. Each sets up what it needs; the work is in tools/ and the CMake presets.
-.PHONY: help demo test asan check-deep bench bench-pages benchmark check-format tidy fuzz clean
+.PHONY: help demo test wheel asan check-deep bench bench-pages benchmark check-format tidy fuzz clean
 
 help:
 	@echo "make demo          make scenes, inspect them, show the particles and the annotated pictures"
 	@echo "make test          build and run all tests"
+	@echo "make wheel         make the Python wheel with the library in it, in dist/"
 	@echo "make asan          the same under the address and undefined-behaviour sanitizers"
 	@echo "make bench         run the benchmarks beside their peers, roughly"
 	@echo "make bench-pages   run them in full and write docs/benchmarks from the results"
@@ -18,6 +19,10 @@ demo:
 
 test:
 	@tools/test.sh release
+
+wheel:
+	@tools/setup.sh
+	python3 python/build_wheel.py dist
 
 asan:
 	@tools/test.sh asan

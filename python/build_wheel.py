@@ -98,9 +98,9 @@ def build_wheel(
     readme = (HERE / "README.md").read_text()
     about = METADATA.format(version=version()) + "Description-Content-Type: text/markdown\n\n" + readme
     files[f"{info}/METADATA"] = about.encode()
-    files[f"{info}/WHEEL"] = (
-        f"Wheel-Version: 1.0\nGenerator: orlune_ptk\nRoot-Is-Purelib: false\nTag: {tag}\n".encode()
-    )
+    files[
+        f"{info}/WHEEL"
+    ] = f"Wheel-Version: 1.0\nGenerator: orlune_ptk\nRoot-Is-Purelib: false\nTag: {tag}\n".encode()
     name = f"orlune_ptk-{version()}-{tag}.whl"
     write_wheel(Path(wheel_directory) / name, files, f"{info}/RECORD")
     return name

@@ -327,7 +327,7 @@ def function_text(function: Function, records: dict[str, Record]) -> list[str]:
     if function.result == "int32_t" and function.name not in NO_STATUS:
         failed = "status > 0" if function.name in POSITIVE_STATUS else "status < 0"
         lines.append(f"    with lock:\n        status: int = {call}")
-        lines.append(f"    if {failed}:\n        raise failure(status, \"{function.name}\")")
+        lines.append(f'    if {failed}:\n        raise failure(status, "{function.name}")')
         lines.append("    return status")
     elif function.result == "void":
         lines.append(f"    with lock:\n        {call}")

@@ -187,9 +187,7 @@ def color_threshold(
     pixels are marked."""
     image = as_image(source)
     destination = target(out, image, np.uint8)
-    lowlevel.ZEL_ColorThreshold(
-        image, destination, choice(ColorMode, mode), value, *first, *second, *third
-    )
+    lowlevel.ZEL_ColorThreshold(image, destination, choice(ColorMode, mode), value, *first, *second, *third)
     if all(low <= 0 and high >= 255 for low, high in (first, second, third)):
         destination.pixels[...] = min(max(value, 0), 255)  # of which the function writes none
     return destination

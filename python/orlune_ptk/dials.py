@@ -39,9 +39,7 @@ class Display(NamedTuple):
 
 
 @wraps("ZEL_CalibrateMeter")
-def calibrate_meter(
-    needle_at_start: tuple[Point, Point], needle_at_end: tuple[Point, Point]
-) -> Meter:
+def calibrate_meter(needle_at_start: tuple[Point, Point], needle_at_end: tuple[Point, Point]) -> Meter:
     """A meter, from two lines: the needle at the start and at the end of the scale, each from its tip (x, y) to a
     point towards the base."""
     region = Region.line(*needle_at_start) + Region.line(*needle_at_end)

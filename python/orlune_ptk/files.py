@@ -72,9 +72,7 @@ def read(
 
 
 @wraps("ZEL_WriteFile")
-def write(
-    image: ImageLike, path: Path, format: Choice | None = None, table: ArrayLike | None = None
-) -> None:
+def write(image: ImageLike, path: Path, format: Choice | None = None, table: ArrayLike | None = None) -> None:
     """Writes an image as "native", "tiff" or "bmp", or as the name ends: .orln, .tif or .bmp.
 
     table: the first of up to 256 colours 0xRRGGBB, for images of uint8 in TIFF and BMP."""
@@ -85,6 +83,4 @@ def write(
         format = _SUFFIXES[suffix]
     colors = None if table is None else np.ascontiguousarray(table, np.uint32)
     count = 0 if colors is None else colors.size
-    lowlevel.ZEL_WriteFile(
-        as_image(image), os.fsencode(path), choice(ImageFileFormat, format), colors, count
-    )
+    lowlevel.ZEL_WriteFile(as_image(image), os.fsencode(path), choice(ImageFileFormat, format), colors, count)

@@ -38,9 +38,7 @@ def math_lookup(
     """Each pixel through a mathematical law, over the range from low to high, or all of it if both are 0."""
     image, selecting = as_image(source), mask_of(mask)
     destination = target(out, image)
-    lowlevel.ZEL_MathLookup(
-        image, selecting, destination, choice(MathOperator, law), exponent, low, high
-    )
+    lowlevel.ZEL_MathLookup(image, selecting, destination, choice(MathOperator, law), exponent, low, high)
     return destination
 
 

@@ -35,9 +35,7 @@ def _arithmetic(
     return destination
 
 
-def _bitwise(
-    function: _Bitwise, first: ImageLike, second: Operand, invert: bool, out: Image | None
-) -> Image:
+def _bitwise(function: _Bitwise, first: ImageLike, second: Operand, invert: bool, out: Image | None) -> Image:
     left = as_image(first)
     right, constant = _second(second)
     destination = target(out, left)
@@ -76,9 +74,7 @@ def modulo(first: ImageLike, second: Operand, out: Image | None = None) -> Image
 
 
 @wraps("ZEL_MulDiv")
-def multiply_divide(
-    first: ImageLike, second: ImageLike, constant: float, out: Image | None = None
-) -> Image:
+def multiply_divide(first: ImageLike, second: ImageLike, constant: float, out: Image | None = None) -> Image:
     """An image times a constant, divided by another image."""
     image, divisor = as_image(first), as_image(second)
     destination = target(out, image)
@@ -87,25 +83,19 @@ def multiply_divide(
 
 
 @wraps("ZEL_And")
-def bitwise_and(
-    first: ImageLike, second: Operand, invert: bool = False, out: Image | None = None
-) -> Image:
+def bitwise_and(first: ImageLike, second: Operand, invert: bool = False, out: Image | None = None) -> Image:
     """The bits that are set in both; all bits turned if inverted."""
     return _bitwise(lowlevel.ZEL_And, first, second, invert, out)
 
 
 @wraps("ZEL_Or")
-def bitwise_or(
-    first: ImageLike, second: Operand, invert: bool = False, out: Image | None = None
-) -> Image:
+def bitwise_or(first: ImageLike, second: Operand, invert: bool = False, out: Image | None = None) -> Image:
     """The bits that are set in one or both; all bits turned if inverted."""
     return _bitwise(lowlevel.ZEL_Or, first, second, invert, out)
 
 
 @wraps("ZEL_Xor")
-def bitwise_xor(
-    first: ImageLike, second: Operand, invert: bool = False, out: Image | None = None
-) -> Image:
+def bitwise_xor(first: ImageLike, second: Operand, invert: bool = False, out: Image | None = None) -> Image:
     """The bits that are set in one of both; all bits turned if inverted."""
     return _bitwise(lowlevel.ZEL_Xor, first, second, invert, out)
 

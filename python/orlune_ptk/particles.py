@@ -59,9 +59,7 @@ def particle_measures(
 
 
 @wraps("ZEL_ParticleDiscrim")
-def select_particles(
-    reports: NDArray[Any], ranges: Mapping[Choice, tuple[float, float]]
-) -> NDArray[Any]:
+def select_particles(reports: NDArray[Any], ranges: Mapping[Choice, tuple[float, float]]) -> NDArray[Any]:
     """The reports whose fields lie in all of the given ranges, as {"area_pixels": (50, 1000)}."""
     rows = [(choice(ParticleMeasure, name), low, high) for name, (low, high) in ranges.items()]
     criteria = np.array(rows, PARTICLE_CRITERION)

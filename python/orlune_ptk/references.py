@@ -28,9 +28,7 @@ def find_place(points: ArrayLike) -> Place:
     """Place and angle of a part, from two or three points (x, y) of it."""
     records = integer_points(points)
     origin, degrees, radians = PointInt(), c_float(), c_float()
-    lowlevel.ZEL_CoordinateReference(
-        records, len(records), byref(origin), byref(degrees), byref(radians)
-    )
+    lowlevel.ZEL_CoordinateReference(records, len(records), byref(origin), byref(degrees), byref(radians))
     return Place(origin.x, origin.y, degrees.value)
 
 

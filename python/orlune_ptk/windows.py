@@ -20,9 +20,7 @@ _TITLE_BYTES = 4096
 
 
 @wraps("ZEL_WindDraw")
-def show(
-    image: ImageLike | None, window: int = 0, title: str | None = None, resize: bool = True
-) -> None:
+def show(image: ImageLike | None, window: int = 0, title: str | None = None, resize: bool = True) -> None:
     """Shows an image in a window; None paints what it showed."""
     text = None if title is None else title.encode()
     if image is None:

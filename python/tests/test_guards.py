@@ -153,7 +153,14 @@ def test_ten_operations_copy_no_pixels(gray, monkeypatch):
     array = np.asarray(turned)
     assert array.ctypes.data == turned._info().firstPixel
     assert ptk.pixel_copies() == before
-    moving = {"ZEL_Copy", "ZEL_ImageToArray", "ZEL_ArrayToImage", "ZEL_ImageToImage", "ZEL_Convert", "ZEL_Extract"}
+    moving = {
+        "ZEL_Copy",
+        "ZEL_ImageToArray",
+        "ZEL_ArrayToImage",
+        "ZEL_ImageToImage",
+        "ZEL_Convert",
+        "ZEL_Extract",
+    }
     assert not moving & set(called)
     others = {"ZEL_Create", "ZEL_Dispose", "ZEL_GetImageInfo", "ZEL_SetImageSize"}
     assert [name for name in called if name not in others] == [

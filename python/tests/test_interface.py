@@ -79,7 +79,9 @@ def test_records_have_the_sizes_of_c():
     assert sizeof(records.RoiContour) == 12
     for name, record in vars(records).items():
         if inspect.isclass(record) and name[0].isupper() and hasattr(record, "_fields_"):
-            array = getattr(records, re.sub(r"(?<=[a-z])(?=[A-Z])", "_", name.replace("3D", "3d")).upper(), None)
+            array = getattr(
+                records, re.sub(r"(?<=[a-z])(?=[A-Z])", "_", name.replace("3D", "3d")).upper(), None
+            )
             if array is not None:
                 assert array.itemsize == sizeof(record), name
 

@@ -12,7 +12,9 @@ DTYPES = [np.uint8, np.int16, np.float32]
 def picture(rng, dtype, shape=(33, 47)):
     if dtype == np.float32:
         return rng.normal(scale=100, size=shape).astype(np.float32)
-    return rng.integers(0 if dtype == np.uint8 else -2000, 256 if dtype == np.uint8 else 2000, shape).astype(dtype)
+    return rng.integers(0 if dtype == np.uint8 else -2000, 256 if dtype == np.uint8 else 2000, shape).astype(
+        dtype
+    )
 
 
 @pytest.mark.parametrize("dtype", DTYPES)
@@ -66,7 +68,9 @@ def test_low_pass(rng):
 
 
 @pytest.mark.parametrize("dtype", DTYPES)
-@pytest.mark.parametrize("border, mode", [("mirror", "reflect"), ("replicate", "nearest"), ("zero", "constant")])
+@pytest.mark.parametrize(
+    "border, mode", [("mirror", "reflect"), ("replicate", "nearest"), ("zero", "constant")]
+)
 def test_convolution(rng, dtype, border, mode):
     array = picture(rng, dtype)
     weights = rng.integers(-5, 9, (5, 3)).astype(np.float32)

@@ -110,7 +110,9 @@ def test_casts(rng):
     assert image.dtype == np.float32 and np.array_equal(image, words)
     assert np.array_equal(ptk.shift_16_to_8(words, 3), (words >> 3).astype(np.uint8))
     floats = ptk.convert(np.abs(words), np.float32)
-    assert np.array_equal(ptk.convert(floats, np.int16), np.clip(np.asarray(floats), None, 32767).astype(np.int16))
+    assert np.array_equal(
+        ptk.convert(floats, np.int16), np.clip(np.asarray(floats), None, 32767).astype(np.int16)
+    )
 
 
 def test_conversion_by_a_table(gray, rng):

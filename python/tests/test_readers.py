@@ -58,7 +58,9 @@ def test_code39():
 
 def test_interleaved25():
     digits = "00110 10001 01001 11000 00101 10100 01100 00011 10010 01010".split()
-    pairs = "".join(a + b for first, second in ("12", "90") for a, b in zip(digits[int(first)], digits[int(second)]))
+    pairs = "".join(
+        a + b for first, second in ("12", "90") for a, b in zip(digits[int(first)], digits[int(second)])
+    )
     assert ptk.read_interleaved25(printed(of_widths("0000" + pairs + "100"))) == "1290"
 
 
@@ -69,7 +71,10 @@ def test_codabar():
 
 def test_msi():
     bits = "".join(f"{int(digit):04b}" for digit in "1290")
-    assert ptk.read_msi(printed("110" + bits.replace("1", "x").replace("0", "100").replace("x", "110") + "1001")) == "1290"
+    assert (
+        ptk.read_msi(printed("110" + bits.replace("1", "x").replace("0", "100").replace("x", "110") + "1001"))
+        == "1290"
+    )
 
 
 def test_code93_and_code128():
@@ -110,7 +115,18 @@ def test_meters():
     assert found.base == pytest.approx((100, 102), abs=0.1)
 
 
-SEGMENTS = ["1111110", "0110000", "1101101", "1111001", "0110011", "1011011", "1011111", "1110000", "1111111", "1111011"]
+SEGMENTS = [
+    "1111110",
+    "0110000",
+    "1101101",
+    "1111001",
+    "0110011",
+    "1011011",
+    "1011111",
+    "1110000",
+    "1111111",
+    "1111011",
+]
 STROKES = [
     np.s_[0:6, 6:34],
     np.s_[6:37, 34:40],

@@ -60,7 +60,9 @@ def test_rotation_is_detected():
     y, x = np.mgrid[0:101, 0:101] - 50
     angle = np.degrees(np.arctan2(y, x))
     reference = (128 + 100 * np.cos(np.radians(angle)) + 20 * np.cos(3 * np.radians(angle))).astype(np.uint8)
-    test = (128 + 100 * np.cos(np.radians(angle - 40)) + 20 * np.cos(3 * np.radians(angle - 40))).astype(np.uint8)
+    test = (128 + 100 * np.cos(np.radians(angle - 40)) + 20 * np.cos(3 * np.radians(angle - 40))).astype(
+        np.uint8
+    )
     found = ptk.detect_rotation(reference, test, (50, 50), (50, 50), 35)
     assert min(abs(found - 40), abs(found - 320)) <= 2
 
@@ -97,7 +99,9 @@ def test_edges_along_paths(bars):
     assert ends.shape == (1, 2, 2)
     distance = ptk.line_gauge(bars, (5, 15), (95, 15), threshold=50)
     assert distance.shape == (1,) and distance[0] == pytest.approx(30, abs=1)
-    three = ptk.line_gauge(bars, (5, 15), (95, 15), threshold=50, extra_lines=[(0, 3), (0, 3), (0, -3), (0, -3)])
+    three = ptk.line_gauge(
+        bars, (5, 15), (95, 15), threshold=50, extra_lines=[(0, 3), (0, 3), (0, -3), (0, -3)]
+    )
     assert np.allclose(three, distance[0])
     length = ptk.line_gauge(bars, (5, 15), (95, 15), "point_to_point")
     assert length[0] == pytest.approx(90)

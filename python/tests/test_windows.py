@@ -87,7 +87,9 @@ def test_a_callback_gets_the_event_and_may_call_the_library(gray):
 
     seen = []
     ptk.show(gray, 6)
-    ptk.on_event(6, lambda event: seen.append((int(event["window"]), float(np.asarray(ptk.add(gray, 1)).sum()))))
+    ptk.on_event(
+        6, lambda event: seen.append((int(event["window"]), float(np.asarray(ptk.add(gray, 1)).sum())))
+    )
     record = np.zeros(1, WINDOW_EVENT)
     record["window"] = 6
     with lowlevel.lock:
