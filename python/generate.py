@@ -136,7 +136,7 @@ def read_family(path: Path) -> Family:
     # The comment of the family ends where the includes begin; what follows are declarations.
     for item in re.finditer(
         rf"(?P<comment>{COMMENT}\n)?"
-        r"(?:#define (?P<limit>[A-Z]\w+) (?P<number>-?\w+)\n"
+        r"(?:#define (?P<limit>[A-Z]\w+) (?P<number>-?\w+)(?: +/\*.*)?\n"
         r"|typedef enum (?P<enumeration>\w+) \{(?P<members>.*?)\} \w+;"
         r"|(?:__extension__ )?typedef struct (?P<record>\w+) \{(?P<fields>.*?)\} \w+;"
         r"|(?P<result>(?:const )?\w+\**) ?(?P<function>ZEL_\w+)\((?P<parameters>[^)]*)\);)",
@@ -158,9 +158,10 @@ def read_family(path: Path) -> Family:
 
 
 def read_families() -> list[Family]:
-    """All families in the order in which the umbrella header lists them."""
+    """All families in the order in which the umbrella header includes them, but first what all of them use."""
     umbrella = (INCLUDE / "orlune_ptk.h").read_text()
-    names = re.findall(r"^ \*   (\w+)\.h ", umbrella, re.MULTILINE)
+    names = re.findall(r'^#include "orlune_ptk/(\w+)\.h"', umbrella, re.MULTILINE)
+    names.sort(key=lambda name: name != "types")
     families = [read_family(INCLUDE / "orlune_ptk" / f"{name}.h") for name in names]
     exported = re.findall(r"^ZEL_\w+$", (INCLUDE / "exports.txt").read_text(), re.MULTILINE)
     found = [function.name for family in families for function in family.functions]
