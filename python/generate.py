@@ -136,7 +136,7 @@ def read_family(path: Path) -> Family:
     # The comment of the family ends where the includes begin; what follows are declarations.
     for item in re.finditer(
         rf"(?P<comment>{COMMENT}\n)?"
-        r"(?:#define (?P<limit>[A-Z]\w+) (?P<number>-?\w+)(?: +/\*.*)?\n"
+        r"(?:#define (?P<limit>[A-Z]\w+) (?P<number>-?\w+)(?: +/\*[^\n]*)?\n"
         r"|typedef enum (?P<enumeration>\w+) \{(?P<members>.*?)\} \w+;"
         r"|(?:__extension__ )?typedef struct (?P<record>\w+) \{(?P<fields>.*?)\} \w+;"
         r"|(?P<result>(?:const )?\w+\**) ?(?P<function>ZEL_\w+)\((?P<parameters>[^)]*)\);)",
