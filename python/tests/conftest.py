@@ -1,7 +1,11 @@
 """What the tests share: random arrays that are the same in each run."""
 
+import os
+
 import numpy as np
 import pytest
+
+os.environ.pop("DISPLAY", None)  # windows stay in memory, whatever desktop there is
 
 
 @pytest.fixture
