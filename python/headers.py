@@ -123,7 +123,7 @@ def read_family(path: Path) -> Family:
 def read_families() -> list[Family]:
     """All families in the order in which the umbrella header includes them, but first what all of them use."""
     umbrella = (INCLUDE / "orlune_ptk.h").read_text()
-    names = re.findall(r'^#include "orlune_ptk/(\w+)\.h"', umbrella, re.MULTILINE)
+    names: list[str] = re.findall(r'^#include "orlune_ptk/(\w+)\.h"', umbrella, re.MULTILINE)
     names.sort(key=lambda name: name != "types")
     families = [read_family(INCLUDE / "orlune_ptk" / f"{name}.h") for name in names]
     exported = re.findall(r"^ZEL_\w+$", (INCLUDE / "exports.txt").read_text(), re.MULTILINE)

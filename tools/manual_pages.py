@@ -12,7 +12,7 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(ROOT / "python"))
 
-from headers import INCLUDE, Family, Function, plain, read_families  # noqa: E402
+from headers import INCLUDE, Enumeration, Family, Function, Record, plain, read_families  # noqa: E402
 
 
 def escaped(text: str) -> str:
@@ -130,7 +130,8 @@ def family_page(family: Family, version: str) -> str:
                 f"\\fB{function.name}\\fR(3)",
                 escaped(first_sentence(function.comment)) + ".",
             ]
-    for each in [*family.enumerations, *family.records]:
+    declarations: list[Enumeration | Record] = [*family.enumerations, *family.records]
+    for each in declarations:
         sections += [f".SH {each.name.upper()}", *paragraphs(each.comment)[1:], *block(each.source)]
     sections += [".SH SEE ALSO", "\\fBorlune_ptk\\fR(3)"]
     return page(name, version, first_sentence(family.comment), sections)

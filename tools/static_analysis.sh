@@ -34,4 +34,5 @@ printf '%s\n' "${sources[@]}" |
 
 # The Python package, with the modules that are made from the headers.
 python3 python/generate.py "$build/python"
-mypy --cache-dir "$build/mypy" "$build/python/orlune_ptk" python/generate.py python/build_wheel.py
+MYPYPATH=python mypy --cache-dir "$build/mypy" "$build/python/orlune_ptk" python/generate.py python/build_wheel.py \
+  tools/manual_pages.py
