@@ -31,5 +31,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/orlune_ptk-config-version
 install(FILES ${PROJECT_BINARY_DIR}/orlune_ptk-config.cmake
               ${PROJECT_BINARY_DIR}/orlune_ptk-config-version.cmake DESTINATION ${package_folder})
 
+file(RELATIVE_PATH prefix_from_pc ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" prefix_from_pc ${prefix_from_pc})
 configure_file(cmake/orlune_ptk.pc.in ${PROJECT_BINARY_DIR}/orlune_ptk.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/orlune_ptk.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
