@@ -1,17 +1,15 @@
 #!/bin/sh
 # Installs what the build needs on Debian 12, and says what it installs. Does nothing when all is
 # there. The library itself needs no more than the compiler; libcli11, libtiff, libpng and libjpeg are
-# for the command-line front, the packages after these make the pictures that its tests read, and the
-# last ones test the Python package. With --benchmarks also what the benchmarks compare with, with
-# --check-tools also what checks the sources, with --deep-check also the fuzzers and what
-# tools/check_deep.sh runs.
+# for the command-line front, and the last packages make the pictures that its tests read. With
+# --benchmarks also what the benchmarks compare with, with --check-tools also what checks the sources,
+# with --deep-check also the fuzzers and what tools/check_deep.sh runs.
 # usage: setup.sh [--benchmarks] [--check-tools] [--deep-check]
 set -eu
 
 needed="make g++ cmake ninja-build pkgconf libgtest-dev"
 needed="$needed libcli11-dev libtiff-dev libpng-dev libjpeg-dev"
 needed="$needed imagemagick netpbm libtiff-tools python3-pil"
-needed="$needed python3-numpy python3-scipy python3-pytest python3-venv"
 for argument in "$@"; do
   case $argument in
     --benchmarks) needed="$needed libopencv-core-dev libopencv-imgproc-dev libopencv-imgcodecs-dev libleptonica-dev libzxing-dev" ;;
@@ -23,6 +21,9 @@ for argument in "$@"; do
       ;;
   esac
 done
+
+# The Python package is tested with these.
+needed="$needed python3-numpy python3-scipy python3-pytest python3-venv"
 
 if ! command -v dpkg-query >/dev/null; then
   echo "setup: this is no Debian system. Please see that these are there: $needed (or their likes)."
