@@ -11,7 +11,7 @@ import numpy as np
 from . import lowlevel
 from ._arguments import Table, wraps
 from .image import ImageLike, as_image
-from .regions import Descriptor, RegionLike
+from .regions import RegionLike, record_of
 
 
 def _read(
@@ -23,7 +23,7 @@ def _read(
 ) -> str:
     source, text, length = as_image(image), Table(np.uint8), c_int32()
     where = (0, 0, source.height - 1, source.width - 1) if region is None else region
-    function(source, Descriptor(where).record, int(validate), *others, text.address(), byref(length))
+    function(source, record_of(where), int(validate), *others, text.address(), byref(length))
     return text.take_text(length)
 
 

@@ -27,7 +27,6 @@ from ._arguments import (
 from ._library import failure, lock
 from .constants import ColorMode
 from .image import RGB, Image, ImageLike, as_image
-from .pixels import line_length
 from .records import COLOR_HISTOGRAM_REPORT
 
 Color = tuple[int, int, int]
@@ -93,7 +92,7 @@ def set_color_pixel(image: Image, x: int, y: int, color: Sequence[int]) -> None:
 def get_color_line(image: ImageLike, start: Point, end: Point) -> NDArray[np.uint8]:
     """Red, green and blue of the pixels of a straight line from one point (x, y) to another."""
     source, count = as_image(image), c_int32()
-    values = np.zeros(min(line_length(start, end), source.width + source.height), np.uint32)
+    values = np.zeros(source.width + source.height, np.uint32)  # it is clipped to the image
     lowlevel.ZEL_GetColorLine(source, *start, *end, values, byref(count))
     return to_rgb(values[: count.value])
 

@@ -12,7 +12,7 @@ from . import lowlevel
 from ._arguments import Point, Table, float_points, rows_of_points, wraps
 from .image import ImageLike, as_image
 from .records import POINT_FLOAT, DigitSegments, PointFloat
-from .regions import Descriptor, NewRegion, Region, RegionLike
+from .regions import NewRegion, Region, RegionLike, record_of
 
 
 class Meter(NamedTuple):
@@ -44,7 +44,7 @@ def calibrate_meter(needle_at_start: tuple[Point, Point], needle_at_end: tuple[P
     point towards the base."""
     region = Region.line(*needle_at_start) + Region.line(*needle_at_end)
     base, arc, count = PointFloat(), Table(POINT_FLOAT), c_int32()
-    lowlevel.ZEL_CalibrateMeter(Descriptor(region).record, byref(base), arc.address(), byref(count))
+    lowlevel.ZEL_CalibrateMeter(record_of(region), byref(base), arc.address(), byref(count))
     return Meter((base.x, base.y), rows_of_points(arc.take(count)))
 
 
@@ -75,7 +75,7 @@ def calibrate_display(
     """The digits of a display, from a picture of it in which all have segments on both sides."""
     source, digits = as_image(image), NewRegion()
     where = (0, 0, source.height - 1, source.width - 1) if region is None else region
-    lowlevel.ZEL_CalibrateLCD(source, Descriptor(where).record, int(light), threshold, digits.address())
+    lowlevel.ZEL_CalibrateLCD(source, record_of(where), int(light), threshold, digits.address())
     return digits.take()
 
 
@@ -91,7 +91,7 @@ def read_digit(
     text, value, segments = Table("S1"), c_double(), DigitSegments()
     lowlevel.ZEL_ReadSingleDigit(
         as_image(image),
-        Descriptor(region).record,
+        record_of(region),
         int(light),
         threshold,
         int(decimal_point),
@@ -117,7 +117,7 @@ def read_display(
     value, count = c_double(), c_int32()
     lowlevel.ZEL_ReadLCDDisplay(
         as_image(image),
-        Descriptor(digits).record,
+        record_of(digits),
         int(light),
         threshold,
         int(sign),

@@ -64,16 +64,11 @@ def set_column(image: Image, index: int, values: ArrayLike) -> None:
     lowlevel.ZEL_SetRowCol(image, RowOrColumn.COLUMN, index, array_type(array.dtype), array, array.size)
 
 
-def line_length(start: Point, end: Point) -> int:
-    """The most pixels that a line can have."""
-    return max(abs(int(end[0]) - int(start[0])), abs(int(end[1]) - int(start[1]))) + 1
-
-
 @wraps("ZEL_GetLine")
 def get_line(image: ImageLike, start: Point, end: Point, dtype: DTypeLike | None = None) -> NDArray[Any]:
     """The pixels of a straight line from one point (x, y) to another, where it lies in the image."""
     source, count = as_image(image), c_int32()
-    room = min(line_length(start, end), source.width + source.height)  # it is clipped to the image
+    room = source.width + source.height  # it is clipped to the image
     values = np.empty(room, source.dtype if dtype is None else dtype)
     lowlevel.ZEL_GetLine(source, *start, *end, array_type(values.dtype), values, byref(count))
     return values[: count.value]

@@ -12,7 +12,7 @@ from . import lowlevel
 from ._arguments import Table, integer_points, rows_of_points, wraps
 from .image import ImageLike, as_image
 from .records import POINT_INT, PROFILE_REPORT, PointFloat, PointInt
-from .regions import Descriptor, NewRegion, Region, RegionLike
+from .regions import NewRegion, Region, RegionLike, record_of
 
 
 class Place(NamedTuple):
@@ -60,7 +60,7 @@ def detect_rotation(
 def move_region(region: RegionLike, old: Place, new: Place) -> Region:
     """Carries a region from one place of a part to another."""
     moved = NewRegion()
-    lowlevel.ZEL_TransformROI(Descriptor(region).record, *old, *new, moved.address())
+    lowlevel.ZEL_TransformROI(record_of(region), *old, *new, moved.address())
     return moved.take()
 
 
@@ -73,7 +73,7 @@ def region_profile(
     report: NDArray[Any] = np.zeros(1, PROFILE_REPORT)
     lowlevel.ZEL_ROIProfile(
         as_image(image),
-        Descriptor(region).record,
+        record_of(region),
         samples.address(),
         byref(count),
         report,

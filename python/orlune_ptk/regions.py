@@ -98,21 +98,23 @@ RegionLike = Union[Region, Sequence[int]]
 """A region, or a rectangle (top, left, height, width)."""
 
 
-class Descriptor:
-    """A region as the library reads it, for one call."""
-
-    def __init__(self, region: RegionLike) -> None:
-        if not isinstance(region, Region):
-            region = Region.rectangle(*region)
-        self._blocks = []
-        for contour in region.contours:
-            kind = RoiContourKind.EXTERNAL if contour.external else RoiContourKind.INTERNAL
-            points = np.ascontiguousarray(contour.points, np.int32).reshape(-1)
-            head = np.array([kind, contour.shape, points.size // 2], np.int32)
-            self._blocks.append(np.concatenate([head, points]))
-        addresses = [block.ctypes.data for block in self._blocks]
-        head = np.array([*region.bounds, len(addresses), 0], np.int32)
-        self.record = np.concatenate([head.view(np.uint64), np.array(addresses, np.uint64)])
+def record_of(region: RegionLike) -> NDArray[np.uint64]:
+    """A region as the library reads it: one block with the record and the contours that it names."""
+    if not isinstance(region, Region):
+        region = Region.rectangle(*region)
+    words = [np.array([*region.bounds, len(region.contours), 0], np.int32)]
+    words.append(np.zeros(2 * len(region.contours), np.int32))  # their addresses
+    for contour in region.contours:
+        kind = RoiContourKind.EXTERNAL if contour.external else RoiContourKind.INTERNAL
+        points = np.ascontiguousarray(contour.points, np.int32).reshape(-1)
+        words.append(np.array([kind, contour.shape, points.size // 2], np.int32))
+        words.append(points)
+    offsets = np.cumsum([part.nbytes for part in words])[1::2][: len(region.contours)]
+    block = np.concatenate([*words, np.zeros(1, np.int32)])
+    record = np.zeros((block.size + 1) // 2, np.uint64)
+    record.view(np.int32)[: block.size] = block
+    record[3 : 3 + len(region.contours)] = record.ctypes.data + offsets
+    return record
 
 
 class NewRegion:
@@ -159,9 +161,8 @@ def region_to_mask(
     region: RegionLike, model: ImageLike | None = None, value: int = 1, out: Image | None = None
 ) -> Image:
     """A mask of a region: of the size of a model, or lying at the region's place."""
-    descriptor = Descriptor(region)
     mask = Image.empty() if out is None else out.writable()
-    lowlevel.ZEL_ROIToMask(mask, mask_of(model), descriptor.record, value)
+    lowlevel.ZEL_ROIToMask(mask, mask_of(model), record_of(region), value)
     return mask
 
 

@@ -12,7 +12,6 @@ from . import lowlevel
 from ._arguments import Point, Table, array_type, mask_of, wraps
 from .constants import HISTOGRAM_CLASSES_LIMIT, ImageType
 from .image import ImageLike, as_image
-from .pixels import line_length
 from .records import HISTOGRAM_REPORT, LINE_PROFILE_REPORT, QUANTIFY_REPORT
 
 
@@ -52,7 +51,7 @@ def line_profile(
 ) -> tuple[NDArray[Any], Any]:
     """The pixels of a straight line from one point (x, y) to another, and a report."""
     source, count = as_image(image), c_int32()
-    values = np.empty(min(line_length(start, end), source.width + source.height), dtype)
+    values = np.empty(source.width + source.height, dtype)  # it is clipped to the image
     report = np.zeros(1, LINE_PROFILE_REPORT)
     lowlevel.ZEL_LineProfile(source, *start, *end, array_type(dtype), values, byref(count), report)
     return values[: count.value], report[0]

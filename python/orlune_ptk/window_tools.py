@@ -13,8 +13,8 @@ from . import lowlevel
 from ._arguments import Choice, choice, wraps
 from .constants import WindowAttribute, WindowTool
 from .records import WINDOW_EVENT
-from .regions import Descriptor, NewRegion, Region, RegionLike
-from .windows import _TITLE_BYTES, attribute_of
+from .regions import NewRegion, Region, RegionLike, record_of
+from .windows import _TITLE_BYTES, attribute_of, title_of
 
 _callbacks: dict[int, Any] = {}  # what ctypes made of callbacks has to stay
 
@@ -36,7 +36,7 @@ def set_tools_attribute(attribute: Choice, value: int | str) -> None:
     """Sets "visible", "left", "top", "title" of the tools window."""
     number, text = attribute_of(attribute), None
     if isinstance(value, str):
-        text = ctypes.create_string_buffer(value.encode())
+        text = title_of(value)
         value = ctypes.addressof(text)
     elif number == WindowAttribute.WATTR_TITLE:
         raise TypeError("a title is a text")
@@ -124,7 +124,7 @@ def set_window_region(window: int, region: RegionLike | None) -> None:
     if region is None:
         lowlevel.ZEL_ClearWROI(window)
     else:
-        lowlevel.ZEL_SetWROI(window, Descriptor(region).record)
+        lowlevel.ZEL_SetWROI(window, record_of(region))
 
 
 @wraps("ZEL_GetWROI")

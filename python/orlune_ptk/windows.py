@@ -19,10 +19,18 @@ _shown: dict[int, Image] = {}  # a window shows the image itself, which has to s
 _TITLE_BYTES = 4096
 
 
+def title_of(text: str) -> ctypes.Array[ctypes.c_char]:
+    """A title as C takes it, no longer than what is read back."""
+    title = ctypes.create_string_buffer(text.encode())
+    if len(title) > _TITLE_BYTES:
+        raise ValueError(f"a title has less than {_TITLE_BYTES} bytes")
+    return title
+
+
 @wraps("ZEL_WindDraw")
 def show(image: ImageLike | None, window: int = 0, title: str | None = None, resize: bool = True) -> None:
     """Shows an image in a window; None paints what it showed."""
-    text = None if title is None else title.encode()
+    text = None if title is None else title_of(title).value
     if image is None:
         lowlevel.ZEL_WindDraw(0, window, text, int(resize))
         return
@@ -58,7 +66,7 @@ def set_window_attribute(window: int, attribute: Choice, value: int | str) -> No
     """Sets "visible", "left", "width", "title", "zoom_x" ... of a window."""
     number, text = attribute_of(attribute), None
     if isinstance(value, str):
-        text = ctypes.create_string_buffer(value.encode())
+        text = title_of(value)
         value = ctypes.addressof(text)
     elif number == WindowAttribute.WATTR_TITLE:
         raise TypeError("a title is a text")

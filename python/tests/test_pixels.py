@@ -30,6 +30,10 @@ def test_lines(gray):
     assert np.array_equal(ptk.get_line(gray, (3, 4), (20, 21)), np.diag(gray[4:22, 3:21]))
     assert np.array_equal(ptk.get_line(gray, (-5, 4), (100, 4)), gray[4])
     assert ptk.get_line(gray, (-5, -5), (-1, -9)).size == 0
+    beyond = ptk.get_line(
+        gray, (2**31 - 1, 4), (2**31, 4)
+    )  # which C takes for a line through the whole row
+    assert beyond.size <= gray.shape[1]
     image = ptk.Image(gray)
     ptk.set_line(image, (3, 4), (20, 21), np.arange(18))
     assert np.array_equal(np.diag(image.pixels[4:22, 3:21]), np.arange(18))

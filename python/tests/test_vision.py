@@ -4,6 +4,7 @@ import numpy as np
 import pytest
 
 import orlune_ptk as ptk
+from orlune_ptk.regions import record_of
 
 
 def test_regions_become_masks():
@@ -25,6 +26,19 @@ def test_regions_become_masks():
     assert mask[1, 1] == 1 and mask[10:21, 10:21].all() and mask.sum() == 122
     assert np.asarray(ptk.region_to_mask(ptk.Region.oval(5, 5, 20, 20), model))[15, 15] == 1
     assert len(ptk.Region.polyline([(0, 0), (5, 5), (9, 0)]).contours[0].points) == 3
+
+
+def test_a_record_of_a_region_is_one_block():
+    """It must not need anything that can go while the library reads it."""
+    region = ptk.Region.rectangle(1, 2, 3, 4) + ptk.Region.point(7, 8) + ptk.Region.polygon(np.arange(300))
+    record = record_of(region)
+    words = record.view(np.int32)
+    assert list(words[:5]) == [*region.bounds, 3]
+    begins = (record[3:6] - np.uint64(record.ctypes.data)).astype(int) // 4
+    for begin, contour in zip(begins, region.contours):
+        count = len(contour.points)
+        assert list(words[begin : begin + 3]) == [1, contour.shape, count]
+        assert np.array_equal(words[begin + 3 : begin + 3 + 2 * count].reshape(-1, 2), contour.points)
 
 
 def test_masks_become_regions(blobs):

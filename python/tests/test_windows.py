@@ -26,6 +26,8 @@ def test_a_window_shows_an_image(gray):
     assert ptk.get_window_attribute(2, "zoom_x") == 4
     with pytest.raises(TypeError):
         ptk.set_window_attribute(2, "title", 3)
+    with pytest.raises(ValueError, match="title"):
+        ptk.show(gray, 2, "x" * 5000)
     with pytest.raises(ptk.PtkError) as caught:
         ptk.show(gray, 99)
     assert caught.value.number == -602
