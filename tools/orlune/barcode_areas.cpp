@@ -117,13 +117,48 @@ std::optional<double> Misfit(const std::vector<double>& runs, const std::string&
   return sum / static_cast<double>(runs.size());
 }
 
+// How far bars, or spaces, are from being of two widths, as a part of the narrow one; nothing where
+// wide ones are not two to four times as wide.
+std::optional<double> TwoWidthMisfit(const std::vector<double>& runs, size_t first) {
+  constexpr double LEAST_RATIO = 1.5, MOST_RATIO = 4.5;
+  double low = runs[first], high = runs[first];
+  for (size_t i = first; i < runs.size(); i += 2) {
+    low = std::min(low, runs[i]);
+    high = std::max(high, runs[i]);
+  }
+  double sums[2] = {}, counts[2] = {};
+  const auto isWide = [&](size_t i) { return runs[i] > (low + high) / 2 ? 1 : 0; };
+  for (size_t i = first; i < runs.size(); i += 2) {
+    sums[isWide(i)] += runs[i];
+    ++counts[isWide(i)];
+  }
+  if (counts[1] == 0) return std::nullopt;
+  const double narrow = sums[0] / counts[0], wide = sums[1] / counts[1];
+  if (wide < LEAST_RATIO * narrow || wide > MOST_RATIO * narrow) return std::nullopt;
+  double sum = 0;
+  for (size_t i = first; i < runs.size(); i += 2) {
+    sum += std::fabs(runs[i] - (isWide(i) != 0 ? wide : narrow));
+  }
+  return sum / (counts[0] + counts[1]) / narrow;
+}
+
 // How far the bars are from those of a text, in modules a run; nothing where they are others
-// altogether. Texts that tell by themselves that they were framed by a start and a stop fit.
+// altogether, or not as many.
 std::optional<double> MisfitOf(BarcodeKind kind, const std::string& text,
                                const std::vector<double>& runs) {
   constexpr double WORST = 0.35;
+  // The asterisks of Code 39 frame it better than its bars, which are worn on plates.
+  if (kind == BarcodeKind::Code39) return 0.0;
+  if (kind == BarcodeKind::Codabar) {
+    constexpr double WORST_OF_TWO_WIDTHS = 0.25;
+    constexpr size_t RUNS = 8;  // of a character
+    if (runs.size() != RUNS * text.size() - 1) return std::nullopt;
+    const std::optional<double> ofBars = TwoWidthMisfit(runs, 0);
+    const std::optional<double> ofSpaces = TwoWidthMisfit(runs, 1);
+    if (!ofBars || !ofSpaces || *ofBars + *ofSpaces > 2 * WORST_OF_TWO_WIDTHS) return std::nullopt;
+    return (*ofBars + *ofSpaces) / 2;
+  }
   std::string widths = WidthsOf(kind, text);
-  if (widths.empty()) return 0.0;
   std::optional<double> misfit = Misfit(runs, widths);
   if (misfit && kind == BarcodeKind::Interleaved) {
     // Wide is two to three times narrow.
@@ -143,7 +178,7 @@ bool HasFrame(BarcodeKind kind, const std::string& text) {
   };
   if (kind == BarcodeKind::Codabar) return framed("ABCD", "ABCD");
   if (kind == BarcodeKind::Code39) return framed("*", "*");
-  return !text.empty();
+  return text.size() >= SHORTEST;
 }
 
 // Of the height of the bars: their middle, narrow bands, and single rows.
@@ -180,12 +215,13 @@ void AreaSearch::TryArea(const Image& gray, const Bars& area, int32_t scale, dou
   reading.backward = backward;
 }
 
-std::optional<BarcodeReading> AreaSearch::Best(int leastReadings) const {
+std::optional<BarcodeReading> AreaSearch::Best() const {
+  constexpr int LEAST_READINGS = 3;  // of hundreds: fewer come up where there is no code
   const Candidate* best = nullptr;
   for (const auto& [text, candidate] : candidates_) {
     if (!best || candidate.weight > best->weight) best = &candidate;
   }
-  if (!best || best->reading.readings < leastReadings) return std::nullopt;
+  if (!best || best->reading.readings < std::min(LEAST_READINGS, attempts_)) return std::nullopt;
   BarcodeReading reading = best->reading;
   reading.attempts = attempts_;
   return reading;

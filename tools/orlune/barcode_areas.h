@@ -14,6 +14,8 @@ namespace front {
 
 class AreaSearch {
  public:
+  static constexpr int32_t MARGIN = 0;  // of a frame: bars are told by the rest of the picture
+
   explicit AreaSearch(const BarcodeSettings& settings) : settings_(settings) {}
 
   // Reads one rectangle of a picture that is so many times larger than the one that was given.
@@ -22,8 +24,14 @@ class AreaSearch {
   // Looks for the bars in an upright picture and reads them larger and larger, in many rectangles.
   void TryPicture(const Image& gray, double angle);
 
-  // The text that fits best most often; none where fewer readings gave it.
-  std::optional<BarcodeReading> Best(int leastReadings) const;
+  // The text that fits best most often, if enough readings gave it.
+  std::optional<BarcodeReading> Best() const;
+
+  // Whether more readings would change nothing.
+  static bool IsSure(const BarcodeReading& reading) {
+    constexpr int PART = 4;
+    return PART * reading.readings > reading.attempts;
+  }
 
  private:
   struct Candidate {

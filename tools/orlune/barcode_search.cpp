@@ -51,7 +51,7 @@ class LineSearch {
 
   // Lines of the picture's rows, and of several rows each against noise.
   void TryPicture(const Image& gray, double angle) {
-    constexpr int32_t FEW = 40, MANY = 300, NEXT = 12;  // lines; rows between them
+    constexpr int32_t FEW = 160, MANY = 600, NEXT = 12;  // lines; rows between them
     const ImageInfo info = gray.Info();
     for (const int32_t rows : {1, 4}) {
       const int32_t step = std::max({rows, std::min(info.height / FEW, NEXT), info.height / MANY});
@@ -80,6 +80,11 @@ class LineSearch {
     reading.attempts = attempts_;
     return reading;
   }
+
+  static constexpr int32_t MARGIN = 12;  // pixels of light that a frame adds at both ends
+
+  // What several lines agree on needs no more of them.
+  static bool IsSure(const BarcodeReading&) { return true; }
 
  private:
   struct Candidate {
@@ -114,7 +119,8 @@ class LineSearch {
     for (auto& [text, reading] : found) {
       Candidate& candidate = candidates_[text];
       if (candidate.lines > 1) {
-        Include(reading.place, &candidate.reading.place);
+        // Lines of the picture as it lies and of the picture turned have no common place.
+        if (candidate.reading.angle == angle) Include(reading.place, &candidate.reading.place);
         continue;
       }
       candidate.reading = reading;
@@ -203,55 +209,99 @@ Image PartOf(const Image& gray, const Region& region) {
   return part;
 }
 
-// Where a place of the picture turned lies in the picture itself.
-std::array<PointFloat, 4> CornersOf(const Region& place, double angle, const ImageInfo& info) {
-  const double sine = std::sin(angle / DEGREES), cosine = std::cos(angle / DEGREES);
+// The grey level that a tenth of the pixels reach.
+uint8_t LightOf(const Image& gray) {
+  uint32_t counts[256] = {};
+  HistogramReport report{};
+  Check(ZEL_Histogram(gray, 0, 256, 0, 255, counts, &report));
+  const ImageInfo info = gray.Info();
+  int64_t left = int64_t{info.width} * info.height / 10;
+  int32_t level = 255;
+  while (level > 0 && left > counts[level]) left -= counts[level--];
+  return static_cast<uint8_t>(level);
+}
+
+// A picture with light around it: codes may end where it ends, and it is turned within its frame.
+struct Framed {
+  Image image{IMAGE_U8};
+  int32_t left = 0, top = 0;  // of the picture
+};
+
+Framed Frame(const Image& gray, int32_t width, int32_t height) {
+  const ImageInfo info = gray.Info();
+  Framed framed;
+  framed.left = (width - info.width) / 2;
+  framed.top = (height - info.height) / 2;
+  Check(ZEL_SetImageSize(framed.image, width, height));
+  Check(ZEL_FillImage(framed.image, 0, LightOf(gray), 0, 0, 0));
+  const ImageInfo target = framed.image.Info();
+  for (int32_t y = 0; y < info.height; ++y) {
+    std::copy_n(Row<uint8_t>(info, y), info.width,
+                Row<uint8_t>(target, y + framed.top) + framed.left);
+  }
+  return framed;
+}
+
+// Where a reading's place in a frame that was turned lies in the picture.
+void PlaceInPicture(const Framed& framed, BarcodeReading* reading) {
+  const ImageInfo info = framed.image.Info();
+  const double sine = std::sin(reading->angle / DEGREES),
+               cosine = std::cos(reading->angle / DEGREES);
   const double centreX = (info.width - 1) / 2.0, centreY = (info.height - 1) / 2.0;
   const auto inPicture = [&](int32_t across, int32_t down) {
     const double x = across - centreX, y = down - centreY;
-    return PointFloat{static_cast<float>(centreX + x * cosine - y * sine),
-                      static_cast<float>(centreY + y * cosine + x * sine)};
+    return PointFloat{static_cast<float>(centreX + x * cosine - y * sine - framed.left),
+                      static_cast<float>(centreY + y * cosine + x * sine - framed.top)};
   };
+  const Region& place = reading->place;
   const int32_t right = place.left + place.width - 1, bottom = place.top + place.height - 1;
-  return {inPicture(place.left, place.top), inPicture(right, place.top), inPicture(right, bottom),
-          inPicture(place.left, bottom)};
+  reading->corners = {inPicture(place.left, place.top), inPicture(right, place.top),
+                      inPicture(right, bottom), inPicture(place.left, bottom)};
+  reading->place.left -= framed.left;
+  reading->place.top -= framed.top;
 }
 
-// As it lies, and then turned upright.
-template <class Try>
-void TryTurns(const Image& gray, Try tryPicture) {
-  if (tryPicture(gray, 0.0)) return;
+// As it lies, and then turned upright, until the search has found enough.
+template <class Search>
+std::optional<BarcodeReading> FindInTurns(const Image& gray, Search* search) {
+  const ImageInfo info = gray.Info();
+  const int32_t margin = Search::MARGIN;
+  const Framed upright = Frame(gray, info.width + 2 * margin, info.height);
+  search->TryPicture(upright.image, 0.0);
+  std::optional<BarcodeReading> reading = search->Best();
   const double angle = UprightAngle(gray);
-  if (std::fabs(angle) <= LEAST_TURN) return;
-  Image turned(IMAGE_U8);
-  Check(ZEL_Rotate(gray, turned, static_cast<float>(angle), 255.0f, 1));
-  tryPicture(turned, angle);
+  if (std::fabs(angle) <= LEAST_TURN || (reading && search->IsSure(*reading))) {
+    if (reading) PlaceInPicture(upright, &*reading);
+    return reading;
+  }
+  const auto side = static_cast<int32_t>(std::ceil(std::hypot(info.width, info.height)));
+  Framed turned =
+      margin > 0 ? Frame(gray, side + 2 * margin, side) : Frame(gray, info.width, info.height);
+  Check(ZEL_Rotate(turned.image, turned.image, static_cast<float>(angle), LightOf(gray), 1));
+  search->TryPicture(turned.image, angle);
+  reading = search->Best();
+  if (reading) PlaceInPicture(reading->angle == 0.0 ? upright : turned, &*reading);
+  return reading;
 }
 
 std::optional<BarcodeReading> FindByLines(const Image& gray, const BarcodeSettings& settings) {
   LineSearch search(settings);
-  TryTurns(gray, [&](const Image& picture, double angle) {
-    search.TryPicture(picture, angle);
-    return search.Best().has_value();
-  });
-  return search.Best();
+  return FindInTurns(gray, &search);
 }
 
 std::optional<BarcodeReading> FindByAreas(const Image& gray, const BarcodeSettings& settings) {
-  constexpr int LEAST_READINGS = 3;  // of hundreds: fewer come up where there is no code
   const ImageInfo info = gray.Info();
   if (settings.region) {
     // A region that fits the code is read as it is.
     AreaSearch plain(settings);
     plain.TryArea(gray, {0, 0, info.width - 1, info.height - 1}, 1, 0.0, false);
-    if (const std::optional<BarcodeReading> reading = plain.Best(1)) return reading;
+    if (std::optional<BarcodeReading> reading = plain.Best()) {
+      PlaceInPicture(Frame(gray, info.width, info.height), &*reading);
+      return reading;
+    }
   }
   AreaSearch search(settings);
-  TryTurns(gray, [&](const Image& picture, double angle) {
-    search.TryPicture(picture, angle);
-    return false;
-  });
-  return search.Best(LEAST_READINGS);
+  return FindInTurns(gray, &search);
 }
 
 }  // namespace
@@ -264,7 +314,6 @@ std::optional<BarcodeReading> FindBarcode(const Image& gray, const BarcodeSettin
   std::optional<BarcodeReading> reading =
       HasEvenSymbols(settings.kind) ? FindByLines(part, settings) : FindByAreas(part, settings);
   if (!reading) return std::nullopt;
-  reading->corners = CornersOf(reading->place, reading->angle, part.Info());
   for (PointFloat& corner : reading->corners) {
     corner.x += static_cast<float>(place.left);
     corner.y += static_cast<float>(place.top);
