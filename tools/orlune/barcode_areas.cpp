@@ -216,12 +216,14 @@ void AreaSearch::TryArea(const Image& gray, const Bars& area, int32_t scale, dou
 }
 
 std::optional<BarcodeReading> AreaSearch::Best() const {
-  constexpr int LEAST_READINGS = 3;  // of hundreds: fewer come up where there is no code
+  // Where there is no code, some of hundreds of rectangles still have a text.
+  constexpr int LEAST_READINGS = 3, LEAST_PART = 60;
   const Candidate* best = nullptr;
   for (const auto& [text, candidate] : candidates_) {
     if (!best || candidate.weight > best->weight) best = &candidate;
   }
-  if (!best || best->reading.readings < std::min(LEAST_READINGS, attempts_)) return std::nullopt;
+  const int least = std::min(std::max(LEAST_READINGS, attempts_ / LEAST_PART + 1), attempts_);
+  if (!best || best->reading.readings < least) return std::nullopt;
   BarcodeReading reading = best->reading;
   reading.attempts = attempts_;
   return reading;
