@@ -294,7 +294,7 @@ Texts read in pictures without a code (stripes, even and uneven, noise, and some
 Texts read of mutilated codes, in which two neighbours are exchanged, a module is moved from a bar to the next, or
 the end is cut off. Where a kind leaves its check open, the codes have one, and are read without and with asking
 for it. A changed bar of Codabar, Code 39, Interleaved 2 of 5 or MSI can be another valid code without its check, and a cut MSI code looks
-like a shorter one:
+like a shorter one. A wrong bar may also leave nothing near but the right text, which is counted too:
 )";
   PutFalseReads(out, codes, PICTURES, [](const Code& code, uint64_t seed) {
     return Show(Mutilated(code.widths, seed), {}, seed);
