@@ -134,11 +134,10 @@ TEST(BarcodeSearch, ReadsNothingWhereThereIsNoCode) {
   for (uint64_t seed = 0; seed < 4; ++seed) {
     const Sight sight = scorecard::NoCode(seed);
     for (const BarcodeKindRow& row : AllBarcodeKinds()) {
-      if (!HasEvenSymbols(row.kind) && seed != 1) continue;  // which take longer
-      for (const bool validate : {false, true}) {
-        const auto reading = Find(sight, row.kind, validate);
-        EXPECT_FALSE(reading) << row.name << ' ' << seed << ' ' << reading->text;
-      }
+      const bool hasLines = HasEvenSymbols(row.kind);
+      if (!hasLines && seed != 1) continue;  // rectangles take longer
+      const auto reading = Find(sight, row.kind, !hasLines);
+      EXPECT_FALSE(reading) << row.name << ' ' << seed << ' ' << reading->text;
     }
   }
 }
