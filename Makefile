@@ -1,5 +1,5 @@
 # Commands for people. Each sets up what it needs; the work is in tools/ and the CMake presets.
-.PHONY: help demo test wheel asan check-deep bench bench-pages benchmark check-format tidy fuzz clean
+.PHONY: help demo test wheel asan check-deep bench bench-pages benchmark scorecard check-format tidy fuzz clean
 
 help:
 	@echo "make demo          make scenes, inspect them, show the particles and the annotated pictures"
@@ -8,6 +8,7 @@ help:
 	@echo "make asan          the same under the address and undefined-behaviour sanitizers"
 	@echo "make bench         run the benchmarks beside their peers, roughly"
 	@echo "make bench-pages   run them in full and write docs/benchmarks from the results"
+	@echo "make scorecard     read bar codes and gauges spoilt more and more, beside peers: docs/scorecard.md"
 	@echo "make check-format  check the layout of the sources"
 	@echo "make tidy          look for suspicious code"
 	@echo "make check-deep    fuzzers, sanitizers and all builds for hours; writes docs/robustness.md"
@@ -37,6 +38,13 @@ bench: benchmark
 
 bench-pages: benchmark
 	build/release/benchmarks/orlune_benchmark --out docs/benchmarks/run.csv --pages docs/benchmarks
+
+# With PHOTOS=folder also the photographs that its truth.tsv tells of.
+scorecard:
+	@tools/setup.sh --scorecard
+	cmake --preset release
+	cmake --build --preset release --target orlune_scorecard
+	build/release/tools/orlune_scorecard tests/data/barcodes/printed.tsv docs/scorecard.md $(PHOTOS)
 
 check-format:
 	@tools/setup.sh --check-tools

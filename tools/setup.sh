@@ -3,8 +3,9 @@
 # there. The library itself needs no more than the compiler; libcli11, libtiff, libpng and libjpeg are
 # for the command-line front, and the last packages make the pictures that its tests read. With
 # --benchmarks also what the benchmarks compare with, with --check-tools also what checks the sources,
-# with --deep-check also the fuzzers and what tools/check_deep.sh runs.
-# usage: setup.sh [--benchmarks] [--check-tools] [--deep-check]
+# with --scorecard what the scorecard of readers compares with, with --deep-check also the fuzzers and
+# what tools/check_deep.sh runs.
+# usage: setup.sh [--benchmarks] [--scorecard] [--check-tools] [--deep-check]
 set -eu
 
 needed="make g++ cmake ninja-build pkgconf libgtest-dev"
@@ -13,10 +14,11 @@ needed="$needed imagemagick netpbm libtiff-tools python3-pil"
 for argument in "$@"; do
   case $argument in
     --benchmarks) needed="$needed libopencv-core-dev libopencv-imgproc-dev libopencv-imgcodecs-dev libleptonica-dev libzxing-dev" ;;
+    --scorecard) needed="$needed libzxing-dev libzbar-dev" ;;
     --deep-check) needed="$needed clang-19 libclang-rt-19-dev valgrind gcovr" ;;
     --check-tools) needed="$needed clang-format clang-tidy cppcheck mypy" ;;
     *)
-      echo "usage: setup.sh [--benchmarks] [--check-tools] [--deep-check]" >&2
+      echo "usage: setup.sh [--benchmarks] [--scorecard] [--check-tools] [--deep-check]" >&2
       exit 2
       ;;
   esac

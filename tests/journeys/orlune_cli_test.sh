@@ -538,6 +538,9 @@ grep -q 'upright.bmp,interleaved,"20261122",' codes.csv || fail "$what: wrong CS
 grep -q '"0417"' codes.json || fail "$what: wrong JSON report"
 run 0 read barcode --kind interleaved -j 2 --quiet --csv - "$labels/upright.bmp" "$labels/turned.bmp"
 cmp -s out codes.csv || fail "$what: another report with two workers"
+run 0 read barcode --kind interleaved --quiet --annotate marked "$labels/turned.bmp"
+cmp -s marked/turned-read.bmp "$labels/turned.bmp" && fail "nothing is marked"
+run 0 info marked/turned-read.bmp
 run 1 read barcode --kind interleaved "$gauges/empty.bmp" "$labels/upright.bmp"
 in_out "20261122"
 run 1 read barcode --kind ean13 "$labels/upright.bmp"

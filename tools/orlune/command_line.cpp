@@ -337,6 +337,9 @@ void CommandLine::AddRead() {
       ->type_name("FILE");
   read->add_option("--json", readFiles_.json, "write what was read as JSON; - is standard output")
       ->type_name("FILE");
+  read->add_option("--annotate", readFiles_.annotate,
+                   "write each picture as BMP with what was read marked")
+      ->type_name("FOLDER");
   read->add_flag("--quiet", readFiles_.quiet, "print nothing of what was read");
   AddReadingBarcodes(read);
   AddReadingGauges(read);
@@ -373,10 +376,6 @@ void CommandLine::AddReadingBarcodes(CLI::App* read) {
 void CommandLine::AddReadingGauges(CLI::App* read) {
   read->add_option("--setup", readDials_.setup, "what 'orlune calibrate' wrote of the gauge")
       ->type_name("FILE")
-      ->group(METERS_AND_DISPLAYS);
-  read->add_option("--annotate", readDials_.annotate,
-                   "write each picture as BMP with what was read marked")
-      ->type_name("FOLDER")
       ->group(METERS_AND_DISPLAYS);
 }
 

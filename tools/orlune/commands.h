@@ -38,6 +38,7 @@ int Run(const InspectCommand& command);
 struct ReadFiles {
   std::vector<std::string> files;
   std::string csv, json;  // file, "-" for the standard output, empty for none
+  std::string annotate;   // folder, empty for none
   bool quiet = false;
 };
 

@@ -100,17 +100,19 @@ Examples:
   orlune convert --type sgl part.tif part.orln)";
 
 constexpr char READ_FOOTER[] = R"(
-Bar codes: a region that fits a code, upright and with some light at both ends, is read as it is.
-Otherwise, and where nothing is read there, the bars are looked for in the region or in the whole
-picture, turned upright by the direction of their edges, enlarged, and read along many rows and both
-ways; the text that most readings agree on is told.
+Bar codes: the code is looked for in the region or in the whole picture, as it lies and turned upright
+by the direction of its edges, and both ways. Code 93, Code 128, EAN and UPC are read along many lines,
+each symbol by its own width, so that cans and slanted labels are read too; several lines have to agree.
+The others are read in many rectangles around the bars, and their bars have to be those of the text;
+one of fewer than four characters is not looked for, and a region that fits such a code, upright and
+with some light at both ends, is read as it is.
 
 Gauges: a meter's needle is looked for along all lines from its base to its arc: the darkest, with a
 light needle the lightest, is taken. A display's digits are read by three lines over each of them. A
 picture in which segments form no digit is not read.
 
 Examples:
-  orlune read barcode --kind code128 labels/*.png
+  orlune read barcode --kind code128 --annotate marked labels/*.png
   orlune read barcode --kind ean13 --region 40,60,300,50 --csv codes.csv box.tif
   orlune read meter --setup boiler.json shots/*.png
   orlune read lcd --setup scales.json --csv weights.csv --annotate marked shots/*.bmp
