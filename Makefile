@@ -1,10 +1,11 @@
 # Commands for people. Each sets up what it needs; the work is in tools/ and the CMake presets.
-.PHONY: help demo test wheel asan check-deep bench bench-pages benchmark scorecard check-format tidy fuzz clean
+.PHONY: help demo test wheel accuracy asan check-deep bench bench-pages benchmark scorecard check-format tidy fuzz clean
 
 help:
 	@echo "make demo          make scenes, inspect them, show the particles and the annotated pictures"
 	@echo "make test          build and run all tests"
 	@echo "make wheel         make the Python wheel with the library in it, in dist/"
+	@echo "make accuracy      print how near measures and edges come to the truth, as the tables in docs/"
 	@echo "make asan          the same under the address and undefined-behaviour sanitizers"
 	@echo "make bench         run the benchmarks beside their peers, roughly"
 	@echo "make bench-pages   run them in full and write docs/benchmarks from the results"
@@ -24,6 +25,13 @@ test:
 wheel:
 	@tools/setup.sh
 	python3 python/build_wheel.py dist
+
+accuracy:
+	@tools/setup.sh
+	cmake --preset release
+	cmake --build --preset release --target orlune_accuracy orlune_edge_accuracy
+	build/release/tools/orlune_accuracy
+	build/release/tools/orlune_edge_accuracy
 
 asan:
 	@tools/test.sh asan

@@ -9,6 +9,7 @@
 
 #include "orlune/commands.h"
 #include "orlune/interrupts.h"
+#include "orlune/json_values.h"
 #include "orlune/numbers.h"
 #include "orlune/progress.h"
 #include "orlune/reading.h"
