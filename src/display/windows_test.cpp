@@ -32,9 +32,10 @@ TEST_F(Windows, AreMadeHiddenByTheFirstQuestion) {
   EXPECT_EQ(Ask(22, -2), (Numbers{280, 40}));
   EXPECT_EQ(Ask(16, -3), (Numbers{53, 28, 0}));
   EXPECT_EQ(Ask(9, -1), Numbers{});
+  EXPECT_EQ(Ask(9, -98).size(), 3u);
   int32_t panel = -1;
   ZEL_GetWindowIDs(9, &panel, nullptr);
-  EXPECT_EQ(panel, 0) << "a question for its shape leaves a window closed";
+  EXPECT_EQ(panel, 0) << "a question for its shape or for the pointer leaves a window closed";
 }
 
 TEST_F(Windows, OutsideTheTableFail) {
