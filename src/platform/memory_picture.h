@@ -23,6 +23,7 @@ class MemoryPicture {
   bool Begin();
 
   uint32_t Pixel(int32_t x, int32_t y) const;
+  const uint32_t* Row(int32_t y) const { return pixels_.get() + int64_t{y} * width_; }
   DesktopPen pen;
   DesktopRect clip{};
 
@@ -32,10 +33,15 @@ class MemoryPicture {
   void Invert(const DesktopRect& rect);
   void Blit(const DesktopBitmap& bitmap, const DesktopRect& source, const DesktopRect& to);
 
+  // What was drawn on since the last call: all that is not in it is as it was.
+  DesktopRect TakeChanged();
+
  private:
   struct Box {
     int64_t left, top, right, bottom;  // right and bottom are one past the last pixel
   };
+  static constexpr Box NOTHING{INT32_MAX, INT32_MAX, 0, 0};
+  void Change(const Box& box);
   Box Clipped(const DesktopRect& rect) const;
   void Dot(int64_t x, int64_t y);
   void Span(int64_t left, int64_t right, int64_t y);
@@ -43,6 +49,7 @@ class MemoryPicture {
 
   int32_t width_ = 0, height_ = 0;
   uint32_t background_ = 0xFFFFFF;
+  Box changed_ = NOTHING;
   std::unique_ptr<uint32_t[]> pixels_;
 };
 
