@@ -52,6 +52,15 @@ int32_t Array(Session& s) {
   return result;
 }
 
+int32_t FromClipboard(Session& s) {
+  int32_t available = 0;
+  std::vector<RGBValue> palette(256);
+  const int32_t result = ZEL_ClipboardToImage(s.target, palette.data(), &available);
+  s.Out(palette.data(), palette.size());
+  s.Out(available);
+  return result;
+}
+
 constexpr Step ROWS[] = {
     {"ZEL_SetPixelValue",
      [](Session& s) {
@@ -108,6 +117,13 @@ constexpr Step ROWS[] = {
      [](Session& s) { return ZEL_DrawLine(s.u8, s.target, -3, 2, 30, 50, DRAW_FRAME, 200); }},
     {"ZEL_DrawRect",
      [](Session& s) { return ZEL_DrawRect(s.i16, s.target16, 3, 4, 9, 50, DRAW_INVERT_PAINT, 0); }},
+    {"ZEL_ImageToClipboard", [](Session& s) { return ZEL_ImageToClipboard(s.rgb, nullptr); }},
+    {"ZEL_ImageToClipboard",
+     [](Session& s) {
+       const std::vector<RGBValue> palette(256, 0x112233);
+       return ZEL_ImageToClipboard(s.u8, palette.data());
+     }},
+    {"ZEL_ClipboardToImage", &FromClipboard},
     {"ZEL_DrawOval",
      [](Session& s) { return ZEL_DrawOval(s.target, 0, -4, 5, 15, 22, DRAW_INVERT_FRAME, 0); }},
 };
