@@ -1,7 +1,8 @@
 #!/bin/sh
 # Installs what the build needs on Debian 12, and says what it installs. Does nothing when all is
 # there. The library itself needs no more than the compiler; libcli11, libtiff, libpng and libjpeg are
-# for the command-line front, and the last packages make the pictures that its tests read. With
+# for the command-line front, imagemagick and its like make the pictures that its tests read, and
+# windows on the screen are built with libxcb1-dev and tested with the last packages. With
 # --benchmarks also what the benchmarks compare with, with --check-tools also what checks the sources,
 # with --deep-check also the fuzzers and what tools/check_deep.sh runs.
 # usage: setup.sh [--benchmarks] [--check-tools] [--deep-check]
@@ -10,6 +11,7 @@ set -eu
 needed="make g++ cmake ninja-build pkgconf libgtest-dev"
 needed="$needed libcli11-dev libtiff-dev libpng-dev libjpeg-dev"
 needed="$needed imagemagick netpbm libtiff-tools python3-pil"
+needed="$needed libxcb1-dev libxcb-xtest0-dev xvfb xclip"
 for argument in "$@"; do
   case $argument in
     --benchmarks) needed="$needed libopencv-core-dev libopencv-imgproc-dev libopencv-imgcodecs-dev libleptonica-dev libzxing-dev" ;;
