@@ -269,7 +269,7 @@ TEST_F(Windows, AreAsManyTimesLargerAsTheScale) {
   Palette grey;
   for (uint32_t i = 0; i < 256; i++) grey[i] = i * 0x010101;
   EXPECT_TRUE(client_.Pixels(window) == Mapped(image, grey, 2));
-  EXPECT_EQ(Ask(0, -39, {0, 0})[0], 640);
+  EXPECT_EQ(Ask(0, -39, {0, 0, 0, 0})[0], 640);
   ASSERT_EQ(ZEL_SetActiveTool(WTOOL_POINT), 0);
   person_.Move(window, 41, 61);
   person_.Click();

@@ -28,8 +28,11 @@ XServer::XServer() {
   std::string number;
   for (char digit = 0; read(ends[0], &digit, 1) == 1 && digit != '\n';) number.push_back(digit);
   close(ends[0]);
-  if (number.empty()) return Kill();
-  setenv("DISPLAY", (":" + number).c_str(), 1);
+  if (number.empty()) {
+    Kill();
+  } else {
+    setenv("DISPLAY", (":" + number).c_str(), 1);
+  }
 }
 
 XServer::~XServer() {
