@@ -110,9 +110,13 @@ void SelectionInvert() {
 }
 
 void SelectionMove(int64_t cell) {
+  const Desktop& desktop = DesktopInUse();
+  const int32_t canvas = display.bindings[TOOLS_WINDOW].canvas;
+  desktop.beginBatch(canvas);
   SelectionInvert();
   display.tools.selected = static_cast<int32_t>(cell + 1);
   SelectionInvert();
+  desktop.endBatch(canvas);
 }
 
 int64_t CellOf(int32_t tool) {

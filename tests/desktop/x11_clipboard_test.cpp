@@ -72,8 +72,7 @@ class OtherProgram {
     answer.selection = request.selection;
     answer.target = request.target;
     answer.property = request.property;
-    xcb_send_event(client_.link(), 0, request.requestor, 0, reinterpret_cast<char*>(&answer));
-    xcb_flush(client_.link());
+    client_.Send(request.requestor, answer);
   }
   void Continue(const xcb_property_notify_event_t& event) {
     const bool isTaken = event.state == XCB_PROPERTY_DELETE && event.atom == pieces_.property;
@@ -310,8 +309,7 @@ class Keeper {
         answer.selection = asked.selection;
         answer.target = asked.target;
         answer.property = asked.property;
-        xcb_send_event(client_.link(), 0, asked.requestor, 0, reinterpret_cast<char*>(&answer));
-        client_.Sync();
+        client_.Send(asked.requestor, answer);
         return;
       } else {
         std::this_thread::sleep_for(1ms);

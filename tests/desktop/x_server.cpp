@@ -116,7 +116,7 @@ void XClient::AskToClose(xcb_window_t window) const {
   message.window = window;
   message.type = Atom("WM_PROTOCOLS");
   message.data.data32[0] = Atom("WM_DELETE_WINDOW");
-  xcb_send_event(link_, 0, window, 0, reinterpret_cast<const char*>(&message));
+  Send(window, message);
   Sync();
 }
 

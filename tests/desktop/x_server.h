@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <cstring>
 #include <functional>
 #include <memory>
 #include <string>
@@ -64,6 +65,15 @@ class XClient {
   void AskToClose(xcb_window_t window) const;
   void Configure(xcb_window_t window, uint16_t mask, const std::vector<uint32_t>& values) const;
   void Sync() const;
+  // Sends an event to a window's program.
+  template <class Event>
+  void Send(xcb_window_t window, const Event& event) const {
+    char sent[32] = {};  // the least of an event
+    static_assert(sizeof event <= sizeof sent);
+    std::memcpy(sent, &event, sizeof event);
+    xcb_send_event(link_, 0, window, 0, sent);
+    xcb_flush(link_);
+  }
 
  private:
   xcb_connection_t* link_;
