@@ -3,6 +3,7 @@
 
 #include "harness/calls/calls.h"
 #include "harness/calls/draws.h"
+#include "platform/built_in_face.h"
 #include "platform/desktop.h"
 
 namespace test {
@@ -79,6 +80,43 @@ int32_t ResultSide(Playground& play) {
 int32_t MethodAnywhere(Playground& play) {
   return Below<16>(play) == 0 ? Int(play) : Below<5>(play);
 }
+
+// For the time of one call, letters that are the same on every machine.
+class BuiltInLetters {
+ public:
+  BuiltInLetters() { zel::FontsUse(&zel::BUILT_IN_FACE); }
+  BuiltInLetters(const BuiltInLetters&) = delete;
+  BuiltInLetters& operator=(const BuiltInLetters&) = delete;
+  ~BuiltInLetters() { zel::FontsUse(nullptr); }
+};
+
+// Some bytes, of which the last one is zero, or NULL now and then. They stay until the next draw.
+template <uint32_t most>
+const char* ZeroTerminated(Playground& play) {
+  static char text[most];
+  const int32_t length = Below<most>(play);
+  const char* bytes = length == 0 ? nullptr : play.ArrayOf<char>(static_cast<size_t>(length));
+  if (!bytes) return nullptr;
+  std::memcpy(text, bytes, static_cast<size_t>(length));
+  text[length - 1] = 0;
+  return text;
+}
+int32_t TextMode(Playground& play) {
+  return Below<16>(play) == 0 ? Int(play) : Below<5>(play);
+}
+int32_t TextPlace(Playground& play) {
+  return Below<4>(play) == 0 ? Int(play) : Below<60>(play) - 20;
+}
+int32_t TextSize(Playground& play) {
+  return Below<16>(play) == 0 ? Int(play) : Below<50>(play);
+}
+int32_t DrawText(Playground& play) {
+  const BuiltInLetters letters;
+  return Call<ZEL_DrawText, Source, FramedDestination, TextPlace, TextPlace, TextMode,
+              ZeroTerminated<300>, TextSize, Int, Below<3>, ZeroTerminated<40>, Output<int32_t>>(
+      play);
+}
+
 const RGBValue* Palette(Playground& play) {
   return Below<4>(play) == 0 ? nullptr : play.ArrayOf<RGBValue>(256);
 }
@@ -157,6 +195,7 @@ constexpr ApiCall ROWS[] = {
     {122, "ZEL_DrawOval",
      Call<ZEL_DrawOval, Source, FramedDestination, Int, Int, Int, Int, DrawMode, Float>, STATUS,
      OF_DRAWING},
+    {123, "ZEL_DrawText", DrawText, STATUS, OF_DRAWING},
 };
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "harness/session/session.h"
+#include "platform/built_in_face.h"
 
 namespace test {
 namespace {
@@ -49,6 +50,17 @@ int32_t Array(Session& s) {
   s.Out(array.data(), array.size());
   s.Out(width);
   s.Out(height);
+  return result;
+}
+
+// In letters that are the same on every machine.
+int32_t Text(Session& s) {
+  zel::FontsUse(&zel::BUILT_IN_FACE);
+  int32_t lines = 0;
+  const int32_t result = ZEL_DrawText(s.rgb, s.rgb, 5, -3, TEXT_INVERT, "one\rtwo\rthree", 12,
+                                      TEXT_BOLD | TEXT_UNDERLINE, TEXT_ALIGN_LEFT, "any", &lines);
+  zel::FontsUse(nullptr);
+  s.Out(lines);
   return result;
 }
 
@@ -126,6 +138,7 @@ constexpr Step ROWS[] = {
     {"ZEL_ClipboardToImage", &FromClipboard},
     {"ZEL_DrawOval",
      [](Session& s) { return ZEL_DrawOval(s.target, 0, -4, 5, 15, 22, DRAW_INVERT_FRAME, 0); }},
+    {"ZEL_DrawText", Text},
 };
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "core/poison.h"
 #include "core/tables.h"
 #include "platform/desktop.h"
+#include "platform/fonts.h"
 #include "platform/workers.h"
 
 namespace zel {
@@ -308,6 +309,7 @@ Status CoreShutdown() {
   hookRows = 0;
   WorkersJoin();
   DesktopLeave();
+  FontsInUse().release();
 
   for (uint32_t row = 0; row < coreTables.imageCapacity; row++) {
     if (coreTables.images[row].reference != 0) ImageDestroy(coreTables.images[row].reference);

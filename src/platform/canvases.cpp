@@ -12,9 +12,15 @@ namespace {
 
 constexpr size_t TEXTS_KEPT = 4096;
 
+struct Font {
+  FontStyle style;
+  const TextRasteriser* letters;
+};
+
 struct State {
   std::map<int32_t, Canvas> canvases;
   std::map<int32_t, DesktopBitmap> bitmaps;
+  std::map<std::string, Font> fonts;
   DesktopFaults faults;
 };
 
@@ -119,11 +125,22 @@ void CanvasInvert(int32_t canvas, const DesktopRect& rect) {
   if (MemoryPicture* picture = PictureOf(canvas)) picture->Invert(rect);
 }
 
-void CanvasText(int32_t canvas, const char* text, const char*, const DesktopRect&, TextAlignment) {
+void CanvasFont(const char* name, const FontStyle& style, const TextRasteriser& letters) {
+  state.fonts[name] = {style, &letters};
+}
+
+void CanvasText(int32_t canvas, const char* text, const char* font, const DesktopRect& rect,
+                TextAlignment alignment) {
   Canvas* found = CanvasOf(canvas);
   if (!found) return;
   found->texts.append(text).append("\n");
   if (found->texts.size() > TEXTS_KEPT) found->texts.erase(0, found->texts.size() - TEXTS_KEPT);
+  const auto known = state.fonts.find(font);
+  if (known == state.fonts.end()) return;
+  const auto& [style, letters] = known->second;
+  if (MemoryPicture* picture = PictureOf(canvas)) {
+    picture->Text(text, style, rect, alignment, *letters);
+  }
 }
 
 DesktopRect CanvasClip(int32_t canvas) {

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/desktop.h"
+#include "platform/fonts.h"
 #include "platform/memory_picture.h"
 
 namespace zel {
@@ -39,6 +40,9 @@ void CanvasesForget();                  // all of them, and bitmaps
 Canvas* CanvasOf(int32_t canvas);       // or null
 Canvas* CanvasOnPanel(int32_t panel);   // the first one, or null
 int32_t CanvasNumberOn(int32_t panel);  // likewise, or 0
+
+// Names a font for CanvasText, and whose letters it has.
+void CanvasFont(const char* name, const FontStyle& style, const TextRasteriser& letters);
 
 // Operations of a Desktop.
 void CanvasSet(int32_t panel, int32_t canvas, int32_t attribute, int32_t value);

@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "platform/built_in_face.h"
 #include "platform/byte_block.h"
 #include "platform/canvases.h"
 
@@ -161,8 +162,10 @@ uint32_t Ticks() {
   return state.isClockStopped ? state.ticks : MachineTicks();
 }
 
-int32_t MetaFont(const char*, const char*, const FontStyle&) {
-  return DesktopFaultsGet()->noFonts ? -1 : 0;
+int32_t MetaFont(const char* name, const char*, const FontStyle& style) {
+  if (DesktopFaultsGet()->noFonts) return -1;
+  CanvasFont(name, style, BUILT_IN_FACE);
+  return 0;
 }
 
 ClipboardState ClipboardRead(ClipboardBitmap* bitmap) {

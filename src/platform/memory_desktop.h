@@ -33,7 +33,7 @@ void MemoryDesktopTicks(uint32_t ticks);
 // What was drawn: 0x00RRGGBB, or 0xFFFFFFFF outside the canvas and where nothing was drawn yet.
 uint32_t MemoryDesktopPixel(int32_t canvas, int32_t x, int32_t y);
 // The texts that a canvas was given since it was made, each ended by a line feed; of the last ones
-// so many as fit. Letters are not drawn.
+// so many as fit. They are drawn in the built-in face.
 const char* MemoryDesktopTexts(int32_t canvas);
 int32_t MemoryDesktopBeeps();
 int32_t MemoryDesktopPanels();  // not discarded yet

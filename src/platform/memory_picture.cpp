@@ -6,6 +6,7 @@
 #include <new>
 #include <utility>
 
+#include "platform/built_in_face.h"
 #include "platform/memory_desktop.h"
 
 namespace zel {
@@ -71,6 +72,18 @@ int64_t OvalInset(int64_t width, int64_t height, int64_t row) {
   int64_t inset = 0;
   for (int64_t u = width - 1; u > 1 && height * height * u * u > room; u -= 2) inset++;
   return inset;
+}
+
+// The family that letters in windows are taken from.
+constexpr char WINDOW_FAMILY[] = "sans-serif";
+
+// A line of letters of this many points is so many pixels high, on screens of 96 points an inch.
+constexpr int32_t LineHeightOf(int32_t points) {
+  return points * 8 / 5;
+}
+
+int32_t LinesOf(std::string_view text) {
+  return static_cast<int32_t>(std::count(text.begin(), text.end(), '\n')) + 1;
 }
 
 }  // namespace
@@ -203,6 +216,56 @@ void MemoryPicture::Invert(const DesktopRect& rect) {
   Change(box);
   for (int64_t y = box.top; y < box.bottom; y++) {
     for (int64_t x = box.left; x < box.right; x++) *At(x, y) ^= 0xFFFFFF;
+  }
+}
+
+void MemoryPicture::Line(std::string_view line, const FontRequest& font, const DesktopRect& place,
+                         TextAlignment alignment, const TextRasteriser& fonts) {
+  int32_t width = 0;
+  if (fonts.measure(font, line, &width) != 0) return;
+  const int32_t room = place.width - width;
+  const int32_t indent = alignment == TextAlignment::LEFT     ? 0
+                         : alignment == TextAlignment::CENTRE ? room / 2
+                                                              : room;
+  const Box box = Clipped(place);
+  if (box.left >= box.right || box.top >= box.bottom) return;
+  const TextPixels all{.first = nullptr,
+                       .pitch = box.right - box.left,
+                       .left = box.left - place.left - indent,
+                       .top = static_cast<int32_t>(box.top - place.top),
+                       .width = static_cast<int32_t>(box.right - box.left),
+                       .height = static_cast<int32_t>(box.bottom - box.top)};
+  const auto area = static_cast<size_t>(all.pitch * all.height);
+  const std::unique_ptr<uint8_t[]> bits(new (std::nothrow) uint8_t[area]);
+  TextPixels pixels = all;
+  pixels.first = bits.get();
+  if (!bits || fonts.draw(font, line, pixels) != 0) return;
+  Change(box);
+  const uint32_t colour = pen.foreground & 0xFFFFFF;
+  for (size_t i = 0; i < area; i++) {
+    if (bits[i] == 0) continue;
+    uint32_t* pixel = At(box.left + static_cast<int64_t>(i) % all.pitch,
+                         box.top + static_cast<int64_t>(i) / all.pitch);
+    *pixel = pen.mode == PEN_INVERT ? *pixel ^ colour : colour;
+  }
+}
+
+void MemoryPicture::Text(const char* text, const FontStyle& style, const DesktopRect& rect,
+                         TextAlignment alignment, const TextRasteriser& fonts) {
+  std::string_view rest = text;
+  const int32_t lines = LinesOf(rest);
+  const int32_t height = std::min(LineHeightOf(style.size), rect.height / lines);
+  if (height < 1 || rect.width < 1) return;
+  const FontRequest font{WINDOW_FAMILY,      height,           style.isBold, style.isItalic,
+                         style.isUnderlined, style.isStruckOut};
+  int32_t width = 0;
+  const TextRasteriser& used = fonts.measure(font, "", &width) == 0 ? fonts : BUILT_IN_FACE;
+  DesktopRect place{rect.top + (rect.height - lines * height) / 2, rect.left, height, rect.width};
+  for (int32_t i = 0; i < lines; i++) {
+    const size_t end = std::min(rest.find('\n'), rest.size());
+    Line(rest.substr(0, end), font, place, alignment, used);
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+    place.top += height;
   }
 }
 

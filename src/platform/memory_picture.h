@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "platform/desktop.h"
+#include "platform/fonts.h"
 
 namespace zel {
 
@@ -31,6 +32,11 @@ class MemoryPicture {
   void Rect(const DesktopRect& rect, ShapeFill fill);
   void Oval(const DesktopRect& rect, ShapeFill fill);
   void Invert(const DesktopRect& rect);
+  // Lines are parted by line feeds and stand in the middle of the rectangle's height, no higher
+  // than fits there. Letters take the pen's foreground without its pattern; where the fonts given
+  // are none, they are those of the built-in face.
+  void Text(const char* text, const FontStyle& style, const DesktopRect& rect,
+            TextAlignment alignment, const TextRasteriser& fonts);
   void Blit(const DesktopBitmap& bitmap, const DesktopRect& source, const DesktopRect& to);
 
   // What was drawn on since the last call: all that is not in it is as it was.
@@ -43,6 +49,8 @@ class MemoryPicture {
   static constexpr Box NOTHING{INT32_MAX, INT32_MAX, 0, 0};
   void Change(const Box& box);
   Box Clipped(const DesktopRect& rect) const;
+  void Line(std::string_view line, const FontRequest& font, const DesktopRect& place,
+            TextAlignment alignment, const TextRasteriser& fonts);
   void Dot(int64_t x, int64_t y);
   void Span(int64_t left, int64_t right, int64_t y);
   uint32_t* At(int64_t x, int64_t y) { return pixels_.get() + y * width_ + x; }

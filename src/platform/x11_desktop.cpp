@@ -39,7 +39,9 @@ void Beep() {
   x11->connection.x->flush(x11->connection.link);
 }
 
-int32_t MetaFont(const char*, const char*, const FontStyle&) {
+int32_t MetaFont(const char* name, const char*, const FontStyle& style) {
+  if (DesktopFaultsGet()->noFonts) return -1;
+  CanvasFont(name, style, FontsInUse());
   return 0;
 }
 
