@@ -44,6 +44,7 @@ class CommandLine {
   void AddCalibrate();
   void AddFilter();
   void AddConvert();
+  void AddView();
   void AddOthers();
   void AddFiles(CLI::App* command, std::vector<std::string>* files);
   void AddWorkers(CLI::App* command, size_t* workers, const std::string& group);
@@ -69,6 +70,7 @@ class CommandLine {
   ReadDialsCommand readDials_;
   FilterCommand filter_;
   ConvertCommand convert_;
+  ViewCommand view_;
   CalibrateDialsCommand calibrateDials_;
   std::string helpTopic_, manualTopic_, shell_;
 };

@@ -10,6 +10,7 @@
 #include "orlune/output.h"
 #include "orlune/program.h"
 #include "orlune/steps.h"
+#include "orlune/viewer.h"
 
 namespace front {
 
@@ -47,6 +48,12 @@ struct ReadBarcodesCommand : ReadFiles {
 };
 // Every picture with a code that was read is well; ALL_WELL means all of them.
 int Run(const ReadBarcodesCommand& command);
+
+struct ViewCommand {
+  ViewSettings settings;
+};
+// Until the person leaves, the display goes, or the program is interrupted.
+int Run(const ViewCommand& command);
 
 struct ConvertCommand {
   std::string from, to;

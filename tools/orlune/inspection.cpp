@@ -153,8 +153,15 @@ Inspection Inspect(const std::string& path, const InspectSettings& settings) {
   Loaded picture = ReadPicture(
       path,
       {.form = Form::Gray, .swapBytes = settings.swapBytes, .colours = settings.colours.Any()});
-  const ImageInfo info = picture.image.Info();
+  const Seconds reading = clock.Lap();
+  Inspection result = Inspect(std::move(picture), path, settings);
+  result.timing.reading = reading;
+  return result;
+}
 
+Inspection Inspect(Loaded picture, const std::string& path, const InspectSettings& settings) {
+  Clock clock;
+  const ImageInfo info = picture.image.Info();
   Inspection result{.path = path,
                     .account = std::move(picture.account),
                     .objects = {},
@@ -170,8 +177,6 @@ Inspection Inspect(const std::string& path, const InspectSettings& settings) {
     result.unit = settings.unit.empty() ? "unit" : settings.unit;
   }
   Check(ZEL_SetImageCalibration(result.picture, info.unit, result.scale.x, result.scale.y));
-  result.timing.reading = clock.Lap();
-
   const Image mask = FindObjects(settings, picture.colours, &result);
   result.timing.thresholding = clock.Lap();
 

@@ -58,5 +58,7 @@ struct Inspection {
 // Throws BadFile, LibraryFailure, and std::invalid_argument for a region or mask that does not fit,
 // and for a gray picture whose colours are asked for.
 Inspection Inspect(const std::string& path, const InspectSettings& settings);
+// The same of a gray picture that was read from there, with its colours where they are asked for.
+Inspection Inspect(Loaded picture, const std::string& path, const InspectSettings& settings);
 
 }  // namespace front
