@@ -43,6 +43,12 @@ tools/compare_truth.sh demo/outlines.csv tokens.bmp demo/blue.csv blue
 show filter --steps "median 5; edges sobel 4; maximum 3" --format bmp --out filtered scenes/mixed.orln
 show filter --steps "plane saturation" --format bmp --out filtered scenes/tokens.bmp
 
+# A shaft gauged along lines that follow it. The last one is worn, and does not pass.
+cp examples/shaft.json demo
+show gauge --setup shaft.json --csv shafts.csv --annotate annotated/shafts scenes/shafts/*.bmp || true
+tools/compare_gauges.sh demo/scenes/shafts/truth.csv demo/shafts.csv 0.05
+show match --dark --annotate annotated/shafts scenes/shafts/shaft1.bmp scenes/shafts/*.bmp
+
 # Gauges: a dial told by pictures of its needle at both ends, and a display by a picture of all eights.
 show calibrate meter --base 160,160 --radius 112 --high 10 --unit bar -o dial.json \
   scenes/gauges/empty.bmp scenes/gauges/full.bmp

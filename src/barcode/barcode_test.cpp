@@ -19,6 +19,7 @@ using test::Read;
 using test::Reader;
 using test::ReaderOf;
 using test::Readers;
+using test::RegionAt;
 using test::RegionRecord;
 using test::TestImage;
 using test::WholeOf;
@@ -226,7 +227,7 @@ TEST(Barcodes, AnyPictureGivesWhatTheRuleGives) {
     const Code expected = profile
                               ? reader.reference(reference::RunsOf(*profile), validate, firstDigit)
                               : Code{-752, ""};
-    EXPECT_EQ(Read(reader, image, RegionRecord(c), validate, firstDigit), expected)
+    EXPECT_EQ(Read(reader, image, RegionAt(c), validate, firstDigit), expected)
         << reader.kind << ' ' << i;
     answers[expected.status]++;
   }
@@ -241,7 +242,7 @@ TEST(Barcodes, ColumnsOfNaNAndInfinityAreLight) {
     image.Set<float>(50, 0, strange);
     for (const Reader& reader : Readers()) {
       const auto profile = reference::Profile(image, WholeOf(image));
-      EXPECT_EQ(Read(reader, image, RegionRecord(WholeOf(image))),
+      EXPECT_EQ(Read(reader, image, RegionAt(WholeOf(image))),
                 reader.reference(reference::RunsOf(*profile), false, 0))
           << reader.kind;
     }
@@ -256,7 +257,7 @@ TEST(Barcodes, AnEvenPictureHasNoBars) {
     const auto runs = reference::RunsOf(*reference::Profile(image, WholeOf(image)));
     for (const Reader& reader : Readers()) {
       for (const bool validate : {false, true}) {
-        EXPECT_EQ(Read(reader, image, RegionRecord(WholeOf(image)), validate),
+        EXPECT_EQ(Read(reader, image, RegionAt(WholeOf(image)), validate),
                   reader.reference(runs, validate, 0));
       }
     }
@@ -286,7 +287,7 @@ TEST(Barcodes, TheFirstDigitOfAnEan13IsTakenAsGiven) {
       uint8_t digit = 200;
       char* text = nullptr;
       int32_t length = 0;
-      EXPECT_EQ(ZEL_ReadEAN13(image, RegionRecord(WholeOf(image)), 0, &digit, &text, &length), 0);
+      EXPECT_EQ(ZEL_ReadEAN13(image, RegionAt(WholeOf(image)), 0, &digit, &text, &length), 0);
       EXPECT_EQ(digit, 200);
       EXPECT_EQ(std::string(text, 13), code.text);
       ZEL_free(text);
@@ -328,14 +329,15 @@ TEST(Barcodes, FailuresComeInTheirOrder) {
   const TestImage image = Printed(PrintedCodes()[0].widths);
   const TestImage colour(IMAGE_RGB, 40, 12);
   const TestImage complex(IMAGE_COMPLEX, 40, 12);
-  const RegionRecord rect(WholeOf(image));
-  const RegionRecord line(WholeOf(image), ROI_LINE);
-  const RegionRecord point({0, 0, 0, 0, ROI_MARKER_EXTERNAL, ROI_RECT, 3, 3});
-  const RegionRecord pointAndMore(
+  const RegionRecord rect = RegionAt(WholeOf(image));
+  const RegionRecord line = RegionAt(WholeOf(image), ROI_LINE);
+  const RegionRecord point =
+      RegionRecord::OfFlat({0, 0, 0, 0, ROI_MARKER_EXTERNAL, ROI_RECT, 3, 3});
+  const RegionRecord pointAndMore = RegionRecord::OfFlat(
       {0, 0, 0, 0, ROI_MARKER_EXTERNAL, ROI_RECT, 3, 3, ROI_MARKER_INTERNAL, ROI_WHOLE});
-  const RegionRecord nowhere(Corners{0, 500, 90, 600});
-  const RegionRecord column(Corners{7, 0, 7, 9});
-  const RegionRecord hole(
+  const RegionRecord nowhere = RegionAt(Corners{0, 500, 90, 600});
+  const RegionRecord column = RegionAt(Corners{7, 0, 7, 9});
+  const RegionRecord hole = RegionRecord::OfFlat(
       {0, 0, 0, 0, ROI_MARKER_INTERNAL, ROI_RECT, 0, 0, image.width() - 1, image.height() - 1});
   const uint8_t digit = 1;
   const ImageRef unknown = 0x7FFFFFF0;
@@ -389,12 +391,12 @@ TEST(Barcodes, ABlockIsResizedAndOfNoTextReleased) {
   const TestImage empty = Printed("", {.margin = 1, .light = 0.0});
   char* text = static_cast<char*>(ZEL_malloc(1));
   int32_t length = 0;
-  EXPECT_EQ(ZEL_ReadCodabar(image, RegionRecord(WholeOf(image)), 0, &text, &length), 0);
+  EXPECT_EQ(ZEL_ReadCodabar(image, RegionAt(WholeOf(image)), 0, &text, &length), 0);
   EXPECT_EQ(std::string(text, static_cast<size_t>(length)), code.text);
-  const RegionRecord outside(Corners{0, 100, 9, 109});
+  const RegionRecord outside = RegionAt(Corners{0, 100, 9, 109});
   EXPECT_EQ(ZEL_ReadCodabar(image, outside, 0, &text, &length), -752);
   EXPECT_EQ(std::string(text, static_cast<size_t>(length)), code.text);
-  EXPECT_EQ(ZEL_ReadCodabar(empty, RegionRecord(WholeOf(empty)), 0, &text, &length), 0);
+  EXPECT_EQ(ZEL_ReadCodabar(empty, RegionAt(WholeOf(empty)), 0, &text, &length), 0);
   EXPECT_EQ(text, nullptr);
   EXPECT_EQ(length, 0);
 }
@@ -402,7 +404,7 @@ TEST(Barcodes, ABlockIsResizedAndOfNoTextReleased) {
 TEST(Barcodes, RefusedMemoryIsReportedAndChangesNothing) {
   for (const PrintedCode& code : PrintedCodes()) {
     const TestImage image = Printed(code.widths);
-    const RegionRecord roi(WholeOf(image));
+    const RegionRecord roi = RegionAt(WholeOf(image));
     const uint8_t digit = code.FirstDigit();
     char* text = nullptr;
     int32_t length = 0;
@@ -419,8 +421,8 @@ TEST(Barcodes, RefusedMemoryIsReportedAndChangesNothing) {
 
 TEST(Barcodes, CornersFarOutsideCostNothing) {
   const TestImage image = Printed(PrintedCodes()[0].widths);
-  const RegionRecord wide(Corners{INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX});
-  const RegionRecord first(Corners{INT32_MIN, 3, INT32_MAX, INT32_MAX});
+  const RegionRecord wide = RegionAt(Corners{INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX});
+  const RegionRecord first = RegionAt(Corners{INT32_MIN, 3, INT32_MAX, INT32_MAX});
   for (const Reader& reader : Readers()) {
     EXPECT_EQ(Read(reader, image, wide).status, -752);
     Read(reader, image, first);

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "harness/region_record.h"
 #include "harness/test_image.h"
 #include "orlune_ptk.h"
 #include "tests/reference/barcodes.h"
@@ -75,22 +76,10 @@ inline const Reader& ReaderOf(const std::string& kind) {
   return Readers()[0];
 }
 
-// A region with one contour, released at the end.
-class RegionRecord {
- public:
-  explicit RegionRecord(const std::vector<int32_t>& flat) {
-    EXPECT_EQ(ZEL_ArrayToROI(flat.data(), static_cast<int32_t>(flat.size()), &record_), 0);
-  }
-  explicit RegionRecord(const reference::Corners& c, int32_t type = ROI_RECT)
-      : RegionRecord({0, 0, 0, 0, ROI_MARKER_EXTERNAL, type, c.x1, c.y1, c.x2, c.y2}) {}
-  RegionRecord(const RegionRecord&) = delete;
-  RegionRecord& operator=(const RegionRecord&) = delete;
-  ~RegionRecord() { ZEL_FreeROI(record_); }
-  operator const RoiDescriptor*() const { return record_; }  // NOLINT: stands for it in calls
-
- private:
-  RoiDescriptor* record_ = nullptr;
-};
+// A region with one contour at two corners.
+inline RegionRecord RegionAt(const reference::Corners& c, int32_t type = ROI_RECT) {
+  return RegionRecord({{type, {c.x1, c.y1, c.x2, c.y2}}});
+}
 
 // One reading into a fresh block. A failure has to leave block and length alone, and no text may
 // come without a terminator behind it.
@@ -115,7 +104,7 @@ inline reference::Code Read(const Reader& reader, ImageRef image, const RoiDescr
 
 inline reference::Code Read(const std::string& kind, ImageRef image, const reference::Corners& c,
                             bool validate = false, uint8_t firstDigit = 0) {
-  return Read(ReaderOf(kind), image, RegionRecord(c), validate, firstDigit);
+  return Read(ReaderOf(kind), image, RegionAt(c), validate, firstDigit);
 }
 
 // How the widths of a code become a picture.

@@ -1,4 +1,4 @@
-// What tests of dials share: regions, arcs, messages that are shown, and a canvas that scenes of
+// What tests of dials share: arcs, messages that are shown, and a canvas that scenes of
 // known truth are painted on.
 #pragma once
 
@@ -10,56 +10,12 @@
 #include <string>
 #include <vector>
 
+#include "harness/region_record.h"
 #include "harness/test_image.h"
 #include "orlune_ptk.h"
 #include "platform/message_box.h"
 
 namespace test {
-
-// A region of contours as lists of coordinates, released at the end.
-class DrawnRegion {
- public:
-  struct Contour {
-    int32_t type;
-    std::vector<int32_t> coordinates;
-    int32_t kind = ROI_EXTERNAL;
-  };
-
-  DrawnRegion() = default;
-  explicit DrawnRegion(const std::vector<Contour>& contours) {
-    std::vector<int32_t> flat = {0, 0, 0, 0};
-    for (const Contour& contour : contours) {
-      flat.push_back(contour.kind - 32768);
-      flat.push_back(contour.type);
-      flat.insert(flat.end(), contour.coordinates.begin(), contour.coordinates.end());
-    }
-    EXPECT_EQ(ZEL_ArrayToROI(flat.data(), static_cast<int32_t>(flat.size()), &roi_), 0);
-  }
-  DrawnRegion(DrawnRegion&& other) noexcept : roi_(std::exchange(other.roi_, nullptr)) {}
-  DrawnRegion(const DrawnRegion&) = delete;
-  DrawnRegion& operator=(const DrawnRegion&) = delete;
-  ~DrawnRegion() { ZEL_FreeROI(roi_); }
-
-  operator const RoiDescriptor*() const { return roi_; }  // NOLINT: passed where a caller's is
-  RoiDescriptor* operator->() const { return roi_; }
-  RoiDescriptor** Address() { return &roi_; }
-
-  // The coordinates of each contour.
-  std::vector<std::vector<int32_t>> Coordinates() const {
-    std::vector<std::vector<int32_t>> all;
-    for (int32_t i = 0; i < roi_->contourCount; i++) {
-      const RoiContour* contour = roi_->contours[i];
-      all.emplace_back();
-      for (int32_t p = 0; p < contour->pointCount; p++) {
-        all.back().insert(all.back().end(), {contour->points[p].x, contour->points[p].y});
-      }
-    }
-    return all;
-  }
-
- private:
-  RoiDescriptor* roi_ = nullptr;
-};
 
 // A block of the library in a caller's variable.
 template <class T>

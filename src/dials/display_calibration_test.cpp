@@ -5,12 +5,12 @@ namespace {
 
 using test::Block;
 using test::DisplayLook;
-using test::DrawnRegion;
 using test::PaintedDisplay;
+using test::RegionRecord;
 using test::TestImage;
 
 int32_t Calibrate(ImageRef image, const RoiDescriptor* roi, const DisplayLook& look,
-                  DrawnRegion* digits) {
+                  RegionRecord* digits) {
   return ZEL_CalibrateLCD(image, roi, look.isLight(), look.threshold, digits->Address());
 }
 
@@ -31,7 +31,7 @@ TEST(CalibrateLCD, FindsTheExactRectanglesOfEights) {
     if (isSoft) continue;
     for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
       const PaintedDisplay display(look, "888");
-      DrawnRegion digits;
+      RegionRecord digits;
       ASSERT_EQ(Calibrate(display.ToImage(type), display.All(3), look, &digits), 0) << look.name;
       std::vector<std::vector<int32_t>> expected;
       for (int32_t i = 0; i < 3; i++) expected.push_back(display.RectangleOf(i).coordinates);
@@ -61,7 +61,7 @@ TEST(CalibrateLCD, GivesWhatReadsTheDisplay) {
       std::string bare = text;
       std::erase(bare, '.');
       const TestImage image = display.ToImage();
-      DrawnRegion digits;
+      RegionRecord digits;
       const int32_t result =
           Calibrate(image, display.All(static_cast<int32_t>(bare.size())), look, &digits);
       ASSERT_EQ(result, 0) << look.name << ' ' << text;
@@ -76,7 +76,7 @@ TEST(CalibrateLCD, GivesWhatReadsTheDisplay) {
 TEST(CalibrateLCD, LeavesSignsAndPointsOut) {
   const DisplayLook look;
   const PaintedDisplay display(look, "-8.8");
-  DrawnRegion digits;
+  RegionRecord digits;
   ASSERT_EQ(Calibrate(display.ToImage(), display.All(3), look, &digits), 0);
   const std::vector<std::vector<int32_t>> expected = {display.RectangleOf(1).coordinates,
                                                       display.RectangleOf(2).coordinates};
@@ -86,7 +86,7 @@ TEST(CalibrateLCD, LeavesSignsAndPointsOut) {
 TEST(CalibrateLCD, WidensNarrowDigitsToTheLeftUpToTheNeighbour) {
   DisplayLook look;
   const PaintedDisplay display(look, "81");
-  DrawnRegion digits;
+  RegionRecord digits;
   ASSERT_EQ(Calibrate(display.ToImage(), display.All(2), look, &digits), 0);
   EXPECT_EQ(digits.Coordinates()[1], display.RectangleOf(1).coordinates);
   // A 1 close behind an 8, as in a font of digits of several widths.
@@ -98,8 +98,8 @@ TEST(CalibrateLCD, WidensNarrowDigitsToTheLeftUpToTheNeighbour) {
     canvas.Bar({48.5, 20}, {48.5, 60}, 4, 0);
     return canvas.ToImage();
   }();
-  DrawnRegion close;
-  ASSERT_EQ(Calibrate(image, DrawnRegion({{ROI_RECT, {10, 10, 60, 70}}}), look, &close), 0);
+  RegionRecord close;
+  ASSERT_EQ(Calibrate(image, RegionRecord({{ROI_RECT, {10, 10, 60, 70}}}), look, &close), 0);
   ASSERT_EQ(close.Coordinates().size(), 2u);
   EXPECT_EQ(close.Coordinates()[1][0], close.Coordinates()[0][2]);
 }
@@ -109,10 +109,10 @@ TEST(CalibrateLCD, TakesFourCornersByTheirRectangle) {
   const PaintedDisplay display(look, "88");
   const TestImage image = display.ToImage();
   const std::vector<int32_t> c = display.All(2).Coordinates()[0];
-  DrawnRegion fromRectangle;
-  DrawnRegion fromCorners;
+  RegionRecord fromRectangle;
+  RegionRecord fromCorners;
   ASSERT_EQ(Calibrate(image, display.All(2), look, &fromRectangle), 0);
-  const DrawnRegion corners(
+  const RegionRecord corners(
       {{ROI_POLYGON, {c[0] + 3, c[1], c[2], c[1] + 5, c[2] - 3, c[3], c[0], c[3] - 5}}});
   ASSERT_EQ(Calibrate(image, corners, look, &fromCorners), 0);
   EXPECT_EQ(fromCorners.Coordinates(), fromRectangle.Coordinates());
@@ -122,14 +122,14 @@ TEST(CalibrateLCD, LooksAtTheImageOnly) {
   const DisplayLook look;
   const PaintedDisplay display(look, "88");
   const TestImage image = display.ToImage();
-  DrawnRegion digits;
+  RegionRecord digits;
   const int32_t lastRow = image.height() - 1;
-  const DrawnRegion wide({{ROI_RECT, {-30000, 0, 1000000000, lastRow}}});
+  const RegionRecord wide({{ROI_RECT, {-30000, 0, 1000000000, lastRow}}});
   ASSERT_EQ(Calibrate(image, wide, look, &digits), 0);
   EXPECT_EQ(Read(image, digits, look), "88");
-  const DrawnRegion beyond({{ROI_RECT, {5000, 5000, 6000, 6000}}});
+  const RegionRecord beyond({{ROI_RECT, {5000, 5000, 6000, 6000}}});
   EXPECT_EQ(Calibrate(image, beyond, look, &digits), -3040);
-  const DrawnRegion everything(
+  const RegionRecord everything(
       {{ROI_RECT, {INT32_MIN + 65536 * 4, INT32_MIN, INT32_MAX, INT32_MAX}}});
   const int32_t result = Calibrate(image, everything, look, &digits);
   EXPECT_TRUE(result == -3040 || result == -1200) << result;
@@ -140,8 +140,8 @@ TEST(CalibrateLCD, WithoutADigitGives3040AndLeavesTheRegion) {
   for (int32_t y = 0; y < 60; y++) {
     for (int32_t x = 0; x < 60; x++) flat.Set<uint8_t>(x, y, 90);
   }
-  const DrawnRegion all({{ROI_RECT, {5, 5, 55, 55}}});
-  DrawnRegion digits({{ROI_OVAL, {1, 2, 3, 4}}});
+  const RegionRecord all({{ROI_RECT, {5, 5, 55, 55}}});
+  RegionRecord digits({{ROI_OVAL, {1, 2, 3, 4}}});
   EXPECT_EQ(Calibrate(flat, all, {}, &digits), -3040);
   EXPECT_EQ(ZEL_CalibrateLCD(flat, all, 0, -1, digits.Address()), -3040) << "nothing is beyond";
   EXPECT_EQ(digits.Coordinates(), (std::vector<std::vector<int32_t>>{{1, 2, 3, 4}}));
@@ -155,8 +155,8 @@ TEST(CalibrateLCD, WithoutADigitGives3040AndLeavesTheRegion) {
 TEST(CalibrateLCD, ChecksWhatItIsGivenInOrder) {
   const test::MessageWatch watch;
   const TestImage rgb(IMAGE_RGB, 60, 60);
-  const DrawnRegion all({{ROI_RECT, {5, 5, 55, 55}}});
-  DrawnRegion digits;
+  const RegionRecord all({{ROI_RECT, {5, 5, 55, 55}}});
+  RegionRecord digits;
   const ImageRef unknown = 0xFFFFFFFF;
   EXPECT_EQ(ZEL_CalibrateLCD(0, nullptr, 0, 5, nullptr), -201);
   EXPECT_TRUE(watch.Messages().empty());
@@ -166,9 +166,9 @@ TEST(CalibrateLCD, ChecksWhatItIsGivenInOrder) {
             (std::vector<std::string>{"ZEL_CalibrateLCD: ROI not provided",
                                       "ZEL_CalibrateLCD: output_ROI not provided"}));
   EXPECT_EQ(ZEL_CalibrateLCD(unknown, all, 0, 5, digits.Address()), -200);
-  EXPECT_EQ(ZEL_CalibrateLCD(rgb, DrawnRegion({{ROI_OVAL, {1, 2, 3, 4}}}), 0, 5, digits.Address()),
+  EXPECT_EQ(ZEL_CalibrateLCD(rgb, RegionRecord({{ROI_OVAL, {1, 2, 3, 4}}}), 0, 5, digits.Address()),
             -1200);
-  EXPECT_EQ(ZEL_CalibrateLCD(rgb, DrawnRegion({{ROI_RECT, {1, 2}}}), 0, 5, digits.Address()),
+  EXPECT_EQ(ZEL_CalibrateLCD(rgb, RegionRecord({{ROI_RECT, {1, 2}}}), 0, 5, digits.Address()),
             -1200);
   EXPECT_EQ(ZEL_CalibrateLCD(rgb, all, 0, 5, digits.Address()), -301);
   EXPECT_EQ(*digits.Address(), nullptr);
@@ -177,8 +177,8 @@ TEST(CalibrateLCD, ChecksWhatItIsGivenInOrder) {
 TEST(CalibrateLCD, OfNoiseEndsAndGivesDigitsWithinTheImage) {
   for (uint64_t seed = 0; seed < 60; seed++) {
     const TestImage image(static_cast<int32_t>(seed % 3), 80, 60, 0, seed);
-    DrawnRegion digits;
-    const int32_t result = ZEL_CalibrateLCD(image, DrawnRegion({{ROI_RECT, {3, 4, 77, 55}}}),
+    RegionRecord digits;
+    const int32_t result = ZEL_CalibrateLCD(image, RegionRecord({{ROI_RECT, {3, 4, 77, 55}}}),
                                             seed % 2, 1, digits.Address());
     ASSERT_TRUE(result == 0 || result == -3040);
     if (result != 0) continue;
@@ -197,8 +197,8 @@ TEST(CalibrateLCD, OfNoiseEndsAndGivesDigitsWithinTheImage) {
 TEST(CalibrateLCD, WithoutMemoryChangesNothing) {
   const PaintedDisplay display({}, "88");
   const TestImage image = display.ToImage();
-  const DrawnRegion all = display.All(2);
-  DrawnRegion digits;
+  const RegionRecord all = display.All(2);
+  RegionRecord digits;
   const auto prepare = [&] {
     ZEL_FreeROI(*digits.Address());
     *digits.Address() = nullptr;

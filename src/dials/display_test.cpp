@@ -7,8 +7,8 @@ namespace {
 
 using test::Block;
 using test::DisplayLook;
-using test::DrawnRegion;
 using test::PaintedDisplay;
+using test::RegionRecord;
 using test::TestImage;
 
 constexpr float THRESHOLD = 10;
@@ -64,7 +64,7 @@ Reading ReadDigit(ImageRef image, const RoiDescriptor* roi, const Options& optio
 
 Reading ReadSegments(const std::string& segments) {
   const PaintedDisplay display = PaintedDisplay::OfSegments({}, segments);
-  return ReadDigit(display.ToImage(), DrawnRegion({display.RectangleOf(0)}), {});
+  return ReadDigit(display.ToImage(), RegionRecord({display.RectangleOf(0)}), {});
 }
 
 TEST(ReadSingleDigit, NamesEveryDigit) {
@@ -128,7 +128,7 @@ class Lines {
   }
   void Set(int32_t x, int32_t y, float level) { image_.Set(x, y, level); }
   Reading Read(const Options& options = {}) const {
-    return ReadDigit(image_, DrawnRegion({{ROI_RECT, {0, 0, 10, 15}}}), options);
+    return ReadDigit(image_, RegionRecord({{ROI_RECT, {0, 0, 10, 15}}}), options);
   }
 
  private:
@@ -220,7 +220,7 @@ TEST(ReadSingleDigit, TakesCornersInAnyOrder) {
                               {c[2], c[3], c[0], c[1]},
                               {c[2], c[1], c[0], c[3]},
                               {c[0], c[3], c[2], c[1], 1, 1, 2, 2}}) {
-    EXPECT_EQ(ReadDigit(image, DrawnRegion({{ROI_RECT, corners}}), {}).text, "6");
+    EXPECT_EQ(ReadDigit(image, RegionRecord({{ROI_RECT, corners}}), {}).text, "6");
   }
 }
 
@@ -229,14 +229,14 @@ TEST(ReadSingleDigit, TurnsWithItsFourCorners) {
   const TestImage image = display.ToImage();
   const std::vector<int32_t> c = display.RectangleOf(0).coordinates;
   const std::vector<int32_t> upright = {c[0], c[1], c[2], c[1], c[2], c[3], c[0], c[3]};
-  EXPECT_EQ(ReadDigit(image, DrawnRegion({{ROI_POLYGON, upright}}), {}).text, "4");
+  EXPECT_EQ(ReadDigit(image, RegionRecord({{ROI_POLYGON, upright}}), {}).text, "4");
   // Closed, as a turned region is written.
   std::vector<int32_t> closed = upright;
   closed.insert(closed.end(), {c[0], c[1]});
-  EXPECT_EQ(ReadDigit(image, DrawnRegion({{ROI_POLYGON, closed}}), {}).text, "4");
+  EXPECT_EQ(ReadDigit(image, RegionRecord({{ROI_POLYGON, closed}}), {}).text, "4");
   // Seen in a mirror.
   const std::vector<int32_t> mirrored = {c[2], c[1], c[0], c[1], c[0], c[3], c[2], c[3]};
-  const Reading reading = ReadDigit(image, DrawnRegion({{ROI_POLYGON, mirrored}}), {});
+  const Reading reading = ReadDigit(image, RegionRecord({{ROI_POLYGON, mirrored}}), {});
   EXPECT_EQ(reading.result, -3041);
   EXPECT_EQ(reading.segments, "0100111");
 }
@@ -246,14 +246,14 @@ TEST(ReadSingleDigit, ReadsItsFirstContourAlone) {
   const TestImage image = display.ToImage();
   const auto first = display.RectangleOf(0);
   const auto second = display.RectangleOf(1);
-  EXPECT_EQ(ReadDigit(image, DrawnRegion({first, second}), {}).text, "2");
-  EXPECT_EQ(ReadDigit(image, DrawnRegion({second, {ROI_OVAL, {1, 2, 3, 4}}}), {}).text, "7");
+  EXPECT_EQ(ReadDigit(image, RegionRecord({first, second}), {}).text, "2");
+  EXPECT_EQ(ReadDigit(image, RegionRecord({second, {ROI_OVAL, {1, 2, 3, 4}}}), {}).text, "7");
 }
 
 TEST(ReadSingleDigit, RefusesRegionsThatNameNoDigit) {
   const TestImage image(IMAGE_U8, 30, 30);
-  const auto result = [&](const std::vector<DrawnRegion::Contour>& contours) {
-    return ReadDigit(image, DrawnRegion(contours), {}).result;
+  const auto result = [&](const std::vector<RegionRecord::Contour>& contours) {
+    return ReadDigit(image, RegionRecord(contours), {}).result;
   };
   EXPECT_EQ(result({}), -1200);
   EXPECT_EQ(result({{ROI_RECT, {1, 2}}}), -1200);
@@ -270,8 +270,8 @@ TEST(ReadSingleDigit, ChecksWhatItIsGivenInOrder) {
   const TestImage image(IMAGE_U8, 30, 30);
   const TestImage rgb(IMAGE_RGB, 30, 30);
   const TestImage empty(IMAGE_RGB, 0, 0);
-  const DrawnRegion digit({{ROI_RECT, {5, 5, 20, 25}}});
-  const DrawnRegion none;
+  const RegionRecord digit({{ROI_RECT, {5, 5, 20, 25}}});
+  const RegionRecord none;
   const ImageRef unknown = 0xFFFFFFFF;
   Block<char> text;
   double value = -1;
@@ -286,8 +286,8 @@ TEST(ReadSingleDigit, ChecksWhatItIsGivenInOrder) {
   EXPECT_EQ(ZEL_ReadSingleDigit(unknown, digit, 0, 5, 0, nullptr, &value, &segments), -5);
   EXPECT_EQ(ZEL_ReadSingleDigit(unknown, digit, 0, 5, 0, &text.data, nullptr, &segments), -5);
   EXPECT_EQ(ZEL_ReadSingleDigit(unknown, digit, 0, 5, 0, &text.data, &value, nullptr), -5);
-  EXPECT_EQ(read(unknown, DrawnRegion({{ROI_OVAL, {1, 2, 3, 4}}})), -200);
-  EXPECT_EQ(read(rgb, DrawnRegion({{ROI_OVAL, {1, 2, 3, 4}}})), -1200);
+  EXPECT_EQ(read(unknown, RegionRecord({{ROI_OVAL, {1, 2, 3, 4}}})), -200);
+  EXPECT_EQ(read(rgb, RegionRecord({{ROI_OVAL, {1, 2, 3, 4}}})), -1200);
   EXPECT_EQ(read(rgb, digit), -301);
   EXPECT_EQ(value, -1);
   EXPECT_EQ(segments.count, 0);
@@ -300,7 +300,7 @@ TEST(ReadSingleDigit, TakesEveryGreyType) {
   for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
     const PaintedDisplay display({}, "5");
     const Reading reading =
-        ReadDigit(display.ToImage(type), DrawnRegion({display.RectangleOf(0)}), {});
+        ReadDigit(display.ToImage(type), RegionRecord({display.RectangleOf(0)}), {});
     EXPECT_EQ(reading.text, "5");
   }
 }
@@ -315,7 +315,7 @@ TEST(ReadSingleDigit, SeesOnlyTheImage) {
                               {-32000, 3, 7, 9},
                               {0, 0, INT32_MAX, 1}}) {
     const int32_t result =
-        ReadDigit(image, DrawnRegion({{ROI_RECT, corners}}), {.point = true}).result;
+        ReadDigit(image, RegionRecord({{ROI_RECT, corners}}), {.point = true}).result;
     EXPECT_TRUE(result == -3040 || result == -3041 || result == 0 || result == -1200) << result;
   }
 }
@@ -394,7 +394,7 @@ TEST(ReadSingleDigit, FollowsTheRuleOnAnyPixels) {
         if (on[k]) expected[segments[line][parts * k / on.size()]] = '1';
       }
     }
-    const DrawnRegion digit({{isRectangle ? ROI_RECT : ROI_POLYGON, corners}});
+    const RegionRecord digit({{isRectangle ? ROI_RECT : ROI_POLYGON, corners}});
     ASSERT_EQ(ReadDigit(image, digit, options).segments, expected) << i;
   }
 }
@@ -403,17 +403,17 @@ TEST(ReadSingleDigit, FollowsTheRuleOnAnyPixels) {
 TEST(ReadSingleDigit, CutsTheMiddleOfARectangleTowardsZero) {
   const TestImage image(IMAGE_U8, 1, 30);
   for (int32_t y = 0; y < 30; y++) image.Set<uint8_t>(0, y, y < 10 ? 0 : 200);
-  EXPECT_EQ(ReadDigit(image, DrawnRegion({{ROI_RECT, {-1, 0, 0, 29}}}), {}).segments, "1000000");
+  EXPECT_EQ(ReadDigit(image, RegionRecord({{ROI_RECT, {-1, 0, 0, 29}}}), {}).segments, "1000000");
   EXPECT_EQ(
-      ReadDigit(image, DrawnRegion({{ROI_POLYGON, {-1, 0, 0, 0, 0, 29, -1, 29}}}), {}).segments,
+      ReadDigit(image, RegionRecord({{ROI_POLYGON, {-1, 0, 0, 0, 0, 29, -1, 29}}}), {}).segments,
       "0000000");
-  EXPECT_EQ(ReadDigit(image, DrawnRegion({{ROI_RECT, {-2, 0, -1, 29}}}), {}).segments, "0000000");
+  EXPECT_EQ(ReadDigit(image, RegionRecord({{ROI_RECT, {-2, 0, -1, 29}}}), {}).segments, "0000000");
 }
 
 TEST(ReadSingleDigit, WithoutMemoryChangesNothing) {
   const PaintedDisplay display({}, "4");
   const TestImage image = display.ToImage();
-  const DrawnRegion digit({display.RectangleOf(0)});
+  const RegionRecord digit({display.RectangleOf(0)});
   Block<char> text;
   double value = 0;
   DigitSegments segments{};
@@ -488,7 +488,7 @@ TEST(ReadLCDDisplay, GivesTheSegmentsOfAllDigits) {
 TEST(ReadLCDDisplay, StopsAtADigitThatFailsAndWritesNothing) {
   const PaintedDisplay display({}, "1 2");
   const TestImage image = display.ToImage();
-  const DrawnRegion digits(
+  const RegionRecord digits(
       {display.RectangleOf(0), display.RectangleOf(1), {ROI_OVAL, {1, 2, 3, 4}}});
   const Reading blank = ReadDisplay(image, digits, {});
   EXPECT_EQ(blank.result, -3040);
@@ -497,10 +497,10 @@ TEST(ReadLCDDisplay, StopsAtADigitThatFailsAndWritesNothing) {
   EXPECT_EQ(blank.segments, "unwritten");
   EXPECT_EQ(blank.count, -1);
   const PaintedDisplay odd = PaintedDisplay::OfSegments({}, "0110001");
-  const Reading inexact = ReadDisplay(odd.ToImage(), DrawnRegion({odd.RectangleOf(0)}), {});
+  const Reading inexact = ReadDisplay(odd.ToImage(), RegionRecord({odd.RectangleOf(0)}), {});
   EXPECT_EQ(inexact.result, -3041);
   EXPECT_EQ(inexact.text, "unwritten");
-  EXPECT_EQ(ReadDisplay(image, DrawnRegion({display.RectangleOf(2), {ROI_OVAL, {1, 2, 3, 4}}}), {})
+  EXPECT_EQ(ReadDisplay(image, RegionRecord({display.RectangleOf(2), {ROI_OVAL, {1, 2, 3, 4}}}), {})
                 .result,
             -1200);
 }
@@ -510,7 +510,7 @@ TEST(ReadLCDDisplay, CountsExternalAndInternalContours) {
   const TestImage image = display.ToImage();
   auto hole = display.RectangleOf(1);
   hole.kind = ROI_INTERNAL;
-  DrawnRegion digits({display.RectangleOf(0), hole});
+  RegionRecord digits({display.RectangleOf(0), hole});
   EXPECT_EQ(ReadDisplay(image, digits, {}).text, "42");
   // Contours of other kinds name no digit.
   digits->contours[0]->contourKind = 7;
@@ -525,14 +525,14 @@ TEST(ReadLCDDisplay, ReadsAThousandDigits) {
   const auto nine = display.RectangleOf(0);
   const auto zero = display.RectangleOf(1);
   const TestImage image = display.ToImage();
-  const Reading long22 = ReadDisplay(image, DrawnRegion(std::vector(23, nine)), {});
+  const Reading long22 = ReadDisplay(image, RegionRecord(std::vector(23, nine)), {});
   double exact = 0;
   for (int i = 22; i >= 0; i--) exact += 9 * std::pow(10.0, i);
   EXPECT_EQ(long22.value, exact);
-  const Reading endless = ReadDisplay(image, DrawnRegion(std::vector(1000, nine)), {});
+  const Reading endless = ReadDisplay(image, RegionRecord(std::vector(1000, nine)), {});
   EXPECT_EQ(endless.value, INFINITY);
   EXPECT_EQ(endless.text, std::string(1000, '9'));
-  EXPECT_EQ(ReadDisplay(image, DrawnRegion(std::vector(1000, zero)), {}).value, 0.0);
+  EXPECT_EQ(ReadDisplay(image, RegionRecord(std::vector(1000, zero)), {}).value, 0.0);
 }
 
 TEST(ReadLCDDisplay, ChecksWhatItIsGivenInOrder) {
@@ -540,7 +540,7 @@ TEST(ReadLCDDisplay, ChecksWhatItIsGivenInOrder) {
   const TestImage image(IMAGE_U8, 30, 30);
   const TestImage rgb(IMAGE_RGB, 30, 30);
   const TestImage empty(IMAGE_U8, 0, 0);
-  const DrawnRegion digit({{ROI_RECT, {5, 5, 20, 25}}});
+  const RegionRecord digit({{ROI_RECT, {5, 5, 20, 25}}});
   const ImageRef unknown = 0xFFFFFFFF;
   Block<char> text;
   Block<uint8_t> segments;
@@ -566,8 +566,8 @@ TEST(ReadLCDDisplay, ChecksWhatItIsGivenInOrder) {
       ZEL_ReadLCDDisplay(unknown, digit, 0, 5, 0, 0, &text.data, &value, &segments.data, nullptr),
       -5);
   EXPECT_EQ(read(unknown, digit), -200);
-  EXPECT_EQ(read(rgb, DrawnRegion({{ROI_OVAL, {1, 2, 3, 4}}})), -1200);
-  EXPECT_EQ(read(image, DrawnRegion(std::vector<DrawnRegion::Contour>{})), -1200);
+  EXPECT_EQ(read(rgb, RegionRecord({{ROI_OVAL, {1, 2, 3, 4}}})), -1200);
+  EXPECT_EQ(read(image, RegionRecord(std::vector<RegionRecord::Contour>{})), -1200);
   EXPECT_EQ(read(rgb, digit), -301);
   EXPECT_EQ(read(empty, digit), -3040);
   EXPECT_EQ(count, -1);
@@ -577,7 +577,7 @@ TEST(ReadLCDDisplay, ChecksWhatItIsGivenInOrder) {
 TEST(ReadLCDDisplay, WithoutMemoryChangesNothing) {
   const PaintedDisplay display({}, "42");
   const TestImage image = display.ToImage();
-  const DrawnRegion digits = display.Digits("42");
+  const RegionRecord digits = display.Digits("42");
   Block<char> text;
   Block<uint8_t> segments;
   double value = 0;

@@ -67,13 +67,13 @@ class PaintedDisplay {
 
   // The pixels that a digit covers: its corners, of which the lower right one is past the last
   // pixel.
-  DrawnRegion::Contour RectangleOf(int32_t index) const {
+  RegionRecord::Contour RectangleOf(int32_t index) const {
     const auto x = static_cast<int32_t>(std::lround(LeftOf(index)));
     const auto y = static_cast<int32_t>(MARGIN);
     return {ROI_RECT, {x, y, x + Whole(look_.width), y + Whole(look_.height)}};
   }
   // The same of a slanted one.
-  DrawnRegion::Contour CornersOf(int32_t index) const {
+  RegionRecord::Contour CornersOf(int32_t index) const {
     const double left = LeftOf(index);
     const double lean = look_.slant * look_.height;
     const auto y = static_cast<int32_t>(MARGIN);
@@ -83,8 +83,8 @@ class PaintedDisplay {
              bottom, Whole(left), bottom}};
   }
   // With some columns of ground at the left of each digit.
-  DrawnRegion Digits(const std::string& text, int32_t room = 0) const {
-    std::vector<DrawnRegion::Contour> contours;
+  RegionRecord Digits(const std::string& text, int32_t room = 0) const {
+    std::vector<RegionRecord::Contour> contours;
     int32_t index = 0;
     for (const char character : text) {
       if (character >= '0' && character <= '9') {
@@ -95,16 +95,16 @@ class PaintedDisplay {
       }
       index += character != '.';
     }
-    return DrawnRegion(contours);
+    return RegionRecord(contours);
   }
-  DrawnRegion All(int32_t count) const {
+  RegionRecord All(int32_t count) const {
     const int32_t around = 10;
     const double lean = look_.slant * look_.height;
     const double right = LeftOf(count) - look_.spacing + lean;
     const auto top = static_cast<int32_t>(MARGIN);
-    return DrawnRegion({{ROI_RECT,
-                         {Whole(LeftOf(0)) - around, top - around, Whole(right) + around,
-                          top + Whole(look_.height) + around}}});
+    return RegionRecord({{ROI_RECT,
+                          {Whole(LeftOf(0)) - around, top - around, Whole(right) + around,
+                           top + Whole(look_.height) + around}}});
   }
 
  private:

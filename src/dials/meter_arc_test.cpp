@@ -7,7 +7,7 @@
 namespace {
 
 using test::Block;
-using test::DrawnRegion;
+using test::RegionRecord;
 
 // The whole circle as stated, from a list of all points of the walk.
 std::vector<PointFloat> CircleByTheRule(PointFloat centre, float radius) {
@@ -253,8 +253,8 @@ TEST(CalibrateMeter2, LeavesTheArcAfterAFailureAndReplacesItAfterASuccess) {
       IsSame({arc.data, arc.data + count}, ArcByTheRule({100, 100}, {180, 100}, {100, 150})));
 }
 
-DrawnRegion TwoLines(std::vector<int32_t> first, std::vector<int32_t> second) {
-  return DrawnRegion({{ROI_LINE, std::move(first)}, {ROI_LINE, std::move(second)}});
+RegionRecord TwoLines(std::vector<int32_t> first, std::vector<int32_t> second) {
+  return RegionRecord({{ROI_LINE, std::move(first)}, {ROI_LINE, std::move(second)}});
 }
 
 TEST(CalibrateMeter, FindsTheBaseWhereTheLinesCross) {
@@ -283,7 +283,7 @@ TEST(CalibrateMeter, LooksAtNothingButTheFirstTypeAndTwoPointsEach) {
   const std::vector<int32_t> first = {50, 150, 75, 125};
   const std::vector<int32_t> second = {150, 150, 140, 140};
   const Calibrated plain = Calibrate(TwoLines(first, second));
-  const DrawnRegion odd({{ROI_LINE, {50, 150, 75, 125, 9, 9}, ROI_INTERNAL}, {ROI_OVAL, second}});
+  const RegionRecord odd({{ROI_LINE, {50, 150, 75, 125, 9, 9}, ROI_INTERNAL}, {ROI_OVAL, second}});
   const Calibrated other = Calibrate(odd);
   ASSERT_EQ(other.result, 0);
   EXPECT_EQ(other.base.x, plain.base.x);
@@ -292,14 +292,14 @@ TEST(CalibrateMeter, LooksAtNothingButTheFirstTypeAndTwoPointsEach) {
 
 TEST(CalibrateMeter, RefusesOtherDrawnRegions) {
   const std::vector<int32_t> line = {50, 150, 75, 125};
-  EXPECT_EQ(Calibrate(DrawnRegion(std::vector<DrawnRegion::Contour>{})).result, -1200);
-  EXPECT_EQ(Calibrate(DrawnRegion({{ROI_LINE, line}})).result, -1200);
-  EXPECT_EQ(Calibrate(DrawnRegion({{ROI_LINE, line}, {ROI_LINE, line}, {ROI_LINE, line}})).result,
+  EXPECT_EQ(Calibrate(RegionRecord(std::vector<RegionRecord::Contour>{})).result, -1200);
+  EXPECT_EQ(Calibrate(RegionRecord({{ROI_LINE, line}})).result, -1200);
+  EXPECT_EQ(Calibrate(RegionRecord({{ROI_LINE, line}, {ROI_LINE, line}, {ROI_LINE, line}})).result,
             -1200);
-  EXPECT_EQ(Calibrate(DrawnRegion({{ROI_RECT, line}, {ROI_LINE, {1, 2, 3, 5}}})).result, -1200);
-  EXPECT_EQ(Calibrate(DrawnRegion({{ROI_LINE, {50, 150}}, {ROI_LINE, line}})).result, -1200);
-  EXPECT_EQ(Calibrate(DrawnRegion({{ROI_LINE, line}, {ROI_LINE, {}}})).result, -1200);
-  DrawnRegion withoutContour = TwoLines(line, {1, 2, 3, 5});
+  EXPECT_EQ(Calibrate(RegionRecord({{ROI_RECT, line}, {ROI_LINE, {1, 2, 3, 5}}})).result, -1200);
+  EXPECT_EQ(Calibrate(RegionRecord({{ROI_LINE, {50, 150}}, {ROI_LINE, line}})).result, -1200);
+  EXPECT_EQ(Calibrate(RegionRecord({{ROI_LINE, line}, {ROI_LINE, {}}})).result, -1200);
+  RegionRecord withoutContour = TwoLines(line, {1, 2, 3, 5});
   RoiContour* const kept = std::exchange(withoutContour->contours[1], nullptr);
   EXPECT_EQ(Calibrate(withoutContour).result, -1200);
   withoutContour->contours[1] = kept;
@@ -317,14 +317,14 @@ TEST(CalibrateMeter, RefusesLinesThatGiveNoBase) {
   // Nearly parallel: they cross far away.
   EXPECT_EQ(Calibrate(TwoLines({0, 0, 2000, 1}, {0, 10, 2000, 9})).result, 0);
   EXPECT_EQ(Calibrate(TwoLines({0, 0, 2000000, 1}, {0, 10, 2000000, 10})).result, -503);
-  const DrawnRegion wide = TwoLines({0, INT32_MIN, INT32_MAX, INT32_MAX},  //
-                                    {INT32_MAX, INT32_MIN, 0, INT32_MAX});
+  const RegionRecord wide = TwoLines({0, INT32_MIN, INT32_MAX, INT32_MAX},  //
+                                     {INT32_MAX, INT32_MIN, 0, INT32_MAX});
   EXPECT_EQ(Calibrate(wide).result, -503);
 }
 
 TEST(CalibrateMeter, NeedsADrawnRegionAndPlacesForTheResults) {
   const test::MessageWatch watch;
-  const DrawnRegion lines = TwoLines({50, 150, 75, 125}, {150, 150, 140, 140});
+  const RegionRecord lines = TwoLines({50, 150, 75, 125}, {150, 150, 140, 140});
   PointFloat base{};
   Block<PointFloat> arc;
   int32_t count = 7;
@@ -338,7 +338,7 @@ TEST(CalibrateMeter, NeedsADrawnRegionAndPlacesForTheResults) {
 }
 
 TEST(CalibrateMeter, WithoutMemoryChangesNothing) {
-  const DrawnRegion lines = TwoLines({50, 150, 75, 125}, {150, 150, 140, 140});
+  const RegionRecord lines = TwoLines({50, 150, 75, 125}, {150, 150, 140, 140});
   Block<PointFloat> arc;
   PointFloat base{};
   int32_t count = 0;

@@ -17,7 +17,7 @@ using test::Flat;
 using test::FromArray;
 using test::Region;
 using test::RegionOf;
-using test::Roi;
+using test::RegionRecord;
 
 // Refuses one allocation, counted from now.
 class Refusal {
@@ -32,63 +32,63 @@ class Refusal {
 };
 
 TEST(ArrayToRoi, ReadsContoursOfEveryKind) {
-  Roi roi;
+  RegionRecord roi;
   ASSERT_EQ(
       FromArray({1, 2, 30, 42, -32767, 5, 1, 2, 29, 2, 7, 41, -32768, 1, 9, 9, -32767, 0}, &roi),
       0);
-  EXPECT_EQ(RegionOf(roi.record), (Region{2,
-                                          1,
-                                          40,
-                                          29,
-                                          {{ROI_EXTERNAL, ROI_POLYGON, {1, 2, 29, 2, 7, 41}},
-                                           {ROI_INTERNAL, ROI_POINT, {9, 9}},
-                                           {ROI_EXTERNAL, ROI_WHOLE, {}}}}));
+  EXPECT_EQ(RegionOf(roi.Get()), (Region{2,
+                                         1,
+                                         40,
+                                         29,
+                                         {{ROI_EXTERNAL, ROI_POLYGON, {1, 2, 29, 2, 7, 41}},
+                                          {ROI_INTERNAL, ROI_POINT, {9, 9}},
+                                          {ROI_EXTERNAL, ROI_WHOLE, {}}}}));
 }
 
 TEST(ArrayToRoi, TakesNegativeCoordinatesDownTo32766) {
-  Roi roi;
+  RegionRecord roi;
   ASSERT_EQ(FromArray({0, 0, 9, 9, -32767, 2, -32766, -40000, -5, 6}, &roi), 0);
-  EXPECT_EQ(RegionOf(roi.record), (Region{0, 0, 9, 9, {{1, ROI_LINE, {-32766, -40000, -5, 6}}}}));
+  EXPECT_EQ(RegionOf(roi.Get()), (Region{0, 0, 9, 9, {{1, ROI_LINE, {-32766, -40000, -5, 6}}}}));
 }
 
 TEST(ArrayToRoi, BeginsAContourAtAnyXBelow) {
-  Roi roi;
+  RegionRecord roi;
   ASSERT_EQ(FromArray({0, 0, 9, 9, 77, 2, 3, 4, -40000, 6, 7, 8, 9}, &roi), 0);
-  EXPECT_EQ(RegionOf(roi.record),
+  EXPECT_EQ(RegionOf(roi.Get()),
             (Region{0, 0, 9, 9, {{77 + 32768, 2, {3, 4}}, {-40000 + 32768, 6, {7, 8}}}}));
 }
 
 TEST(ArrayToRoi, OrdersTheRectangleAndLimitsItsSides) {
-  Roi roi;
+  RegionRecord roi;
   ASSERT_EQ(FromArray({INT32_MAX, 7, INT32_MIN, 3}, &roi), 0);
-  EXPECT_EQ(RegionOf(roi.record), (Region{3, INT32_MIN, 4, INT32_MAX, {}}));
+  EXPECT_EQ(RegionOf(roi.Get()), (Region{3, INT32_MIN, 4, INT32_MAX, {}}));
 }
 
 TEST(ArrayToRoi, ShortArraysHaveNoContour) {
   const std::vector<int32_t> values{1, 2, 3, 5, -32767, 0};
   for (const int32_t count : {INT32_MIN, -1, 0, 1, 3}) {
-    Roi roi;
-    ASSERT_EQ(ZEL_ArrayToROI(values.data(), count, &roi.record), 0);
-    EXPECT_EQ(RegionOf(roi.record), Region{});
+    RegionRecord roi;
+    ASSERT_EQ(ZEL_ArrayToROI(values.data(), count, roi.Address()), 0);
+    EXPECT_EQ(RegionOf(roi.Get()), Region{});
   }
   for (const int32_t count : {4, 5}) {
-    Roi roi;
-    ASSERT_EQ(ZEL_ArrayToROI(values.data(), count, &roi.record), 0);
-    EXPECT_EQ(RegionOf(roi.record), (Region{2, 1, 3, 2, {}}));
+    RegionRecord roi;
+    ASSERT_EQ(ZEL_ArrayToROI(values.data(), count, roi.Address()), 0);
+    EXPECT_EQ(RegionOf(roi.Get()), (Region{2, 1, 3, 2, {}}));
   }
-  Roi roi;
-  ASSERT_EQ(ZEL_ArrayToROI(nullptr, 6, &roi.record), 0);
-  EXPECT_EQ(RegionOf(roi.record), Region{});
+  RegionRecord roi;
+  ASSERT_EQ(ZEL_ArrayToROI(nullptr, 6, roi.Address()), 0);
+  EXPECT_EQ(RegionOf(roi.Get()), Region{});
 }
 
 TEST(ArrayToRoi, UsesTheRecordThatIsThere) {
-  Roi roi;
+  RegionRecord roi;
   ASSERT_EQ(FromArray({0, 0, 9, 9}, &roi), 0);
   ASSERT_EQ(FromArray({0, 0, 8, 7, -32767, 1, 2, 3, -32767, 1, 4, 5}, &roi), 0);
-  ASSERT_EQ(RegionOf(roi.record), (Region{0, 0, 7, 8, {{1, 1, {2, 3}}, {1, 1, {4, 5}}}}));
-  for (int32_t i = 0; i < roi.record->contourCount; i++) ZEL_free(roi.record->contours[i]);
+  ASSERT_EQ(RegionOf(roi.Get()), (Region{0, 0, 7, 8, {{1, 1, {2, 3}}, {1, 1, {4, 5}}}}));
+  for (int32_t i = 0; i < roi->contourCount; i++) ZEL_free(roi->contours[i]);
   ASSERT_EQ(FromArray({0, 0, 1, 1}, &roi), 0);
-  EXPECT_EQ(RegionOf(roi.record), (Region{0, 0, 1, 1, {}}));
+  EXPECT_EQ(RegionOf(roi.Get()), (Region{0, 0, 1, 1, {}}));
 }
 
 TEST(ArrayToRoi, TellsWhichMemoryWasMissing) {
@@ -96,16 +96,16 @@ TEST(ArrayToRoi, TellsWhichMemoryWasMissing) {
   ZEL_SetErrorMode(ERROR_MODE_SILENT);
   EXPECT_EQ(ZEL_ArrayToROI(values.data(), 12, nullptr), -1);
   for (const int refused : {1, 2, 3}) {
-    Roi roi;
+    RegionRecord roi;
     const Refusal refusal(static_cast<uint64_t>(refused));
     EXPECT_EQ(FromArray(values, &roi), -101);
-    EXPECT_EQ(roi.record ? roi.record->contourCount : -1, refused - 2);
+    EXPECT_EQ(roi.Get() ? roi->contourCount : -1, refused - 2);
   }
-  Roi roi;
+  RegionRecord roi;
   ASSERT_EQ(FromArray({1, 2, 3, 4, -32767, 1, 2, 3}, &roi), 0);
   const Refusal refusal(1);
   EXPECT_EQ(FromArray(values, &roi), -1);
-  EXPECT_EQ(RegionOf(roi.record), (Region{2, 1, 2, 2, {{1, 1, {2, 3}}}}));
+  EXPECT_EQ(RegionOf(roi.Get()), (Region{2, 1, 2, 2, {{1, 1, {2, 3}}}}));
   EXPECT_EQ(ZEL_GetLastError(nullptr), 0);
 }
 
@@ -113,21 +113,21 @@ TEST(FreeRoi, TakesNullAndLeavesNothingBehind) {
   ZEL_FreeROI(nullptr);
   const int64_t before = zel::HeapHooksGet()->liveBlocks;
   {
-    Roi roi;
+    RegionRecord roi;
     ASSERT_EQ(FromArray({0, 0, 9, 9, -32767, 1, 2, 3, -32767, 1, 4, 5}, &roi), 0);
     EXPECT_EQ(zel::HeapHooksGet()->liveBlocks, before + 3);
-    ZEL_free(roi.record->contours[0]);
-    roi.record->contours[0] = nullptr;
+    ZEL_free(roi->contours[0]);
+    roi->contours[0] = nullptr;
   }
   EXPECT_EQ(zel::HeapHooksGet()->liveBlocks, before);
 }
 
 TEST(RoiToVector, IsTheFlatFormOfARecord) {
   const std::vector<int32_t> values{1, 2, 30, 42, -32767, 4, 1, 2, 30, 42, -32768, 1, 9, 9};
-  Roi roi;
+  RegionRecord roi;
   ASSERT_EQ(FromArray(values, &roi), 0);
   const Flat flat({7, 7});
-  ASSERT_EQ(zel::RoiToVector(roi.record, flat.handle()), 0);
+  ASSERT_EQ(zel::RoiToVector(roi.Get(), flat.handle()), 0);
   EXPECT_EQ(flat.Values(), values);
 }
 
@@ -136,20 +136,20 @@ TEST(RoiToVector, LeavesOutWhatIsNotThere) {
   ASSERT_EQ(zel::RoiToVector(nullptr, flat.handle()), 0);
   EXPECT_EQ(flat.Values(), std::vector<int32_t>{});
 
-  Roi roi;
+  RegionRecord roi;
   ASSERT_EQ(FromArray({1, 2, 3, 4, -32767, 1, 2, 3, -32768, 1, 4, 5}, &roi), 0);
-  ZEL_free(roi.record->contours[0]);
-  roi.record->contours[0] = nullptr;
-  roi.record->contours[1]->pointCount = -3;
-  roi.record->contours[1]->contourKind = INT32_MIN;
-  ASSERT_EQ(zel::RoiToVector(roi.record, flat.handle()), 0);
+  ZEL_free(roi->contours[0]);
+  roi->contours[0] = nullptr;
+  roi->contours[1]->pointCount = -3;
+  roi->contours[1]->contourKind = INT32_MIN;
+  ASSERT_EQ(zel::RoiToVector(roi.Get(), flat.handle()), 0);
   EXPECT_EQ(flat.Values(), (std::vector<int32_t>{1, 2, 3, 4, INT32_MAX - 32767, 1}));
 
-  const int32_t count = roi.record->contourCount;
-  roi.record->contourCount = -1;
-  ASSERT_EQ(zel::RoiToVector(roi.record, flat.handle()), 0);
+  const int32_t count = roi->contourCount;
+  roi->contourCount = -1;
+  ASSERT_EQ(zel::RoiToVector(roi.Get(), flat.handle()), 0);
   EXPECT_EQ(flat.Values(), (std::vector<int32_t>{1, 2, 3, 4}));
-  roi.record->contourCount = count;
+  roi->contourCount = count;
 }
 
 TEST(RoiToVector, LimitsTheSidesOfTheRectangle) {
@@ -160,58 +160,58 @@ TEST(RoiToVector, LimitsTheSidesOfTheRectangle) {
 }
 
 TEST(RoiFromVector, EndsContoursAtAnyNegativeX) {
-  Roi roi;
+  RegionRecord roi;
   const Flat flat({0, 0, 9, 9, -32767, 5, 1, 2, -3, 4, 5, 6, 7, -8});
-  ASSERT_EQ(zel::RoiFromVector(flat.handle(), &roi.record), 0);
-  EXPECT_EQ(RegionOf(roi.record),
+  ASSERT_EQ(zel::RoiFromVector(flat.handle(), roi.Address()), 0);
+  EXPECT_EQ(RegionOf(roi.Get()),
             (Region{0, 0, 9, 9, {{1, 5, {1, 2}}, {-3 + 32768, 4, {5, 6, 7, -8}}}}));
 }
 
 TEST(RoiFromVector, ShortVectorsHaveNoContour) {
   for (size_t count = 0; count < 4; count++) {
-    Roi roi;
+    RegionRecord roi;
     const Flat flat(std::vector<int32_t>(count, 9));
-    ASSERT_EQ(zel::RoiFromVector(flat.handle(), &roi.record), 0);
-    EXPECT_EQ(RegionOf(roi.record), Region{});
+    ASSERT_EQ(zel::RoiFromVector(flat.handle(), roi.Address()), 0);
+    EXPECT_EQ(RegionOf(roi.Get()), Region{});
   }
-  Roi roi;
+  RegionRecord roi;
   const Flat flat({9, 9, 1, 1, -32767});
-  ASSERT_EQ(zel::RoiFromVector(flat.handle(), &roi.record), 0);
-  EXPECT_EQ(RegionOf(roi.record), (Region{1, 1, 8, 8, {}}));
+  ASSERT_EQ(zel::RoiFromVector(flat.handle(), roi.Address()), 0);
+  EXPECT_EQ(RegionOf(roi.Get()), (Region{1, 1, 8, 8, {}}));
 }
 
 TEST(RoiFromVector, ComesBackAsItWent) {
   const std::vector<int32_t> values{0, 0, 99, 99, -32767, 11, 5, 6, 7, 8, -32768, 3, 1, 1, 2, 2};
   const Flat flat(values);
-  Roi roi;
-  ASSERT_EQ(zel::RoiFromVector(flat.handle(), &roi.record), 0);
+  RegionRecord roi;
+  ASSERT_EQ(zel::RoiFromVector(flat.handle(), roi.Address()), 0);
   const Flat back;
-  ASSERT_EQ(zel::RoiToVector(roi.record, back.handle()), 0);
+  ASSERT_EQ(zel::RoiToVector(roi.Get(), back.handle()), 0);
   EXPECT_EQ(back.Values(), values);
 }
 
 TEST(RoiFromVector, KeepsWhatItMadeWithoutMemory) {
   const Flat flat({0, 0, 9, 9, -32767, 1, 2, 3, -32767, 1, 4, 5});
   for (const int refused : {1, 2, 3}) {
-    Roi roi;
+    RegionRecord roi;
     const Refusal refusal(static_cast<uint64_t>(refused));
-    EXPECT_EQ(zel::RoiFromVector(flat.handle(), &roi.record), 101);
-    EXPECT_EQ(roi.record ? roi.record->contourCount : -1, refused - 2);
+    EXPECT_EQ(zel::RoiFromVector(flat.handle(), roi.Address()), 101);
+    EXPECT_EQ(roi.Get() ? roi->contourCount : -1, refused - 2);
   }
 }
 
 TEST(RoiReplaceFromVector, ChangesNothingWithoutMemory) {
   const Flat flat({0, 0, 9, 9, -32767, 1, 2, 3, -32767, 1, 4, 5});
-  Roi roi;
+  RegionRecord roi;
   ASSERT_EQ(FromArray({1, 2, 3, 4}, &roi), 0);
-  RoiDescriptor* const before = roi.record;
+  RoiDescriptor* const before = roi.Get();
   for (const int refused : {1, 2, 3}) {
     const Refusal refusal(static_cast<uint64_t>(refused));
-    EXPECT_EQ(zel::RoiReplaceFromVector(flat.handle(), &roi.record), 101);
-    EXPECT_EQ(roi.record, before);
+    EXPECT_EQ(zel::RoiReplaceFromVector(flat.handle(), roi.Address()), 101);
+    EXPECT_EQ(roi.Get(), before);
   }
-  ASSERT_EQ(zel::RoiReplaceFromVector(flat.handle(), &roi.record), 0);
-  EXPECT_EQ(RegionOf(roi.record), (Region{0, 0, 9, 9, {{1, 1, {2, 3}}, {1, 1, {4, 5}}}}));
+  ASSERT_EQ(zel::RoiReplaceFromVector(flat.handle(), roi.Address()), 0);
+  EXPECT_EQ(RegionOf(roi.Get()), (Region{0, 0, 9, 9, {{1, 1, {2, 3}}, {1, 1, {4, 5}}}}));
 }
 
 TEST(RoiBounds, OrdersCornersAndRefusesARegionWithoutContour) {

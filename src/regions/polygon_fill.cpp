@@ -56,15 +56,23 @@ void PolygonFill::AddEdge(PointInt from, PointInt to) {
   AddSlope(from, to);
 }
 
+// Whether the remainder carries is a matter of chance, so that a mask does it and no branch.
+void PolygonFill::Crossing::GoOn() {
+  remainder += stepRemainder;
+  const int32_t mask = -static_cast<int32_t>(remainder >= divisor);
+  remainder -= divisor & mask;
+  x = static_cast<int32_t>(static_cast<uint32_t>(x) + static_cast<uint32_t>(step) +
+                           static_cast<uint32_t>(carry & mask));
+}
+
 void PolygonFill::AddPoint(PointInt point) {
   if (point.y < 0) return;
-  Add(point.y, {.quotient = 0,
+  Add(point.y, {.x = point.x,
                 .remainder = 0,
-                .step = 0,
                 .stepRemainder = 0,
                 .divisor = 1,
-                .base = point.x,
-                .sign = 1,
+                .step = 0,
+                .carry = 0,
                 .last = point.y,
                 .next = NONE});
 }
@@ -86,13 +94,13 @@ void PolygonFill::AddSlope(PointInt from, PointInt to) {
   const int64_t steps = Magnitude(first - from.y);
   const FloorQuotient at(2 * dx * steps + start, divisor);
   const FloorQuotient perRow(goesDown ? 2 * dx : -2 * dx, divisor);
-  Add(first, {.quotient = at.quotient,
-              .remainder = at.remainder,
-              .step = perRow.quotient,
-              .stepRemainder = perRow.remainder,
-              .divisor = divisor,
-              .base = from.x,
-              .sign = to.x < from.x ? -1 : 1,
+  const int64_t sign = to.x < from.x ? -1 : 1;
+  Add(first, {.x = static_cast<int32_t>(from.x + sign * at.quotient),
+              .remainder = static_cast<int32_t>(at.remainder),
+              .stepRemainder = static_cast<int32_t>(perRow.remainder),
+              .divisor = static_cast<int32_t>(divisor),
+              .step = static_cast<int32_t>(sign * perRow.quotient),
+              .carry = static_cast<int32_t>(sign),
               .last = static_cast<int32_t>(bottom),
               .next = NONE});
 }
@@ -121,15 +129,13 @@ void PolygonFill::Add(int64_t first, const Crossing& crossing) {
   lists[row] = crossingCount_++;
 }
 
-void PolygonFill::Insert(Active active) {
-  Active* all = active_.data();
-  int32_t place = activeCount_++;
-  while (place > 0 && all[place - 1].x > active.x && shiftsLeft_ > 0) {
-    all[place] = all[place - 1];
-    place--;
+void PolygonFill::Insert(const Crossing& crossing) {
+  Crossing* place = active_.data() + activeCount_++;
+  for (; place > active_.data() && place[-1].x > crossing.x && shiftsLeft_ > 0; place--) {
+    place[0] = place[-1];
     shiftsLeft_--;
   }
-  all[place] = active;
+  *place = crossing;
 }
 
 // From the crossings of the row before to those of this one, in order. Edges hardly change places
@@ -139,25 +145,19 @@ void PolygonFill::Advance(int32_t y) {
   shiftsLeft_ = 8 * int64_t{before} + 64;
   activeCount_ = 0;
   for (int32_t i = 0; i < before; i++) {
-    const int32_t index = active_[static_cast<size_t>(i)].crossing;
-    Crossing& crossing = crossings_[static_cast<size_t>(index)];
+    Crossing crossing = active_[static_cast<size_t>(i)];
     if (crossing.last < y) continue;
-    crossing.quotient += crossing.step;
-    crossing.remainder += crossing.stepRemainder;
-    if (crossing.remainder >= crossing.divisor) {
-      crossing.remainder -= crossing.divisor;
-      crossing.quotient++;
-    }
-    Insert({static_cast<int32_t>(crossing.base + crossing.sign * crossing.quotient), index});
+    crossing.GoOn();
+    Insert(crossing);
   }
   for (int32_t index = beginning_[static_cast<size_t>(y)]; index != NONE;) {
     const Crossing& crossing = crossings_[static_cast<size_t>(index)];
-    Insert({static_cast<int32_t>(crossing.base + crossing.sign * crossing.quotient), index});
+    Insert(crossing);
     index = crossing.next;
   }
   if (shiftsLeft_ == 0) {
     std::sort(active_.data(), active_.data() + activeCount_,
-              [](const Active& a, const Active& b) { return a.x < b.x; });
+              [](const Crossing& a, const Crossing& b) { return a.x < b.x; });
   }
 }
 

@@ -27,26 +27,25 @@ class PolygonFill {
   void Paint(uint8_t value);
 
  private:
-  // Where an edge crosses the rows first to last: at base plus or minus quotient, which grows by
-  // step + stepRemainder / divisor a row.
+  // Where an edge crosses a row, and how it goes on from row to row: x grows by step, and by carry
+  // each time that the remainder reaches the divisor. Steps of edges that are wider than 32 bits
+  // wrap, and so does x on its way; in each row of the edge it lies between the edge's ends.
   struct Crossing {
-    int64_t quotient, remainder;
-    int64_t step, stepRemainder;
-    int64_t divisor;
-    int32_t base, sign;
-    int32_t last;
-    int32_t next;  // that begins in the same row, or NONE
-  };
-  struct Active {
     int32_t x;
-    int32_t crossing;
+    int32_t remainder;
+    int32_t stepRemainder, divisor;
+    int32_t step, carry;
+    int32_t last;  // row
+    int32_t next;  // that begins in the same row, or NONE
+
+    void GoOn();  // to the next row
   };
   static constexpr int32_t NONE = -1;
 
   void Add(int64_t first, const Crossing& crossing);
   void AddPoint(PointInt point);
   void AddSlope(PointInt from, PointInt to);
-  void Insert(Active active);
+  void Insert(const Crossing& crossing);
   void Advance(int32_t y);
   void PaintRow(int32_t y, uint8_t value) const;
 
@@ -58,7 +57,7 @@ class PolygonFill {
   int32_t activeCount_ = 0;
   int64_t shiftsLeft_ = 0;  // of insertions in this row, beyond which it is sorted as a whole
   WorkArray<Crossing> crossings_;
-  WorkArray<Active> active_;
+  WorkArray<Crossing> active_;    // those of the row at hand, by their x
   WorkArray<int32_t> beginning_;  // in a row: the first crossing of a list
 };
 

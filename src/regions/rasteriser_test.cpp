@@ -16,7 +16,7 @@ namespace {
 
 using test::Flat;
 using test::FromArray;
-using test::Roi;
+using test::RegionRecord;
 using test::TestImage;
 
 using Values = std::vector<int32_t>;
@@ -365,9 +365,9 @@ TEST(RoiToMask, EmptyRegionSelectsAllOfTheModel) {
   const TestImage model(IMAGE_SGL, 7, 5);
   const TestImage mask(IMAGE_U8, 3, 3, 2);
   ZEL_SetImageOffset(mask, 4, 5);
-  Roi roi;
+  RegionRecord roi;
   ASSERT_EQ(FromArray({1, 2, 3, 4}, &roi), 0);
-  for (const RoiDescriptor* region : {roi.record, static_cast<RoiDescriptor*>(nullptr)}) {
+  for (const RoiDescriptor* region : {roi.Get(), static_cast<RoiDescriptor*>(nullptr)}) {
     ASSERT_EQ(ZEL_ROIToMask(mask, model, region, 0x1FE), 0);
     EXPECT_EQ(mask.width(), 8);
     EXPECT_EQ(mask.height(), 5);
@@ -391,9 +391,9 @@ TEST(RoiToMask, EmptyRegionWithoutModelKeepsTheSize) {
 TEST(RoiToMask, RegionLargerThanTheModelIsNotOffset) {
   const TestImage model(IMAGE_U8, 7, 5);
   const TestImage mask(IMAGE_U8, 3, 3);
-  Roi roi;
+  RegionRecord roi;
   ASSERT_EQ(FromArray({2, 3, 20, 20, -32767, ROI_RECT, 2, 3, 20, 20}, &roi), 0);
-  ASSERT_EQ(ZEL_ROIToMask(mask, model, roi.record, 1), 0);
+  ASSERT_EQ(ZEL_ROIToMask(mask, model, roi.Get(), 1), 0);
   EXPECT_EQ(mask.width(), 7);
   EXPECT_EQ(mask.height(), 5);
   EXPECT_EQ(mask.Info().offsetX, 0);
@@ -404,10 +404,10 @@ TEST(RoiToMask, RegionLargerThanTheModelIsNotOffset) {
 
 TEST(RoiToMask, WithoutModelLiesAtItsBounds) {
   const TestImage mask(IMAGE_U8, 30, 30, 1);
-  Roi roi;
+  RegionRecord roi;
   ASSERT_EQ(FromArray({-5, 9, 2, 6, -32767, ROI_OVAL, -5, 6, 2, 9, -32768, ROI_POINT, -2, 7}, &roi),
             0);
-  ASSERT_EQ(ZEL_ROIToMask(mask, 0, roi.record, 255), 0);
+  ASSERT_EQ(ZEL_ROIToMask(mask, 0, roi.Get(), 255), 0);
   EXPECT_EQ(mask.width(), 8);
   EXPECT_EQ(mask.height(), 3);
   EXPECT_EQ(mask.Info().offsetX, -5);
@@ -427,9 +427,9 @@ TEST(RoiToMask, PolygonsOnOneRowAndOfTwoPointsAreLines) {
        {std::pair<Values, int64_t>{{0, 0, 9, 9, -32767, 5, 3, 4, 9, 4, 6, 4}, 7},
         {{0, 0, 9, 9, -32767, 5, 3, 4, 9, 6}, 7},
         {{0, 0, 9, 9, -32767, 5, 3, 4}, 0}}) {
-    Roi roi;
+    RegionRecord roi;
     ASSERT_EQ(FromArray(values, &roi), 0);
-    ASSERT_EQ(ZEL_ROIToMask(mask, model, roi.record, 1), 0);
+    ASSERT_EQ(ZEL_ROIToMask(mask, model, roi.Get(), 1), 0);
     const std::vector<uint8_t> pixels = mask.Pixels();
     EXPECT_EQ(std::count(pixels.begin(), pixels.end(), 1), expected);
   }
@@ -441,34 +441,34 @@ TEST(RoiToMask, MasksOfOtherTypesTakeTheSizeOnly) {
   for (const Values& values : {Values{0, 0, 6, 4, -32767, ROI_WHOLE}, Values{}}) {
     const TestImage mask(IMAGE_I16, 6, 4, 1);
     const std::vector<uint8_t> before = mask.Block();
-    Roi roi;
+    RegionRecord roi;
     ASSERT_EQ(FromArray(values, &roi), 0);
-    ASSERT_EQ(ZEL_ROIToMask(mask, model, roi.record, 1), 0);
+    ASSERT_EQ(ZEL_ROIToMask(mask, model, roi.Get(), 1), 0);
     EXPECT_EQ(mask.Block(), before);
-    ASSERT_EQ(ZEL_ROIToMask(mask, small, roi.record, 1), 0);
+    ASSERT_EQ(ZEL_ROIToMask(mask, small, roi.Get(), 1), 0);
     EXPECT_EQ(mask.width(), values.empty() ? 6 : 5);
     EXPECT_EQ(mask.height(), 3);
   }
 }
 
 TEST(RoiToMask, RefusesUnknownMasksAndHugeRectangles) {
-  Roi roi;
+  RegionRecord roi;
   ASSERT_EQ(FromArray({INT32_MIN, 0, 5, 5, -32767, ROI_POINT, 1, 1}, &roi), 0);
-  EXPECT_EQ(ZEL_ROIToMask(12345, 0, roi.record, 1), -200);
+  EXPECT_EQ(ZEL_ROIToMask(12345, 0, roi.Get(), 1), -200);
   const TestImage mask(IMAGE_U8, 4, 4);
-  EXPECT_EQ(ZEL_ROIToMask(mask, 0, roi.record, 1), -101);
-  Roi large;
+  EXPECT_EQ(ZEL_ROIToMask(mask, 0, roi.Get(), 1), -101);
+  RegionRecord large;
   ASSERT_EQ(FromArray({0, 0, 70000, 70000, -32767, ROI_POINT, 1, 1}, &large), 0);
-  EXPECT_EQ(ZEL_ROIToMask(mask, 0, large.record, 1), -101);
+  EXPECT_EQ(ZEL_ROIToMask(mask, 0, large.Get(), 1), -101);
   EXPECT_EQ(mask.width(), 4);
 }
 
 TEST(RoiToMask, SurvivesEachRefusedAllocation) {
-  Roi roi;
+  RegionRecord roi;
   ASSERT_EQ(FromArray({0, 0, 300, 200, -32767, ROI_POLYGON, 1, 1, 200, 30, 40, 150}, &roi), 0);
   TestImage mask;
   test::RefuseEachAllocation([&] { mask = TestImage(IMAGE_U8, 4, 4); },
-                             [&] { return ZEL_ROIToMask(mask, 0, roi.record, 1); });
+                             [&] { return ZEL_ROIToMask(mask, 0, roi.Get(), 1); });
 }
 
 }  // namespace

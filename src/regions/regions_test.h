@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/handles.h"
+#include "harness/region_record.h"
 #include "orlune_ptk.h"
 
 namespace test {
@@ -48,18 +49,8 @@ inline Region RegionOf(const RoiDescriptor* roi) {
   return region;
 }
 
-// A record of the library, released at the end.
-struct Roi {
-  RoiDescriptor* record = nullptr;
-
-  Roi() = default;
-  Roi(const Roi&) = delete;
-  Roi& operator=(const Roi&) = delete;
-  ~Roi() { ZEL_FreeROI(record); }
-};
-
-inline int32_t FromArray(const std::vector<int32_t>& values, Roi* roi) {
-  return ZEL_ArrayToROI(values.data(), static_cast<int32_t>(values.size()), &roi->record);
+inline int32_t FromArray(const std::vector<int32_t>& values, RegionRecord* roi) {
+  return ZEL_ArrayToROI(values.data(), static_cast<int32_t>(values.size()), roi->Address());
 }
 
 // A flat form behind a handle.

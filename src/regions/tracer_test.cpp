@@ -15,7 +15,7 @@ namespace {
 using test::Flat;
 using test::Region;
 using test::RegionOf;
-using test::Roi;
+using test::RegionRecord;
 using test::TestImage;
 
 using Values = std::vector<int32_t>;
@@ -192,8 +192,8 @@ TEST(Tracer, FollowsRandomMasksByTheSteps) {
 
 // ---- the export
 
-int32_t ToRoi(const TestImage& mask, uint16_t externalOnly, Roi* roi) {
-  return ZEL_MaskToROI(mask, externalOnly, PLENTY, &roi->record, nullptr);
+int32_t ToRoi(const TestImage& mask, uint16_t externalOnly, RegionRecord* roi) {
+  return ZEL_MaskToROI(mask, externalOnly, PLENTY, roi->Address(), nullptr);
 }
 
 TEST(MaskToRoi, FindsHolesUnlessToldOtherwise) {
@@ -206,52 +206,52 @@ TEST(MaskToRoi, FindsHolesUnlessToldOtherwise) {
       ".#####..",
   });
   const test::Contour outline{ROI_EXTERNAL, ROI_POLYGON, {1, 1, 5, 1, 5, 5, 1, 5, 1, 2}};
-  Roi all;
+  RegionRecord all;
   ASSERT_EQ(ToRoi(mask, 0, &all), 0);
-  EXPECT_EQ(RegionOf(all.record),
+  EXPECT_EQ(RegionOf(all.Get()),
             (Region{1, 1, 5, 5, {outline, {ROI_INTERNAL, ROI_POINT, {3, 3}}}}));
-  Roi external;
+  RegionRecord external;
   ASSERT_EQ(ToRoi(mask, 256, &external), 0);
-  EXPECT_EQ(RegionOf(external.record), (Region{1, 1, 5, 5, {outline}}));
+  EXPECT_EQ(RegionOf(external.Get()), (Region{1, 1, 5, 5, {outline}}));
 }
 
 TEST(MaskToRoi, RectangleHasFewVertices) {
   const TestImage low = TestImage::FromRows({"......", ".####.", ".####.", "......"});
-  Roi two;
+  RegionRecord two;
   ASSERT_EQ(ToRoi(low, 0, &two), 0);
-  EXPECT_EQ(RegionOf(two.record),
+  EXPECT_EQ(RegionOf(two.Get()),
             (Region{1, 1, 2, 4, {{ROI_EXTERNAL, ROI_POLYGON, {1, 1, 4, 1, 4, 2, 1, 2}}}}));
 }
 
 TEST(MaskToRoi, SinglePixelIsAPointAndDiagonalOnesAreOneContour) {
   const TestImage point = TestImage::FromRows({"....", "..#.", "...."});
-  Roi one;
+  RegionRecord one;
   ASSERT_EQ(ToRoi(point, 0, &one), 0);
-  EXPECT_EQ(RegionOf(one.record), (Region{1, 2, 1, 1, {{ROI_EXTERNAL, ROI_POINT, {2, 1}}}}));
+  EXPECT_EQ(RegionOf(one.Get()), (Region{1, 2, 1, 1, {{ROI_EXTERNAL, ROI_POINT, {2, 1}}}}));
 
   const TestImage diagonal = TestImage::FromRows({"....", "..#.", "...#"});
-  Roi both;
+  RegionRecord both;
   ASSERT_EQ(ToRoi(diagonal, 0, &both), 0);
-  EXPECT_EQ(RegionOf(both.record),
+  EXPECT_EQ(RegionOf(both.Get()),
             (Region{1, 2, 2, 2, {{ROI_EXTERNAL, ROI_POLYGON, {2, 1, 3, 2}}}}));
 }
 
 TEST(MaskToRoi, LimitCountsPairsOfTheFlatForm) {
   const TestImage mask = TestImage::FromRows({"....", "..#.", "...."});
   for (const int32_t limit : {INT32_MIN, 0, 2}) {
-    Roi roi;
+    RegionRecord roi;
     int32_t limitReached = 7;
-    ASSERT_EQ(ZEL_MaskToROI(mask, 0, limit, &roi.record, &limitReached), 0);
+    ASSERT_EQ(ZEL_MaskToROI(mask, 0, limit, roi.Address(), &limitReached), 0);
     EXPECT_EQ(limitReached, 1);
-    EXPECT_EQ(roi.record->contourCount, 0);
+    EXPECT_EQ(roi->contourCount, 0);
   }
   for (const auto& [limit, reached] : {std::pair{3, 1}, {4, 1}, {5, 0}}) {
-    Roi roi;
+    RegionRecord roi;
     int32_t limitReached = 7;
-    ASSERT_EQ(ZEL_MaskToROI(mask, 0, limit, &roi.record, &limitReached), 0);
+    ASSERT_EQ(ZEL_MaskToROI(mask, 0, limit, roi.Address(), &limitReached), 0);
     EXPECT_EQ(limitReached, reached);
-    ASSERT_EQ(roi.record->contourCount, 1);
-    EXPECT_EQ(roi.record->contours[0]->pointCount, limit == 3 ? 0 : 1);
+    ASSERT_EQ(roi->contourCount, 1);
+    EXPECT_EQ(roi->contours[0]->pointCount, limit == 3 ? 0 : 1);
   }
 }
 
@@ -259,10 +259,10 @@ TEST(MaskToRoi, WithoutContourKeepsTheFirstRectangle) {
   const TestImage clear = TestImage::FromRows({"....", "...."});
   const TestImage empty(IMAGE_U8, 0, 0);
   for (const ImageRef mask : {static_cast<ImageRef>(clear), static_cast<ImageRef>(empty)}) {
-    Roi roi;
+    RegionRecord roi;
     int32_t limitReached = 7;
-    ASSERT_EQ(ZEL_MaskToROI(mask, 0, PLENTY, &roi.record, &limitReached), 0);
-    EXPECT_EQ(RegionOf(roi.record), (Region{1, 1, 31999, 31999, {}}));
+    ASSERT_EQ(ZEL_MaskToROI(mask, 0, PLENTY, roi.Address(), &limitReached), 0);
+    EXPECT_EQ(RegionOf(roi.Get()), (Region{1, 1, 31999, 31999, {}}));
     EXPECT_EQ(limitReached, 0);
   }
 }
@@ -273,11 +273,11 @@ TEST(MaskToRoi, ThickShapesComeBackAsTheSameMask) {
   ASSERT_EQ(ZEL_DrawOval(mask, 0, 5, 8, 70, 60, DRAW_PAINT, 1), 0);
   ASSERT_EQ(ZEL_DrawOval(mask, 0, 20, 20, 30, 25, DRAW_PAINT, 0), 0);
   ASSERT_EQ(ZEL_DrawRect(mask, 0, 10, 80, 40, 30, DRAW_PAINT, 1), 0);
-  Roi roi;
+  RegionRecord roi;
   ASSERT_EQ(ToRoi(mask, 0, &roi), 0);
-  EXPECT_EQ(roi.record->contourCount, 3);
+  EXPECT_EQ(roi->contourCount, 3);
   const TestImage back(IMAGE_U8, 1, 1);
-  ASSERT_EQ(ZEL_ROIToMask(back, mask, roi.record, 1), 0);
+  ASSERT_EQ(ZEL_ROIToMask(back, mask, roi.Get(), 1), 0);
   EXPECT_EQ(PixelDifference(back, mask), "");
 }
 
@@ -291,42 +291,42 @@ TEST(MaskToRoi, ObjectInsideAHoleIsLost) {
       "#.....#",
       "#######",
   });
-  Roi roi;
+  RegionRecord roi;
   ASSERT_EQ(ToRoi(mask, 0, &roi), 0);
-  for (int32_t i = 0; i < roi.record->contourCount; i++) {
-    EXPECT_NE(roi.record->contours[i]->contourType == ROI_POINT &&
-                  roi.record->contours[i]->contourKind == ROI_EXTERNAL,
-              true);
+  for (int32_t i = 0; i < roi->contourCount; i++) {
+    EXPECT_NE(
+        roi->contours[i]->contourType == ROI_POINT && roi->contours[i]->contourKind == ROI_EXTERNAL,
+        true);
   }
 }
 
 TEST(MaskToRoi, FailuresLeaveTheOutputsAlone) {
   const TestImage words(IMAGE_I16, 4, 4);
   const TestImage mask(IMAGE_U8, 4, 4);
-  Roi roi;
+  RegionRecord roi;
   int32_t limitReached = 7;
-  EXPECT_EQ(ZEL_MaskToROI(12345, 0, 9, &roi.record, &limitReached), -200);
-  EXPECT_EQ(ZEL_MaskToROI(words, 0, 9, &roi.record, &limitReached), -301);
+  EXPECT_EQ(ZEL_MaskToROI(12345, 0, 9, roi.Address(), &limitReached), -200);
+  EXPECT_EQ(ZEL_MaskToROI(words, 0, 9, roi.Address(), &limitReached), -301);
   EXPECT_EQ(ZEL_MaskToROI(12345, 0, 9, nullptr, &limitReached), -3009);
-  EXPECT_EQ(roi.record, nullptr);
+  EXPECT_EQ(roi.Get(), nullptr);
   EXPECT_EQ(limitReached, 7);
 
-  ASSERT_EQ(ZEL_MaskToROI(mask, 0, 9, &roi.record, nullptr), 0);
-  RoiDescriptor* const before = roi.record;
+  ASSERT_EQ(ZEL_MaskToROI(mask, 0, 9, roi.Address(), nullptr), 0);
+  RoiDescriptor* const before = roi.Get();
   for (int32_t i = 0; i < before->contourCount; i++) ZEL_free(before->contours[i]);
   before->contourCount = 0;
   bool fails = true;
   test::RefuseEachAllocation([&] {},
                              [&] {
                                const int32_t result =
-                                   ZEL_MaskToROI(mask, 0, PLENTY, &roi.record, &limitReached);
+                                   ZEL_MaskToROI(mask, 0, PLENTY, roi.Address(), &limitReached);
                                fails = result != 0;
                                EXPECT_EQ(limitReached, fails ? 7 : 0);
                                if (!fails) {
-                                 for (int32_t i = 0; i < roi.record->contourCount; i++) {
-                                   ZEL_free(roi.record->contours[i]);
+                                 for (int32_t i = 0; i < roi->contourCount; i++) {
+                                   ZEL_free(roi->contours[i]);
                                  }
-                                 roi.record->contourCount = 0;
+                                 roi->contourCount = 0;
                                  limitReached = 7;
                                }
                                return result;

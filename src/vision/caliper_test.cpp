@@ -6,11 +6,7 @@
 
 namespace {
 
-using test::OracleEdge;
-using test::Path;
-using test::RowImage;
-using test::RowPath;
-using test::Table;
+using namespace test::paths;
 using test::TestImage;
 
 struct Request {
@@ -26,7 +22,7 @@ struct Found {
 };
 
 int32_t Find(ImageRef image, const Path& path, const Request& r, Found* found) {
-  return ZEL_Caliper(image, path.data(), test::Count(path), r.method, r.oversampling, r.threshold,
+  return ZEL_Caliper(image, path.data(), Count(path), r.method, r.oversampling, r.threshold,
                      r.edgeWidth, r.gap, r.mode, r.separation, r.deviation, &found->reports.count,
                      &found->reports.records, &found->places.count, &found->places.records);
 }
@@ -69,9 +65,9 @@ float OracleScore(const Request& r, float distance) {
 
 void ExpectOraclePairs(ImageRef image, const Path& path, const Request& r) {
   const std::vector<float> signal =
-      test::Interpolated(image, path, r.oversampling > 0 ? r.method : 0, r.oversampling);
+      Interpolated(image, path, r.oversampling > 0 ? r.method : 0, r.oversampling);
   const std::vector<OracleEdge> edges =
-      test::OracleEdges(signal, r.oversampling, r.threshold, r.edgeWidth, r.gap, path);
+      OracleEdges(signal, r.oversampling, r.threshold, r.edgeWidth, r.gap, path);
   Found found;
   ASSERT_EQ(Find(image, path, r, &found), 0);
   int32_t pairs = 0;

@@ -17,6 +17,8 @@ float Between(int32_t from, int32_t to, float part) {
   return first + (static_cast<float>(to) - first) * part;
 }
 
+constexpr int64_t FLOAT_INTEGERS = 1 << 24;  // up to here floats hold every whole number
+
 bool HasPositiveBits(float value) {
   return std::bit_cast<int32_t>(value) > 0;
 }
@@ -50,6 +52,42 @@ void Gradient::Advance() {
   value_ = index_ < first_ || index_ > last_ ? 0.0f : Difference();
 }
 
+int64_t Gradient::SkipSmaller(float limit, int64_t most) {
+  int64_t skipped = 0;
+  while (skipped < most && std::fabs(value_) < limit) {
+    const bool slides = index_ >= first_ && index_ < last_;
+    if (slides && before_.IsExact()) {
+      skipped += SkipExactly(limit, std::min(most - skipped, last_ - index_));
+    } else {
+      Advance();
+      skipped++;
+    }
+  }
+  return skipped;
+}
+
+// At least once; both windows stay on the signal.
+int64_t Gradient::SkipExactly(float limit, int64_t most) {
+  ExactWindow before = before_.Exact();
+  ExactWindow after = after_.Exact();
+  float former = value_;
+  float value = value_;
+  int64_t skipped = 0;
+  do {
+    before.Slide();
+    after.Slide();
+    former = value;
+    value = after.Value() - before.Value();
+    skipped++;
+  } while (skipped < most && std::fabs(value) < limit);
+  before_.GoOnFrom(before);
+  after_.GoOnFrom(after);
+  former_ = former;
+  value_ = value;
+  index_ += skipped;
+  return skipped;
+}
+
 EdgeScan::Sizes EdgeScan::SizesOf(const PathSignal& signal, const EdgeRule& rule) {
   const int64_t count = signal.count();
   // A size as long as the signal fits nowhere, and neither does a longer one.
@@ -73,11 +111,14 @@ EdgeScan::EdgeScan(const PathSignal& signal, const EdgeRule& rule, const Sizes& 
       factor_(static_cast<double>(signal.factor())),
       width_(static_cast<double>(static_cast<float>(sizes.width))),
       threshold_(rule.threshold * sizes.width),
+      surelyBelow_(static_cast<float>(std::clamp<int64_t>(threshold_, 0, FLOAT_INTEGERS))),
       points_(points),
       pointCount_(pointCount) {}
 
-// Infinite differences are below any threshold above 0.
+// A size below a whole number is below it when it is cut, too. Infinite differences are below any
+// threshold above 0.
 bool EdgeScan::IsBelow() const {
+  if (std::fabs(gradient_.value()) < surelyBelow_) return true;
   return CutLow<int64_t>(static_cast<double>(std::fabs(gradient_.value()))) < threshold_;
 }
 
@@ -104,7 +145,10 @@ ScannedEdge EdgeScan::EdgeHere(bool rising) const {
 }
 
 bool EdgeScan::Next(ScannedEdge* edge) {
-  while (index_ < steps_ && IsBelow()) Step();
+  while (index_ < steps_ && IsBelow()) {
+    Step();
+    index_ += gradient_.SkipSmaller(surelyBelow_, steps_ - index_);
+  }
   if (index_ >= steps_) return false;
   const bool rising = HasPositiveBits(gradient_.value());
   // A falling edge on the last step is none.

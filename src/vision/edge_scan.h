@@ -35,8 +35,12 @@ class Gradient {
   float former() const { return former_; }
   // The difference at the next value; the first call gives that at the second one.
   void Advance();
+  // Goes on as long as differences are smaller than a limit, at most so many times; tells how
+  // often.
+  int64_t SkipSmaller(float limit, int64_t most);
 
  private:
+  int64_t SkipExactly(float limit, int64_t most);
   float Difference() const { return after_.Value() - before_.Value(); }
 
   WindowSumRule rule_;
@@ -76,6 +80,7 @@ class EdgeScan {
   double factor_;
   double width_;  // as a float has it
   int64_t threshold_;
+  float surelyBelow_;  // no difference that is smaller reaches the threshold
   const PointInt* points_;
   int64_t pointCount_;
 };

@@ -7,11 +7,7 @@
 
 namespace {
 
-using test::OracleEdge;
-using test::Path;
-using test::RowImage;
-using test::RowPath;
-using test::Table;
+using namespace test::paths;
 using test::TestImage;
 
 struct Request {
@@ -25,9 +21,9 @@ struct Found {
 };
 
 int32_t Find(ImageRef image, const Path& path, const Request& r, Found* found) {
-  const int32_t result = ZEL_FindEdges(
-      image, path.data(), test::Count(path), r.method, r.oversampling, r.threshold, r.edgeWidth,
-      r.gap, &found->edges.count, &found->edges.records, &found->places.records);
+  const int32_t result = ZEL_FindEdges(image, path.data(), Count(path), r.method, r.oversampling,
+                                       r.threshold, r.edgeWidth, r.gap, &found->edges.count,
+                                       &found->edges.records, &found->places.records);
   found->places.count = found->edges.count;
   return result;
 }
@@ -36,9 +32,9 @@ void ExpectOracleEdges(ImageRef image, const Path& path, const Request& r) {
   Found found;
   ASSERT_EQ(Find(image, path, r, &found), 0);
   const std::vector<float> signal =
-      test::Interpolated(image, path, r.oversampling > 0 ? r.method : 0, r.oversampling);
+      Interpolated(image, path, r.oversampling > 0 ? r.method : 0, r.oversampling);
   const std::vector<OracleEdge> expected =
-      test::OracleEdges(signal, r.oversampling, r.threshold, r.edgeWidth, r.gap, path);
+      OracleEdges(signal, r.oversampling, r.threshold, r.edgeWidth, r.gap, path);
   ASSERT_EQ(static_cast<size_t>(found.edges.count), expected.size());
   EXPECT_EQ(found.edges.records == nullptr, expected.empty());
   for (int32_t i = 0; i < found.edges.count; i++) {

@@ -6,8 +6,7 @@
 
 namespace {
 
-using test::OracleEdge;
-using test::Path;
+using namespace test::paths;
 using test::TestImage;
 
 struct Request {
@@ -72,9 +71,9 @@ float OracleResult(const TestImage& image, const Request& r, const PointInt& a, 
   Path path;
   for (size_t i = 0; i < static_cast<size_t>(n); i++) path.push_back({xs[i], ys[i]});
   const std::vector<float> signal =
-      test::Interpolated(image, path, r.oversampling > 0 ? r.method : 0, r.oversampling);
+      Interpolated(image, path, r.oversampling > 0 ? r.method : 0, r.oversampling);
   const std::vector<OracleEdge> edges =
-      test::OracleEdges(signal, r.oversampling, r.threshold, r.edgeWidth, r.gap, path);
+      OracleEdges(signal, r.oversampling, r.threshold, r.edgeWidth, r.gap, path);
   if (edges.empty()) return 0;
   const auto x = static_cast<double>(edges.front().x);
   const auto y = static_cast<double>(edges.front().y);

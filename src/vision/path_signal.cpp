@@ -56,8 +56,22 @@ Status Oversampler::Prepare(int32_t method, int64_t factor, int64_t mostSamples)
   method_ = method;
   factor_ = factor;
   if (method != INTERP_SPLINE) return STATUS_OK;
-  return seconds_.Allocate(mostSamples) && factors_.Allocate(mostSamples) ? STATUS_OK
-                                                                          : STATUS_MEMORY_FULL;
+  if (!seconds_.Allocate(mostSamples) || !factors_.Allocate(mostSamples)) {
+    return STATUS_MEMORY_FULL;
+  }
+  PrepareSweep(mostSamples);
+  return STATUS_OK;
+}
+
+// Factors are the same for all signals, and soon do not change any more.
+void Oversampler::PrepareSweep(int64_t count) {
+  factors_[0] = 0.0;
+  for (int64_t i = 1; i < count; i++) {
+    factors_[i] = -0.5 / (0.5 * factors_[i - 1] + 2.0);
+    if (factors_[i] != factors_[i - 1]) continue;
+    std::fill_n(factors_.data() + i, count - i, factors_[i]);
+    return;
+  }
 }
 
 void Oversampler::Oversample(const float* samples, int64_t count, float* values) {
@@ -103,36 +117,59 @@ void Oversampler::Quadratic(const float* samples, int64_t count, float* values) 
   std::fill_n(values, factor_, 0.0f);
 }
 
-// A natural cubic spline: no curvature at either end.
-void Oversampler::Spline(const float* samples, int64_t count, float* values) {
+void Oversampler::SplineSweep(const float* samples, int64_t count) {
   const auto sample = [samples](int64_t i) { return static_cast<double>(samples[i]); };
   seconds_[0] = 0.0;
-  factors_[0] = 0.0;
   for (int64_t i = 1; i + 1 < count; i++) {
     const double divisor = 0.5 * factors_[i - 1] + 2.0;
     const double bend = (sample(i + 1) - sample(i)) - (sample(i) - sample(i - 1));
-    factors_[i] = -0.5 / divisor;
     seconds_[i] = (3.0 * bend - 0.5 * seconds_[i - 1]) / divisor;
   }
   seconds_[count - 1] = 0.0;
   for (int64_t i = count - 2; i >= 0; i--) {
     seconds_[i] = factors_[i] * seconds_[i + 1] + seconds_[i];
   }
+}
 
-  const auto factor = static_cast<double>(factor_);
-  for (int64_t j = 0; j + 1 < count; j++, values += factor_) {
-    const double first = sample(j);
-    const double second = sample(j + 1);
-    const double m0 = seconds_[j];
-    const double m1 = seconds_[j + 1];
-    for (int64_t i = 0; i < factor_; i++) {
-      const double t = static_cast<double>(i) / factor;
+namespace {
+
+// What some values between two samples take of these and of the spline's derivatives there.
+struct SplineWeights {
+  static constexpr int64_t MOST = 32;
+  double first[MOST], second[MOST], bendFirst[MOST], bendSecond[MOST];
+
+  SplineWeights(int64_t start, int64_t count, int64_t factor) {
+    for (int64_t i = 0; i < count; i++) {
+      const double t = static_cast<double>(start + i) / static_cast<double>(factor);
       const double s = 1.0 - t;
-      const double curve = (s * s - 1.0) * s * m0 + (t * t - 1.0) * t * m1;
-      values[i] = static_cast<float>(t * second + s * first + curve / 6.0);
+      first[i] = s;
+      second[i] = t;
+      bendFirst[i] = (s * s - 1.0) * s;
+      bendSecond[i] = (t * t - 1.0) * t;
     }
   }
-  *values = samples[count - 1];
+};
+
+}  // namespace
+
+void Oversampler::Spline(const float* samples, int64_t count, float* values) {
+  SplineSweep(samples, count);
+  for (int64_t start = 0; start < factor_; start += SplineWeights::MOST) {
+    const int64_t places = std::min(SplineWeights::MOST, factor_ - start);
+    const SplineWeights w(start, places, factor_);
+    float* to = values + start;
+    for (int64_t j = 0; j + 1 < count; j++, to += factor_) {
+      const double first = static_cast<double>(samples[j]);
+      const double second = static_cast<double>(samples[j + 1]);
+      const double m0 = seconds_[j];
+      const double m1 = seconds_[j + 1];
+      for (int64_t i = 0; i < places; i++) {
+        const double curve = w.bendFirst[i] * m0 + w.bendSecond[i] * m1;
+        to[i] = static_cast<float>(w.second[i] * second + w.first[i] * first + curve / 6.0);
+      }
+    }
+  }
+  values[(count - 1) * factor_] = samples[count - 1];
 }
 
 Status PathSignal::Prepare(int32_t method, int32_t oversampling, int64_t mostPoints) {

@@ -32,6 +32,9 @@ class Oversampler {
   void Linear(const float* samples, int64_t count, float* values) const;
   void Quadratic(const float* samples, int64_t count, float* values) const;
   void Spline(const float* samples, int64_t count, float* values);
+  void PrepareSweep(int64_t count);
+  // The second derivatives of a natural spline: no curvature at either end.
+  void SplineSweep(const float* samples, int64_t count);
 
   static constexpr uint32_t ROOM = 256;
 

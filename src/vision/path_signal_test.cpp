@@ -8,11 +8,7 @@
 
 namespace {
 
-using test::Interpolated;
-using test::Path;
-using test::RowImage;
-using test::RowPath;
-using test::Table;
+using namespace test::paths;
 using test::TestImage;
 
 constexpr float INF = std::numeric_limits<float>::infinity();

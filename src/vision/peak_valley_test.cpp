@@ -6,7 +6,7 @@
 
 namespace {
 
-using test::Table;
+using namespace test::paths;
 
 struct Found {
   Table<double> locations, amplitudes, seconds;

@@ -6,7 +6,7 @@
 
 namespace {
 
-using test::Table;
+using namespace test::paths;
 
 using Points = std::vector<PointFloat>;
 

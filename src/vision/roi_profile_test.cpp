@@ -12,7 +12,7 @@
 namespace {
 
 using test::FromArray;
-using test::Roi;
+using test::RegionRecord;
 using test::TestImage;
 
 using Points = std::vector<std::pair<int32_t, int32_t>>;
@@ -41,9 +41,9 @@ struct Profile {
 int32_t Take(ImageRef image, const std::vector<int32_t>& contour, Profile* profile) {
   std::vector<int32_t> values{0, 0, 99, 99, -32767};
   values.insert(values.end(), contour.begin(), contour.end());
-  Roi roi;
+  RegionRecord roi;
   EXPECT_EQ(FromArray(values, &roi), 0);
-  return ZEL_ROIProfile(image, roi.record, &profile->samples, &profile->count, &profile->report,
+  return ZEL_ROIProfile(image, roi.Get(), &profile->samples, &profile->count, &profile->report,
                         &profile->points);
 }
 
@@ -230,9 +230,9 @@ TEST(RoiProfile, OtherContoursAndImagesHaveNoSamples) {
     ExpectEmpty(other, {ROI_LINE, 2, 3, 9, 9});
   }
   Profile profile;
-  Roi hole;
+  RegionRecord hole;
   ASSERT_EQ(FromArray({0, 0, 9, 9, -32768, 1, 2, 2, -32767, 1, 3, 3}, &hole), 0);
-  for (const RoiDescriptor* roi : {hole.record, static_cast<RoiDescriptor*>(nullptr)}) {
+  for (const RoiDescriptor* roi : {hole.Get(), static_cast<RoiDescriptor*>(nullptr)}) {
     ASSERT_EQ(ZEL_ROIProfile(image, roi, &profile.samples, &profile.count, &profile.report,
                              &profile.points),
               0);
@@ -270,27 +270,27 @@ TEST(RoiProfile, ReportTakesValuesThatAreNoNumbers) {
 
 TEST(RoiProfile, WorksWithoutReportAndCount) {
   const TestImage image = PlaceImage(IMAGE_I16);
-  Roi roi;
+  RegionRecord roi;
   ASSERT_EQ(FromArray({0, 0, 9, 9, -32767, 1, 3, 4}, &roi), 0);
   Profile profile;
-  ASSERT_EQ(ZEL_ROIProfile(image, roi.record, &profile.samples, nullptr, nullptr, &profile.points),
+  ASSERT_EQ(ZEL_ROIProfile(image, roi.Get(), &profile.samples, nullptr, nullptr, &profile.points),
             0);
   ASSERT_NE(profile.samples, nullptr);
   EXPECT_EQ(profile.samples[0], 403.0f);
   EXPECT_EQ(profile.points[0].x, 3);
-  EXPECT_EQ(ZEL_ROIProfile(image, roi.record, nullptr, nullptr, nullptr, &profile.points), -3009);
-  EXPECT_EQ(ZEL_ROIProfile(image, roi.record, &profile.samples, nullptr, nullptr, nullptr), -3009);
+  EXPECT_EQ(ZEL_ROIProfile(image, roi.Get(), nullptr, nullptr, nullptr, &profile.points), -3009);
+  EXPECT_EQ(ZEL_ROIProfile(image, roi.Get(), &profile.samples, nullptr, nullptr, nullptr), -3009);
 }
 
 TEST(RoiProfile, LeavesAllAloneWithoutMemory) {
   const TestImage image = PlaceImage(IMAGE_I16);
-  Roi roi;
+  RegionRecord roi;
   ASSERT_EQ(FromArray({0, 0, 9, 9, -32767, 4, 3, 4, 20, 18}, &roi), 0);
   test::RefuseEachAllocation([] {},
                              [&] {
                                Profile profile;
                                const int32_t status =
-                                   ZEL_ROIProfile(image, roi.record, &profile.samples,
+                                   ZEL_ROIProfile(image, roi.Get(), &profile.samples,
                                                   &profile.count, &profile.report, &profile.points);
                                EXPECT_EQ(profile.count == -1, status != 0);
                                EXPECT_EQ(profile.samples == nullptr, status != 0);

@@ -8,7 +8,7 @@
 
 namespace {
 
-using test::Table;
+using namespace test::paths;
 using test::TestImage;
 
 // A part with a long arm, a short arm and a notch: no symmetry in it.

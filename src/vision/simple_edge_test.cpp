@@ -6,10 +6,7 @@
 
 namespace {
 
-using test::Path;
-using test::RowImage;
-using test::RowPath;
-using test::Table;
+using namespace test::paths;
 using test::TestImage;
 
 struct Request {
@@ -18,7 +15,7 @@ struct Request {
 };
 
 int32_t Find(ImageRef image, const Path& path, const Request& r, Table<PointFloat>* edges) {
-  return ZEL_SimpleEdge(image, path.data(), test::Count(path), r.process, r.percent, r.threshold,
+  return ZEL_SimpleEdge(image, path.data(), Count(path), r.process, r.percent, r.threshold,
                         r.hysteresis, r.subPixel, &edges->records, &edges->count);
 }
 

@@ -17,7 +17,7 @@ using test::Contour;
 using test::FromArray;
 using test::Region;
 using test::RegionOf;
-using test::Roi;
+using test::RegionRecord;
 using test::TestImage;
 
 struct Placing {
@@ -27,17 +27,17 @@ struct Placing {
   float newAngle;
 };
 
-int32_t Transform(const std::vector<int32_t>& values, const Placing& p, Roi* result) {
-  Roi roi;
+int32_t Transform(const std::vector<int32_t>& values, const Placing& p, RegionRecord* result) {
+  RegionRecord roi;
   EXPECT_EQ(FromArray(values, &roi), 0);
-  return ZEL_TransformROI(roi.record, p.oldX, p.oldY, p.oldAngle, p.newX, p.newY, p.newAngle,
-                          &result->record);
+  return ZEL_TransformROI(roi.Get(), p.oldX, p.oldY, p.oldAngle, p.newX, p.newY, p.newAngle,
+                          result->Address());
 }
 
 Region Transformed(const std::vector<int32_t>& values, const Placing& placing) {
-  Roi result;
+  RegionRecord result;
   EXPECT_EQ(Transform(values, placing, &result), 0);
-  return result.record ? RegionOf(result.record) : Region{};
+  return result.Get() ? RegionOf(result.Get()) : Region{};
 }
 
 PointInt Turned(PointInt point, const Placing& p) {
@@ -150,10 +150,10 @@ TEST(TransformRoi, ShiftsPointsAndRectangle) {
 
 TEST(TransformRoi, ShiftLeavesNegativeColumns) {
   // The rectangle's first corner begins with a negative x, and stays.
-  Roi result;
+  RegionRecord result;
   ASSERT_EQ(
       Transform({-1, 2, 30, 42, -32767, 2, 8, 2, 30, 42}, {0, 0, 0.0f, 10, 10, 0.0f}, &result), 0);
-  EXPECT_EQ(RegionOf(result.record), (Region{2, -1, 50, 41, {{1, ROI_LINE, {18, 12, 40, 52}}}}));
+  EXPECT_EQ(RegionOf(result.Get()), (Region{2, -1, 50, 41, {{1, ROI_LINE, {18, 12, 40, 52}}}}));
 }
 
 TEST(TransformRoi, TurnsPointsAroundTheOldOrigin) {
@@ -264,37 +264,37 @@ TEST(TransformRoi, NumbersThatAreNoneGiveTheNewOrigin) {
 
 TEST(TransformRoi, RefusesRegionsOfWrongShape) {
   const Placing turn{0, 0, 0.0f, 0, 0, 90.0f};
-  Roi result;
+  RegionRecord result;
   EXPECT_EQ(Transform({1, 2, 3, 4}, turn, &result), -1200);
   EXPECT_EQ(Transform({1, 2, 3, 4}, {0, 0, 0, 5, 5, 0}, &result), -1200);
-  EXPECT_EQ(ZEL_TransformROI(nullptr, 0, 0, 0, 0, 0, 0, &result.record), -1200);
+  EXPECT_EQ(ZEL_TransformROI(nullptr, 0, 0, 0, 0, 0, 0, result.Address()), -1200);
   EXPECT_EQ(ZEL_TransformROI(nullptr, 0, 0, 0, 0, 0, 0, nullptr), -3009);
   for (const int32_t type : {-1, 12, INT32_MIN, INT32_MAX}) {
     EXPECT_EQ(Transform({0, 0, 9, 9, -32767, type, 3, 3}, turn, &result), -1200);
-    Roi shifted;
+    RegionRecord shifted;
     EXPECT_EQ(Transform({0, 0, 9, 9, -32767, type, 3, 3}, {0, 0, 0, 5, 5, 0}, &shifted), 0);
   }
   EXPECT_EQ(Transform({0, 0, 9, 9, 5, 2, 3, 3, 4, 4}, turn, &result), -1200);
-  EXPECT_EQ(result.record, nullptr);
+  EXPECT_EQ(result.Get(), nullptr);
 }
 
 TEST(TransformRoi, CoordinateLikeAMarkerWithNothingBehindIsRefused) {
-  Roi roi;
+  RegionRecord roi;
   ASSERT_EQ(FromArray({0, 0, 9, 9, -32767, 1, 3, 3}, &roi), 0);
-  roi.record->contours[0]->points[0].y = -32768;
-  Roi result;
-  EXPECT_EQ(ZEL_TransformROI(roi.record, 0, 0, 0, 0, 0, 5, &result.record), -1200);
+  roi->contours[0]->points[0].y = -32768;
+  RegionRecord result;
+  EXPECT_EQ(ZEL_TransformROI(roi.Get(), 0, 0, 0, 0, 0, 5, result.Address()), -1200);
 }
 
 TEST(TransformRoi, SurvivesEachRefusedAllocation) {
-  Roi roi;
+  RegionRecord roi;
   ASSERT_EQ(FromArray({0, 0, 60, 50, -32767, 4, 0, 0, 60, 50, -32767, 3, 1, 1, 9, 9}, &roi), 0);
   test::RefuseEachAllocation([] {},
                              [&] {
-                               Roi result;
-                               const int32_t status = ZEL_TransformROI(roi.record, 0, 0, 0, 90, 90,
-                                                                       15, &result.record);
-                               EXPECT_EQ(result.record == nullptr, status != 0);
+                               RegionRecord result;
+                               const int32_t status = ZEL_TransformROI(roi.Get(), 0, 0, 0, 90, 90,
+                                                                       15, result.Address());
+                               EXPECT_EQ(result.Get() == nullptr, status != 0);
                                return status;
                              });
 }

@@ -12,7 +12,7 @@
 #include "harness/test_image.h"
 #include "orlune_ptk.h"
 
-namespace test {
+namespace test::paths {
 
 using Path = std::vector<PointInt>;
 
@@ -134,4 +134,4 @@ inline std::vector<OracleEdge> OracleEdges(const std::vector<float>& s, int32_t 
   return edges;
 }
 
-}  // namespace test
+}  // namespace test::paths

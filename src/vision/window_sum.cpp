@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 namespace zel {
@@ -46,6 +47,25 @@ bool IsOfWholeNumbers(const float* signal, int64_t count) {
   return true;
 }
 
+// The range by the exponents alone: it reaches as low as the smallest value's last bit, whether
+// that is set or not.
+BitRange RoughBitsOf(const float* signal, int64_t count) {
+  int32_t least = INT32_MAX;
+  int32_t most = 0;
+  for (int64_t i = 0; i < count; i++) {
+    const int32_t bits = std::bit_cast<int32_t>(signal[i]) & INT32_MAX;
+    least = std::min(least, bits == 0 ? INT32_MAX : bits);
+    most = std::max(most, bits);
+  }
+  if (most == 0) return {};
+  const float largest = std::bit_cast<float>(most);
+  if (!std::isfinite(largest)) return {.isFinite = false};
+  const FloatParts parts = PartsOf(largest);
+  const auto width = std::bit_width(static_cast<uint32_t>(parts.significand));
+  return {PartsOf(std::bit_cast<float>(least)).exponent,
+          parts.exponent + static_cast<int32_t>(width), true};
+}
+
 BitRange BitsOf(const float* signal, int64_t count) {
   if (IsOfWholeNumbers(signal, count)) return {.low = 0, .high = 16, .isFinite = true};
   BitRange range;
@@ -67,16 +87,23 @@ BitRange BitsOf(const float* signal, int64_t count) {
 }  // namespace
 
 WindowSumRule::WindowSumRule(const float* signal, int64_t count, int64_t width)
-    : width_(width), way_(Way::AFRESH) {
-  const BitRange range = BitsOf(signal, count);
-  const bool isZero = range.low > range.high;
+    : end_(signal + count), width_(width), way_(Way::AFRESH) {
   // A sum that slides has one term more for a moment.
   const auto countBits = static_cast<int32_t>(std::bit_width(static_cast<uint64_t>(width)));
-  if (range.isFinite && (isZero || int64_t{range.high} + countBits - range.low <= DOUBLE_BITS)) {
+  const auto isExact = [&](const BitRange& range) {
+    const bool isZero = range.low > range.high;
+    return range.isFinite && (isZero || int64_t{range.high} + countBits - range.low <= DOUBLE_BITS);
+  };
+  if (isExact(RoughBitsOf(signal, count))) {
+    way_ = Way::EXACT;
+    return;
+  }
+  const BitRange range = BitsOf(signal, count);
+  if (isExact(range)) {
     way_ = Way::EXACT;
   } else if (width > NARROW) {
     way_ = Way::BRACKETED;
-    unit_ = isZero ? 0 : range.high - UNIT_BITS;
+    unit_ = range.low > range.high ? 0 : range.high - UNIT_BITS;
     // Each of width additions is off by at most 2^-52 of the sum of all sizes, however doubles are
     // rounded, and each value by what its unit cuts off. Twice that, for the bracket's own
     // rounding.
@@ -88,6 +115,22 @@ float WindowSumRule::Fresh(const float* window) const {
   double sum = 0.0;
   for (int64_t i = 0; i < width_; i++) sum += static_cast<double>(window[i]);
   return static_cast<float>(sum);
+}
+
+// Each window is added up from left to right for itself, but all take a step together.
+void WindowSumRule::FreshBlock(const float* window, float* sums) const {
+  using FloatPair [[gnu::vector_size(8)]] = float;
+  using DoublePair [[gnu::vector_size(16)]] = double;
+  constexpr int32_t PAIRS = BLOCK / 2;
+  DoublePair all[PAIRS] = {};
+  for (int64_t i = 0; i < width_; i++) {
+    for (int32_t j = 0; j < PAIRS; j++) {
+      FloatPair values;
+      std::memcpy(&values, window + i + 2 * j, sizeof values);
+      all[j] += __builtin_convertvector(values, DoublePair);
+    }
+  }
+  for (int32_t j = 0; j < BLOCK; j++) sums[j] = static_cast<float>(all[j / 2][j % 2]);
 }
 
 WindowSumRule::Wide WindowSumRule::UnitsOf(float value) const {
@@ -104,15 +147,29 @@ float WindowSumRule::FloatOf(Wide units) const {
 }
 
 WindowSum::WindowSum(const WindowSumRule& rule, const float* window)
-    : rule_(rule), window_(window) {
-  if (rule.way_ == Way::AFRESH) return;
+    : rule_(rule), window_(window), aheadFrom_(window) {
+  if (rule.way_ == Way::AFRESH) {
+    SumAhead();
+    return;
+  }
   for (int64_t i = 0; i < rule.width_; i++) Enter(window[i]);
 }
 
-void WindowSum::SlideRounded() {
-  if (rule_.way_ == Way::AFRESH) return;
+// The last windows of a signal, of which there is no whole block, are summed one by one.
+void WindowSum::SumAhead() {
+  aheadFrom_ = window_;
+  const int64_t windows = rule_.WindowsFrom(window_);
+  if (windows >= WindowSumRule::BLOCK) {
+    rule_.FreshBlock(window_, ahead_);
+    return;
+  }
+  for (int64_t i = 0; i < windows; i++) ahead_[i] = rule_.Fresh(window_ + i);
+}
+
+void WindowSum::SlideInUnits() {
   Enter(window_[rule_.width_]);
   Leave(window_[0]);
+  window_++;
 }
 
 int64_t* WindowSum::CounterOf(float value) {
@@ -139,8 +196,7 @@ void WindowSum::Leave(float value) {
   }
 }
 
-float WindowSum::ValueRounded() const {
-  if (rule_.way_ == Way::AFRESH) return rule_.Fresh(window_);
+float WindowSum::ValueOfUnits() const {
   if (nans_ != 0 || (infinities_ != 0 && negativeInfinities_ != 0)) {
     return std::numeric_limits<float>::quiet_NaN();
   }

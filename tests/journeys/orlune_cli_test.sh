@@ -3,7 +3,8 @@
 # usage: orlune_cli_test.sh ORLUNE SCENES_FOLDER WORK_FOLDER VERSION
 set -u
 orlune=$1 scenes=$2 work=$3 version=$4
-compare=$(cd "$(dirname "$0")/../../tools" && pwd)/compare_truth.sh
+root=$(cd "$(dirname "$0")/../.." && pwd)
+compare=$root/tools/compare_truth.sh
 rm -rf "$work"
 mkdir -p "$work"
 cd "$work" || exit 1
@@ -547,6 +548,9 @@ grep -q 'upright.bmp,interleaved,"20261122",' codes.csv || fail "$what: wrong CS
 grep -q '"0417"' codes.json || fail "$what: wrong JSON report"
 run 0 read barcode --kind interleaved -j 2 --quiet --csv - "$labels/upright.bmp" "$labels/turned.bmp"
 cmp -s out codes.csv || fail "$what: another report with two workers"
+run 0 read barcode --kind interleaved --quiet --annotate marked "$labels/turned.bmp"
+cmp -s marked/turned-read.bmp "$labels/turned.bmp" && fail "nothing is marked"
+run 0 info marked/turned-read.bmp
 run 1 read barcode --kind interleaved "$gauges/empty.bmp" "$labels/upright.bmp"
 in_out "20261122"
 run 1 read barcode --kind ean13 "$labels/upright.bmp"
@@ -561,6 +565,77 @@ in_err "--setup"
 run 2 read meter --setup dial.json --validate "$gauges/dial1.bmp"
 in_err "--validate"
 run 2 read barcode --kind code11 "$labels/upright.bmp"
+
+# Lines that follow a shaft: five pass, and the worn one fails; all sizes are true
+shafts=$scenes/shafts
+run 1 gauge --setup "$root/examples/shaft.json" --master "$shafts/shaft1.bmp" --csv sizes.csv --json sizes.json \
+  --annotate gauged "$shafts"/shaft[1-6].bmp
+in_out "shaft5.bmp: passed"
+in_out "shaft6.bmp: failed"
+in_out "6 pictures gauged"
+in_out "5 passed, 1 failed"
+"$root/tools/compare_gauges.sh" "$shafts/truth.csv" sizes.csv 0.05 >compared || { cat compared; fail "$what: untrue"; }
+grep -q '"rejected": 1, "failed": 0, "complete": true' sizes.json || fail "$what: wrong JSON report"
+grep -q 'shaft6.bmp,body,4.9.*,mm,failed,' sizes.csv || fail "$what: wrong CSV report"
+[ -s gauged/shaft6-gauged.bmp ] || fail "$what: no annotated picture"
+run 1 gauge -j 2 --quiet --setup "$root/examples/shaft.json" --master "$shafts/shaft1.bmp" --csv - "$shafts"/shaft[1-6].bmp
+cmp -s out sizes.csv || fail "$what: another report with two workers"
+# A set-up that is saved says the same
+run 0 gauge --line head=155,180,155,300 --line body=240,160,240,320 --object dark --scale 0.05 --unit mm \
+  --follow dark --master "$shafts/shaft1.bmp" --save saved.json --quiet --csv first.csv "$shafts/shaft3.bmp"
+run 0 gauge --setup saved.json --quiet --csv second.csv "$shafts/shaft3.bmp"
+cmp -s first.csv second.csv || fail "$what: another report than before"
+run 0 gauge --line 155,180,155,300 --object dark --min 59.9 --max 60.1 "$shafts/shaft1.bmp"
+in_out "passed (59.9:60.1)"
+run 1 gauge --line 155,180,155,300 --object dark --min 60.1 "$shafts/shaft1.bmp"
+run 1 gauge --line 155,10,155,100 --object dark "$shafts/shaft1.bmp"
+in_out "not found"
+run 0 gauge --line 155,180,155,300 --measure edges --min 2 --max 2 "$shafts/shaft1.bmp"
+run 1 gauge --line 155,180,155,300 "$shafts/shaft1.bmp" missing.bmp
+in_err "missing.bmp"
+in_out "1 picture could not be read"
+run 2 gauge "$shafts/shaft1.bmp"
+in_err "--line"
+run 2 gauge --line 1,2,3 "$shafts/shaft1.bmp"
+in_err "is no line"
+run 2 gauge --line 1,2,30,40 --measure spam "$shafts/shaft1.bmp"
+in_err "did you mean span?"
+run 2 gauge --line 1,2,30,40 --follow dark "$shafts/shaft1.bmp"
+in_err "--master"
+run 2 gauge --line 1,2,30,40 --master "$shafts/shaft1.bmp" "$shafts/shaft1.bmp"
+run 2 gauge --line 1,2,30,40 --min 3 --max 2 "$shafts/shaft1.bmp"
+run 2 gauge --line 1,2,30,40 --threshold 0 "$shafts/shaft1.bmp"
+run 2 gauge --setup saved.json --band 9 "$shafts/shaft1.bmp"
+in_err "--band"
+run 2 gauge --setup missing.json "$shafts/shaft1.bmp"
+in_err "missing.json"
+run 2 gauge --setup display.json "$shafts/shaft1.bmp"
+in_err "not 'lines'"
+run 2 gauge --setup saved.json --csv saved.json "$shafts/shaft1.bmp"
+cp "$shafts/shaft1.bmp" kept.bmp
+run 2 gauge --line 155,180,155,300 --save kept.bmp kept.bmp
+cmp -s kept.bmp "$shafts/shaft1.bmp" || fail "$what: wrote over a picture"
+run 1 gauge --line 1,2,30,40 --follow dark --master missing.bmp "$shafts/shaft1.bmp"
+in_err "missing.bmp"
+run 1 gauge --line 1,2,30,40 --save no/such/folder.json "$shafts/shaft1.bmp"
+in_err "no/such/folder.json"
+
+# Shapes: the shaft is found however it is turned, and by how much
+run 0 match --dark --csv shapes.csv --json shapes.json --annotate matched "$shafts/shaft1.bmp" "$shafts"/shaft[1-6].bmp
+in_out "6 matches found"
+awk -F, '$1 ~ /shaft3/ && $5 > -27.6 && $5 < -27.4 && $6 == 1 && $8 > 900 { right++ } END { exit right != 1 }' shapes.csv ||
+  fail "$what: wrong CSV report"
+grep -q '"searched": 6, "matches": 6, "failed": 0' shapes.json || fail "$what: wrong JSON report"
+[ -s matched/shaft6-matched.bmp ] || fail "$what: no annotated picture"
+run 1 match --dark "$shafts/shaft1.bmp" "$scenes/washers.bmp" "$shafts/shaft2.bmp"
+in_out "washers.bmp: 0 matches"
+in_out "1 match found"
+run 1 match --dark missing.bmp "$shafts/shaft1.bmp"
+in_err "missing.bmp"
+run 2 match --tolerance -1 "$shafts/shaft1.bmp" "$shafts/shaft1.bmp"
+run 2 match "$shafts/shaft1.bmp"
+run 0 match --dark --scales 0.9:1.1 --quiet "$shafts/shaft1.bmp" "$shafts/shaft4.bmp"
+silent out
 
 [ "$failures" -eq 0 ] || { echo "$failures failures"; exit 1; }
 echo "all as it should be"

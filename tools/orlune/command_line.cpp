@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "orlune/help_texts.h"
+#include "orlune/line_setup.h"
 #include "orlune/tasks.h"
 #include "orlune/words.h"
 
@@ -35,6 +36,22 @@ std::map<std::string, Method> Methods() {
   std::map<std::string, Method> methods;
   for (const MethodRow& row : AllMethods()) methods[std::string(row.name)] = row.method;
   return methods;
+}
+
+template <class Value>
+std::map<std::string, Value> WordsOf(const std::vector<NamedRow<Value>>& rows) {
+  std::map<std::string, Value> words;
+  for (const NamedRow<Value>& row : rows) words[std::string(row.name)] = row.value;
+  return words;
+}
+
+template <class Value>
+std::string RowsHelp(const std::vector<NamedRow<Value>>& rows) {
+  std::ostringstream help;
+  for (const NamedRow<Value>& row : rows) {
+    help << "  " << std::left << std::setw(8) << row.name << row.meaning << '\n';
+  }
+  return help.str();
 }
 
 std::map<std::string, PictureFormat> Formats() {
@@ -343,6 +360,191 @@ void CommandLine::AddConvert() {
   convert->footer(CONVERT_FOOTER);
 }
 
+template <class Command>
+void CommandLine::AddFileReports(CLI::App* app, Command* command, const std::string& annotation,
+                                 const std::string& group) {
+  app->add_option("--csv", command->csv, "write what was found as CSV; - is standard output")
+      ->type_name("FILE")
+      ->group(group);
+  app->add_option("--json", command->json, "write what was found as JSON; - is standard output")
+      ->type_name("FILE")
+      ->group(group);
+  app->add_option("--annotate", command->annotate, annotation)->type_name("FOLDER")->group(group);
+  AddWorkers(app, &command->workers, group);
+  app->add_flag("--quiet", command->quiet, "print no table and no summary")->group(group);
+}
+
+void CommandLine::AddGaugeLines(CLI::App* gauge) {
+  const std::string group = "Lines";
+  LineGauge* line = &gaugeLine_;
+  GaugeSetup* setup = &gauge_.setup;
+  gauge
+      ->add_option_function<std::vector<std::string>>(
+          "--line",
+          [=](const std::vector<std::string>& texts) {
+            for (const std::string& text : texts) {
+              Parse("--line", [&] { setup->gauges.push_back(ParseLineGauge(text)); });
+            }
+          },
+          "a line to measure along, with a name or without; may be given\nagain")
+      ->allow_extra_args(false)
+      ->type_name("[NAME=]X1,Y1,X2,Y2")
+      ->group(group);
+  const auto number = [&](const std::string& name, std::optional<double>* value,
+                          const std::string& help) {
+    AddParsed(
+        gauge, name, name, [=](const std::string& text) { *value = ParseNumber(text); }, help)
+        ->type_name("SIZE")
+        ->group(group);
+  };
+  const auto whole = [&](const std::string& name, int32_t* value, int32_t (*parse)(double),
+                         const std::string& help) {
+    AddParsed(
+        gauge, name, name, [=](const std::string& text) { *value = parse(ParseNumber(text)); },
+        help)
+        ->type_name("PIXELS")
+        ->group(group);
+  };
+  AddChoice(
+      gauge, "--measure", WordsOf(AllLineMeasures()),
+      [=](LineMeasure measure) { line->measure = measure; },
+      "what to measure along it: span, pair, start, end or edges")
+      ->type_name("MEASURE")
+      ->group(group);
+  AddChoice(
+      gauge, "--object", WordsOf(AllObjects()), [=](Object object) { line->object = object; },
+      "what is measured is dark or light beside what is around it, or any")
+      ->type_name("KIND")
+      ->group(group);
+  number("--min", &line->limits.low, "least size that passes, in the unit");
+  number("--max", &line->limits.high, "greatest size that passes");
+  number("--nominal", &line->nominal, "of several pairs take the one that is nearest to this size");
+  AddParsed(
+      gauge, "--threshold", "--threshold",
+      [=](const std::string& text) { ParseEdgeThreshold(text, &line->search); },
+      "least contrast of an edge in grey levels, or as part of the range\non the line, as 30% "
+      "(usual)")
+      ->type_name("LEVELS|PERCENT%")
+      ->group(group);
+  whole("--edge-width", &line->search.edgeWidth, ParseEdgeWidth,
+        "pixels on either side of an edge that are looked at; usual is 3");
+  whole("--band", &line->search.band, ParseBand,
+        "pixels across the line whose mean is looked at; usual is 5");
+}
+
+void CommandLine::AddGauge() {
+  CLI::App* gauge = app_.add_subcommand("gauge", "measure along lines, and hold it to limits");
+  AddFiles(gauge, &gauge_.files);
+  AddGaugeLines(gauge);
+  const std::string group = "Set-up";
+  GaugeSetup* setup = &gauge_.setup;
+  CLI::Option* file = gauge->add_option("--setup", gauge_.setupFile,
+                                        "take lines, limits and reference from this file");
+  file->type_name("FILE")->group(group);
+  const std::map<std::string, Object> parts = {{"dark", Object::Dark}, {"light", Object::Light}};
+  AddChoice(
+      gauge, "--follow", parts,
+      [=](Object object) {
+        setup->reference.follow = Follow::Object;
+        setup->reference.object = object;
+      },
+      "let the lines follow the largest dark or light object")
+      ->type_name("dark|light")
+      ->group(group)
+      ->excludes(file);
+  gauge
+      ->add_option("--master", gauge_.master,
+                   "picture that the lines are drawn for, where they follow")
+      ->type_name("FILE")
+      ->group(group);
+  gauge->add_option("--save", gauge_.save, "write all this as a set-up file")
+      ->type_name("FILE")
+      ->group(group);
+  AddParsed(
+      gauge, "--scale", "--scale",
+      [=](const std::string& text) { setup->scale = ParseScale(text); },
+      "size of a pixel in the unit, or X,Y for width and height")
+      ->type_name("SIZE")
+      ->group(group);
+  gauge->add_option("--unit", setup->unit, "name of the unit, as mm")
+      ->type_name("NAME")
+      ->group(group);
+  gauge->add_flag("--swap-bytes", gauge_.swapBytes, SWAP_HELP)->group(group);
+  AddFileReports(gauge, &gauge_, "write each picture as BMP with lines, edges and distances",
+                 "Reporting");
+  gauge->footer(GAUGE_FOOTER + RowsHelp(AllLineMeasures()) + "\nKinds of object:\n" +
+                RowsHelp(AllObjects()) + GAUGE_EXAMPLES);
+}
+
+int CommandLine::RunGauge() {
+  const CLI::App* gauge = FindCommand("gauge");
+  if (!gauge_.setupFile.empty()) {
+    for (const CLI::Option* option : gauge->get_options()) {
+      if (option->count() == 0 || option->get_group() != "Lines") continue;
+      std::cerr << "orlune: " << option->get_name() << " is said by the set-up file\n";
+      return BAD_USE;
+    }
+  }
+  for (LineGauge& line : gauge_.setup.gauges) {
+    LineGauge whole = gaugeLine_;
+    whole.name = line.name;
+    whole.line = line.line;
+    line = whole;
+  }
+  return front::Run(gauge_);
+}
+
+void CommandLine::AddMatch() {
+  CLI::App* match = app_.add_subcommand("match", "find objects that have the shape of a template");
+  MatchSettings* settings = &match_.settings;
+  InspectSettings* finding = &settings->finding;
+  match->add_option("TEMPLATE", match_.shape, "picture whose largest object is looked for")
+      ->required()
+      ->type_name("TEMPLATE");
+  AddFiles(match, &match_.files);
+  const std::string group = "Matching";
+  CLI::Option* range = AddParsed(
+      match, "--range", "--range",
+      [=](const std::string& text) { finding->range = ParseRange(text); },
+      "grey levels of objects: MIN:MAX, MIN: or :MAX");
+  range->type_name("LEVELS")->group(group);
+  AddChoice(
+      match, "--method", Methods(), [=](Method chosen) { finding->method = chosen; },
+      "how to find the boundary, as in orlune inspect")
+      ->type_name("METHOD")
+      ->group(group)
+      ->excludes(range);
+  match->add_flag("--dark", finding->dark, "objects are darker than the background")
+      ->group(group)
+      ->excludes(range);
+  match->add_flag("--fill-holes", finding->refinement.fillHoles, "holes count to the object")
+      ->group(group);
+  match
+      ->add_flag("--reject-border", finding->refinement.rejectBorder,
+                 "leave out objects that touch the edge of the picture")
+      ->group(group);
+  AddParsed(
+      match, "--tolerance", "--tolerance",
+      [=](const std::string& text) {
+        settings->tolerance = ParseNumber(text);
+        if (!(settings->tolerance >= 0)) {
+          throw std::invalid_argument("a tolerance is 0 or above");
+        }
+      },
+      "by how much of them the invariants of a shape may differ; usual\nis 0.05")
+      ->type_name("PART")
+      ->group(group);
+  AddParsed(
+      match, "--scales", "--scales",
+      [=](const std::string& text) { settings->scales = ParseRange(text); },
+      "sizes by the template's, as 0.5:2; otherwise areas within 10\npercent")
+      ->type_name("MIN:MAX")
+      ->group(group);
+  match->add_flag("--swap-bytes", finding->swapBytes, SWAP_HELP)->group(group);
+  AddFileReports(match, &match_, "write each picture as BMP with the matches drawn", "Reporting");
+  match->footer(MATCH_FOOTER);
+}
+
 void CommandLine::AddRead() {
   CLI::App* read = app_.add_subcommand("read", "read bar codes, meters or displays in pictures");
   AddChoice(
@@ -355,6 +557,9 @@ void CommandLine::AddRead() {
       ->type_name("FILE");
   read->add_option("--json", readFiles_.json, "write what was read as JSON; - is standard output")
       ->type_name("FILE");
+  read->add_option("--annotate", readFiles_.annotate,
+                   "write each picture as BMP with what was read marked")
+      ->type_name("FOLDER");
   read->add_flag("--quiet", readFiles_.quiet, "print nothing of what was read");
   AddReadingBarcodes(read);
   AddReadingGauges(read);
@@ -391,10 +596,6 @@ void CommandLine::AddReadingBarcodes(CLI::App* read) {
 void CommandLine::AddReadingGauges(CLI::App* read) {
   read->add_option("--setup", readDials_.setup, "what 'orlune calibrate' wrote of the gauge")
       ->type_name("FILE")
-      ->group(METERS_AND_DISPLAYS);
-  read->add_option("--annotate", readDials_.annotate,
-                   "write each picture as BMP with what was read marked")
-      ->type_name("FOLDER")
       ->group(METERS_AND_DISPLAYS);
 }
 
@@ -499,7 +700,7 @@ void CommandLine::AddOthers() {
 }
 
 CommandLine::CommandLine()
-    : app_("orlune finds, measures and lists the particles of picture files.", "orlune") {
+    : app_("orlune finds, measures, gauges and reads what picture files show.", "orlune") {
   app_.set_version_flag("-V,--version", std::string("orlune ") + ORLUNE_VERSION,
                         "print the version");
   app_.set_help_flag("-h,--help", "print this help");
@@ -507,6 +708,8 @@ CommandLine::CommandLine()
   app_.formatter(std::make_shared<HelpText>());
   AddInfo();
   AddInspect();
+  AddGauge();
+  AddMatch();
   AddRead();
   AddCalibrate();
   AddFilter();
@@ -573,6 +776,8 @@ int CommandLine::Run(int argc, char** argv) {
   const auto asked = [&](const char* name) { return FindCommand(name)->parsed(); };
   if (asked("info")) return front::Run(info_);
   if (asked("inspect")) return front::Run(inspect_);
+  if (asked("gauge")) return RunGauge();
+  if (asked("match")) return front::Run(match_);
   if (asked("read")) return RunRead();
   if (asked("filter")) return front::Run(filter_);
   if (asked("convert")) return front::Run(convert_);

@@ -38,6 +38,9 @@ class CommandLine {
   void AddRefining(CLI::App* inspect);
   void AddMeasuring(CLI::App* inspect);
   void AddReporting(CLI::App* inspect);
+  void AddGauge();
+  void AddGaugeLines(CLI::App* gauge);
+  void AddMatch();
   void AddRead();
   void AddReadingBarcodes(CLI::App* read);
   void AddReadingGauges(CLI::App* read);
@@ -47,6 +50,10 @@ class CommandLine {
   void AddView();
   void AddOthers();
   void AddFiles(CLI::App* command, std::vector<std::string>* files);
+  // --csv and --json of a command, --annotate, --quiet and --jobs.
+  template <class Command>
+  void AddFileReports(CLI::App* app, Command* command, const std::string& annotation,
+                      const std::string& group);
   void AddWorkers(CLI::App* command, size_t* workers, const std::string& group);
 
   // An option that takes one of some words.
@@ -55,6 +62,7 @@ class CommandLine {
                          const std::map<std::string, Value>& values, Take take,
                          const std::string& help);
 
+  int RunGauge();
   int RunRead();
 
   // What is wrong with the arguments that a better name would mend; empty for nothing.
@@ -64,6 +72,9 @@ class CommandLine {
   std::map<const CLI::Option*, std::vector<std::string>> choices_;
   InfoCommand info_;
   InspectCommand inspect_;
+  GaugeCommand gauge_;
+  LineGauge gaugeLine_;  // what the options say of all lines
+  MatchCommand match_;
   Readable readable_ = Readable::Barcode;
   ReadFiles readFiles_;
   ReadBarcodesCommand readBarcodes_;

@@ -2,13 +2,16 @@
 #pragma once
 
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "orlune/barcode_search.h"
 #include "orlune/inspection.h"
+#include "orlune/line_gauges.h"
 #include "orlune/output.h"
 #include "orlune/program.h"
+#include "orlune/shape_matches.h"
 #include "orlune/steps.h"
 #include "orlune/viewer.h"
 
@@ -39,6 +42,7 @@ int Run(const InspectCommand& command);
 struct ReadFiles {
   std::vector<std::string> files;
   std::string csv, json;  // file, "-" for the standard output, empty for none
+  std::string annotate;   // folder, empty for none
   bool quiet = false;
 };
 
@@ -54,6 +58,33 @@ struct ViewCommand {
 };
 // Until the person leaves, the display goes, or the program is interrupted.
 int Run(const ViewCommand& command);
+
+struct GaugeCommand {
+  std::vector<std::string> files;
+  std::string setupFile;  // empty: the set-up is what follows
+  GaugeSetup setup;       // with a file, only its scale and unit count
+  std::string master;     // picture that the lines are drawn for; empty for none
+  std::string save;       // file for the set-up, empty for none
+  std::string csv, json;  // file, "-" for the standard output, empty for none
+  std::string annotate;   // folder, empty for none
+  size_t workers = 1;
+  bool swapBytes = false;
+  bool quiet = false;
+};
+// ALL_WELL means that every picture passed.
+int Run(const GaugeCommand& command);
+
+struct MatchCommand {
+  std::string shape;  // file of the template
+  std::vector<std::string> files;
+  MatchSettings settings;
+  std::string csv, json;  // file, "-" for the standard output, empty for none
+  std::string annotate;   // folder, empty for none
+  size_t workers = 1;
+  bool quiet = false;
+};
+// ALL_WELL means that every picture has a match.
+int Run(const MatchCommand& command);
 
 struct ConvertCommand {
   std::string from, to;
@@ -83,6 +114,16 @@ int ListMeasures();
 
 // "FILE: MESSAGE", with a hint where one helps, and without the line's end.
 std::string FailureText(const std::string& file, const std::exception& failure);
+
+// What the function gives; what it throws becomes a std::runtime_error with that text.
+template <class Function>
+auto Named(const std::string& file, Function function) {
+  try {
+    return function();
+  } catch (const std::exception& failure) {
+    throw std::runtime_error(FailureText(file, failure));
+  }
+}
 
 // "orlune: " with that text, on standard error.
 void PrintFailure(const std::string& file, const std::exception& failure);

@@ -36,7 +36,4 @@ std::string SetupText(const DisplaySetup& setup);
 MeterSetup ParseMeterSetup(const std::string& text);
 DisplaySetup ParseDisplaySetup(const std::string& text);
 
-// The whole of a set-up file. Throws std::invalid_argument.
-std::string ReadSetupFile(const std::string& path);
-
 }  // namespace front

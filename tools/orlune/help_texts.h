@@ -8,6 +8,7 @@ Examples:
   orlune info scan.tif
   orlune inspect --dark --keep "AreaPixels>=50" parts/*.png
   orlune inspect --scale 0.05 --unit mm --csv parts.csv --annotate marked parts/*.tif
+  orlune gauge --line 320,40,320,440 --object dark --min 119.8 --max 120.2 shots/*.bmp
   orlune filter --steps "median 5; edges sobel 20" --out filtered parts/*.tif
   orlune convert --type u8 --stretch deep.tif view.png
 
@@ -63,6 +64,60 @@ Examples:
   orlune inspect --range 1800:4095 --measures AreaPixels,FeretMaximum,Solidity,GrayMean deep.tif
   orlune inspect -j auto --scale 0.05 --unit mm --json parts.json --quiet parts/*.tif)";
 
+constexpr char GAUGE_FOOTER[] = R"(
+How edges are found:
+  The picture is read along the line, a pixel at a time, as the mean of a band of pixels across it,
+  with values between pixels: lines may begin anywhere and run at any angle. An edge is where the
+  means of --edge-width pixels on either side differ by the threshold, and lies in the middle of that
+  place, seen from both ends of the line. It should cross the line squarely: else a narrow --band
+  helps. Edges nearer to each other than twice --edge-width push each other apart. Distances are in pixels, or in the unit of --scale; a file's own scale counts where none is
+  given.
+
+Lines that follow the part:
+  With --follow, the part is the largest dark or light object of the picture: its centre of mass and
+  its long axis tell where it lies and how it is turned. The lines are drawn for the picture --master,
+  and carried along with the part in all others. A part that looks the same after half a turn is taken
+  to be turned by less than a quarter. A set-up file can follow three edges of a part instead.
+
+Limits:
+  With --min and --max each value passes or fails; a picture passes if all its values do. A value whose
+  edges are not there does not pass.
+
+Set-up files hold several lines, each with limits of its own. --save writes one; or by hand:
+  {"gauge": "lines", "scale": 0.05, "unit": "mm",
+   "reference": {"follow": "object", "object": "dark", "master": "first.bmp"},
+   "lines": [
+     {"name": "head", "line": [120, 40, 120, 200], "object": "dark", "min": 3.98, "max": 4.02},
+     {"name": "slot", "line": [300, 90, 360, 90], "measure": "pair", "object": "light",
+      "nominal": 1.2, "threshold": "20%", "edgeWidth": 3, "band": 9}]}
+  A picture beside a set-up file is named from there. "reference": {"follow": "edges", "object":
+  "dark", "lines": [[X1, Y1, X2, Y2], ...], "master": ...} takes the first edges into the dark on three
+  lines: the first two tell the direction, the third one the place along it.
+
+Measures:
+)";
+
+constexpr char GAUGE_EXAMPLES[] = R"(
+Examples:
+  orlune gauge --line 320,40,320,440 --object dark --min 119.8 --max 120.2 shots/*.bmp
+  orlune gauge --line head=120,40,120,200 --line foot=400,60,400,180 --object dark --scale 0.05 \
+    --unit mm --follow dark --master first.bmp --save shaft.json --annotate marked first.bmp
+  orlune gauge -j auto --setup shaft.json --csv diameters.csv shots/*.bmp
+Exit status: 0 all pictures passed; 1 some did not, or a file could not be read or written.)";
+
+constexpr char MATCH_FOOTER[] = R"(
+Objects are found in the template's picture and in the others alike, by a boundary between light and
+dark as orlune inspect has it; touching objects form one. The template is the largest object of its
+picture. Shapes are compared by seven invariants of their moments, which do not change when a shape is
+moved, turned, or scaled: the score is 1000 for the very shape, and 1 at the tolerance. Mirrored shapes
+match as well. Angles are clockwise, by the long axes: a shape that looks the same after half a turn has
+two of them, and one that has no long axis none.
+
+Examples:
+  orlune match --dark washer.bmp trays/*.bmp
+  orlune match --scales 0.5:2 --tolerance 0.1 --csv found.csv --annotate marked hook.png trays/*.png
+Exit status: 0 every picture has a match; 1 some have none, or a file could not be read or written.)";
+
 constexpr char FILTER_FOOTER[] = R"(
 What is filtered:
   The steps follow one another on the picture in memory, which keeps its depth. Colour pictures are
@@ -100,17 +155,19 @@ Examples:
   orlune convert --type sgl part.tif part.orln)";
 
 constexpr char READ_FOOTER[] = R"(
-Bar codes: a region that fits a code, upright and with some light at both ends, is read as it is.
-Otherwise, and where nothing is read there, the bars are looked for in the region or in the whole
-picture, turned upright by the direction of their edges, enlarged, and read along many rows and both
-ways; the text that most readings agree on is told.
+Bar codes: the code is looked for in the region or in the whole picture, as it lies and turned upright
+by the direction of its edges, and both ways. Code 93, Code 128, EAN and UPC are read along many lines,
+each symbol by its own width, so that cans and slanted labels are read too; several lines have to agree.
+The others are read in many rectangles around the bars, and their bars have to be those of the text;
+one of fewer than four characters is not looked for, and a region that fits such a code, upright and
+with some light at both ends, is read as it is.
 
 Gauges: a meter's needle is looked for along all lines from its base to its arc: the darkest, with a
 light needle the lightest, is taken. A display's digits are read by three lines over each of them. A
 picture in which segments form no digit is not read.
 
 Examples:
-  orlune read barcode --kind code128 labels/*.png
+  orlune read barcode --kind code128 --annotate marked labels/*.png
   orlune read barcode --kind ean13 --region 40,60,300,50 --csv codes.csv box.tif
   orlune read meter --setup boiler.json shots/*.png
   orlune read lcd --setup scales.json --csv weights.csv --annotate marked shots/*.bmp

@@ -148,7 +148,15 @@ size_t Inspection::Kept() const {
       std::count_if(particles.begin(), particles.end(), [](const Particle& p) { return p.kept; }));
 }
 
-Inspection Inspect(const std::string& path, const InspectSettings& settings) {
+namespace {
+
+// The objects of a picture, labelled, and the mask that shows them.
+struct Located {
+  Inspection inspection;
+  Image mask;
+};
+
+Located FindAndLabel(const std::string& path, const InspectSettings& settings) {
   Clock clock;
   Loaded picture = ReadPicture(
       path,
@@ -177,13 +185,27 @@ Inspection Inspect(Loaded picture, const std::string& path, const InspectSetting
     result.unit = settings.unit.empty() ? "unit" : settings.unit;
   }
   Check(ZEL_SetImageCalibration(result.picture, info.unit, result.scale.x, result.scale.y));
-  const Image mask = FindObjects(settings, picture.colours, &result);
+  Image mask = FindObjects(settings, picture.colours, &result);
   result.timing.thresholding = clock.Lap();
 
   result.labels = LabelRuns(mask, settings.eightConnected);
-  const LabelPicture labelPicture(result.labels);
   result.timing.labelling = clock.Lap();
+  return {std::move(result), std::move(mask)};
+}
 
+}  // namespace
+
+Inspection Locate(const std::string& path, const InspectSettings& settings) {
+  return FindAndLabel(path, settings).inspection;
+}
+
+Inspection Inspect(const std::string& path, const InspectSettings& settings) {
+  Located located = FindAndLabel(path, settings);
+  Inspection result = std::move(located.inspection);
+  const Image& mask = located.mask;
+  Clock clock;
+  const LabelPicture labelPicture(result.labels);
+  result.timing.labelling += clock.Lap();
   result.particles =
       MeasureParticles(mask, result.picture, result.labels, labelPicture, settings.eightConnected);
   for (Particle& particle : result.particles) {

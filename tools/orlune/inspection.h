@@ -55,8 +55,12 @@ struct Inspection {
   size_t Kept() const;
 };
 
-// Throws BadFile, LibraryFailure, and std::invalid_argument for a region or mask that does not fit,
-// and for a gray picture whose colours are asked for.
+// Finds and labels the objects, and measures nothing. Throws BadFile, LibraryFailure, and
+// std::invalid_argument for a region or mask that does not fit, and for a gray picture whose
+// colours are asked for.
+Inspection Locate(const std::string& path, const InspectSettings& settings);
+
+// Measures them too. Throws as Locate.
 Inspection Inspect(const std::string& path, const InspectSettings& settings);
 // The same of a gray picture that was read from there, with its colours where they are asked for.
 Inspection Inspect(Loaded picture, const std::string& path, const InspectSettings& settings);

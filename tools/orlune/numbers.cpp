@@ -21,8 +21,12 @@ std::string Exact(double value) {
 }
 
 std::string Fixed(double value, int decimals) {
-  char text[LONGEST];
-  return {text, std::to_chars(text, text + LONGEST, value, std::chars_format::fixed, decimals).ptr};
+  char buffer[LONGEST];
+  const std::string text(
+      buffer,
+      std::to_chars(buffer, buffer + LONGEST, value, std::chars_format::fixed, decimals).ptr);
+  const bool isZero = text.find_first_not_of("-0.") == std::string::npos;
+  return isZero && text[0] == '-' ? text.substr(1) : text;
 }
 
 std::string Short(double value) {

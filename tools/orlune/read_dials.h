@@ -15,8 +15,7 @@ enum class GaugeKind { Meter, Display };
 
 struct ReadDialsCommand : ReadFiles {
   GaugeKind kind = GaugeKind::Meter;
-  std::string setup;     // file
-  std::string annotate;  // folder, empty for none
+  std::string setup;  // file
 };
 int Run(const ReadDialsCommand& command);
 

@@ -12,6 +12,7 @@
 #include "scenes/gauges.h"
 #include "scenes/labels.h"
 #include "scenes/scenes.h"
+#include "scenes/shafts.h"
 
 namespace {
 
@@ -107,6 +108,22 @@ void WriteLabels(const std::filesystem::path& folder) {
   }
 }
 
+void WriteShafts(const std::filesystem::path& folder) {
+  std::filesystem::create_directories(folder);
+  const std::filesystem::path truthFile = folder / "truth.csv";
+  std::ofstream truth(truthFile);
+  truth << "file,name,size\n";
+  for (const scenes::Shaft& shaft : scenes::AllShafts()) {
+    WritePicture(shaft.picture, folder / shaft.file);
+    truth << shaft.file << ",length," << shaft.Length() << '\n';
+    for (const scenes::Section& section : shaft.sections) {
+      truth << shaft.file << ',' << section.name << ',' << section.diameter << '\n';
+    }
+    std::printf("%-12s a shaft of %zu sections\n", shaft.file.c_str(), shaft.sections.size());
+  }
+  if (!truth.flush()) throw std::runtime_error(truthFile.string() + " could not be written");
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -121,6 +138,7 @@ int main(int argc, char** argv) {
     WriteScenes(argv[1], argv[2], argc == 4 ? argv[3] : "/dev/null");
     WriteGauges(std::filesystem::path(argv[1]) / "gauges");
     WriteLabels(std::filesystem::path(argv[1]) / "labels");
+    WriteShafts(std::filesystem::path(argv[1]) / "shafts");
   } catch (const std::exception& failure) {
     std::cerr << "orlune_scenes: " << failure.what() << '\n';
     return 1;
