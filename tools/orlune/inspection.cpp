@@ -156,18 +156,7 @@ struct Located {
   Image mask;
 };
 
-Located FindAndLabel(const std::string& path, const InspectSettings& settings) {
-  Clock clock;
-  Loaded picture = ReadPicture(
-      path,
-      {.form = Form::Gray, .swapBytes = settings.swapBytes, .colours = settings.colours.Any()});
-  const Seconds reading = clock.Lap();
-  Inspection result = Inspect(std::move(picture), path, settings);
-  result.timing.reading = reading;
-  return result;
-}
-
-Inspection Inspect(Loaded picture, const std::string& path, const InspectSettings& settings) {
+Located FindAndLabel(Loaded picture, const std::string& path, const InspectSettings& settings) {
   Clock clock;
   const ImageInfo info = picture.image.Info();
   Inspection result{.path = path,
@@ -193,14 +182,18 @@ Inspection Inspect(Loaded picture, const std::string& path, const InspectSetting
   return {std::move(result), std::move(mask)};
 }
 
-}  // namespace
-
-Inspection Locate(const std::string& path, const InspectSettings& settings) {
-  return FindAndLabel(path, settings).inspection;
+Located FindAndLabel(const std::string& path, const InspectSettings& settings) {
+  Clock clock;
+  Loaded picture = ReadPicture(
+      path,
+      {.form = Form::Gray, .swapBytes = settings.swapBytes, .colours = settings.colours.Any()});
+  const Seconds reading = clock.Lap();
+  Located located = FindAndLabel(std::move(picture), path, settings);
+  located.inspection.timing.reading = reading;
+  return located;
 }
 
-Inspection Inspect(const std::string& path, const InspectSettings& settings) {
-  Located located = FindAndLabel(path, settings);
+Inspection Measured(Located located, const InspectSettings& settings) {
   Inspection result = std::move(located.inspection);
   const Image& mask = located.mask;
   Clock clock;
@@ -215,6 +208,20 @@ Inspection Inspect(const std::string& path, const InspectSettings& settings) {
   }
   result.timing.measuring = clock.Lap();
   return result;
+}
+
+}  // namespace
+
+Inspection Locate(const std::string& path, const InspectSettings& settings) {
+  return FindAndLabel(path, settings).inspection;
+}
+
+Inspection Inspect(const std::string& path, const InspectSettings& settings) {
+  return Measured(FindAndLabel(path, settings), settings);
+}
+
+Inspection Inspect(Loaded picture, const std::string& path, const InspectSettings& settings) {
+  return Measured(FindAndLabel(std::move(picture), path, settings), settings);
 }
 
 }  // namespace front
