@@ -1,16 +1,20 @@
 #!/bin/sh
 # Installs what the build needs on Debian 12, and says what it installs. Does nothing when all is
-# there. The library itself needs no more than the compiler; libcli11, libtiff, libpng and libjpeg are
-# for the command-line front, and the last packages make the pictures that its tests read. With
-# --benchmarks also what the benchmarks compare with, with --check-tools also what checks the sources,
-# with --scorecard what the scorecard of readers compares with, with --deep-check also the fuzzers and
-# what tools/check_deep.sh runs.
+# there. The library itself needs no more than the compiler; libfreetype and libfontconfig, of which the
+# build takes the headers, draw text, and its tests draw with one family of fonts; libcli11, libtiff,
+# libpng and libjpeg are for the command-line front, imagemagick and its like make the pictures that its
+# tests read, and windows on the screen are built with libxcb1-dev and tested with the last packages.
+# With --benchmarks also what the benchmarks compare with, with --check-tools also what checks the
+# sources, with --scorecard what the scorecard of readers compares with, with --deep-check also the
+# fuzzers and what tools/check_deep.sh runs.
 # usage: setup.sh [--benchmarks] [--scorecard] [--check-tools] [--deep-check]
 set -eu
 
 needed="make g++ cmake ninja-build pkgconf libgtest-dev"
+needed="$needed libfreetype-dev libfontconfig-dev fonts-dejavu-core"
 needed="$needed libcli11-dev libtiff-dev libpng-dev libjpeg-dev"
 needed="$needed imagemagick netpbm libtiff-tools python3-pil"
+needed="$needed libxcb1-dev libxcb-xtest0-dev xvfb xclip xdotool"
 for argument in "$@"; do
   case $argument in
     --benchmarks) needed="$needed libopencv-core-dev libopencv-imgproc-dev libopencv-imgcodecs-dev libleptonica-dev libzxing-dev" ;;

@@ -60,9 +60,9 @@ TEST_F(Windows, OutsideTheTableFail) {
 }
 
 TEST_F(Windows, WithoutAFontAreUnusableUntilTheLibraryIsClosed) {
-  zel::MemoryDesktopFaultsGet()->noFonts = true;
+  zel::DesktopFaultsGet()->noFonts = true;
   EXPECT_EQ(ZEL_WindDraw(0, 0, nullptr, 0), -600);
-  zel::MemoryDesktopFaultsGet()->noFonts = false;
+  zel::DesktopFaultsGet()->noFonts = false;
   EXPECT_EQ(ZEL_WindDraw(0, 0, nullptr, 0), -600);
   WindowEvent event{};
   EXPECT_EQ(ZEL_GetLastEvent(&event), -600);
@@ -71,13 +71,13 @@ TEST_F(Windows, WithoutAFontAreUnusableUntilTheLibraryIsClosed) {
 }
 
 TEST_F(Windows, ThatTheDesktopRefusesFailAndLeaveNothing) {
-  zel::MemoryDesktopFaultsGet()->noPanels = true;
+  zel::DesktopFaultsGet()->noPanels = true;
   EXPECT_EQ(ZEL_WindDraw(0, 0, nullptr, 0), -601);
   EXPECT_EQ(ZEL_WindToolsSetup(0, nullptr, 0, 0), -601);
-  zel::MemoryDesktopFaultsGet()->noPanels = false;
-  zel::MemoryDesktopFaultsGet()->noCanvases = true;
+  zel::DesktopFaultsGet()->noPanels = false;
+  zel::DesktopFaultsGet()->noCanvases = true;
   EXPECT_EQ(ZEL_WindDraw(0, 18, nullptr, 0), -601);
-  zel::MemoryDesktopFaultsGet()->noCanvases = false;
+  zel::DesktopFaultsGet()->noCanvases = false;
   EXPECT_EQ(zel::MemoryDesktopPanels(), 0);
   EXPECT_EQ(ZEL_WindDraw(0, 18, nullptr, 0), 0);
 }

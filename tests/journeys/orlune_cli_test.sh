@@ -441,6 +441,15 @@ in_err "the TIFF file has 1 page; there is no #2"
 run 0 info --json "$scenes/chips.tif"
 in_out '"byteOrder": "big-endian"'
 
+# Windows need a display
+DISPLAY="" run 1 view "$scenes/washers.bmp"
+in_err "there is no display"
+silent out
+DISPLAY=:none run 1 view "$scenes/washers.bmp"
+in_err "there is no display"
+run 0 view --help
+in_out "save a marked copy"
+
 # Manual pages and completions are made of the same list of options
 for command in "" inspect filter convert info; do
   # shellcheck disable=SC2086

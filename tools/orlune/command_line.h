@@ -47,6 +47,7 @@ class CommandLine {
   void AddCalibrate();
   void AddFilter();
   void AddConvert();
+  void AddView();
   void AddOthers();
   void AddFiles(CLI::App* command, std::vector<std::string>* files);
   // --csv and --json of a command, --annotate, --quiet and --jobs.
@@ -80,6 +81,7 @@ class CommandLine {
   ReadDialsCommand readDials_;
   FilterCommand filter_;
   ConvertCommand convert_;
+  ViewCommand view_;
   CalibrateDialsCommand calibrateDials_;
   std::string helpTopic_, manualTopic_, shell_;
 };

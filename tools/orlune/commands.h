@@ -13,6 +13,7 @@
 #include "orlune/program.h"
 #include "orlune/shape_matches.h"
 #include "orlune/steps.h"
+#include "orlune/viewer.h"
 
 namespace front {
 
@@ -51,6 +52,12 @@ struct ReadBarcodesCommand : ReadFiles {
 };
 // Every picture with a code that was read is well; ALL_WELL means all of them.
 int Run(const ReadBarcodesCommand& command);
+
+struct ViewCommand {
+  ViewSettings settings;
+};
+// Until the person leaves, the display goes, or the program is interrupted.
+int Run(const ViewCommand& command);
 
 struct GaugeCommand {
   std::vector<std::string> files;

@@ -184,6 +184,20 @@ Examples:
   orlune calibrate meter --base 203,174 --radius 105 empty.png full.png -o tank.json
   orlune calibrate lcd --region 40,30,220,90 --points eights.png -o scales.json)";
 
+constexpr char VIEW_FOOTER[] = R"(
+A picture is shown with a window of tools beside it. What is drawn with a tool is measured at once: grey
+levels and particles of an area, the profile and the edges of a line. The tools window shows the value
+under the pointer. Marked copies are named after the picture: part-marked.png.
+
+Keys:
+)";
+
+constexpr char VIEW_EXAMPLES[] = R"(
+Examples:
+  orlune view parts/*.tif
+  orlune view --dark --method otsu --out marked parts/*.bmp
+Exit status: 0 the person left; 1 there is no display, it went, or a file could not be read or written.)";
+
 constexpr char COMPLETIONS_FOOTER[] = R"(
 Examples:
   orlune completions bash >~/.local/share/bash-completion/completions/orlune

@@ -156,13 +156,9 @@ struct Located {
   Image mask;
 };
 
-Located FindAndLabel(const std::string& path, const InspectSettings& settings) {
+Located FindAndLabel(Loaded picture, const std::string& path, const InspectSettings& settings) {
   Clock clock;
-  Loaded picture = ReadPicture(
-      path,
-      {.form = Form::Gray, .swapBytes = settings.swapBytes, .colours = settings.colours.Any()});
   const ImageInfo info = picture.image.Info();
-
   Inspection result{.path = path,
                     .account = std::move(picture.account),
                     .objects = {},
@@ -178,8 +174,6 @@ Located FindAndLabel(const std::string& path, const InspectSettings& settings) {
     result.unit = settings.unit.empty() ? "unit" : settings.unit;
   }
   Check(ZEL_SetImageCalibration(result.picture, info.unit, result.scale.x, result.scale.y));
-  result.timing.reading = clock.Lap();
-
   Image mask = FindObjects(settings, picture.colours, &result);
   result.timing.thresholding = clock.Lap();
 
@@ -188,14 +182,18 @@ Located FindAndLabel(const std::string& path, const InspectSettings& settings) {
   return {std::move(result), std::move(mask)};
 }
 
-}  // namespace
-
-Inspection Locate(const std::string& path, const InspectSettings& settings) {
-  return FindAndLabel(path, settings).inspection;
+Located FindAndLabel(const std::string& path, const InspectSettings& settings) {
+  Clock clock;
+  Loaded picture = ReadPicture(
+      path,
+      {.form = Form::Gray, .swapBytes = settings.swapBytes, .colours = settings.colours.Any()});
+  const Seconds reading = clock.Lap();
+  Located located = FindAndLabel(std::move(picture), path, settings);
+  located.inspection.timing.reading = reading;
+  return located;
 }
 
-Inspection Inspect(const std::string& path, const InspectSettings& settings) {
-  Located located = FindAndLabel(path, settings);
+Inspection Measured(Located located, const InspectSettings& settings) {
   Inspection result = std::move(located.inspection);
   const Image& mask = located.mask;
   Clock clock;
@@ -210,6 +208,20 @@ Inspection Inspect(const std::string& path, const InspectSettings& settings) {
   }
   result.timing.measuring = clock.Lap();
   return result;
+}
+
+}  // namespace
+
+Inspection Locate(const std::string& path, const InspectSettings& settings) {
+  return FindAndLabel(path, settings).inspection;
+}
+
+Inspection Inspect(const std::string& path, const InspectSettings& settings) {
+  return Measured(FindAndLabel(path, settings), settings);
+}
+
+Inspection Inspect(Loaded picture, const std::string& path, const InspectSettings& settings) {
+  return Measured(FindAndLabel(std::move(picture), path, settings), settings);
 }
 
 }  // namespace front

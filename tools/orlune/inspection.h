@@ -62,5 +62,7 @@ Inspection Locate(const std::string& path, const InspectSettings& settings);
 
 // Measures them too. Throws as Locate.
 Inspection Inspect(const std::string& path, const InspectSettings& settings);
+// The same of a gray picture that was read from there, with its colours where they are asked for.
+Inspection Inspect(Loaded picture, const std::string& path, const InspectSettings& settings);
 
 }  // namespace front
