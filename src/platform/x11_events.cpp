@@ -135,8 +135,18 @@ void FocusTake(const xcb_focus_in_event_t& focus, uint32_t sequence, bool isGot)
 
 // ---- places
 
+bool IsBeingPlaced(const X11Panel& panel) {
+  return panel.isFramed && MachineTicks() - panel.placedTicks < PLACING_TIME;
+}
+
+// A window manager answers in its own time: what it says of the wish before the last one cannot be
+// told from what a person does, but by what comes next.
 void SizeTake(int32_t number, X11Panel* panel, int32_t width, int32_t height) {
-  if (width == panel->place.width && height == panel->place.height) return;
+  const bool isAsked = width == panel->place.width && height == panel->place.height;
+  panel->isDoubtful = !isAsked && IsBeingPlaced(*panel);
+  panel->doubtfulWidth = width;
+  panel->doubtfulHeight = height;
+  if (isAsked || panel->isDoubtful) return;
   panel->place.width = width;
   panel->place.height = height;
   DesktopEvent* event = PutLatest(number, DesktopEventKind::PANEL_SIZE);
@@ -148,7 +158,7 @@ void MoveTake(int32_t number, X11Panel* panel, int32_t left, int32_t top) {
   if (left == panel->place.left && top == panel->place.top) return;
   panel->place.left = left;
   panel->place.top = top;
-  if (panel->isFramed && MachineTicks() - panel->placedTicks < PLACING_TIME) return;
+  if (IsBeingPlaced(*panel)) return;
   DesktopEvent* event = PutLatest(number, DesktopEventKind::PANEL_MOVE);
   event->left = panel->attributes[PANEL_LEFT] = ToCanvas(left);
   event->top = panel->attributes[PANEL_TOP] = ToCanvas(top);
@@ -162,6 +172,14 @@ void ConfigureTake(const xcb_configure_notify_event_t& event, uint32_t sequence,
   if (!panel || IsOutdated(sequence, panel->placedAt, &panel->isPlacing)) return;
   SizeTake(number, panel, event.width, event.height);
   if (isSent || !panel->isFramed) MoveTake(number, panel, event.x, event.y);
+}
+
+// Sizes that nothing came after.
+void DoubtfulTake() {
+  for (auto& [number, panel] : x11->panels) {
+    const bool isSure = panel.isDoubtful && !IsBeingPlaced(panel);
+    if (isSure) SizeTake(number, &panel, panel.doubtfulWidth, panel.doubtfulHeight);
+  }
 }
 
 void ReparentTake(const xcb_reparent_notify_event_t& event) {
@@ -289,6 +307,7 @@ void X11Pump() {
   {
     const X11Session session;
     X11EventsTake(session);
+    DoubtfulTake();
   }
   x11->pumps++;
   while (!x11->deeds.empty()) {

@@ -33,6 +33,9 @@ struct X11Panel {
   uint32_t placedAt = 0;                  // the number of the request that asked for it
   uint32_t placedTicks = 0;
   bool isFramed = false;  // by a window manager
+  // A size that may be a late answer to a former wish, or all that the window manager grants.
+  bool isDoubtful = false;
+  int32_t doubtfulWidth = 0, doubtfulHeight = 0;
   X11Click lastClick;
   int32_t number = 0;  // that came with the sink
   DesktopSink sink = nullptr;
