@@ -136,11 +136,11 @@ void FocusTake(const xcb_focus_in_event_t& focus, uint32_t sequence, bool isGot)
 // ---- places
 
 bool IsBeingPlaced(const X11Panel& panel) {
-  return panel.isFramed && MachineTicks() - panel.placedTicks < PLACING_TIME;
+  return MachineTicks() - panel.placedTicks < PLACING_TIME;
 }
 
-// A window manager answers in its own time: what it says of the wish before the last one cannot be
-// told from what a person does, but by what comes next.
+// A window manager answers in its own time, also before the window has its frame: what it says of
+// the wish before the last one cannot be told from what a person does, but by what comes next.
 void SizeTake(int32_t number, X11Panel* panel, int32_t width, int32_t height) {
   const bool isAsked = width == panel->place.width && height == panel->place.height;
   panel->isDoubtful = !isAsked && IsBeingPlaced(*panel);
@@ -158,7 +158,7 @@ void MoveTake(int32_t number, X11Panel* panel, int32_t left, int32_t top) {
   if (left == panel->place.left && top == panel->place.top) return;
   panel->place.left = left;
   panel->place.top = top;
-  if (IsBeingPlaced(*panel)) return;
+  if (panel->isFramed && IsBeingPlaced(*panel)) return;
   DesktopEvent* event = PutLatest(number, DesktopEventKind::PANEL_MOVE);
   event->left = panel->attributes[PANEL_LEFT] = ToCanvas(left);
   event->top = panel->attributes[PANEL_TOP] = ToCanvas(top);
