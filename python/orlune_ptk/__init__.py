@@ -31,6 +31,7 @@ from .barcodes import (
     read_upca,
 )
 from .casts import cast, convert, convert_by_lookup, shift_16_to_8
+from .clipboard import from_clipboard, to_clipboard
 from .colors import (
     color_equalize,
     color_histogram,
@@ -63,7 +64,7 @@ from .dials import (
     read_display,
     read_meter,
 )
-from .drawing import draw_line, draw_oval, draw_rectangle
+from .drawing import draw_line, draw_oval, draw_rectangle, draw_text
 from .errors import PtkError, PtkMemoryError, StaleViewError
 from .files import file_info, read, read_with_table, write
 from .filters import edges, low_pass, maximum, median, minimum, rank
@@ -228,6 +229,7 @@ __all__ = [
     "draw_line",
     "draw_oval",
     "draw_rectangle",
+    "draw_text",
     "edges",
     "equalize",
     "euclidean_distance",
@@ -245,6 +247,7 @@ __all__ = [
     "find_place",
     "fit_circle",
     "flip_frequency",
+    "from_clipboard",
     "from_rgb",
     "get_active_tool",
     "get_array",
@@ -354,6 +357,7 @@ __all__ = [
     "standard_tools",
     "subtract",
     "threshold",
+    "to_clipboard",
     "to_rgb",
     "transpose",
     "truncate",

@@ -116,3 +116,19 @@ def test_drawing(gray):
     assert (oval[distance < 24] == 1).all() and not oval[distance > 26].any()
     ptk.draw_line(image, (0, 0), (44, 36), 1, out=image)
     assert image.pixels[36, 44] == 1
+
+
+def test_text():
+    ground = np.zeros((60, 200), np.uint8)
+    try:
+        drawn = np.asarray(ptk.draw_text(ground, "Ab\nc", 5, 5, 20))
+    except ptk.PtkError as error:
+        pytest.skip(str(error))  # neither fonts nor what draws them are on the machine
+    assert set(np.unique(drawn)) == {0, 255}
+    rows, columns = np.nonzero(drawn)
+    assert rows.min() >= 5 and columns.min() >= 4
+    assert drawn[5:25].any() and drawn[25:45].any() and not drawn[45:].any()
+    bold = np.asarray(ptk.draw_text(ground, "Ab", 5, 5, 20, bold=True))
+    assert bold.sum() > np.asarray(ptk.draw_text(ground, "Ab", 5, 5, 20)).sum()
+    right = np.asarray(ptk.draw_text(ground, "Ab", 195, 5, 20, align="right"))
+    assert right[:, 150:].any() and not right[:, :100].any()

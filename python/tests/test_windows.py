@@ -97,3 +97,15 @@ def test_a_callback_gets_the_event_and_may_call_the_library(gray):
     with lowlevel.lock:
         window_tools._callbacks[6](record.ctypes.data, ctypes.c_size_t(0))
     assert seen == [(6, float((np.minimum(gray, 254) + 1.0).sum()))]
+
+
+def test_the_clipboard(gray, rng):
+    ptk.to_clipboard(gray)
+    image, palette = ptk.from_clipboard(np.uint8)
+    assert np.array_equal(image, gray) and np.array_equal(palette, np.arange(256) * 0x010101)
+    assert np.array_equal(ptk.from_clipboard()[0], gray[..., None].repeat(3, axis=2))
+    colours = rng.integers(0, 256, (9, 11, 3), dtype=np.uint8)
+    ptk.to_clipboard(colours)
+    assert np.array_equal(ptk.from_clipboard()[0], colours)
+    with pytest.raises(ValueError):
+        ptk.to_clipboard(gray, [1, 2])
