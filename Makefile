@@ -1,13 +1,15 @@
 # Commands for people. Each sets up what it needs; the work is in tools/ and the CMake presets.
-.PHONY: help demo test accuracy asan check-deep bench bench-pages benchmark check-format tidy fuzz clean
+.PHONY: help demo test wheel accuracy asan check-deep bench bench-pages benchmark scorecard check-format tidy fuzz clean
 
 help:
 	@echo "make demo          make scenes, inspect them, show the particles and the annotated pictures"
 	@echo "make test          build and run all tests"
+	@echo "make wheel         make the Python wheel with the library in it, in dist/"
 	@echo "make accuracy      print how near measures and edges come to the truth, as the tables in docs/"
 	@echo "make asan          the same under the address and undefined-behaviour sanitizers"
 	@echo "make bench         run the benchmarks beside their peers, roughly"
 	@echo "make bench-pages   run them in full and write docs/benchmarks from the results"
+	@echo "make scorecard     read bar codes and gauges spoilt more and more, beside peers: docs/scorecard.md"
 	@echo "make check-format  check the layout of the sources"
 	@echo "make tidy          look for suspicious code"
 	@echo "make check-deep    fuzzers, sanitizers and all builds for hours; writes docs/robustness.md"
@@ -19,6 +21,10 @@ demo:
 
 test:
 	@tools/test.sh release
+
+wheel:
+	@tools/setup.sh
+	python3 python/build_wheel.py dist
 
 accuracy:
 	@tools/setup.sh
@@ -40,6 +46,13 @@ bench: benchmark
 
 bench-pages: benchmark
 	build/release/benchmarks/orlune_benchmark --out docs/benchmarks/run.csv --pages docs/benchmarks
+
+# With PHOTOS=folder also the photographs that its truth.tsv tells of.
+scorecard:
+	@tools/setup.sh --scorecard
+	cmake --preset release
+	cmake --build --preset release --target orlune_scorecard
+	build/release/tools/orlune_scorecard tests/data/barcodes/printed.tsv docs/scorecard.md $(PHOTOS)
 
 check-format:
 	@tools/setup.sh --check-tools

@@ -167,6 +167,18 @@ const std::vector<bench::Pair> PAIRS = {
            const cv::Point centre(m.to.cols / 2, m.to.rows / 2);
            cv::ellipse(m.to, centre, centre, 0, 0, 360, cv::Scalar(42), cv::FILLED);
          }},
+    {.operation = "draw_text",
+     .prepare = FillArrayAndSize,
+     .ours =
+         [](Images& i) {
+           return ZEL_DrawText(i.to, 0, 4, 4, TEXT_WHITE, "0123456789 text", 32, 0, TEXT_ALIGN_LEFT,
+                               "DejaVu Sans", nullptr);
+         },
+     .theirs =
+         [](Mats& m) {
+           cv::putText(m.to, "0123456789 text", {4, 36}, cv::FONT_HERSHEY_SIMPLEX, 1,
+                       cv::Scalar(255));
+         }},
     {.operation = "draw_line",
      .pixels = Line,
      .prepare = FillArrayAndSize,

@@ -1,8 +1,8 @@
 // A region of any pixels, or of bars of any widths, and each reader of bar codes on it.
 #include <algorithm>
 
+#include "fuzz/scene.h"
 #include "fuzz/target.h"
-#include "harness/checks.h"
 #include "harness/input.h"
 #include "orlune_ptk.h"
 
@@ -51,9 +51,8 @@ void TakePixels(Input* input, const ImageInfo& info) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Input input(data, size);
-  test::MemoryFiles files;
   const uint8_t choice = input.Byte();
-  test::SetBudget((choice & 0x80) != 0);
+  Scene scene((choice & 0x80) != 0);
   const int32_t width = 2 * input.Byte();
   const int32_t height = input.Byte() % 12;
   const bool isWhole = (choice & 0x40) != 0;
@@ -61,30 +60,23 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                              isWhole ? width - 1 : input.Int(), isWhole ? height : input.Int()};
   const int32_t flat[] = {0,        0,          0,          0,          ROI_MARKER_EXTERNAL,
                           ROI_RECT, corners[0], corners[1], corners[2], corners[3]};
-  ImageRef image = 0;
-  ImageInfo info{};
-  RoiDescriptor* roi = nullptr;
-  if (ZEL_Create(&image, static_cast<int16_t>(choice % 3), 0) == 0 &&
-      ZEL_SetImageSize(image, width, height) == 0 && ZEL_GetImageInfo(image, &info) == 0 &&
-      ZEL_ArrayToROI(flat, 10, &roi) == 0) {
+  if (scene.MakeImage(choice, width, height) && ZEL_ArrayToROI(flat, 10, &scene.roi) == 0) {
     if ((choice & 0x20) != 0) {
-      DrawBars(&input, info);
+      DrawBars(&input, scene.info);
     } else {
-      TakePixels(&input, info);
+      TakePixels(&input, scene.info);
     }
     for (const Reader reader : READERS) {
       char* text = nullptr;
       int32_t length = -1;
-      const int32_t result = reader(image, roi, choice & 0x10, &text, &length);
+      const int32_t result = reader(scene.image, scene.roi, choice & 0x10, &text, &length);
       test::Require(result <= 0, "a positive result");
       test::Require(result == 0 ? length >= 0 : !text && length == -1, "outputs of a failing call");
       test::Require(!text || text[length] == 0, "a text without its end");
       ZEL_free(text);
     }
-    test::CheckImage(image);
+    test::CheckImage(scene.image);
   }
-  ZEL_FreeROI(roi);
-  if (image != 0) ZEL_Dispose(image);
-  test::CheckEnd(files);
+  scene.End();
   return 0;
 }

@@ -3,8 +3,8 @@
 #include <cmath>
 #include <cstring>
 
+#include "fuzz/scene.h"
 #include "fuzz/target.h"
-#include "harness/checks.h"
 #include "harness/input.h"
 #include "orlune_ptk.h"
 
@@ -113,23 +113,17 @@ void TryMeter(Input* input, ImageRef image, const RoiDescriptor* roi) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Input input(data, size);
-  test::MemoryFiles files;
   const uint8_t choice = input.Byte();
-  test::SetBudget((choice & 0x80) != 0);
+  Scene scene((choice & 0x80) != 0);
   const int32_t width = input.Byte() % 100;
   const int32_t height = input.Byte() % 80;
-  ImageRef image = 0;
-  ImageInfo info{};
-  RoiDescriptor* roi = MakeRegion(&input, width, height);
-  if (roi && ZEL_Create(&image, static_cast<int16_t>(choice % 3), 0) == 0 &&
-      ZEL_SetImageSize(image, width, height) == 0 && ZEL_GetImageInfo(image, &info) == 0) {
-    DrawRuns(&input, info);
-    TryDisplay(&input, image, roi);
-    TryMeter(&input, image, roi);
-    test::CheckImage(image);
+  scene.roi = MakeRegion(&input, width, height);
+  if (scene.roi && scene.MakeImage(choice, width, height)) {
+    DrawRuns(&input, scene.info);
+    TryDisplay(&input, scene.image, scene.roi);
+    TryMeter(&input, scene.image, scene.roi);
+    test::CheckImage(scene.image);
   }
-  ZEL_FreeROI(roi);
-  if (image != 0) ZEL_Dispose(image);
-  test::CheckEnd(files);
+  scene.End();
   return 0;
 }

@@ -17,6 +17,7 @@ constexpr int32_t SMALL_SIDE = 40;
 }  // namespace
 
 Playground::Playground(Input* input) : input_(input) {
+  zel::DesktopUse(&zel::MEMORY_DESKTOP);
   for (ImageRef& slot : slots_) {
     const auto type = static_cast<int16_t>(input->Byte() % 6);
     const int32_t border = input->Byte() % 5;

@@ -89,6 +89,7 @@
 
 #include "orlune_ptk/barcodes.h"
 #include "orlune_ptk/casts.h"
+#include "orlune_ptk/clipboard.h"
 #include "orlune_ptk/colours.h"
 #include "orlune_ptk/convolution.h"
 #include "orlune_ptk/copying.h"

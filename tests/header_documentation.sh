@@ -52,7 +52,7 @@ function check_function(declaration,    name, inside, parameters, count, i, para
 }
 
 function collect_numbers(name, text,    number) {
-  while (match(text, /[ (](-[5-9]|-?[0-9][0-9][0-9]+)/)) {
+  while (match(text, /[ (](-[2-9]|-?[0-9][0-9][0-9]+)/)) {
     number = substr(text, RSTART + 1, RLENGTH - 1)
     if (number ~ /^-/ || name == "ZEL_GetImageInfo") {
       sub(/^-/, "", number)

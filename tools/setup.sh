@@ -1,28 +1,36 @@
 #!/bin/sh
 # Installs what the build needs on Debian 12, and says what it installs. Does nothing when all is
-# there. The library itself needs no more than the compiler; libcli11, libtiff, libpng, libjpeg,
-# libsqlite3 and libtomlplusplus are for the command-line front, and the last packages make the pictures
-# that its tests read. With --benchmarks also what the benchmarks compare with, with --check-tools also
-# what checks the sources, with --deep-check also the fuzzers and what
-# tools/check_deep.sh runs.
-# usage: setup.sh [--benchmarks] [--check-tools] [--deep-check]
+# there. The library itself needs no more than the compiler; libfreetype and libfontconfig, of which the
+# build takes the headers, draw text, and its tests draw with one family of fonts; libcli11, libtiff,
+# libpng, libjpeg, libsqlite3 and libtomlplusplus are for the command-line front, imagemagick and its like make the pictures that its
+# tests read, and windows on the screen are built with libxcb1-dev and tested with the last packages.
+# With --benchmarks also what the benchmarks compare with, with --check-tools also what checks the
+# sources, with --scorecard what the scorecard of readers compares with, with --deep-check also the
+# fuzzers and what tools/check_deep.sh runs.
+# usage: setup.sh [--benchmarks] [--scorecard] [--check-tools] [--deep-check]
 set -eu
 
 needed="make g++ cmake ninja-build pkgconf libgtest-dev"
+needed="$needed libfreetype-dev libfontconfig-dev fonts-dejavu-core"
 needed="$needed libcli11-dev libtiff-dev libpng-dev libjpeg-dev"
 needed="$needed libsqlite3-dev libtomlplusplus-dev"
 needed="$needed imagemagick netpbm libtiff-tools python3-pil"
+needed="$needed libxcb1-dev libxcb-xtest0-dev xvfb xclip xdotool"
 for argument in "$@"; do
   case $argument in
     --benchmarks) needed="$needed libopencv-core-dev libopencv-imgproc-dev libopencv-imgcodecs-dev libleptonica-dev libzxing-dev" ;;
+    --scorecard) needed="$needed libzxing-dev libzbar-dev" ;;
     --deep-check) needed="$needed clang-19 libclang-rt-19-dev valgrind gcovr" ;;
-    --check-tools) needed="$needed clang-format clang-tidy cppcheck" ;;
+    --check-tools) needed="$needed clang-format clang-tidy cppcheck mypy" ;;
     *)
-      echo "usage: setup.sh [--benchmarks] [--check-tools] [--deep-check]" >&2
+      echo "usage: setup.sh [--benchmarks] [--scorecard] [--check-tools] [--deep-check]" >&2
       exit 2
       ;;
   esac
 done
+
+# The Python package is tested with these.
+needed="$needed python3-numpy python3-scipy python3-pytest python3-venv"
 
 if ! command -v dpkg-query >/dev/null; then
   echo "setup: this is no Debian system. Please see that these are there: $needed (or their likes)."

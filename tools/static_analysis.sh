@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# cppcheck and clang-tidy over the library's sources.
+# cppcheck and clang-tidy over the library's sources, and mypy over the Python package.
 # usage: tools/static_analysis.sh [--quick]
 #   --quick  leaves out the checks that follow all paths through a function: two thirds of the time
 set -euo pipefail
@@ -31,3 +31,8 @@ cppcheck --std=c++20 --language=c++ --enable=warning,performance,portability --i
 
 printf '%s\n' "${sources[@]}" |
   xargs -P 2 -n 6 clang-tidy --quiet -p "$build" "${checks[@]}" --extra-arg=-fbracket-depth=1024 --warnings-as-errors='*' 2>/dev/null
+
+# The Python package, with the modules that are made from the headers.
+python3 python/generate.py "$build/python"
+MYPYPATH=python mypy --cache-dir "$build/mypy" "$build/python/orlune_ptk" python/generate.py python/build_wheel.py \
+  tools/manual_pages.py

@@ -36,7 +36,7 @@ int32_t Tool(Playground& play) {
 
 // What a person does next: a press, what the pointer does then, and other events.
 void Script(Playground& play) {
-  zel::MemoryDesktopFaultsGet()->mostPixels = MOST_PIXELS;
+  zel::DesktopFaultsGet()->mostPixels = MOST_PIXELS;
   zel::MemoryDesktopTicks(static_cast<uint32_t>(Below<256>(play)));
   const int32_t deeds = Below<6>(play);
   for (int32_t i = 0; i < deeds; i++) {

@@ -1,6 +1,12 @@
 #include "harness/session/session.h"
 
+#include "platform/memory_desktop.h"
+
 namespace test {
+
+Session::Session() {
+  zel::DesktopUse(&zel::MEMORY_DESKTOP);
+}
 
 Session::~Session() {
   ZEL_free(particles);

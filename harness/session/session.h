@@ -33,7 +33,8 @@ struct Session {
   // What the step that ran last gave out besides images.
   std::vector<uint8_t> outputs;
 
-  Session() = default;
+  // Its windows are in memory, also where there is a screen.
+  Session();
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
   ~Session();

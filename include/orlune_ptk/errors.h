@@ -13,7 +13,11 @@ extern "C" {
 /* All failures that functions return. What a number means for a function stands with the function.
  */
 typedef enum FailureNumber {
+  ZEL_ERR_NO_FONT = -2,                /* no font is installed */
+  ZEL_ERR_FONT_UNREADABLE = -4,        /* a font cannot be opened */
   ZEL_ERR_NO_OUTPUT = -5,              /* NULL where a reader would put its result */
+  ZEL_ERR_FONT_TOO_LARGE = -6,         /* letters of more than FONT_SIZE_LIMIT pixels */
+  ZEL_ERR_NO_FONT_LIBRARIES = -7,      /* the libraries that draw text are not installed */
   ZEL_ERR_MEMORY_FULL = -101,          /* no memory, or a size that would pass 2^31 - 1 bytes */
   ZEL_ERR_MEMORY_ERROR = -102,         /* a caller's array is too small; no memory for an image */
   ZEL_ERR_BAD_IMAGE = -200,            /* the reference names no image */
@@ -30,6 +34,7 @@ typedef enum FailureNumber {
   ZEL_ERR_BORDER_TOO_SMALL = -309,         /* the border is narrower than the function needs */
   ZEL_ERR_DESTINATION_UNSUPPORTED = -312,  /* a type that cannot hold the result */
   ZEL_ERR_SAME_IMAGE = -313,               /* one image stands for two */
+  ZEL_ERR_NO_TEXT = -450,                  /* NULL where a text or a font's name belongs */
   ZEL_ERR_BAD_FILE_HEADER = -500,          /* a header that cannot be read, taken or written */
   ZEL_ERR_FILE_OPEN = -503,                /* the file cannot be opened */
   ZEL_ERR_INVALID_PARAMETER = -503,        /* a number outside its range, or too few points */

@@ -7,6 +7,8 @@
 #include "core/images.h"
 #include "core/poison.h"
 #include "core/tables.h"
+#include "platform/desktop.h"
+#include "platform/fonts.h"
 #include "platform/workers.h"
 
 namespace zel {
@@ -306,6 +308,8 @@ Status CoreShutdown() {
   hookTable = nullptr;
   hookRows = 0;
   WorkersJoin();
+  DesktopLeave();
+  FontsInUse().release();
 
   for (uint32_t row = 0; row < coreTables.imageCapacity; row++) {
     if (coreTables.images[row].reference != 0) ImageDestroy(coreTables.images[row].reference);

@@ -446,14 +446,16 @@ Status ActionRun(const DisplayRequest& request, const DisplayOutput& output) {
 }
 
 bool IsForClosedToo(int32_t command) {
-  return command == COMMAND_NEWEST_EVENT || command == COMMAND_RESTYLE ||
-         command == COMMAND_SHAPE || command == COMMAND_EVENT;
+  return command == COMMAND_NEWEST_EVENT || command == COMMAND_POINTER ||
+         command == COMMAND_RESTYLE || command == COMMAND_SHAPE || command == COMMAND_EVENT;
 }
 
 Status ClosedTooRun(DisplayRequest* request, const DisplayOutput& output, EventRead* event) {
   switch (request->command) {
     case COMMAND_NEWEST_EVENT:
       return NewestEventTake(request, output, event);
+    case COMMAND_POINTER:
+      return QueryRun(*request, output);
     case COMMAND_RESTYLE:
       return RestyleRun(*request);
     case COMMAND_SHAPE:

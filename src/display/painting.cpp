@@ -149,7 +149,7 @@ void MarginPaint(int32_t window, const View& view) {
   }
 }
 
-void Paint(int32_t window) {
+void PaintParts(int32_t window) {
   switch (KindOf(window)) {
     case WINDOW_IMAGE:
       WindowRepaint(window, {.keepShadow = false, .scrollBars = true, .region = true});
@@ -161,6 +161,13 @@ void Paint(int32_t window) {
     default:
       WindowRepaint(window, {.keepShadow = true, .scrollBars = true, .region = false});
   }
+}
+
+void Paint(int32_t window) {
+  const int32_t canvas = display.bindings[window].canvas;
+  DesktopInUse().beginBatch(canvas);
+  PaintParts(window);
+  DesktopInUse().endBatch(canvas);
 }
 
 }  // namespace

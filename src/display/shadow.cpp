@@ -6,6 +6,8 @@
 
 #include "core/heap.h"
 #include "core/numbers.h"
+#include "engine/bands.h"
+#include "platform/workers.h"
 
 namespace zel {
 namespace {
@@ -21,6 +23,10 @@ struct Line {
   }
 };
 
+int64_t BytesOf(const PixelView& view) {
+  return int64_t{view.width} * view.pixelBytes * view.height;
+}
+
 Line LineThrough(float low, float high) {
   if (low == high) return {};
   Line line;
@@ -29,20 +35,48 @@ Line LineThrough(float low, float high) {
   return line;
 }
 
-template <class T>
-Line LineOf(const PixelView& source) {
+// A NaN is neither, and never takes part.
+struct Range {
   float low = 1e+38F;
   float high = -1e+38F;
-  for (int32_t y = 0; y < source.height; y++) {
-    const T* row = source.Row<T>(y);
-    for (int32_t x = 0; x < source.width; x++) {
-      // A NaN is neither, and never takes part.
-      const auto pixel = static_cast<float>(row[x]);
-      if (pixel < low) low = pixel;
-      if (pixel > high) high = pixel;
+
+  void Add(float least, float most) {
+    if (least < low) low = least;
+    if (most > high) high = most;
+  }
+};
+
+// Several pixels at a time, each with a range of its own, so that none waits for the one before.
+template <class T>
+void RangeAdd(const T* row, int32_t width, Range* range) {
+  constexpr int32_t lanes = 16;
+  float low[lanes];
+  float high[lanes];
+  std::fill_n(low, lanes, range->low);
+  std::fill_n(high, lanes, range->high);
+  int32_t x = 0;
+  for (; x + lanes <= width; x += lanes) {
+    for (int32_t i = 0; i < lanes; i++) {
+      const auto pixel = static_cast<float>(row[x + i]);
+      low[i] = pixel < low[i] ? pixel : low[i];
+      high[i] = pixel > high[i] ? pixel : high[i];
     }
   }
-  return LineThrough(low, high);
+  for (int32_t i = 0; i < lanes; i++) range->Add(low[i], high[i]);
+  for (; x < width; x++) range->Add(static_cast<float>(row[x]), static_cast<float>(row[x]));
+}
+
+template <class T>
+Line LineOf(const PixelView& source) {
+  Range ranges[WORKERS_AT_MOST];
+  BandsRun({.units = source.height, .bytes = BytesOf(source)}, [&](const Band& band) {
+    for (int64_t y = band.begin; y < band.end; y++) {
+      RangeAdd(source.Row<T>(y), source.width, &ranges[band.worker]);
+    }
+  });
+  Range all;
+  for (const Range& range : ranges) all.Add(range.low, range.high);
+  return LineThrough(all.low, all.high);
 }
 
 constexpr int32_t I16_LEVELS = 65536;
@@ -67,11 +101,13 @@ bool ConvertByTable(const PixelView& source, const PixelView& shadow, const Line
 
 template <class T>
 void ConvertPixels(const PixelView& source, const PixelView& shadow, const Line& line) {
-  for (int32_t y = 0; y < source.height; y++) {
-    const T* from = source.Row<T>(y);
-    auto* to = shadow.Row<uint8_t>(y);
-    for (int32_t x = 0; x < source.width; x++) to[x] = line.LevelOf(from[x]);
-  }
+  BandsRun({.units = source.height, .bytes = 4 * BytesOf(source)}, [&](const Band& band) {
+    for (int64_t y = band.begin; y < band.end; y++) {
+      const T* from = source.Row<T>(y);
+      auto* to = shadow.Row<uint8_t>(y);
+      for (int32_t x = 0; x < source.width; x++) to[x] = line.LevelOf(from[x]);
+    }
+  });
 }
 
 // What magnitudes are divided by: the larger the image, the more its sums grow. Without a power of

@@ -103,6 +103,66 @@ TEST(Shadows, LeaveNaNOutOfTheRangeAndShowItBlack) {
   EXPECT_EQ(ShadowOf(image), (std::vector<uint8_t>{0, 0, 127, 255}));
 }
 
+// As it is stated, pixel by pixel.
+uint8_t LevelAsStated(double level) {
+  if (!(std::abs(level) < 9.2e18)) return 0;
+  return static_cast<uint8_t>(static_cast<int64_t>(level) & 255);
+}
+std::vector<uint8_t> ShadowAsStated(const TestImage& image) {
+  float low = 1e38F;
+  float high = -1e38F;
+  for (int32_t y = 0; y < image.height(); y++) {
+    for (int32_t x = 0; x < image.width(); x++) {
+      const float pixel = image.Get<float>(x, y);
+      if (pixel < low) low = pixel;
+      if (pixel > high) high = pixel;
+    }
+  }
+  const bool isFlat = low == high;
+  const float a = isFlat ? 1.0F : static_cast<float>(255.0 / (double{high} - double{low}));
+  const float b = isFlat ? 0.0F : static_cast<float>(-(double{a} * double{low}));
+  std::vector<uint8_t> levels;
+  for (int32_t y = 0; y < image.height(); y++) {
+    for (int32_t x = 0; x < image.width(); x++) {
+      levels.push_back(LevelAsStated(double{image.Get<float>(x, y)} * double{a} + double{b}));
+    }
+  }
+  return levels;
+}
+
+TEST(Shadows, OfAnyFloatsAreAsStated) {
+  constexpr float infinite = std::numeric_limits<float>::infinity();
+  constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+  constexpr float denormal = std::numeric_limits<float>::denorm_min();
+  const std::vector<std::vector<float>> specials = {{},
+                                                    {nan, -nan},
+                                                    {infinite},
+                                                    {-infinite, infinite},
+                                                    {3e38F, -3e38F},
+                                                    {1e-40F},
+                                                    {denormal, nan},
+                                                    {-1e30F, 1e30F},
+                                                    {2e38F},
+                                                    {-0.0F, 255.0F},
+                                                    {1e20F},
+                                                    {-5e9F, nan, 1e10F},
+                                                    {-1e-30F, 1e-30F}};
+  for (size_t i = 0; i < specials.size(); i++) {
+    for (const int32_t width : {1, 7, 33, 400}) {
+      const TestImage image(IMAGE_SGL, width, width, 1, i + 3);
+      for (size_t k = 0; k < specials[i].size() && k < static_cast<size_t>(width); k++) {
+        image.Set<float>(static_cast<int32_t>(k), 0, specials[i][k]);
+      }
+      EXPECT_EQ(ShadowOf(image), ShadowAsStated(image)) << i << " at " << width;
+    }
+  }
+  const TestImage all(IMAGE_SGL, 2, 2);
+  for (const float value : {infinite, nan, 2e38F, -3e38F, 1e-40F, 300.0F, -1.0F}) {
+    for (int32_t i = 0; i < 4; i++) all.Set<float>(i % 2, i / 2, value);
+    EXPECT_EQ(ShadowOf(all), ShadowAsStated(all)) << value;
+  }
+}
+
 TEST(Shadows, OfSpectraHaveTheirCornersInTheMiddle) {
   // 64 x 64: 2^n at most 4 gives n = 2 and a divisor of 32.
   const TestImage image(IMAGE_COMPLEX, 64, 64);

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 
 #include "core/images.h"
 #include "core/numbers.h"
@@ -110,9 +111,13 @@ void SelectionInvert() {
 }
 
 void SelectionMove(int64_t cell) {
+  const Desktop& desktop = DesktopInUse();
+  const int32_t canvas = display.bindings[TOOLS_WINDOW].canvas;
+  desktop.beginBatch(canvas);
   SelectionInvert();
   display.tools.selected = static_cast<int32_t>(cell + 1);
   SelectionInvert();
+  desktop.endBatch(canvas);
 }
 
 int64_t CellOf(int32_t tool) {
@@ -124,6 +129,8 @@ int64_t CellOf(int32_t tool) {
 }
 
 // ---- the box of coordinates
+
+constexpr size_t FIELD_LETTERS = 6;  // of a value
 
 enum BoxHeight : int32_t { BOX_OF_POINTER = 47, BOX_OF_SHAPE = 107, BOX_OF_LINE = 137 };
 
@@ -140,7 +147,12 @@ class BoxPainter {
 
   void Field(const char* label, double value) {
     char text[32];
-    std::snprintf(text, sizeof(text), "%.6g", value);
+    // With as many digits as there is room for.
+    int32_t digits = 6;
+    do {
+      std::snprintf(text, sizeof(text), "%.*g", digits, value);
+      digits--;
+    } while (digits > 0 && std::strlen(text) > FIELD_LETTERS);
     const int32_t top = top_ + 3 + FIELD * fields_++;
     const int32_t middle = left_ + 2 + LABEL_WIDTH;
     const CanvasPainter painter(TOOLS_WINDOW, PenOfColour(BLACK), box_);

@@ -32,9 +32,10 @@ TEST_F(Windows, AreMadeHiddenByTheFirstQuestion) {
   EXPECT_EQ(Ask(22, -2), (Numbers{280, 40}));
   EXPECT_EQ(Ask(16, -3), (Numbers{53, 28, 0}));
   EXPECT_EQ(Ask(9, -1), Numbers{});
+  EXPECT_EQ(Ask(9, -98).size(), 3u);
   int32_t panel = -1;
   ZEL_GetWindowIDs(9, &panel, nullptr);
-  EXPECT_EQ(panel, 0) << "a question for its shape leaves a window closed";
+  EXPECT_EQ(panel, 0) << "a question for its shape or for the pointer leaves a window closed";
 }
 
 TEST_F(Windows, OutsideTheTableFail) {
@@ -59,9 +60,9 @@ TEST_F(Windows, OutsideTheTableFail) {
 }
 
 TEST_F(Windows, WithoutAFontAreUnusableUntilTheLibraryIsClosed) {
-  zel::MemoryDesktopFaultsGet()->noFonts = true;
+  zel::DesktopFaultsGet()->noFonts = true;
   EXPECT_EQ(ZEL_WindDraw(0, 0, nullptr, 0), -600);
-  zel::MemoryDesktopFaultsGet()->noFonts = false;
+  zel::DesktopFaultsGet()->noFonts = false;
   EXPECT_EQ(ZEL_WindDraw(0, 0, nullptr, 0), -600);
   WindowEvent event{};
   EXPECT_EQ(ZEL_GetLastEvent(&event), -600);
@@ -70,13 +71,13 @@ TEST_F(Windows, WithoutAFontAreUnusableUntilTheLibraryIsClosed) {
 }
 
 TEST_F(Windows, ThatTheDesktopRefusesFailAndLeaveNothing) {
-  zel::MemoryDesktopFaultsGet()->noPanels = true;
+  zel::DesktopFaultsGet()->noPanels = true;
   EXPECT_EQ(ZEL_WindDraw(0, 0, nullptr, 0), -601);
   EXPECT_EQ(ZEL_WindToolsSetup(0, nullptr, 0, 0), -601);
-  zel::MemoryDesktopFaultsGet()->noPanels = false;
-  zel::MemoryDesktopFaultsGet()->noCanvases = true;
+  zel::DesktopFaultsGet()->noPanels = false;
+  zel::DesktopFaultsGet()->noCanvases = true;
   EXPECT_EQ(ZEL_WindDraw(0, 18, nullptr, 0), -601);
-  zel::MemoryDesktopFaultsGet()->noCanvases = false;
+  zel::DesktopFaultsGet()->noCanvases = false;
   EXPECT_EQ(zel::MemoryDesktopPanels(), 0);
   EXPECT_EQ(ZEL_WindDraw(0, 18, nullptr, 0), 0);
 }

@@ -47,6 +47,8 @@ struct DesktopEvent {
   int32_t canvas = 0;  // 0 for an event of the panel
   int32_t x = 0, y = 0;
   int32_t modifiers = 0;  // EventModifier
+  // The character's number; 8, 9, 13, 27 of backspace, tab, return and escape, 512 of delete; of
+  // other keys the number that the desktop has for them, from 0xFF00 up.
   int32_t key = 0;
   int32_t left = 0, top = 0, width = 0, height = 0;
 };
@@ -101,6 +103,18 @@ struct FontStyle {
   bool isBold, isItalic, isUnderlined, isStruckOut;
 };
 
+enum class ClipboardState {
+  CLOSED,  // it cannot be looked into, or written
+  EMPTY,   // nothing, or no picture
+  FILLED,
+};
+
+// A packed device-independent bitmap: header, colour table, rows.
+struct ClipboardBitmap {
+  const uint8_t* bytes;
+  size_t size;
+};
+
 // The font that meta fonts are made from.
 constexpr char DESKTOP_BASE_FONT[] = "PtkAppMetaFont";
 
@@ -150,11 +164,18 @@ struct Desktop {
   void (*beep)();
   uint32_t (*ticks)();  // milliseconds of a clock that only goes forward, low 32 bits
   int32_t (*metaFont)(const char* name, const char* base, const FontStyle& style);  // 0, or below
+
+  // Bytes that are read belong to the desktop, until its next operation.
+  ClipboardState (*clipboardRead)(ClipboardBitmap* bitmap);
+  bool (*clipboardWrite)(const ClipboardBitmap& bitmap);  // false: no memory for it
 };
 
-// The one in use: at first one in memory, which nobody sees.
+// The one in use. The first call opens the machine's own, or, where there is none, one in memory,
+// which nobody sees.
 const Desktop& DesktopInUse();
-// Null puts the first one back.
+// Null lets the next call choose again.
 void DesktopUse(const Desktop* desktop);
+// Gives back what the machine's desktop holds and nobody uses any more: when the library is closed.
+void DesktopLeave();
 
 }  // namespace zel

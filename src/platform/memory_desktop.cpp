@@ -1,24 +1,17 @@
 // Panels and canvases in memory, and what a person does to them by a script.
 #include "platform/memory_desktop.h"
 
-#include <time.h>
-
 #include <deque>
 #include <map>
 #include <string>
+#include <utility>
 
-#include "platform/memory_picture.h"
+#include "platform/built_in_face.h"
+#include "platform/byte_block.h"
+#include "platform/canvases.h"
 
 namespace zel {
 namespace {
-
-constexpr size_t TEXTS_KEPT = 4096;
-
-struct Canvas {
-  MemoryPicture picture;
-  int32_t penX = 0, penY = 0;
-  std::string texts;
-};
 
 struct Panel {
   std::string title;
@@ -39,8 +32,6 @@ struct Deed {
 
 struct State {
   std::map<int32_t, Panel> panels;
-  std::map<int32_t, Canvas> canvases;
-  std::map<int32_t, DesktopBitmap> bitmaps;
   std::deque<Sink> sinks;
   std::deque<Deed> script;
   PointerState lastPointer{0, 0, false, false};
@@ -49,11 +40,10 @@ struct State {
   bool isClockStopped = false;
   uint32_t ticks = 0;
   int32_t beeps = 0;
-  MemoryDesktopFaults faults;
+  ByteBlock clipboard;
 };
 
 State state;
-int32_t lastNumber = 0;
 
 template <class T>
 T* Find(std::map<int32_t, T>* all, int32_t number) {
@@ -61,34 +51,17 @@ T* Find(std::map<int32_t, T>* all, int32_t number) {
   return found == all->end() ? nullptr : &found->second;
 }
 
-Canvas* CanvasOf(int32_t canvas) {
-  return Find(&state.canvases, canvas);
-}
-
-// The picture to draw into, or null where drawing is dropped.
-MemoryPicture* PictureOf(int32_t canvas) {
-  Canvas* found = CanvasOf(canvas);
-  if (!found) return nullptr;
-  if (found->picture.IsDrawn()) return &found->picture;
-  int64_t area = found->picture.Area();
-  if (area > state.faults.mostPixels) return nullptr;
-  for (const auto& [number, other] : state.canvases) {
-    if (other.picture.IsDrawn()) area += other.picture.Area();
-  }
-  const bool isTooMuch = area > int64_t{MEMORY_CANVAS_LIMIT} * MEMORY_CANVAS_LIMIT;
-  return !isTooMuch && found->picture.Begin() ? &found->picture : nullptr;
-}
-
 int32_t PanelCreate(int32_t, const char* title, const DesktopRect& rect) {
-  if (state.faults.noPanels) return -1;
+  if (DesktopFaultsGet()->noPanels) return -1;
   Panel panel;
   panel.title = title;
   panel.attributes = {{PANEL_LEFT, rect.left},
                       {PANEL_TOP, rect.top},
                       {PANEL_WIDTH, rect.width},
                       {PANEL_HEIGHT, rect.height}};
-  state.panels.emplace(++lastNumber, std::move(panel));
-  return lastNumber;
+  const int32_t number = DesktopNumberNext();
+  state.panels.emplace(number, std::move(panel));
+  return number;
 }
 
 void PanelDiscard(int32_t panel) {
@@ -98,13 +71,7 @@ void PanelDiscard(int32_t panel) {
 }
 
 int32_t CanvasCreate(int32_t panel) {
-  if (state.faults.noCanvases || !Find(&state.panels, panel)) return -1;
-  state.canvases[++lastNumber];
-  return lastNumber;
-}
-
-void CanvasDiscard(int32_t, int32_t canvas) {
-  state.canvases.erase(canvas);
+  return Find(&state.panels, panel) ? CanvasNew(panel) : -1;
 }
 
 void PanelSet(int32_t panel, int32_t attribute, int32_t value) {
@@ -147,82 +114,7 @@ int32_t Active() {
   return state.activePanel;
 }
 
-void CanvasSet(int32_t, int32_t canvas, int32_t attribute, int32_t value) {
-  Canvas* found = CanvasOf(canvas);
-  if (!found) return;
-  MemoryPicture& picture = found->picture;
-  if (attribute == CANVAS_WIDTH) picture.Resize(value, picture.Height());
-  if (attribute == CANVAS_HEIGHT) picture.Resize(picture.Width(), value);
-  if (attribute == CANVAS_BACKGROUND) picture.SetBackground(static_cast<uint32_t>(value));
-}
-
-void CanvasPen(int32_t canvas, const DesktopPen& pen) {
-  if (Canvas* found = CanvasOf(canvas)) found->picture.pen = pen;
-}
-
-void PenDefaults(int32_t canvas) {
-  CanvasPen(canvas, {});
-}
-
-void PenMove(int32_t canvas, int32_t x, int32_t y) {
-  Canvas* found = CanvasOf(canvas);
-  if (!found) return;
-  found->penX = x;
-  found->penY = y;
-}
-
-void LineTo(int32_t canvas, int32_t x, int32_t y) {
-  Canvas* found = CanvasOf(canvas);
-  if (!found) return;
-  if (MemoryPicture* picture = PictureOf(canvas)) picture->Line(found->penX, found->penY, x, y);
-  PenMove(canvas, x, y);
-}
-
-void Rect(int32_t canvas, const DesktopRect& rect, ShapeFill fill) {
-  if (MemoryPicture* picture = PictureOf(canvas)) picture->Rect(rect, fill);
-}
-
-void Oval(int32_t canvas, const DesktopRect& rect, ShapeFill fill) {
-  if (MemoryPicture* picture = PictureOf(canvas)) picture->Oval(rect, fill);
-}
-
-void Invert(int32_t canvas, const DesktopRect& rect) {
-  if (MemoryPicture* picture = PictureOf(canvas)) picture->Invert(rect);
-}
-
-void Text(int32_t canvas, const char* text, const char*, const DesktopRect&, TextAlignment) {
-  Canvas* found = CanvasOf(canvas);
-  if (!found) return;
-  found->texts.append(text).append("\n");
-  if (found->texts.size() > TEXTS_KEPT) found->texts.erase(0, found->texts.size() - TEXTS_KEPT);
-}
-
-DesktopRect Clip(int32_t canvas) {
-  const Canvas* found = CanvasOf(canvas);
-  return found ? found->picture.clip : DesktopRect{};
-}
-
-void SetClip(int32_t canvas, const DesktopRect& rect) {
-  if (Canvas* found = CanvasOf(canvas)) found->picture.clip = rect;
-}
-
 void Batch(int32_t) {}
-
-int32_t BitmapCreate(const DesktopBitmap& bitmap) {
-  if (state.faults.noBitmaps) return -1;
-  state.bitmaps.emplace(++lastNumber, bitmap);
-  return lastNumber;
-}
-
-void BitmapDiscard(int32_t bitmap) {
-  state.bitmaps.erase(bitmap);
-}
-
-void Blit(int32_t canvas, int32_t bitmap, const DesktopRect& source, const DesktopRect& to) {
-  const DesktopBitmap* from = Find(&state.bitmaps, bitmap);
-  if (!from || to.width < 1 || to.height < 1) return;
-  if (MemoryPicture* picture = PictureOf(canvas)) picture->Blit(*from, source, to);
-}
 
 void HandOut(const DesktopEvent& event) {
   for (const Sink& sink : state.sinks) {
@@ -267,14 +159,28 @@ void Beep() {
 }
 
 uint32_t Ticks() {
-  if (state.isClockStopped) return state.ticks;
-  timespec now{};
-  clock_gettime(CLOCK_MONOTONIC, &now);
-  return static_cast<uint32_t>(now.tv_sec * 1000 + now.tv_nsec / 1000000);
+  return state.isClockStopped ? state.ticks : MachineTicks();
 }
 
-int32_t MetaFont(const char*, const char*, const FontStyle&) {
-  return state.faults.noFonts ? -1 : 0;
+int32_t MetaFont(const char* name, const char*, const FontStyle& style) {
+  if (DesktopFaultsGet()->noFonts) return -1;
+  CanvasFont(name, style, BUILT_IN_FACE);
+  return 0;
+}
+
+ClipboardState ClipboardRead(ClipboardBitmap* bitmap) {
+  if (DesktopFaultsGet()->noClipboard) return ClipboardState::CLOSED;
+  if (state.clipboard.size() == 0) return ClipboardState::EMPTY;
+  *bitmap = {state.clipboard.data(), state.clipboard.size()};
+  return ClipboardState::FILLED;
+}
+
+bool ClipboardWrite(const ClipboardBitmap& bitmap) {
+  if (DesktopFaultsGet()->noClipboard) return true;
+  ByteBlock bytes;
+  if (!bytes.Append(bitmap.bytes, bitmap.size)) return false;
+  state.clipboard = std::move(bytes);
+  return true;
 }
 
 }  // namespace
@@ -283,7 +189,7 @@ constinit const Desktop MEMORY_DESKTOP{
     .panelCreate = &PanelCreate,
     .panelDiscard = &PanelDiscard,
     .canvasCreate = &CanvasCreate,
-    .canvasDiscard = &CanvasDiscard,
+    .canvasDiscard = &CanvasForget,
     .panelSet = &PanelSet,
     .panelGet = &PanelGet,
     .panelSetTitle = &PanelSetTitle,
@@ -294,20 +200,20 @@ constinit const Desktop MEMORY_DESKTOP{
     .active = &Active,
     .canvasSet = &CanvasSet,
     .canvasPen = &CanvasPen,
-    .penDefaults = &PenDefaults,
-    .penMove = &PenMove,
-    .lineTo = &LineTo,
-    .rect = &Rect,
-    .oval = &Oval,
-    .invert = &Invert,
-    .text = &Text,
-    .clip = &Clip,
-    .setClip = &SetClip,
+    .penDefaults = &CanvasPenDefaults,
+    .penMove = &CanvasPenMove,
+    .lineTo = &CanvasLineTo,
+    .rect = &CanvasRect,
+    .oval = &CanvasOval,
+    .invert = &CanvasInvert,
+    .text = &CanvasText,
+    .clip = &CanvasClip,
+    .setClip = &CanvasSetClip,
     .beginBatch = &Batch,
     .endBatch = &Batch,
-    .bitmapCreate = &BitmapCreate,
-    .bitmapDiscard = &BitmapDiscard,
-    .blit = &Blit,
+    .bitmapCreate = &BitmapNew,
+    .bitmapDiscard = &BitmapForget,
+    .blit = &CanvasBlit,
     .pump = &Pump,
     .idle = &Idle,
     .pointer = &Pointer,
@@ -315,10 +221,13 @@ constinit const Desktop MEMORY_DESKTOP{
     .beep = &Beep,
     .ticks = &Ticks,
     .metaFont = &MetaFont,
+    .clipboardRead = &ClipboardRead,
+    .clipboardWrite = &ClipboardWrite,
 };
 
 void MemoryDesktopReset() {
   state = {};
+  CanvasesForget();
 }
 
 void MemoryDesktopPost(const DesktopEvent& event) {
@@ -332,10 +241,6 @@ void MemoryDesktopPointer(int32_t x, int32_t y, bool leftDown) {
 void MemoryDesktopTicks(uint32_t ticks) {
   state.isClockStopped = true;
   state.ticks = ticks;
-}
-
-MemoryDesktopFaults* MemoryDesktopFaultsGet() {
-  return &state.faults;
 }
 
 uint32_t MemoryDesktopPixel(int32_t canvas, int32_t x, int32_t y) {

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "platform/canvases.h"
 #include "platform/desktop.h"
 
 namespace zel {
@@ -15,7 +16,8 @@ constexpr int32_t MEMORY_SCREEN_HEIGHT = 1080;
 // Drawing into larger canvases is dropped, and where all pictures together would pass this square.
 constexpr int32_t MEMORY_CANVAS_LIMIT = 8192;
 
-// Without panels, events, samples and fonts, and with a clock that runs; numbers go on.
+// Without panels, events, samples, fonts and faults, with an empty clipboard and a clock that runs;
+// numbers go on.
 void MemoryDesktopReset();
 
 // What a person does, in this order. The pump hands out the events up to the next sample of the
@@ -28,21 +30,10 @@ void MemoryDesktopPointer(int32_t x, int32_t y, bool leftDown);
 // Stops the clock at a time.
 void MemoryDesktopTicks(uint32_t ticks);
 
-// Failures of the desktop, for as long as they are set.
-struct MemoryDesktopFaults {
-  bool noPanels = false;
-  bool noCanvases = false;
-  bool noBitmaps = false;
-  bool noFonts = false;
-  // Pictures of more pixels are not drawn.
-  int64_t mostPixels = INT64_MAX;
-};
-MemoryDesktopFaults* MemoryDesktopFaultsGet();
-
 // What was drawn: 0x00RRGGBB, or 0xFFFFFFFF outside the canvas and where nothing was drawn yet.
 uint32_t MemoryDesktopPixel(int32_t canvas, int32_t x, int32_t y);
 // The texts that a canvas was given since it was made, each ended by a line feed; of the last ones
-// so many as fit. Letters are not drawn.
+// so many as fit. They are drawn in the built-in face.
 const char* MemoryDesktopTexts(int32_t canvas);
 int32_t MemoryDesktopBeeps();
 int32_t MemoryDesktopPanels();  // not discarded yet

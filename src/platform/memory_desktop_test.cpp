@@ -3,8 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <string_view>
 #include <vector>
+
+#include "platform/built_in_face.h"
+#include "platform/machine_fonts.h"
+#include "platform/memory_picture.h"
 
 namespace {
 
@@ -188,6 +194,108 @@ TEST_F(MemoryDesktop, DropsDrawingBeyondItsLimits) {
   desktop_.oval(canvas_, {-5, -5, INT32_MAX, 3}, zel::ShapeFill::FILL);
   Line(INT32_MIN, INT32_MAX, INT32_MAX, INT32_MIN);
   EXPECT_EQ(zel::MemoryDesktopPixel(canvas_, 100, 0), UINT32_MAX);
+}
+
+class MemoryText : public MemoryDesktop {
+ protected:
+  MemoryText() {
+    desktop_.metaFont("letters", zel::DESKTOP_BASE_FONT, {10, false, false, false, false});
+    Clear();
+  }
+  struct Box {
+    int32_t left = SIDE, top = SIDE, right = -1, bottom = -1;  // of the first and last pixels
+    bool operator==(const Box&) const = default;
+  };
+  Box BoxSet() const {
+    Box box;
+    for (int32_t i = 0; i < SIDE * SIDE; i++) {
+      const int32_t x = i % SIDE;
+      const int32_t y = i / SIDE;
+      if (!IsSet(x, y)) continue;
+      box = {std::min(box.left, x), std::min(box.top, y), std::max(box.right, x),
+             std::max(box.bottom, y)};
+    }
+    return box;
+  }
+  // "H" is 5 wide and 7 high, in a cell of 6 by 10.
+  Box Drawn(const char* text, const zel::DesktopRect& rect, zel::TextAlignment alignment) {
+    Clear();
+    desktop_.text(canvas_, text, "letters", rect, alignment);
+    return BoxSet();
+  }
+};
+
+TEST_F(MemoryText, StandsInItsRectangle) {
+  using enum zel::TextAlignment;
+  const zel::DesktopRect rect{20, 10, 10, 40};
+  EXPECT_EQ(Drawn("H", rect, LEFT), (Box{10, 20, 14, 26}));
+  EXPECT_EQ(Drawn("H", rect, CENTRE), (Box{27, 20, 31, 26}));
+  EXPECT_EQ(Drawn("H", rect, RIGHT), (Box{44, 20, 48, 26}));
+  EXPECT_EQ(Drawn("HHHHHHHHHHHH", rect, LEFT), (Box{10, 20, 49, 26})) << "cut at its side";
+  // Letters of 10 points are 16 pixels high, where there is room: in the middle of 30.
+  EXPECT_EQ(Drawn("H", {20, 10, 30, 40}, LEFT), (Box{10, 27, 14, 33}));
+  EXPECT_EQ(Drawn("H", {20, 10, 0, 40}, LEFT), Box{});
+  EXPECT_EQ(Drawn("H", {20, 10, 10, -4}, LEFT), Box{});
+  EXPECT_EQ(Drawn("", rect, LEFT), Box{});
+}
+
+TEST_F(MemoryText, HasALineForEachLineFeed) {
+  using enum zel::TextAlignment;
+  EXPECT_EQ(Drawn("H\nH\n", {0, 0, 30, 30}, LEFT), (Box{0, 0, 4, 16}));
+  EXPECT_EQ(Drawn("\n\nH", {0, 0, 30, 30}, LEFT), (Box{0, 20, 4, 26}));
+}
+
+TEST_F(MemoryText, IsClippedAndTakesThePensForeground) {
+  using enum zel::TextAlignment;
+  desktop_.setClip(canvas_, {22, 0, 3, 12});
+  EXPECT_EQ(Drawn("HH", {20, 10, 10, 40}, LEFT), (Box{10, 22, 11, 24}));
+  desktop_.setClip(canvas_, {0, 0, SIDE, SIDE});
+  Clear();
+  zel::DesktopPen pen;
+  pen.foreground = 0x123456;
+  pen.pattern[0] = 0;
+  pen.mode = zel::PEN_INVERT;
+  desktop_.canvasPen(canvas_, pen);
+  for (const uint32_t expected : {0x123456u, 0u}) {
+    desktop_.text(canvas_, "H", "letters", {0, 0, 10, 10}, LEFT);
+    EXPECT_EQ(zel::MemoryDesktopPixel(canvas_, 0, 0), expected);
+  }
+}
+
+TEST_F(MemoryText, InAnUnknownFontIsNotDrawn) {
+  desktop_.text(canvas_, "H", "others", {0, 0, 10, 10}, zel::TextAlignment::LEFT);
+  EXPECT_EQ(BoxSet(), Box{});
+}
+
+TEST(WindowText, WithoutFontsIsDrawnInTheBuiltInFace) {
+  static constexpr zel::TextRasteriser none{
+      .measure = [](const zel::FontRequest&, std::string_view, int32_t*) -> int32_t {
+        return zel::FONT_MISSING;
+      },
+      .draw = [](const zel::FontRequest&, std::string_view, const zel::TextPixels&) -> int32_t {
+        return zel::FONT_MISSING;
+      },
+      .release = [] {}};
+  const zel::TextRasteriser* faces[] = {&none, &zel::BUILT_IN_FACE, &zel::MACHINE_FONTS};
+  zel::MemoryPicture pictures[3];
+  for (int32_t i = 0; i < 3; i++) {
+    pictures[i].Resize(60, 20);
+    ASSERT_TRUE(pictures[i].Begin());
+    pictures[i].pen.foreground = 0;
+    pictures[i].Text("Size", {10, false, false, false, false}, {0, 0, 20, 60},
+                     zel::TextAlignment::LEFT, *faces[i]);
+  }
+  int32_t set = 0;
+  int32_t others = 0;
+  for (int32_t y = 0; y < 20; y++) {
+    for (int32_t x = 0; x < 60; x++) {
+      EXPECT_EQ(pictures[0].Pixel(x, y), pictures[1].Pixel(x, y));
+      set += pictures[0].Pixel(x, y) == 0 ? 1 : 0;
+      others += pictures[0].Pixel(x, y) != pictures[2].Pixel(x, y) ? 1 : 0;
+    }
+  }
+  EXPECT_GT(set, 20);
+  EXPECT_GT(others, 0);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "platform/desktop.h"
+#include "platform/fonts.h"
 
 namespace zel {
 
@@ -23,6 +24,7 @@ class MemoryPicture {
   bool Begin();
 
   uint32_t Pixel(int32_t x, int32_t y) const;
+  const uint32_t* Row(int32_t y) const { return pixels_.get() + int64_t{y} * width_; }
   DesktopPen pen;
   DesktopRect clip{};
 
@@ -30,19 +32,32 @@ class MemoryPicture {
   void Rect(const DesktopRect& rect, ShapeFill fill);
   void Oval(const DesktopRect& rect, ShapeFill fill);
   void Invert(const DesktopRect& rect);
+  // Lines are parted by line feeds and stand in the middle of the rectangle's height, no higher
+  // than fits there. Letters take the pen's foreground without its pattern; where the fonts given
+  // are none, they are those of the built-in face.
+  void Text(const char* text, const FontStyle& style, const DesktopRect& rect,
+            TextAlignment alignment, const TextRasteriser& fonts);
   void Blit(const DesktopBitmap& bitmap, const DesktopRect& source, const DesktopRect& to);
+
+  // What was drawn on since the last call: all that is not in it is as it was.
+  DesktopRect TakeChanged();
 
  private:
   struct Box {
     int64_t left, top, right, bottom;  // right and bottom are one past the last pixel
   };
+  static constexpr Box NOTHING{INT32_MAX, INT32_MAX, 0, 0};
+  void Change(const Box& box);
   Box Clipped(const DesktopRect& rect) const;
+  void Line(std::string_view line, const FontRequest& font, const DesktopRect& place,
+            TextAlignment alignment, const TextRasteriser& fonts);
   void Dot(int64_t x, int64_t y);
   void Span(int64_t left, int64_t right, int64_t y);
   uint32_t* At(int64_t x, int64_t y) { return pixels_.get() + y * width_ + x; }
 
   int32_t width_ = 0, height_ = 0;
   uint32_t background_ = 0xFFFFFF;
+  Box changed_ = NOTHING;
   std::unique_ptr<uint32_t[]> pixels_;
 };
 

@@ -70,7 +70,7 @@ int64_t Gradient::SkipSmaller(float limit, int64_t most) {
 int64_t Gradient::SkipExactly(float limit, int64_t most) {
   ExactWindow before = before_.Exact();
   ExactWindow after = after_.Exact();
-  float former = value_;
+  float former;
   float value = value_;
   int64_t skipped = 0;
   do {

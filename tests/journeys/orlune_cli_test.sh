@@ -441,6 +441,15 @@ in_err "the TIFF file has 1 page; there is no #2"
 run 0 info --json "$scenes/chips.tif"
 in_out '"byteOrder": "big-endian"'
 
+# Windows need a display
+DISPLAY="" run 1 view "$scenes/washers.bmp"
+in_err "there is no display"
+silent out
+DISPLAY=:none run 1 view "$scenes/washers.bmp"
+in_err "there is no display"
+run 0 view --help
+in_out "save a marked copy"
+
 # Manual pages and completions are made of the same list of options
 for command in "" inspect filter convert info; do
   # shellcheck disable=SC2086
@@ -539,6 +548,9 @@ grep -q 'upright.bmp,interleaved,"20261122",' codes.csv || fail "$what: wrong CS
 grep -q '"0417"' codes.json || fail "$what: wrong JSON report"
 run 0 read barcode --kind interleaved -j 2 --quiet --csv - "$labels/upright.bmp" "$labels/turned.bmp"
 cmp -s out codes.csv || fail "$what: another report with two workers"
+run 0 read barcode --kind interleaved --quiet --annotate marked "$labels/turned.bmp"
+cmp -s marked/turned-read.bmp "$labels/turned.bmp" && fail "nothing is marked"
+run 0 info marked/turned-read.bmp
 run 1 read barcode --kind interleaved "$gauges/empty.bmp" "$labels/upright.bmp"
 in_out "20261122"
 run 1 read barcode --kind ean13 "$labels/upright.bmp"

@@ -2,6 +2,7 @@
 // headers tell it.
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -471,6 +472,255 @@ TEST(Spectra, WithoutWorkMemoryHaveSettledTheDestination) {
   EXPECT_TRUE(IsCalibratedAs(spectrum, 1));
   EXPECT_EQ(ZEL_InverseFFT(spectrum, result), ZEL_ERR_MEMORY_FULL);
   EXPECT_TRUE(IsCalibratedAs(result, 1) && HasSize(result, 16, 4096));
+}
+
+struct FreeRegion {
+  void operator()(RoiDescriptor* region) const { ZEL_FreeROI(region); }
+};
+using Region = std::unique_ptr<RoiDescriptor, FreeRegion>;
+
+// Contours of one type, each of so many points at 0, 1, 2 and so on.
+std::vector<int32_t> FlatContours(int32_t type, const std::vector<int32_t>& pointCounts) {
+  std::vector<int32_t> flat(4);
+  for (const int32_t count : pointCounts) {
+    flat.insert(flat.end(), {ROI_MARKER_EXTERNAL, type});
+    for (int32_t i = 0; i < 2 * count; ++i) flat.push_back(i);
+  }
+  return flat;
+}
+
+Region MakeRegion(const std::vector<int32_t>& flat) {
+  RoiDescriptor* region = nullptr;
+  EXPECT_EQ(ZEL_ArrayToROI(flat.data(), static_cast<int32_t>(flat.size()), &region), 0);
+  return Region(region);
+}
+
+TEST(Regions, WithoutMemoryForAContourHaveThoseBeforeIt) {
+  const std::vector<int32_t> flat = FlatContours(ROI_POLYGON, {3, 4, 10000, 5});
+  const SmallBlocksOnly small(10000);
+  RoiDescriptor* made = nullptr;
+  EXPECT_EQ(ZEL_ArrayToROI(flat.data(), static_cast<int32_t>(flat.size()), &made),
+            ZEL_ERR_MEMORY_FULL);
+  const Region region(made);
+  ASSERT_NE(region, nullptr);
+  ASSERT_EQ(region->contourCount, 2);
+  EXPECT_EQ(region->contours[0]->pointCount, 3);
+  EXPECT_EQ(region->contours[1]->points[3].y, 7);
+}
+
+TEST(Regions, ThatCannotBeTracedLeaveTheRecord) {
+  const TestImage words = Marked(IMAGE_I16, 9, 5, 1);
+  const TestImage large(IMAGE_U8, LARGE, LARGE, 0, 2);
+  Region region = MakeRegion(FlatContours(ROI_POLYGON, {3, 4}));
+  int32_t limitReached = 7;
+  RoiDescriptor* record = region.get();
+  EXPECT_EQ(ZEL_MaskToROI(words, 0, 100, &record, &limitReached), ZEL_ERR_BAD_TYPE);
+  {
+    const SmallBlocksOnly small(10000);
+    EXPECT_EQ(ZEL_MaskToROI(large, 0, 100000, &record, &limitReached), ZEL_ERR_MEMORY_FULL);
+  }
+  EXPECT_EQ(record, region.get());
+  EXPECT_EQ(record->contourCount, 2);
+  EXPECT_EQ(record->contours[1]->pointCount, 4);
+  EXPECT_EQ(limitReached, 7);
+}
+
+TEST(Regions, TooLargeToBePaintedLeaveTheMask) {
+  const TestImage mask = Marked(IMAGE_U8, 9, 5, 1);
+  const TestImage model(IMAGE_U8, LARGE, LARGE);
+  const std::vector<uint8_t> before = mask.Block();
+  const Region region = MakeRegion(FlatContours(ROI_RECT, {2}));
+  const SmallBlocksOnly small;
+  EXPECT_EQ(ZEL_ROIToMask(mask, model, region.get(), 255), ZEL_ERR_MEMORY_FULL);
+  EXPECT_TRUE(IsCalibratedAs(mask, 1) && HasSize(mask, 9, 5));
+  EXPECT_EQ(mask.Block(), before);
+}
+
+// A result table that is there already, as failing calls have to leave it.
+template <class Element>
+struct KeptTable {
+  Element* elements = static_cast<Element*>(ZEL_malloc(sizeof(Element)));
+  Element* const before = elements;
+  int32_t count = 77;
+
+  KeptTable() = default;
+  KeptTable(const KeptTable&) = delete;
+  KeptTable& operator=(const KeptTable&) = delete;
+  ~KeptTable() { ZEL_free(elements); }
+
+  bool IsUntouched() const { return elements == before && count == 77; }
+};
+
+std::vector<PointInt> PathOf(int32_t length) {
+  std::vector<PointInt> path;
+  for (int32_t x = 0; x < length; ++x) path.push_back({x, 2});
+  return path;
+}
+
+TEST(Gauges, ThatFailLeaveTheirTables) {
+  const TestImage image = Marked(IMAGE_U8, 40, 5, 1);
+  const TestImage colors = Marked(IMAGE_RGB, 40, 5, 2);
+  const std::vector<PointInt> path = PathOf(40);
+  KeptTable<EdgeRecord> edges;
+  KeptTable<CaliperReport> pairs;
+  KeptTable<PointFloat> places, ends;
+  KeptTable<float> values;
+  EXPECT_EQ(ZEL_FindEdges(image, path.data(), 40, 9, 2, 5, 2, 0, &edges.count, &edges.elements,
+                          &places.elements),
+            ZEL_ERR_BAD_INTERPOLATION);
+  EXPECT_EQ(ZEL_FindEdges(image, path.data(), 4, 0, 2, 5, 2, 0, &edges.count, &edges.elements,
+                          &places.elements),
+            ZEL_ERR_TOO_FEW_POINTS);
+  EXPECT_EQ(ZEL_Caliper(image, path.data(), 4, 0, 2, 5, 2, 0, PAIR_ANY, 0, 0, &pairs.count,
+                        &pairs.elements, &ends.count, &ends.elements),
+            ZEL_ERR_TOO_FEW_POINTS);
+  EXPECT_EQ(ZEL_Interpolate1D(image, path.data(), 40, 9, 2, &values.elements, &values.count),
+            ZEL_ERR_BAD_INTERPOLATION);
+  EXPECT_EQ(ZEL_SimpleEdge(colors, path.data(), 40, EDGE_ALL, 0, 9, 1, 1, &places.elements,
+                           &places.count),
+            ZEL_ERR_BAD_TYPE);
+  {
+    const SmallBlocksOnly small(10000);
+    EXPECT_EQ(ZEL_FindEdges(image, path.data(), 40, INTERP_LINEAR, 10000, 1, 2, 0, &edges.count,
+                            &edges.elements, &places.elements),
+              ZEL_ERR_MEMORY_FULL);
+    EXPECT_EQ(ZEL_Interpolate1D(image, path.data(), 40, INTERP_SPLINE, 10000, &values.elements,
+                                &values.count),
+              ZEL_ERR_MEMORY_FULL);
+  }
+  EXPECT_TRUE(edges.IsUntouched() && pairs.IsUntouched() && places.IsUntouched() &&
+              ends.IsUntouched() && values.IsUntouched());
+}
+
+TEST(Gauges, AlongLinesHaveMeasuredThoseBeforeTheOneOutside) {
+  const TestImage image = Marked(IMAGE_U8, 40, 5, 1);
+  const PointInt beside[] = {{0, 1}, {0, 1}, {0, 100}, {0, 100}, {0, 2}, {0, 2}};
+  float results[] = {-7, -7, -7, -7};
+  const auto gauge = [&](int32_t method, int32_t oversampling, int32_t mode) {
+    return ZEL_LineGauge(image, 0, 1, 30, 1, method, oversampling, 10, 2, 0, mode, beside, 6, 0, 0,
+                         0, 0, 0, 0, results);
+  };
+  EXPECT_EQ(gauge(9, 2, GAUGE_EDGE_TO_EDGE), ZEL_ERR_BAD_INTERPOLATION);
+  EXPECT_EQ(results[0], -7);
+  EXPECT_EQ(gauge(INTERP_LINEAR, 0, GAUGE_POINT_TO_POINT), 0);
+  EXPECT_EQ(results[0], 30);
+  EXPECT_EQ(results[1], 30);
+  EXPECT_EQ(results[2], -7);
+  EXPECT_EQ(results[3], -7);
+}
+
+TEST(Gauges, OfCurvesThatFailLeaveTheirTables) {
+  const std::vector<double> curve(3000, 1.0);
+  KeptTable<double> places, heights, bends;
+  const auto detect = [&](int32_t width) {
+    return ZEL_PeakValleyDetector(curve.data(), 3000, 0, width, DETECT_PEAKS, &places.count,
+                                  &places.elements, &heights.elements, &bends.elements);
+  };
+  EXPECT_EQ(detect(2), ZEL_ERR_BAD_WIDTH);
+  EXPECT_TRUE(places.IsUntouched() && heights.IsUntouched() && bends.IsUntouched());
+}
+
+// ---- dials
+
+TEST(Meters, ThatFailLeaveWhatTheyWouldGive) {
+  const TestImage image = Marked(IMAGE_U8, 40, 40, 1);
+  const TestImage colors = Marked(IMAGE_RGB, 40, 40, 2);
+  KeptTable<PointFloat> arc;
+  PointFloat base = {3, 4}, tip = {5, 6};
+  float percent = 7;
+  const std::vector<int32_t> parallel = {0, 0, 0, 0, ROI_MARKER_EXTERNAL, ROI_LINE,
+                                         1, 1, 9, 1, ROI_MARKER_EXTERNAL, ROI_LINE,
+                                         1, 5, 9, 5};
+  const Region region = MakeRegion(parallel);
+  EXPECT_EQ(ZEL_CalibrateMeter(region.get(), &base, &arc.elements, &arc.count),
+            ZEL_ERR_NO_SOLUTION);
+  EXPECT_EQ(ZEL_CalibrateMeter2(20, 20, 20, 20, 30, 20, &arc.elements, &arc.count),
+            ZEL_ERR_TOO_FEW_POINTS);
+  {
+    const SmallBlocksOnly small(10000);
+    EXPECT_EQ(ZEL_CalibrateMeter2(20, 20, 5000, 20, 20, 5000, &arc.elements, &arc.count),
+              ZEL_ERR_MEMORY_FULL);
+  }
+  EXPECT_TRUE(arc.IsUntouched());
+  const PointFloat closed[] = {{30, 20}, {20, 30}, {30, 20}};
+  EXPECT_EQ(ZEL_ReadMeter(image, 20, 20, closed, 3, 0, &percent, &tip), ZEL_ERR_DIVIDED_BY_ZERO);
+  EXPECT_EQ(ZEL_ReadMeter(colors, 20, 20, closed, 3, 0, &percent, &tip), ZEL_ERR_BAD_TYPE);
+  EXPECT_EQ(base.x, 3);
+  EXPECT_EQ(percent, 7);
+  EXPECT_EQ(tip.y, 6);
+}
+
+// A dark bar of some columns on a light ground.
+TestImage Upright(int32_t left, int32_t right) {
+  TestImage image(IMAGE_U8, 60, 40);
+  ZEL_FillImage(image, 0, 200, 0, 0, 0);
+  ZEL_DrawRect(image, image, 5, left, 30, right - left, DRAW_PAINT, 20);
+  return image;
+}
+
+std::vector<int32_t> Digits(const std::vector<int32_t>& lefts) {
+  std::vector<int32_t> flat(4);
+  for (const int32_t left : lefts) {
+    flat.insert(flat.end(), {ROI_MARKER_EXTERNAL, ROI_RECT, left, 5, left + 19, 34});
+  }
+  return flat;
+}
+
+TEST(Digits, WithoutSegmentsGiveTheirStatesAlone) {
+  const TestImage image = Upright(0, 1);
+  const Region region = MakeRegion(Digits({20}));
+  KeptTable<char> text;
+  double value = -1;
+  DigitSegments segments = {9, {9, 9, 9, 9, 9, 9, 9}};
+  EXPECT_EQ(ZEL_ReadSingleDigit(image, region.get(), 0, 10, 0, &text.elements, &value, &segments),
+            ZEL_ERR_NO_SEGMENT);
+  EXPECT_TRUE(text.IsUntouched());
+  EXPECT_EQ(value, -1);
+  EXPECT_EQ(segments.count, 1);
+  for (const uint8_t state : segments.states) EXPECT_EQ(state, 0);
+}
+
+TEST(Digits, ThatAreNearToOneGiveIt) {
+  const TestImage image = Upright(20, 24);  // the left segments alone
+  const Region region = MakeRegion(Digits({20}));
+  char* text = nullptr;
+  double value = -1;
+  DigitSegments segments{};
+  EXPECT_EQ(ZEL_ReadSingleDigit(image, region.get(), 0, 10, 0, &text, &value, &segments),
+            ZEL_ERR_INEXACT_DIGIT);
+  ASSERT_NE(text, nullptr);
+  EXPECT_EQ(text[0], '0' + static_cast<char>(value));
+  EXPECT_EQ(text[1], 0);
+  EXPECT_EQ(segments.states[4] + segments.states[5], 2);
+  ZEL_free(text);
+}
+
+TEST(Displays, ThatFailAtADigitGiveNothing) {
+  const TestImage image = Upright(16, 20);  // a 1 in the first place, nothing in the second
+  const Region region = MakeRegion(Digits({0, 35}));
+  const Region good = MakeRegion(Digits({0}));
+  KeptTable<char> text;
+  KeptTable<uint8_t> states;
+  double value = -1;
+  const auto read = [&](const Region& digits) {
+    return ZEL_ReadLCDDisplay(image, digits.get(), 0, 10, 1, 1, &text.elements, &value,
+                              &states.elements, &states.count);
+  };
+  EXPECT_EQ(read(region), ZEL_ERR_NO_SEGMENT);
+  EXPECT_TRUE(text.IsUntouched() && states.IsUntouched());
+  EXPECT_EQ(value, -1);
+  EXPECT_EQ(read(good), 0);
+  EXPECT_EQ(value, 1);
+}
+
+TEST(Displays, WithoutADigitLeaveTheRegionThatIsThere) {
+  const TestImage image = Upright(0, 0);
+  const Region region = MakeRegion(Digits({10}));
+  const Region kept = MakeRegion(Digits({1, 2, 3}));
+  RoiDescriptor* found = kept.get();
+  EXPECT_EQ(ZEL_CalibrateLCD(image, region.get(), 0, 10, &found), ZEL_ERR_NO_SEGMENT);
+  EXPECT_EQ(found, kept.get());
+  EXPECT_EQ(found->contourCount, 3);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include "core/world.h"
 #include "engine/levels.h"
 #include "orlune_ptk.h"
+#include "platform/memory_desktop.h"
 #include "platform/processor.h"
 
 namespace {
@@ -44,6 +45,8 @@ int main(int argc, char** argv) {
     std::printf("this processor has no level %s\n", wanted);
     return SKIPPED;
   }
+  // Windows in memory, also where there is a screen. Tests of the screen's own ask for it.
+  zel::DesktopUse(&zel::MEMORY_DESKTOP);
   testing::UnitTest::GetInstance()->listeners().Append(new WorldGuard);
   return RUN_ALL_TESTS();
 }

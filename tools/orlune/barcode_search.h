@@ -2,25 +2,15 @@
 // of them agree on.
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <vector>
 
+#include "orlune/barcode_kinds.h"
 #include "orlune/pictures.h"
 #include "orlune/regions.h"
 
 namespace front {
-
-enum class BarcodeKind { Codabar, Interleaved, Msi, Code39, Code93, Code128, Ean8, Ean13, UpcA };
-
-// Every kind with its name on the command line.
-struct BarcodeKindRow {
-  BarcodeKind kind;
-  std::string_view name;
-};
-const std::vector<BarcodeKindRow>& AllBarcodeKinds();
-std::string_view NameOf(BarcodeKind kind);
 
 struct BarcodeSettings {
   BarcodeKind kind = BarcodeKind::Code128;
@@ -32,11 +22,12 @@ struct BarcodeSettings {
 
 struct BarcodeReading {
   std::string text;
-  Region place;           // of the bars, in the picture or in the picture turned
-  double angle = 0.0;     // degrees by which it was turned
-  bool backward = false;  // the code runs from right to left
-  int readings = 0;       // that gave this text
-  int attempts = 0;
+  Region place;                         // of the bars, in the picture or in the picture turned
+  double angle = 0.0;                   // degrees by which it was turned
+  std::array<PointFloat, 4> corners{};  // of the place, in the picture
+  bool backward = false;                // the code runs from right to left
+  int readings = 0;                     // that gave this text
+  int attempts = 0;                     // lines or rectangles tried
 };
 
 // Looks for one code in an 8-bit picture. None where no text is read often enough. Throws

@@ -202,6 +202,24 @@ void CommandLine::AddInspect() {
   inspect->footer(INSPECT_FOOTER + MethodsHelp() + INSPECT_EXAMPLES);
 }
 
+void CommandLine::AddView() {
+  CLI::App* view =
+      app_.add_subcommand("view", "show pictures in windows, and measure regions there");
+  ViewSettings* settings = &view_.settings;
+  AddFiles(view, &settings->files);
+  AddChoice(
+      view, "--method", Methods(), [=](Method chosen) { settings->inspect.method = chosen; },
+      "how the boundary of objects is found at first")
+      ->type_name("METHOD");
+  view->add_flag("--dark", settings->inspect.dark, "objects are darker than the background");
+  view->add_option("--out", settings->folder, "save marked copies in this folder")
+      ->type_name("FOLDER");
+  view->add_flag("--swap-bytes", settings->inspect.swapBytes, SWAP_HELP);
+  std::string keys;
+  for (const std::string& line : Viewer::KeyLines()) keys += "  " + line + "\n";
+  view->footer(VIEW_FOOTER + keys + VIEW_EXAMPLES);
+}
+
 void CommandLine::AddFilter() {
   CLI::App* filter =
       app_.add_subcommand("filter", "apply filters to pictures, one after the other");
@@ -350,6 +368,9 @@ void CommandLine::AddRead() {
       ->type_name("FILE");
   read->add_option("--json", readFiles_.json, "write what was read as JSON; - is standard output")
       ->type_name("FILE");
+  read->add_option("--annotate", readFiles_.annotate,
+                   "write each picture as BMP with what was read marked")
+      ->type_name("FOLDER");
   read->add_flag("--quiet", readFiles_.quiet, "print nothing of what was read");
   AddReadingBarcodes(read);
   AddReadingGauges(read);
@@ -366,10 +387,6 @@ void CommandLine::AddReadingBarcodes(CLI::App* read) {
 void CommandLine::AddReadingGauges(CLI::App* read) {
   read->add_option("--setup", readDials_.setup, "what 'orlune calibrate' wrote of the gauge")
       ->type_name("FILE")
-      ->group(METERS_AND_DISPLAYS);
-  read->add_option("--annotate", readDials_.annotate,
-                   "write each picture as BMP with what was read marked")
-      ->type_name("FOLDER")
       ->group(METERS_AND_DISPLAYS);
 }
 
@@ -489,6 +506,7 @@ CommandLine::CommandLine()
   AddCalibrate();
   AddFilter();
   AddConvert();
+  AddView();
   AddOthers();
   app_.footer(PROGRAM_FOOTER);
 }
@@ -556,6 +574,7 @@ int CommandLine::Run(int argc, char** argv) {
   if (asked("read")) return RunRead();
   if (asked("filter")) return front::Run(filter_);
   if (asked("convert")) return front::Run(convert_);
+  if (asked("view")) return front::Run(view_);
   if (asked("calibrate")) return front::Run(calibrateDials_);
   if (asked("measures")) return ListMeasures();
   if (asked("completions")) {

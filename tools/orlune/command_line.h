@@ -46,6 +46,7 @@ class CommandLine {
   void AddCalibrate();
   void AddFilter();
   void AddConvert();
+  void AddView();
   void AddOthers();
   void Add(CLI::App* command, const Options& options);
   void AddFiles(CLI::App* command, std::vector<std::string>* files);
@@ -80,6 +81,7 @@ class CommandLine {
   ReadDialsCommand readDials_;
   FilterCommand filter_;
   ConvertCommand convert_;
+  ViewCommand view_;
   CalibrateDialsCommand calibrateDials_;
   std::string helpTopic_, manualTopic_, shell_;
 };

@@ -13,6 +13,7 @@
 #include "orlune/program.h"
 #include "orlune/shape_matches.h"
 #include "orlune/steps.h"
+#include "orlune/viewer.h"
 #include "orlune/works.h"
 
 namespace front {
@@ -39,6 +40,7 @@ int Run(const InspectCommand& command);
 struct ReadFiles {
   std::vector<std::string> files;
   std::string csv, json;  // file, "-" for the standard output, empty for none
+  std::string annotate;   // folder, empty for none
   bool quiet = false;
 };
 
@@ -48,6 +50,12 @@ struct ReadBarcodesCommand : ReadFiles {
 };
 // Every picture with a code that was read is well; ALL_WELL means all of them.
 int Run(const ReadBarcodesCommand& command);
+
+struct ViewCommand {
+  ViewSettings settings;
+};
+// Until the person leaves, the display goes, or the program is interrupted.
+int Run(const ViewCommand& command);
 
 struct GaugeCommand : GaugeWork {
   std::vector<std::string> files;

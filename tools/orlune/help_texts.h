@@ -211,17 +211,19 @@ Examples:
   orlune convert --type sgl part.tif part.orln)";
 
 constexpr char READ_FOOTER[] = R"(
-Bar codes: a region that fits a code, upright and with some light at both ends, is read as it is.
-Otherwise, and where nothing is read there, the bars are looked for in the region or in the whole
-picture, turned upright by the direction of their edges, enlarged, and read along many rows and both
-ways; the text that most readings agree on is told.
+Bar codes: the code is looked for in the region or in the whole picture, as it lies and turned upright
+by the direction of its edges, and both ways. Code 93, Code 128, EAN and UPC are read along many lines,
+each symbol by its own width, so that cans and slanted labels are read too; several lines have to agree.
+The others are read in many rectangles around the bars, and their bars have to be those of the text;
+one of fewer than four characters is not looked for, and a region that fits such a code, upright and
+with some light at both ends, is read as it is.
 
 Gauges: a meter's needle is looked for along all lines from its base to its arc: the darkest, with a
 light needle the lightest, is taken. A display's digits are read by three lines over each of them. A
 picture in which segments form no digit is not read.
 
 Examples:
-  orlune read barcode --kind code128 labels/*.png
+  orlune read barcode --kind code128 --annotate marked labels/*.png
   orlune read barcode --kind ean13 --region 40,60,300,50 --csv codes.csv box.tif
   orlune read meter --setup boiler.json shots/*.png
   orlune read lcd --setup scales.json --csv weights.csv --annotate marked shots/*.bmp
@@ -237,6 +239,20 @@ Examples:
   orlune calibrate meter --base 203,174 --start 127,247 --end 279,248 --high 1 --unit MPa -o boiler.json
   orlune calibrate meter --base 203,174 --radius 105 empty.png full.png -o tank.json
   orlune calibrate lcd --region 40,30,220,90 --points eights.png -o scales.json)";
+
+constexpr char VIEW_FOOTER[] = R"(
+A picture is shown with a window of tools beside it. What is drawn with a tool is measured at once: grey
+levels and particles of an area, the profile and the edges of a line. The tools window shows the value
+under the pointer. Marked copies are named after the picture: part-marked.png.
+
+Keys:
+)";
+
+constexpr char VIEW_EXAMPLES[] = R"(
+Examples:
+  orlune view parts/*.tif
+  orlune view --dark --method otsu --out marked parts/*.bmp
+Exit status: 0 the person left; 1 there is no display, it went, or a file could not be read or written.)";
 
 constexpr char COMPLETIONS_FOOTER[] = R"(
 Examples:

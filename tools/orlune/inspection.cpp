@@ -156,10 +156,9 @@ struct Located {
   Image mask;
 };
 
-Located FindAndLabel(const std::string& path, Loaded picture, const InspectSettings& settings) {
+Located FindAndLabel(Loaded picture, const std::string& path, const InspectSettings& settings) {
   Clock clock;
   const ImageInfo info = picture.image.Info();
-
   Inspection result{.path = path,
                     .account = std::move(picture.account),
                     .objects = {},
@@ -183,33 +182,18 @@ Located FindAndLabel(const std::string& path, Loaded picture, const InspectSetti
   return {std::move(result), std::move(mask)};
 }
 
-Loaded ReadFor(const std::string& path, const InspectSettings& settings) {
-  return ReadPicture(
+Located FindAndLabel(const std::string& path, const InspectSettings& settings) {
+  Clock clock;
+  Loaded picture = ReadPicture(
       path,
       {.form = Form::Gray, .swapBytes = settings.swapBytes, .colours = settings.colours.Any()});
-}
-
-}  // namespace
-
-Inspection Locate(const std::string& path, const InspectSettings& settings) {
-  return Locate(path, ReadFor(path, settings), settings);
-}
-
-Inspection Locate(const std::string& path, Loaded picture, const InspectSettings& settings) {
-  return FindAndLabel(path, std::move(picture), settings).inspection;
-}
-
-Inspection Inspect(const std::string& path, const InspectSettings& settings) {
-  Clock clock;
-  Loaded picture = ReadFor(path, settings);
   const Seconds reading = clock.Lap();
-  Inspection inspection = Inspect(path, std::move(picture), settings);
-  inspection.timing.reading = reading;
-  return inspection;
+  Located located = FindAndLabel(std::move(picture), path, settings);
+  located.inspection.timing.reading = reading;
+  return located;
 }
 
-Inspection Inspect(const std::string& path, Loaded picture, const InspectSettings& settings) {
-  Located located = FindAndLabel(path, std::move(picture), settings);
+Inspection Measured(Located located, const InspectSettings& settings) {
   Inspection result = std::move(located.inspection);
   const Image& mask = located.mask;
   Clock clock;
@@ -224,6 +208,24 @@ Inspection Inspect(const std::string& path, Loaded picture, const InspectSetting
   }
   result.timing.measuring = clock.Lap();
   return result;
+}
+
+}  // namespace
+
+Inspection Locate(const std::string& path, const InspectSettings& settings) {
+  return FindAndLabel(path, settings).inspection;
+}
+
+Inspection Inspect(const std::string& path, const InspectSettings& settings) {
+  return Measured(FindAndLabel(path, settings), settings);
+}
+
+Inspection Locate(Loaded picture, const std::string& path, const InspectSettings& settings) {
+  return FindAndLabel(std::move(picture), path, settings).inspection;
+}
+
+Inspection Inspect(Loaded picture, const std::string& path, const InspectSettings& settings) {
+  return Measured(FindAndLabel(std::move(picture), path, settings), settings);
 }
 
 }  // namespace front

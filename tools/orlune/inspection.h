@@ -62,10 +62,8 @@ Inspection Locate(const std::string& path, const InspectSettings& settings);
 
 // Measures them too. Throws as Locate.
 Inspection Inspect(const std::string& path, const InspectSettings& settings);
-
-// The same in a picture that has been read as gray, with its colours where objects are found by
-// them.
-Inspection Locate(const std::string& path, Loaded picture, const InspectSettings& settings);
-Inspection Inspect(const std::string& path, Loaded picture, const InspectSettings& settings);
+// The same of a gray picture that was read from there, with its colours where they are asked for.
+Inspection Locate(Loaded picture, const std::string& path, const InspectSettings& settings);
+Inspection Inspect(Loaded picture, const std::string& path, const InspectSettings& settings);
 
 }  // namespace front

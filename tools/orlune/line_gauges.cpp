@@ -148,7 +148,7 @@ Found FindIn(const std::string& path, Loaded picture, const Reference& reference
   if (reference.follow == Follow::Object) {
     InspectSettings settings;
     settings.dark = reference.object == Object::Dark;
-    Inspection inspection = Locate(path, std::move(picture), settings);
+    Inspection inspection = Locate(std::move(picture), path, settings);
     const Pose part = PoseByObject(inspection, reference);
     return {{.account = std::move(inspection.account),
              .image = std::move(inspection.picture),

@@ -1,7 +1,7 @@
 // orlune read barcode: reads the bar code in each of some picture files.
+#include <cmath>
 #include <iostream>
 #include <memory>
-#include <sstream>
 
 #include "orlune/commands.h"
 #include "orlune/interrupts.h"
@@ -9,6 +9,7 @@
 #include "orlune/parcel.h"
 #include "orlune/progress.h"
 #include "orlune/readable.h"
+#include "orlune/reading.h"
 #include "orlune/reports.h"
 #include "orlune/tasks.h"
 #include "pictures/source.h"
@@ -21,12 +22,13 @@ constexpr char CSV_HEAD[] = "File,Kind,Text,Left,Top,Width,Height,Angle,Backward
 // What there is to say of a file, made where it was read and told where all come together.
 struct FileResult {
   bool read = false, failed = false;
+  bool pictureFailed = false;  // the annotated one
   std::string line, csv, json;
   std::string complaints;  // lines for standard error
 
   std::string Pack() const {
     ParcelWriter parcel;
-    parcel.Put(read).Put(failed).Put(line).Put(csv).Put(json).Put(complaints);
+    parcel.Put(read).Put(failed).Put(pictureFailed).Put(line).Put(csv).Put(json).Put(complaints);
     return parcel.Take();
   }
   static FileResult Unpack(const std::string& bytes) {
@@ -34,6 +36,7 @@ struct FileResult {
     FileResult result;
     result.read = parcel.Get<bool>();
     result.failed = parcel.Get<bool>();
+    result.pictureFailed = parcel.Get<bool>();
     result.line = parcel.Text();
     result.csv = parcel.Text();
     result.json = parcel.Text();
@@ -97,7 +100,32 @@ Image GrayOf(const std::string& path, bool swapBytes) {
   return Stretch(loaded.image, ExtremesOf(loaded.image));
 }
 
-FileResult ReadFile(const std::string& path, const BarcodeSettings& settings) {
+// The outline of the code.
+std::vector<Stroke> OutlineOf(const BarcodeReading& reading) {
+  std::vector<Stroke> strokes;
+  const auto pixel = [](float coordinate) { return static_cast<int32_t>(std::lround(coordinate)); };
+  for (size_t i = 0; i < reading.corners.size(); ++i) {
+    const PointFloat &a = reading.corners[i], &b = reading.corners[(i + 1) % 4];
+    strokes.push_back({pixel(a.x), pixel(a.y), pixel(b.x), pixel(b.y)});
+  }
+  return strokes;
+}
+
+// A code that was read stays so when its picture cannot be written.
+void WriteMarkedOf(const Image& gray, const std::optional<BarcodeReading>& reading,
+                   const std::string& marked, FileResult* result) {
+  if (marked.empty()) return;
+  try {
+    WriteMarked(gray, reading ? OutlineOf(*reading) : std::vector<Stroke>(), marked);
+  } catch (const std::exception& failure) {
+    result->pictureFailed = true;
+    result->complaints += "orlune: " + FailureText(marked, failure) + '\n';
+  }
+}
+
+// marked: name of the annotated picture, empty for none.
+FileResult ReadFile(const std::string& path, const std::string& marked,
+                    const BarcodeSettings& settings) {
   FileResult result;
   try {
     const Image gray = GrayOf(path, settings.swapBytes);
@@ -106,6 +134,7 @@ FileResult ReadFile(const std::string& path, const BarcodeSettings& settings) {
     result.line = ReadableText(path) + ": " + (reading ? Shown(reading->text) : "no code read");
     result.csv = CsvRow(path, settings.kind, reading);
     result.json = JsonRow(path, settings.kind, reading);
+    WriteMarkedOf(gray, reading, marked, &result);
   } catch (const std::exception& failure) {
     result = {};
     result.failed = true;
@@ -115,36 +144,35 @@ FileResult ReadFile(const std::string& path, const BarcodeSettings& settings) {
   return result;
 }
 
-std::unique_ptr<WholeFile> OpenReport(const std::string& path) {
-  return path.empty() ? nullptr : std::make_unique<WholeFile>(path);
-}
-
 class ReadRun {
  public:
-  explicit ReadRun(const ReadBarcodesCommand& command)
+  ReadRun(const ReadBarcodesCommand& command, const std::vector<std::string>& marked)
       : command_(command),
-        lines_(command.csv == STANDARD_STREAM || command.json == STANDARD_STREAM ? std::cerr
-                                                                                 : std::cout),
+        marked_(marked),
+        lines_(LinesOf(command)),
         csv_(OpenReport(command.csv)),
         json_(OpenReport(command.json)),
         progress_(command.files.size()) {}
 
   int Work() {
+    if (!command_.annotate.empty()) MakeFolder(command_.annotate);
     if (csv_) csv_->stream() << CSV_HEAD;
     if (json_) {
       json_->stream() << "{\"program\": \"orlune\", \"version\": \"" << ORLUNE_VERSION
                       << "\",\n \"files\": [";
     }
-    RunTasks(
-        {.tasks = command_.files.size(),
-         .workers = command_.workers,
-         .work =
-             [&](size_t task) { return ReadFile(command_.files[task], command_.settings).Pack(); },
-         .take =
-             [&](size_t task, std::optional<std::string> result) {
-               Take(result ? FileResult::Unpack(*result) : Lost(task));
-               progress_.Done(task + 1);
-             }});
+    RunTasks({.tasks = command_.files.size(),
+              .workers = command_.workers,
+              .work =
+                  [&](size_t task) {
+                    const std::string marked = marked_.empty() ? "" : marked_[task];
+                    return ReadFile(command_.files[task], marked, command_.settings).Pack();
+                  },
+              .take =
+                  [&](size_t task, std::optional<std::string> result) {
+                    Take(result ? FileResult::Unpack(*result) : Lost(task));
+                    progress_.Done(task + 1);
+                  }});
     progress_.Hide();
     if (json_) {
       json_->stream() << "],\n \"summary\": {\"read\": " << read_ << ", \"unread\": " << unread_
@@ -156,7 +184,7 @@ class ReadRun {
     }
     if (csv_) csv_->Finish();
     if (json_) json_->Finish();
-    return read_ == command_.files.size() ? ALL_WELL : SOME_FAILED;
+    return read_ == command_.files.size() && !pictureFailed_ ? ALL_WELL : SOME_FAILED;
   }
 
  private:
@@ -171,6 +199,7 @@ class ReadRun {
 
   void Take(const FileResult& result) {
     (result.failed ? failed_ : result.read ? read_ : unread_)++;
+    pictureFailed_ = pictureFailed_ || result.pictureFailed;
     if (csv_) csv_->stream() << result.csv;
     if (json_) json_->stream() << (told_++ == 0 ? "\n" : ",\n") << result.json;
     progress_.Hide();
@@ -182,35 +211,24 @@ class ReadRun {
   }
 
   const ReadBarcodesCommand& command_;
+  const std::vector<std::string>& marked_;
   std::ostream& lines_;
   std::unique_ptr<WholeFile> csv_, json_;
   Progress progress_;
   size_t read_ = 0, unread_ = 0, failed_ = 0, told_ = 0;
+  bool pictureFailed_ = false;
 };
 
 }  // namespace
 
 int Run(const ReadBarcodesCommand& asked) {
-  ReadBarcodesCommand command = asked;
-  try {
+  return RunTold([&] {
+    ReadBarcodesCommand command = asked;
     command.files = WithAllPages(asked.files);
     FilePlan plan;
-    for (const std::string& file : command.files) plan.Reads(file, "a picture to be read");
-    if (!command.csv.empty()) plan.Writes(command.csv, "the CSV report");
-    if (!command.json.empty()) plan.Writes(command.json, "the JSON report");
-  } catch (const std::invalid_argument& error) {
-    std::cerr << "orlune: " << error.what() << '\n';
-    return BAD_USE;
-  } catch (const std::exception& failure) {
-    std::cerr << "orlune: " << failure.what() << '\n';
-    return SOME_FAILED;
-  }
-  try {
-    return ReadRun(command).Work();
-  } catch (const std::exception& failure) {
-    std::cerr << "orlune: " << failure.what() << '\n';
-    return SOME_FAILED;
-  }
+    const std::vector<std::string> marked = PlanReading(command, &plan);
+    return ReadRun(command, marked).Work();
+  });
 }
 
 }  // namespace front

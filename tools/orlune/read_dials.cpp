@@ -12,6 +12,7 @@
 #include "orlune/json_values.h"
 #include "orlune/numbers.h"
 #include "orlune/progress.h"
+#include "orlune/reading.h"
 #include "orlune/reports.h"
 #include "orlune/words.h"
 #include "pictures/source.h"
@@ -73,24 +74,6 @@ Image ReadGray(const std::string& path) {
 
 int32_t Pixel(float coordinate) {
   return static_cast<int32_t>(std::lround(coordinate));
-}
-
-// The picture in grey with green lines.
-void WriteMarked(const Image& picture, const std::vector<Stroke>& strokes,
-                 const std::string& path) {
-  const Image gray = Stretch(picture, ExtremesOf(picture));
-  Image others(IMAGE_U8);
-  Image green(IMAGE_U8);
-  Check(ZEL_Copy(gray, others));
-  Check(ZEL_Copy(gray, green));
-  for (const Stroke& s : strokes) {
-    Check(ZEL_DrawLine(others, 0, s.x1, s.y1, s.x2, s.y2, DRAW_FRAME, 0));
-    Check(ZEL_DrawLine(green, 0, s.x1, s.y1, s.x2, s.y2, DRAW_FRAME, 255));
-  }
-  const ImageInfo info = gray.Info();
-  Image marked(IMAGE_RGB, 0, info.width, info.height);
-  Check(ZEL_ReplaceColorPlanes(marked, marked, others, green, others, MODE_RGB));
-  WritePicture(marked, {}, Depth::AsImage, path, PictureFormat::Bmp);
 }
 
 // ---- gauges
@@ -168,30 +151,21 @@ class ReadRun {
   ReadRun(const ReadDialsCommand& command, const Dial& gauge)
       : command_(command),
         gauge_(gauge),
-        tableOut_(command.csv == STANDARD_STREAM || command.json == STANDARD_STREAM ? std::cerr
-                                                                                    : std::cout),
+        tableOut_(LinesOf(command)),
         progress_(command.files.size()) {}
 
   // Throws std::invalid_argument where a file would be written that is read, or written twice.
   void Plan() {
     FilePlan plan;
     plan.Reads(command_.setup, "the set-up");
-    for (const std::string& file : command_.files) plan.Reads(file, "a picture to be read");
-    if (!command_.csv.empty()) plan.Writes(command_.csv, "the CSV report");
-    if (!command_.json.empty()) plan.Writes(command_.json, "the JSON report");
-    if (command_.annotate.empty()) return;
-    NamesInFolder names(command_.annotate, "-read.bmp");
-    for (const std::string& file : command_.files) {
-      marked_.push_back(names.NameFor(file));
-      plan.Writes(marked_.back(), "the annotated picture of " + file);
-    }
+    marked_ = PlanReading(command_, &plan);
   }
 
   // Throws WriteFailure for a report or a folder that cannot be made; nothing is read then.
   int Work() {
     if (!command_.annotate.empty()) MakeFolder(command_.annotate);
-    if (!command_.csv.empty()) csv_ = std::make_unique<WholeFile>(command_.csv);
-    if (!command_.json.empty()) json_ = std::make_unique<WholeFile>(command_.json);
+    csv_ = OpenReport(command_.csv);
+    json_ = OpenReport(command_.json);
     if (csv_) csv_->stream() << gauge_.csvHead;
     if (json_) json_->stream() << "{\n  \"readings\": [";
     size_t done = 0;
@@ -341,22 +315,16 @@ int Run(const ReadDialsCommand& asked) {
     PrintFailure(command.setup, failure);
     return BAD_USE;
   }
-  try {
+  return RunTold([&] {
     command.files = WithAllPages(asked.files);
     ReadRun run(command, gauge);
     run.Plan();
     return run.Work();
-  } catch (const std::invalid_argument& error) {
-    std::cerr << "orlune: " << error.what() << '\n';
-    return BAD_USE;
-  } catch (const std::exception& failure) {
-    std::cerr << "orlune: " << failure.what() << '\n';
-    return SOME_FAILED;
-  }
+  });
 }
 
 int Run(const CalibrateDialsCommand& command) {
-  try {
+  return RunTold([&] {
     FilePlan plan;
     for (const std::string& file : command.files) plan.Reads(file, "a picture of the gauge");
     plan.Writes(command.setup, "the set-up");
@@ -366,13 +334,7 @@ int Run(const CalibrateDialsCommand& command) {
     file.stream() << text;
     file.Finish();
     return ALL_WELL;
-  } catch (const std::invalid_argument& error) {
-    std::cerr << "orlune: " << error.what() << '\n';
-    return BAD_USE;
-  } catch (const std::exception& failure) {
-    std::cerr << "orlune: " << failure.what() << '\n';
-    return SOME_FAILED;
-  }
+  });
 }
 
 }  // namespace front

@@ -9,15 +9,12 @@
 
 #include "orlune/commands.h"
 #include "orlune/gauge_setup.h"
+#include "orlune/reading.h"
 #include "orlune/regions.h"
 
 namespace front {
 
 enum class GaugeKind { Meter, Display };
-
-struct Stroke {
-  int32_t x1, y1, x2, y2;
-};
 
 // What a picture says.
 struct DialReading {
@@ -39,8 +36,7 @@ Dial DialOf(GaugeKind kind, const std::string& setupFile);
 
 struct ReadDialsCommand : ReadFiles {
   GaugeKind kind = GaugeKind::Meter;
-  std::string setup;     // file
-  std::string annotate;  // folder, empty for none
+  std::string setup;  // file
 };
 int Run(const ReadDialsCommand& command);
 

@@ -241,7 +241,7 @@ class PictureRun {
     InspectSettings settings = inspect.settings;
     settings.mask = prepared.mask ? &*prepared.mask : nullptr;
     const auto found =
-        std::make_shared<Inspection>(Inspect(file_, LoadedOf(PictureOf(step)), settings));
+        std::make_shared<Inspection>(Inspect(LoadedOf(PictureOf(step)), file_, settings));
     marks_.push_back([found](const Canvas& canvas) { DrawParticles(*found, canvas); });
     if (const auto part = LargestKept(*found)) parts_.emplace(step.name, *part);
     Judgement judgement(result);
@@ -318,7 +318,7 @@ class PictureRun {
   void Work(const RecipeStep& step, const MatchStep& match, const Prepared& prepared,
             StepResult* result) {
     const auto found = std::make_shared<Matching>(
-        FindMatches(Locate(file_, LoadedOf(PictureOf(step)), match.settings.finding),
+        FindMatches(Locate(LoadedOf(PictureOf(step)), file_, match.settings.finding),
                     *prepared.shape, match.settings));
     marks_.push_back([found](const Canvas& canvas) { DrawMatches(*found, canvas); });
     if (const auto part = BestOf(found->matches)) parts_.emplace(step.name, *part);

@@ -1,0 +1,297 @@
+// Windows as they are on the screen, and what people do to them.
+#include <malloc.h>
+
+#include <array>
+
+#include "core/heap.h"
+#include "x_server.h"
+
+namespace {
+
+using test::Eventually;
+using test::TestImage;
+using zel::DesktopEventKind;
+using Palette = std::array<RGBValue, 256>;
+
+constexpr uint32_t SHIFT_KEY = 0xFFE1;
+
+std::vector<int32_t> Ask(int32_t window, int32_t command, std::vector<int32_t> output) {
+  EXPECT_EQ(ZEL_DisplayManager(&window, command, nullptr, 0, output.data(),
+                               static_cast<int32_t>(output.size())),
+            0);
+  return output;
+}
+
+class Windows : public test::Screen {
+ protected:
+  // Shows an image in a window of its size, and finds that.
+  xcb_window_t Show(const TestImage& image, int32_t window, const char* title) const {
+    EXPECT_EQ(ZEL_WindDraw(image, window, title, 1), 0);
+    xcb_window_t found = 0;
+    EXPECT_TRUE(Eventually([&] { return (found = client_.Window(title)) != 0; }));
+    return found;
+  }
+  // The pixels that the mapping of a U8 image gives, at a zoom above 0 or below.
+  static std::vector<uint32_t> Mapped(const TestImage& image, const Palette& palette,
+                                      int32_t zoom) {
+    const auto canvas = [zoom](int32_t side) { return zoom > 0 ? side * zoom : side / -zoom; };
+    const auto from = [zoom](int32_t at) { return zoom > 0 ? at / zoom : at * -zoom; };
+    std::vector<uint32_t> pixels;
+    for (int32_t y = 0; y < canvas(image.height()); y++) {
+      for (int32_t x = 0; x < canvas(image.width()); x++) {
+        pixels.push_back(palette[image.Get<uint8_t>(from(x), from(y))] & 0xFFFFFF);
+      }
+    }
+    return pixels;
+  }
+};
+
+TEST_F(Windows, ShowImagesByZoomAndPalette) {
+  const TestImage image(IMAGE_U8, 144, 128, 2);
+  Palette palette;
+  for (uint32_t i = 0; i < 256; i++) palette[i] = i << 16 | (255 - i) << 8 | (i * 7 & 255);
+  int32_t number = 0;
+  for (const int32_t zoom : {1, 2, 3, -2}) {
+    const std::string title = "zoom " + std::to_string(zoom);
+    EXPECT_EQ(ZEL_SetWindow2DAttributes(number, WATTR2_ZOOM, zoom, zoom), 0);
+    EXPECT_EQ(ZEL_WSetPalette(number, -1, palette.data()), 0);
+    const xcb_window_t window = Show(image, number, title.c_str());
+    const std::vector<uint32_t> expected = Mapped(image, palette, zoom);
+    EXPECT_TRUE(client_.Pixels(window) == expected) << title;
+    number++;
+  }
+}
+
+TEST_F(Windows, ShowColoursAndRanges) {
+  const TestImage colours(IMAGE_RGB, 80, 70);
+  colours.FillRandom(8);
+  const std::vector<uint32_t> shown = client_.Pixels(Show(colours, 0, "colours"));
+  ASSERT_EQ(shown.size(), 80U * 70);
+  for (int32_t i = 0; i < 80 * 70; i++) {
+    ASSERT_EQ(shown[static_cast<size_t>(i)], colours.Get<RGBValue>(i % 80, i / 80) & 0xFFFFFF) << i;
+  }
+  const TestImage ramp(IMAGE_SGL, 128, 64);
+  for (int32_t i = 0; i < 128 * 64; i++) ramp.Set<float>(i % 128, i / 128, i % 128 < 64 ? 0 : 510);
+  const std::vector<uint32_t> levels = client_.Pixels(Show(ramp, 1, "range"));
+  ASSERT_EQ(levels.size(), 128U * 64);
+  EXPECT_EQ(levels[0], 0U);
+  EXPECT_EQ(levels[100], 0xFFFFFFU);
+}
+
+TEST_F(Windows, StayPaintedWhileTheProgramIsBusy) {
+  const TestImage image(IMAGE_U8, 100, 90);
+  const xcb_window_t window = Show(image, 0, "covered");
+  const std::vector<uint32_t> before = client_.Pixels(window);
+  const std::vector<int32_t> place = client_.Place(window);
+  const xcb_window_t cover = xcb_generate_id(client_.link());
+  const uint32_t values[] = {0x123456, 1};
+  xcb_create_window(client_.link(), XCB_COPY_FROM_PARENT, cover, client_.root(),
+                    static_cast<int16_t>(place[0]), static_cast<int16_t>(place[1]), 200, 200, 0,
+                    XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+                    XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
+  xcb_map_window(client_.link(), cover);
+  client_.Sync();
+  xcb_destroy_window(client_.link(), cover);
+  client_.Sync();
+  // No call of the library comes in between.
+  EXPECT_TRUE(client_.Pixels(window) == before);
+}
+
+TEST_F(Windows, HaveTitlesOfAnyText) {
+  const TestImage image(IMAGE_U8, 64, 64);
+  ASSERT_EQ(ZEL_WindDraw(image, 0, "\xC3\xA9 and \xE9 and \xF0\x9F\x98", 1), 0);
+  EXPECT_TRUE(Eventually(
+      [&] { return client_.Window("\xC3\xA9 and \xC3\xA9 and \xC3\xB0\xC2\x9F\xC2\x98") != 0; }));
+}
+
+TEST_F(Windows, AreWhereTheyWerePutAndHiddenWhenAsked) {
+  const TestImage image(IMAGE_U8, 64, 64);
+  const xcb_window_t window = Show(image, 0, "placed");
+  EXPECT_EQ(client_.Place(window), (std::vector<int32_t>{20, 40, 64, 64}));
+  ASSERT_EQ(ZEL_SetWindow2DAttributes(0, WATTR2_POSITION, 300, 200), 0);
+  ASSERT_EQ(ZEL_SetWindow2DAttributes(0, WATTR2_SIZE, 150, 120), 0);
+  EXPECT_TRUE(Eventually([&] {
+    return client_.Place(window) == std::vector<int32_t>{200, 300, 120, 150};
+  }));
+  EXPECT_EQ(EventOf(0).type, WEVENT_NONE) << "what a program does itself is no event";
+  ASSERT_EQ(ZEL_SetWindowAttribute(0, WATTR_VISIBLE, 0), 0);
+  EXPECT_TRUE(Eventually([&] { return client_.Window("placed") == 0; }));
+}
+
+TEST_F(Windows, TellWhatAPersonMovesAndResizes) {
+  const TestImage image(IMAGE_U8, 64, 64);
+  const xcb_window_t window = Show(image, 0, "moved");
+  client_.Configure(window, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, {333, 222});
+  WindowEvent event = AwaitedEvent(0, WEVENT_MOVE);
+  EXPECT_EQ(event.integers[0], 333);
+  EXPECT_EQ(event.integers[1], 222);
+  client_.Configure(window, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, {300, 200});
+  event = AwaitedEvent(0, WEVENT_SIZE);
+  EXPECT_EQ(event.integers[0], 300);
+  EXPECT_EQ(event.integers[1], 200);
+  client_.Configure(window, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, {10, 100});
+  event = AwaitedEvent(0, WEVENT_SIZE);
+  EXPECT_EQ(event.integers[0], 64) << "no smaller";
+  EXPECT_TRUE(Eventually([&] {
+    return client_.Place(window) == std::vector<int32_t>{333, 222, 64, 100};
+  }));
+}
+
+// The server's answers to former wishes come while new ones are on their way.
+TEST_F(Windows, KeepTheLastOfManySizes) {
+  const TestImage image(IMAGE_U8, 64, 64);
+  const xcb_window_t window = Show(image, 0, "sizes");
+  for (int32_t i = 0; i < 200; i++) {
+    ASSERT_EQ(ZEL_SetWindow2DAttributes(0, WATTR2_SIZE, 64 + i, 364 - i), 0);
+    ASSERT_EQ(ZEL_SetWindow2DAttributes(0, WATTR2_POSITION, i, 2 * i), 0);
+  }
+  const std::vector<int32_t> last{398, 199, 165, 263};
+  EXPECT_TRUE(Eventually([&] { return client_.Place(window) == last; }));
+  for (int i = 0; i < 5; i++) EXPECT_EQ(EventOf(0).type, WEVENT_NONE);
+  EXPECT_EQ(client_.Place(window), last);
+}
+
+TEST_F(Windows, CloseWhenAPersonAsks) {
+  const TestImage image(IMAGE_U8, 64, 64);
+  const xcb_window_t window = Show(image, 3, "closed");
+  client_.AskToClose(window);
+  EXPECT_TRUE(Eventually([&] { return client_.Window("closed") == 0; }));
+  EXPECT_EQ(EventOf(3).type, WEVENT_CLOSE);
+}
+
+TEST_F(Windows, LetToolsDraw) {
+  const TestImage image(IMAGE_U8, 200, 150);
+  const xcb_window_t window = Show(image, 0, "tools");
+  ASSERT_EQ(ZEL_SetActiveTool(WTOOL_LINE), 0);
+  person_.Move(window, 20, 30);
+  person_.Press();
+  person_.Move(window, 60, 50);
+  person_.Move(window, 120, 90);
+  person_.Release();
+  person_.Move(window, 5, 5);  // what comes after the release is no part of it
+  WindowEvent event = AwaitedEvent(0, WEVENT_DRAW);
+  EXPECT_EQ(event.tool, WTOOL_LINE);
+  EXPECT_EQ((std::vector<int32_t>(event.integers, event.integers + 4)),
+            (std::vector<int32_t>{20, 30, 120, 90}));
+
+  ASSERT_EQ(ZEL_SetActiveTool(WTOOL_RECT), 0);
+  person_.Move(window, 150, 140);
+  person_.Press();
+  person_.Move(window, 10, 100);
+  person_.Release();
+  event = AwaitedEvent(0, WEVENT_DRAW);
+  EXPECT_EQ((std::vector<int32_t>(event.integers, event.integers + 4)),
+            (std::vector<int32_t>{10, 100, 150, 140}));
+}
+
+TEST_F(Windows, TellKeysAndWhereThePointerIs) {
+  const TestImage image(IMAGE_U8, 100, 100);
+  const xcb_window_t window = Show(image, 2, "keys");
+  person_.Move(window, 40, 60);
+  EXPECT_TRUE(Eventually([] { return Ask(0, -98, {0, 0, 0}) == std::vector<int32_t>{2, 40, 60}; }));
+  const auto typed = [this](uint32_t key, int32_t expected, int32_t modifiers) {
+    person_.Type(key);
+    std::vector<int32_t> told;
+    EXPECT_TRUE(Eventually([&] { return (told = Ask(2, -36, {0, 0, 0, 0, 0}))[1] == 1; }));
+    EXPECT_EQ(told[0], 2);
+    EXPECT_EQ(told[2], expected);
+    EXPECT_EQ(told[3], modifiers);
+  };
+  typed('a', 'a', 0);
+  typed(0xFF0D, 13, 0);
+  typed(0xFFBE, 0xFFBE, 0);
+  person_.KeyDown(SHIFT_KEY);
+  typed('b', 'B', zel::MODIFIER_SHIFT);
+  person_.KeyUp(SHIFT_KEY);
+}
+
+std::vector<zel::DesktopEvent> events;
+
+TEST_F(Windows, TellDoubleClicksAndIgnoreTheWheel) {
+  const zel::Desktop& desktop = zel::DesktopInUse();
+  events.clear();
+  const int32_t panel = desktop.panelCreate(0, "clicks", {100, 100, 80, 90});
+  const int32_t canvas = desktop.canvasCreate(panel);
+  desktop.setSink(panel, canvas, 17, [](const zel::DesktopEvent& event) {
+    if (event.kind != DesktopEventKind::POINTER_MOVE) events.push_back(event);
+  });
+  desktop.panelSet(panel, zel::PANEL_VISIBLE, 1);
+  xcb_window_t window = 0;
+  ASSERT_TRUE(Eventually([&] { return (window = client_.Window("clicks")) != 0; }));
+  person_.Move(window, 7, 8);
+  person_.Click(4);
+  person_.Click(1);
+  person_.Click(1);
+  person_.Click(1);
+  person_.Click(3);
+  EXPECT_TRUE(Eventually([] { return events.size() >= 4; }));
+  desktop.pump();
+  std::vector<DesktopEventKind> kinds;
+  for (const auto& event : events) {
+    kinds.push_back(event.kind);
+    EXPECT_EQ(event.window, 17);
+    EXPECT_EQ(event.canvas, canvas);
+    EXPECT_EQ(event.x, 7);
+    EXPECT_EQ(event.y, 8);
+  }
+  EXPECT_EQ(kinds, (std::vector{DesktopEventKind::LEFT_PRESS, DesktopEventKind::LEFT_DOUBLE_PRESS,
+                                DesktopEventKind::LEFT_PRESS, DesktopEventKind::RIGHT_PRESS}));
+  desktop.canvasDiscard(panel, canvas);
+  desktop.panelDiscard(panel);
+}
+
+TEST_F(Windows, BecomeActiveWithoutAWindowManager) {
+  const TestImage image(IMAGE_U8, 64, 64);
+  Show(image, 0, "first");
+  const xcb_window_t second = Show(image, 1, "second");
+  int32_t number = 1;
+  ASSERT_EQ(ZEL_DisplayManager(&number, 30, nullptr, 0, nullptr, 0), 0);
+  EXPECT_EQ(Ask(1, -4, {0})[0], 2);
+  EXPECT_TRUE(Eventually([&] {
+    const test::Answer<xcb_get_input_focus_reply_t> focus(
+        xcb_get_input_focus_reply(client_.link(), xcb_get_input_focus(client_.link()), nullptr));
+    return focus->focus == second;
+  }));
+  EXPECT_EQ(EventOf(1).type, WEVENT_NONE);
+  xcb_set_input_focus(client_.link(), XCB_INPUT_FOCUS_PARENT, client_.Window("first"),
+                      XCB_CURRENT_TIME);
+  client_.Sync();
+  AwaitedEvent(0, WEVENT_ACTIVATE);
+  EXPECT_EQ(Ask(1, -4, {0})[0], 1);
+}
+
+TEST_F(Windows, AreAsManyTimesLargerAsTheScale) {
+  ZEL_CloseSys();  // the scale is asked for when the desktop is opened
+  setenv("ORLUNE_PTK_SCALE", "2", 1);
+  const TestImage image(IMAGE_U8, 70, 64);
+  const xcb_window_t window = Show(image, 0, "scaled");
+  EXPECT_EQ(client_.Place(window), (std::vector<int32_t>{40, 80, 140, 128}));
+  Palette grey;
+  for (uint32_t i = 0; i < 256; i++) grey[i] = i * 0x010101;
+  EXPECT_TRUE(client_.Pixels(window) == Mapped(image, grey, 2));
+  EXPECT_EQ(Ask(0, -39, {0, 0, 0, 0})[0], 640);
+  ASSERT_EQ(ZEL_SetActiveTool(WTOOL_POINT), 0);
+  person_.Move(window, 41, 61);
+  person_.Click();
+  const WindowEvent event = AwaitedEvent(0, WEVENT_CLICK);
+  EXPECT_EQ(event.integers[0], 20);
+  EXPECT_EQ(event.integers[1], 30);
+  unsetenv("ORLUNE_PTK_SCALE");
+}
+
+TEST_F(Windows, LeaveNothingBehind) {
+  const TestImage image(IMAGE_U8, 64, 64);
+  const auto openAndClose = [&] {
+    ZEL_WindDraw(image, 0, "again", 0);
+    ZEL_WindClose(0, 0);
+  };
+  for (int i = 0; i < 20; i++) openAndClose();
+  client_.Sync();
+  const size_t windows = client_.Windows().size();
+  const size_t memory = mallinfo2().uordblks;
+  for (int i = 0; i < 1000; i++) openAndClose();
+  EXPECT_TRUE(Eventually([&] { return client_.Windows().size() == windows; }));
+  EXPECT_LT(mallinfo2().uordblks, memory + 100000);
+}
+
+}  // namespace

@@ -1,0 +1,88 @@
+#!/bin/sh
+# The viewer as a person uses it, on a display that nobody sees: windows by their titles, a region
+# drawn with the mouse, keys, and a display that goes.
+# usage: orlune_view_test.sh ORLUNE SCENES_FOLDER WORK_FOLDER
+set -u
+orlune=$1 scenes=$2 work=$3
+for program in Xvfb xdotool; do
+  command -v "$program" >/dev/null || { echo "$program is not installed"; exit 77; }
+done
+rm -rf "$work"
+mkdir -p "$work"
+cd "$work" || exit 1
+
+server="" viewer=""
+stop() {
+  for process in $viewer $server; do kill "$process" 2>/dev/null; done
+}
+trap stop EXIT
+fail() {
+  echo "FAILED: $1"
+  sed 's/^/  out: /' out
+  sed 's/^/  err: /' err
+  exit 1
+}
+# until_true COMMAND...: waits for it, at most half a minute
+until_true() {
+  for _ in $(seq 300); do
+    "$@" >/dev/null 2>&1 && return 0
+    sleep 0.1
+  done
+  fail "waited for: $*"
+}
+window() { xdotool search --onlyvisible --name "$1" | head -n 1; }
+shows() { [ -n "$(window "$1")" ]; }
+says() { grep -q -e "$1" out; }
+ended() { ! kill -0 "$viewer" 2>/dev/null; }
+press() { xdotool windowfocus "$(window washers)" key "$1"; }
+
+start_server() {
+  : >out
+  : >err
+  rm -f display
+  Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp 3>display 2>server.log &
+  server=$!
+  until_true grep -q . display
+  DISPLAY=:$(cat display)
+  export DISPLAY
+  until_true xdotool getdisplaygeometry
+}
+start_viewer() {
+  : >out
+  : >err
+  "$orlune" view --dark --out marked "$scenes/washers.bmp" >out 2>err &
+  viewer=$!
+  until_true shows washers
+  until_true shows Measures
+  until_true shows Tools
+}
+
+start_server
+start_viewer
+until_true press w
+until_true says "11 particles"
+
+# The tool at the start is the rectangle.
+picture=$(window washers)
+xdotool mousemove --window "$picture" 170 90 mousedown 1 sleep 0.2 \
+  mousemove --window "$picture" 300 200 sleep 0.2 mousemove --window "$picture" 500 300 sleep 0.2 mouseup 1
+sleep 0.5
+until_true press o
+until_true says "--region 170,90,33[01],21[01]"
+press s
+until_true test -s marked/washers-marked.png
+press q
+until_true ended
+wait "$viewer"
+status=$?
+[ "$status" -eq 0 ] || fail "exit status $status"
+[ ! -s err ] || fail "complaints"
+
+# The program ends well when the display goes.
+start_viewer
+kill "$server"
+until_true ended
+wait "$viewer"
+status=$?
+[ "$status" -eq 1 ] || fail "exit status $status without a display"
+grep -q "the display is gone" err || fail "nothing is said"
