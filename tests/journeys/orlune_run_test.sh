@@ -329,9 +329,9 @@ told "camera/link.bmp: passed"
 cp scenes/washers.bmp camera/.hidden.bmp
 echo nothing >camera/none.bmp
 told "camera/none.bmp: error"
-kill -INT $program
+kill -TERM $program
 wait $program
-[ $? -eq 130 ] || fail "orlune run --watch: another exit status after an interrupt than 130"
+[ $? -eq 143 ] || fail "orlune run --watch: another exit status after a signal than 143"
 lines watched 6
 [ "$(grep -c ',,,picture,' camera.csv)" -eq 5 ] || fail "orlune run --watch: not five pictures in the report"
 # What came while nobody looked is looked at, and nothing again.
@@ -340,7 +340,7 @@ cp scenes/washers.bmp camera/later.bmp
 program=$!
 told "camera/later.bmp: passed"
 sleep 0.3
-kill -INT $program
+kill -TERM $program
 wait $program
 [ "$(grep -c 'camera/first.bmp' watched)" -eq 1 ] || fail "orlune run --watch --resume: first.bmp again"
 run 3 run one.toml --db camera.db --resume
