@@ -207,11 +207,7 @@ void CommandLine::AddView() {
       app_.add_subcommand("view", "show pictures in windows, and measure regions there");
   ViewSettings* settings = &view_.settings;
   AddFiles(view, &settings->files);
-  AddChoice(
-      view, "--method", Methods(), [=](Method chosen) { settings->inspect.method = chosen; },
-      "how the boundary of objects is found at first")
-      ->type_name("METHOD");
-  view->add_flag("--dark", settings->inspect.dark, "objects are darker than the background");
+  Add(view, ViewOptions(&settings->inspect));
   view->add_option("--out", settings->folder, "save marked copies in this folder")
       ->type_name("FOLDER");
   view->add_flag("--swap-bytes", settings->inspect.swapBytes, SWAP_HELP);

@@ -231,6 +231,12 @@ Options InspectOptions(InspectWork* work) {
   return options;
 }
 
+Options ViewOptions(InspectSettings* settings) {
+  return {WordOption("method", "METHOD", "", "how the boundary of objects is found at first",
+                     Methods(), [=](Method chosen) { settings->method = chosen; }),
+          Switch("dark", "", "objects are darker than the background", &settings->dark)};
+}
+
 Options FilterOptions(FilterWork* work) {
   return {{.name = "steps",
            .type = "STEPS",

@@ -31,6 +31,8 @@ constexpr char BARCODES_GROUP[] = "Bar codes";
 
 // Each leads into the record, which has to live as long as they do.
 Options InspectOptions(InspectWork* work);
+// How objects are found at first where a person looks on.
+Options ViewOptions(InspectSettings* settings);
 Options FilterOptions(FilterWork* work);
 Options GaugeOptions(GaugeWork* work);
 // Of one line, without its place.
