@@ -130,8 +130,8 @@ void CommandLine::Add(CLI::App* command, const Options& options) {
             for (const std::string& text : texts) take(text);
           },
           option.help);
-      added->type_name(option.type)->expected(1)->allow_extra_args(false);
-      if (!option.many) added->multi_option_policy(CLI::MultiOptionPolicy::Throw);
+      added->type_name(option.type)->allow_extra_args(false);
+      if (!option.many) added->expected(1)->multi_option_policy(CLI::MultiOptionPolicy::Throw);
     }
     if (!option.group.empty()) added->group(option.group);
     for (const std::string& other : option.excludes) {
