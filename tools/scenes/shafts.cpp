@@ -16,22 +16,37 @@ constexpr double OVERLAP = 15.0;  // by which a section reaches into a thicker n
 // From a box around the axis, negative inside.
 double DistanceFromBox(double u, double v, double from, double to, double half) {
   const double dx = std::max(from - u, u - to), dy = std::abs(v) - half;
-  return std::hypot(std::max(dx, 0.0), std::max(dy, 0.0)) + std::min(std::max(dx, dy), 0.0);
+  return dx > 0 && dy > 0 ? std::sqrt(dx * dx + dy * dy) : std::max(dx, dy);
 }
 
-// From the outline. Sections reach into thicker neighbours, so that no outline runs between them.
-double DistanceFrom(const std::vector<Section>& sections, double u, double v) {
-  double distance = 1e9;
+// Sections that reach into thicker neighbours, so that no outline runs between them.
+std::vector<Section> Joined(const std::vector<Section>& sections) {
+  std::vector<Section> joined = sections;
   for (size_t i = 0; i < sections.size(); i++) {
-    const Section& section = sections[i];
     const auto isThicker = [&](size_t j) {
-      return j < sections.size() && sections[j].diameter > section.diameter;
+      return j < sections.size() && sections[j].diameter > sections[i].diameter;
     };
-    const double from = section.from - (i > 0 && isThicker(i - 1) ? OVERLAP : 0);
-    const double to = section.to + (isThicker(i + 1) ? OVERLAP : 0);
-    distance = std::min(distance, DistanceFromBox(u, v, from, to, section.diameter / 2));
+    if (i > 0 && isThicker(i - 1)) joined[i].from -= OVERLAP;
+    if (isThicker(i + 1)) joined[i].to += OVERLAP;
+  }
+  return joined;
+}
+
+// From the outline.
+double DistanceFrom(const std::vector<Section>& joined, double u, double v) {
+  double distance = 1e9;
+  for (const Section& section : joined) {
+    distance =
+        std::min(distance, DistanceFromBox(u, v, section.from, section.to, section.diameter / 2));
   }
   return distance;
+}
+
+// Of the ground's light, the part that comes past a straight outline through the lens.
+double ShareOfLight(double distance) {
+  constexpr double far = 8 * BLUR;
+  if (std::abs(distance) > far) return distance > 0 ? 1 : 0;
+  return std::erfc(-distance / (BLUR * std::numbers::sqrt2)) / 2;
 }
 
 std::vector<Section> SectionsOf(double head, double body, double seat, double groove, double foot) {
@@ -48,11 +63,10 @@ Shaft ShaftAt(const std::string& file, Point place, double degrees,
               const std::vector<Section>& sections) {
   const double angle = degrees * std::numbers::pi / 180;
   const double c = std::cos(angle), s = std::sin(angle);
+  const std::vector<Section> joined = Joined(sections);
   const auto light = [&](Point at) {
     const double x = at.x - place.x, y = at.y - place.y;
-    const double distance = DistanceFrom(sections, c * x + s * y, c * y - s * x);
-    // Of the ground's light, the part that comes past a straight outline through the lens.
-    const double share = std::erfc(-distance / (BLUR * std::numbers::sqrt2)) / 2;
+    const double share = ShareOfLight(DistanceFrom(joined, c * x + s * y, c * y - s * x));
     const double ground = 212 - 0.05 * at.x - 0.03 * at.y;  // lit from the upper left
     return 34 + (ground - 34) * share;
   };
