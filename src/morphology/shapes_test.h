@@ -48,7 +48,8 @@ inline TestImage SceneImage(int32_t scene, int32_t width, int32_t height, int32_
   return image;
 }
 
-// Every width from 0 to 40 at heights around those of words and vectors, with scenes and seeds by turns.
+// Every width from 0 to 40 at heights around those of words and vectors, with scenes and seeds by
+// turns.
 template <class Check>
 void ForAllSizes(Check check) {
   uint64_t seed = 1;

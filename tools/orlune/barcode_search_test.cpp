@@ -131,7 +131,7 @@ TEST(BarcodeSearch, LooksIntoTheRegionAlone) {
 }
 
 TEST(BarcodeSearch, ReadsNothingWhereThereIsNoCode) {
-  for (const uint64_t seed : {0, 1, 3}) {
+  for (const uint64_t seed : {0u, 1u, 3u}) {
     const Sight sight = scorecard::NoCode(seed);
     for (const BarcodeKindRow& row : AllBarcodeKinds()) {
       const bool hasLines = HasEvenSymbols(row.kind);
