@@ -59,8 +59,8 @@ elseif(NOT PTK_SANITIZE STREQUAL "")
 endif()
 
 # Tests take the compiler two and three times as long with sanitizers in them, which are for what the
-# tests call: the library, the harness, the front. What a test leaves wrong in the heap is seen all the
-# same. Option parsing, all templates, goes without the checks for undefined behaviour.
+# tests call: the library, and what the front does in memory. What a test leaves wrong in the heap is seen
+# all the same. The front goes without the checks for undefined behaviour, all but its readers of files.
 set(PTK_TEST_SANITIZE_FLAGS)
 set(PTK_LIGHT_SANITIZE_FLAGS)
 if(PTK_SANITIZE STREQUAL "address")
