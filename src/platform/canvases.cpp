@@ -3,7 +3,9 @@
 
 #include <time.h>
 
+#include <cstddef>
 #include <map>
+#include <new>
 
 #include "platform/memory_desktop.h"
 
@@ -24,7 +26,9 @@ struct State {
   DesktopFaults faults;
 };
 
-State state;
+// Never destroyed: what closes the desktop at the program's end may run after destructors.
+alignas(State) std::byte stateRoom[sizeof(State)];
+State& state = *new (stateRoom) State;
 int32_t lastNumber = 0;
 
 // The picture to draw into, or null where drawing is dropped.

@@ -81,6 +81,8 @@ xcb_timestamp_t TimeNow(const X11Session& session) {
   const X11Connection& at = x11->connection;
   X11Selection& selection = x11->selection;
   selection.hasNewValue = false;
+  // Of another type, as a late answer may have left it, the server would not append to it.
+  at.x->deleteProperty(at.link, selection.window, at.atoms[ATOM_TRANSFER]);
   at.x->changeProperty(at.link, XCB_PROP_MODE_APPEND, selection.window, at.atoms[ATOM_TRANSFER],
                        XCB_ATOM_INTEGER, 32, 0, nullptr);
   return WaitFor(session, &selection.hasNewValue) ? selection.stamp : xcb_timestamp_t{0};
@@ -101,6 +103,7 @@ enum class Answer { NONE, REFUSED, GIVEN };
 Answer Ask(const X11Session& session, xcb_atom_t from, xcb_atom_t target) {
   const X11Connection& at = x11->connection;
   X11Selection& selection = x11->selection;
+  selection.asked = target;
   selection.isAnswered = false;
   selection.isGranted = false;
   at.x->deleteProperty(at.link, selection.window, at.atoms[ATOM_TRANSFER]);
@@ -200,6 +203,10 @@ void FilePut(xcb_window_t window, xcb_atom_t property) {
                          8, size, file->data());
     return;
   }
+  // Who asks again has given up the transfer before.
+  std::erase_if(selection.transfers, [&](const X11Transfer& transfer) {
+    return transfer.to == window && transfer.property == property;
+  });
   if (selection.transfers.size() >= MOST_TRANSFERS) {
     selection.transfers.erase(selection.transfers.begin());
   }
@@ -303,13 +310,17 @@ void PropertyNewsTake(const xcb_property_notify_event_t& news) {
         return transfer.to == news.window && transfer.property == news.atom;
       });
   if (wanted == selection.transfers.end() || PieceSend(&*wanted)) return;
-  EventsWant(wanted->to, 0);
   selection.transfers.erase(wanted);
+  const bool isLast =
+      std::none_of(selection.transfers.begin(), selection.transfers.end(),
+                   [&](const X11Transfer& transfer) { return transfer.to == news.window; });
+  if (isLast) EventsWant(news.window, 0);
 }
 
 void NotifyTake(const xcb_selection_notify_event_t& notify) {
   X11Selection& selection = x11->selection;
-  if (notify.requestor != selection.window) return;
+  // An answer to a question that was given up may come late.
+  if (notify.requestor != selection.window || notify.target != selection.asked) return;
   selection.isAnswered = true;
   selection.isGranted = notify.property != XCB_ATOM_NONE;
 }

@@ -30,7 +30,8 @@ struct X11Selection {
   ByteBlock taken;  // from another program, last
 
   // What the events told that somebody waits for.
-  bool isAnswered = false;   // a conversion
+  xcb_atom_t asked = 0;      // the target of the last conversion
+  bool isAnswered = false;   // that one
   bool isGranted = false;    // ... and there is a property
   bool hasNewValue = false;  // of the property
   xcb_timestamp_t stamp = XCB_CURRENT_TIME;

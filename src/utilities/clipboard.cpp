@@ -104,9 +104,15 @@ struct BitmapHeader {
 
   bool IsEmpty() const { return width < 1 || height < 1; }
   int64_t PixelsAt() const { return bytes + 4 * colours; }
-  // With its pixels; the least where the number of bits is not one to be read.
+  // With its pixels; the least where the number of bits is not one to be read, and the most where
+  // there is no number for it.
   int64_t Bytes() const {
-    return PixelsAt() + RowBytes(width, std::max<int64_t>(bits, 1)) * height;
+    int64_t pixels = 0;
+    int64_t all = 0;
+    const int64_t rowBytes = RowBytes(width, std::max<int64_t>(bits, 1));
+    const bool isTooMuch = __builtin_mul_overflow(rowBytes, height, &pixels) ||
+                           __builtin_add_overflow(PixelsAt(), pixels, &all);
+    return isTooMuch ? INT64_MAX : all;
   }
   bool IsReadable() const {
     return bytes >= HEADER_BYTES && !isPacked && (bits == 8 || bits == 24);

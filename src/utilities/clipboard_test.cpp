@@ -229,6 +229,7 @@ TEST_F(Clipboard, RefusesEveryBitmapThatIsCutShort) {
 TEST_F(Clipboard, MakesNoImageOfASizeThatIsNotThere) {
   for (const Header& header :
        {Header{.width = INT32_MAX, .height = INT32_MAX}, Header{.width = 1, .height = INT32_MIN},
+        Header{.width = INT32_MAX, .height = INT32_MAX, .bits = UINT16_MAX},
         Header{.width = 2000, .height = 2000}, Header{.bytes = UINT32_MAX},
         Header{.colours = UINT32_MAX}}) {
     Put(HeaderBytes(header));

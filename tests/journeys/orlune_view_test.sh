@@ -66,9 +66,11 @@ until_true says "11 particles"
 picture=$(window washers)
 xdotool mousemove --window "$picture" 170 90 mousedown 1 sleep 0.2 \
   mousemove --window "$picture" 300 200 sleep 0.2 mousemove --window "$picture" 500 300 sleep 0.2 mouseup 1
-sleep 0.5
-until_true press o
-until_true says "--region 170,90,33[01],21[01]"
+# A key is pressed again until its answer comes: what was drawn may not have been measured yet.
+answers() {
+  press "$1" && sleep 0.3 && says "$2"
+}
+until_true answers o "--region 170,90,33[01],21[01]"
 press s
 until_true test -s marked/washers-marked.png
 press q
