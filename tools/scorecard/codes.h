@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "orlune/barcode_kinds.h"
-#include "orlune/regions.h"
+#include "orlune/inspect/regions.h"
+#include "orlune/read/barcode_kinds.h"
 
 namespace scorecard {
 

@@ -10,8 +10,8 @@
 #include <map>
 #include <sstream>
 
-#include "orlune/barcode_kinds.h"
-#include "orlune/pictures.h"
+#include "orlune/read/barcode_kinds.h"
+#include "orlune/shared/pictures.h"
 #include "pictures/source.h"
 #include "scorecard/dials.h"
 #include "scorecard/readers.h"

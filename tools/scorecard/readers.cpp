@@ -9,8 +9,8 @@
 #include <ZXing/ReadBarcode.h>
 #endif
 
-#include "orlune/barcode_calls.h"
-#include "orlune/barcode_search.h"
+#include "orlune/read/barcode_calls.h"
+#include "orlune/read/barcode_search.h"
 
 namespace scorecard {
 namespace {

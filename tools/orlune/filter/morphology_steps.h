@@ -1,0 +1,12 @@
+// The steps of filter chains that change shapes and grey levels by a structuring element.
+#pragma once
+
+#include <vector>
+
+#include "orlune/filter/steps.h"
+
+namespace front {
+
+std::vector<Step> MorphologySteps();
+
+}  // namespace front

@@ -1,0 +1,210 @@
+// Particles with all their measures: those of the library, in as many calls as its limit of pieces
+// takes, and those of the front.
+#include "orlune/inspect/particles.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <numbers>
+#include <stdexcept>
+
+namespace front {
+namespace {
+
+constexpr int32_t PARTICLE_BORDER = 2;
+
+// By label - 1: how many such pixels a particle has.
+std::vector<int64_t> StartsOf(const Labels& labels, const LabelPicture& picture, bool eight) {
+  std::vector<int64_t> starts(labels.count);
+  for (const PixelRun& run : labels.runs) {
+    const uint32_t* above = picture.Row(run.y - 1) + run.start;
+    const bool corners = eight && (above[-1] != 0 || above[1] != 0);
+    if (above[0] == 0 && !corners) ++starts[run.label - 1];
+  }
+  return starts;
+}
+
+void TakeReports(const Image& mask, bool eight, uint32_t first, std::vector<Particle>* particles) {
+  ParticleReport* found = nullptr;
+  int32_t count = 0;
+  const int32_t status =
+      ZEL_Particle(mask, eight ? CONNECTIVITY_8 : CONNECTIVITY_4, &found, &count);
+  const Block<ParticleReport> reports(found);
+  Check(status);
+
+  uint32_t numbers[LIBRARY_MEASURES];
+  for (uint32_t i = 0; i < LIBRARY_MEASURES; ++i) numbers[i] = i;
+  std::vector<float> values(LIBRARY_MEASURES * static_cast<size_t>(count));
+  Check(ZEL_ParticleCoeffs(mask, numbers, LIBRARY_MEASURES, reports.get(), count, values.data()));
+
+  const std::vector<Measure>& all = AllMeasures();
+  for (size_t i = 0; i < static_cast<size_t>(count); ++i) {
+    Particle& particle = (*particles)[first + i];
+    const float* own = values.data() + i * LIBRARY_MEASURES;
+    particle.rect = reports[i].rect;
+    for (size_t m = 0; m < LIBRARY_MEASURES; ++m) particle.values[m] = static_cast<double>(own[m]);
+    for (size_t m = FIRST_BY_NAME; m < all.size(); ++m) {
+      particle.values[m] = static_cast<double>(own[all[m].inLibrary]);
+    }
+  }
+}
+
+// A picture of the particles of some numbers alone.
+Image MaskOfSome(const Image& mask, const Labels& labels, uint32_t first, uint32_t last) {
+  const ImageInfo info = mask.Info();
+  Image some(IMAGE_U8, PARTICLE_BORDER, info.width, info.height);
+  Check(ZEL_SetImageCalibration(some, info.unit, info.xStep, info.yStep));
+  Check(ZEL_ClearPixels(some));
+  const ImageInfo to = some.Info();
+  for (const PixelRun& run : labels.runs) {
+    if (run.label <= first || run.label > last) continue;
+    std::fill_n(Row<uint8_t>(to, run.y) + run.start, run.end - run.start, uint8_t{1});
+  }
+  return some;
+}
+
+// A particle is measured by itself, so that a picture of too many can be taken in parts. Only the
+// outline of one that touches others by corners (with four neighbours) may come out longer or
+// shorter in a part, where those are missing.
+void MeasureByLibrary(const Image& mask, const Labels& labels, const LabelPicture& picture,
+                      bool eight, int64_t most, std::vector<Particle>* particles) {
+  const std::vector<int64_t> starts = StartsOf(labels, picture, eight);
+  for (uint32_t first = 0; first < labels.count;) {
+    int64_t sum = 0;
+    uint32_t last = first;
+    while (last < labels.count && sum + starts[last] <= most) sum += starts[last++];
+    if (last == first) {
+      throw std::runtime_error(
+          "particle " + std::to_string(first + 1) + " has " + std::to_string(starts[first]) +
+          " starts of pieces, of which the library takes " + std::to_string(most) +
+          ": a texture is taken for objects; "
+          "choose other levels with --range, or smooth the picture with 'orlune filter' first");
+    }
+    const bool all = first == 0 && last == labels.count;
+    if (all) {
+      TakeReports(mask, eight, first, particles);
+    } else {
+      TakeReports(MaskOfSome(mask, labels, first, last), eight, first, particles);
+    }
+    first = last;
+  }
+}
+
+// A particle's runs side by side.
+std::vector<std::vector<PixelRun>> RunsByParticle(const Labels& labels) {
+  std::vector<std::vector<PixelRun>> runs(labels.count);
+  for (const PixelRun& run : labels.runs) runs[run.label - 1].push_back(run);
+  return runs;
+}
+
+void PutMoments(const std::vector<PixelRun>& runs, const Scale& scale,
+                std::vector<double>* values) {
+  Moments moments;
+  for (const PixelRun& run : runs) moments.Add(run);
+  std::vector<double>& v = *values;
+  v[MEASURE_CENTRE_OF_MASS_X] = moments.CentreX();
+  v[MEASURE_CENTRE_OF_MASS_Y] = moments.CentreY();
+  v[MEASURE_SUM_X] = static_cast<double>(moments.sumX);
+  v[MEASURE_SUM_Y] = static_cast<double>(moments.sumY);
+  v[MEASURE_SUM_XX] = static_cast<double>(moments.sumXX);
+  v[MEASURE_SUM_YY] = static_cast<double>(moments.sumYY);
+  v[MEASURE_SUM_XY] = static_cast<double>(moments.sumXY);
+  const double xx = moments.InertiaXX(), yy = moments.InertiaYY(), xy = moments.InertiaXY();
+  v[MEASURE_INERTIA_XX] = xx;
+  v[MEASURE_INERTIA_YY] = yy;
+  v[MEASURE_INERTIA_XY] = xy;
+  v[MEASURE_ORIENTATION] = AxisAngle(xx, yy, xy);
+  const double area = static_cast<double>(moments.area), product = xx * yy;
+  v[MEASURE_TYPE_FACTOR] =
+      product > 0 ? std::min(1.0, area * area / (4 * std::numbers::pi * std::sqrt(product))) : 0;
+  const Ellipse ellipse = EllipseOf(moments, scale);
+  v[MOMENT_ELLIPSE_MAJOR_AXIS] = ellipse.major;
+  v[MOMENT_ELLIPSE_MINOR_AXIS] = ellipse.minor;
+  v[MOMENT_ELLIPSE_ANGLE] = ellipse.angle;
+  v[ECCENTRICITY] = ellipse.eccentricity;
+}
+
+void PutHull(const std::vector<PixelRun>& runs, const Scale& scale, double area,
+             std::vector<double>* values) {
+  const HullMeasures hull = MeasureHull(ConvexHull(runs), scale);
+  std::vector<double>& v = *values;
+  v[FERET_MAXIMUM] = hull.feretMaximum;
+  v[FERET_MAXIMUM_ANGLE] = hull.feretMaximumAngle;
+  v[FERET_MINIMUM] = hull.feretMinimum;
+  v[FERET_MINIMUM_ANGLE] = hull.feretMinimumAngle;
+  v[MINIMAL_BOX_LENGTH] = hull.boxLength;
+  v[MINIMAL_BOX_WIDTH] = hull.boxWidth;
+  v[MINIMAL_BOX_ANGLE] = hull.boxAngle;
+  v[HULL_AREA] = hull.area;
+  v[HULL_PERIMETER] = hull.perimeter;
+  v[SOLIDITY] = area / hull.area;
+}
+
+template <class T>
+void PutGrays(const std::vector<PixelRun>& runs, const ImageInfo& picture,
+              std::vector<double>* values) {
+  double sum = 0, pixels = 0;
+  double low = std::numeric_limits<double>::infinity(), high = -low;
+  const auto forPixels = [&](auto function) {
+    for (const PixelRun& run : runs) {
+      const T* row = Row<T>(picture, run.y);
+      for (int32_t x = run.start; x < run.end; ++x) function(static_cast<double>(row[x]));
+    }
+  };
+  forPixels([&](double value) {
+    sum += value;
+    pixels += 1;
+    low = std::min(low, value);
+    high = std::max(high, value);
+  });
+  const double mean = sum / pixels;
+  double squares = 0;
+  forPixels([&](double value) { squares += (value - mean) * (value - mean); });
+  std::vector<double>& v = *values;
+  v[GRAY_MEAN] = mean;
+  v[GRAY_DEVIATION] = std::sqrt(squares / pixels);
+  v[GRAY_MINIMUM] = low;
+  v[GRAY_MAXIMUM] = high;
+  v[GRAY_SUM] = sum;
+}
+
+}  // namespace
+
+std::vector<Particle> MeasureParticles(const Image& mask, const Image& picture,
+                                       const Labels& labels, const LabelPicture& labelPicture,
+                                       bool eightConnected, int64_t mostStarts) {
+  std::vector<Particle> particles(labels.count);
+  for (uint32_t i = 0; i < labels.count; ++i) {
+    particles[i].number = i + 1;
+    particles[i].values.resize(AllMeasures().size());
+  }
+  MeasureByLibrary(mask, labels, labelPicture, eightConnected, mostStarts, &particles);
+
+  const ImageInfo info = picture.Info();
+  // A step of 0 counts as 1, as in the library.
+  const Scale scale{info.xStep != 0 ? info.xStep : 1, info.yStep != 0 ? info.yStep : 1};
+  const double pixelArea = static_cast<double>(scale.x) * static_cast<double>(scale.y);
+  const std::vector<std::vector<PixelRun>> runs = RunsByParticle(labels);
+  const std::vector<Crossings> crossings = CountCrossings(labelPicture, labels.count);
+  for (size_t i = 0; i < particles.size(); ++i) {
+    std::vector<double>& values = particles[i].values;
+    int64_t pixels = 0;
+    for (const PixelRun& run : runs[i]) pixels += run.end - run.start;
+    // Both number the particles; each must mean the same one.
+    if (static_cast<double>(pixels) != values[MEASURE_AREA_PIXELS] && pixels < 1 << 24) {
+      throw std::logic_error("particle " + std::to_string(i + 1) + " has two areas");
+    }
+    const double area = static_cast<double>(pixels) * pixelArea;
+    PutMoments(runs[i], scale, &values);
+    PutHull(runs[i], scale, area, &values);
+    ForPixelType(info.type, [&](auto* pixel) {
+      PutGrays<std::remove_pointer_t<decltype(pixel)>>(runs[i], info, &values);
+    });
+    const double perimeter = crossings[i].Perimeter(scale);
+    values[CROFTON_PERIMETER] = perimeter;
+    values[CROFTON_CIRCULARITY] = 4 * std::numbers::pi * area / (perimeter * perimeter);
+  }
+  return particles;
+}
+
+}  // namespace front

@@ -1,0 +1,32 @@
+// Particles with all their measures.
+#pragma once
+
+#include <vector>
+
+#include "orlune/inspect/labels.h"
+#include "orlune/inspect/measures.h"
+#include "orlune/inspect/shapes.h"
+#include "orlune/shared/pictures.h"
+
+namespace front {
+
+struct Particle {
+  uint32_t number = 0;  // in the order of first pixels, from 1
+  bool kept = true;
+  ApiRect rect{};
+  std::vector<double> values;  // by measure number
+};
+
+// Of pixels that are set while their neighbours before them are not: more the library does not
+// number in one picture.
+constexpr int64_t MOST_STARTS = 65535;
+
+// Of the pixels of a mask that are not 0, whose numbers are the labels'. The mask is an IMAGE_U8
+// with the picture's calibration; gray values come from the picture. A picture of more than
+// mostStarts is measured in parts. Throws LibraryFailure, and std::runtime_error for a particle of
+// more.
+std::vector<Particle> MeasureParticles(const Image& mask, const Image& picture,
+                                       const Labels& labels, const LabelPicture& labelPicture,
+                                       bool eightConnected, int64_t mostStarts = MOST_STARTS);
+
+}  // namespace front

@@ -1,0 +1,327 @@
+// orlune run: recipes carried out on picture files, and what was found recorded.
+#include "orlune/recipe/run.h"
+
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <set>
+
+#include "orlune/command/commands.h"
+#include "orlune/recipe/folder_watch.h"
+#include "orlune/recipe/recipe_run.h"
+#include "orlune/recipe/run_database.h"
+#include "orlune/recipe/run_reports.h"
+#include "orlune/shared/interrupts.h"
+#include "orlune/shared/numbers.h"
+#include "orlune/shared/output.h"
+#include "orlune/shared/progress.h"
+#include "orlune/shared/tasks.h"
+#include "pictures/source.h"
+
+namespace front {
+namespace {
+
+// A report that grows by each picture.
+class Report {
+ public:
+  // Throws as WholeFile. Without a path nothing is written.
+  void Open(const std::string& path) {
+    if (!path.empty()) file_ = Named(path, [&] { return std::make_unique<WholeFile>(path); });
+  }
+  template <class Make>
+  void Add(const Make& make) {
+    if (file_) file_->stream() << make();
+  }
+  // For whoever reads along.
+  void Flush() {
+    if (file_) file_->stream().flush();
+  }
+  void Finish() {
+    if (file_) Named(file_->path(), [&] { file_->Finish(); });
+  }
+
+ private:
+  std::unique_ptr<WholeFile> file_;
+};
+
+class RecipeRunner {
+ public:
+  RecipeRunner(const RunCommand& command, const Recipe& recipe, const RecipeRun& run)
+      : command_(command),
+        recipe_(recipe),
+        run_(run),
+        names_(command.annotate, "-result.bmp"),
+        out_(command.csv == STANDARD_STREAM || command.json == STANDARD_STREAM ||
+                     command.html == STANDARD_STREAM
+                 ? std::cerr
+                 : std::cout) {}
+
+  // Throws std::invalid_argument where a file would be written that is read, or written twice, and
+  // what cannot be made as std::runtime_error.
+  int Work() {
+    std::unique_ptr<FolderWatch> watch;
+    if (!command_.watch.empty()) watch = std::make_unique<FolderWatch>(command_.watch);
+    TakeFiles();
+    Plan();
+    if (!command_.annotate.empty())
+      Named(command_.annotate, [&] { MakeFolder(command_.annotate); });
+    csv_.Open(command_.csv);
+    json_.Open(command_.json);
+    html_.Open(command_.html);
+    csv_.Add(RunCsvHead);
+    html_.Add([&] { return HtmlHead(recipe_); });
+    WorkOnPending();
+    if (watch) WorkAsTheyCome(watch.get());
+    const bool whole = told_ == files_.size();
+    html_.Add([&] { return HtmlEnd(counts_, whole); });
+    for (Report* report : {&csv_, &json_, &html_}) report->Finish();
+    if (database_ && whole) database_->Finish();
+    if (!command_.quiet) TellSummary(whole);
+    return !whole || counts_.errors > 0 ? NO_VERDICT : counts_.failed > 0 ? SOME_FAILED : ALL_WELL;
+  }
+
+ private:
+  // The pictures of the run, and which of them are done.
+  void TakeFiles() {
+    files_ = WithAllPages(command_.files);
+    if (!command_.database.empty()) {
+      database_ = std::make_unique<RunDatabase>(command_.database);
+      const bool resumed = command_.resume && database_->Resume(recipe_, files_);
+      if (!resumed) {
+        RefuseNone();
+        database_->Begin(recipe_, files_);
+      }
+      files_ = database_->Files();
+      done_ = database_->Done();
+    }
+    RefuseNone();
+    done_.resize(files_.size());
+    for (size_t i = 0; i < files_.size(); i++) {
+      if (!done_[i]) pending_.push_back(i);
+    }
+  }
+
+  void RefuseNone() const {
+    if (files_.empty() && command_.watch.empty()) {
+      throw std::invalid_argument("give the pictures to be looked at");
+    }
+  }
+
+  void Plan() {
+    for (const std::string& file : files_) plan_.Reads(file, "a picture to be looked at");
+    for (const std::string& file : run_.ReadToo()) plan_.Reads(file, "read for the recipe");
+    const auto writes = [&](const std::string& file, const std::string& what) {
+      if (!file.empty()) plan_.Writes(file, what);
+    };
+    writes(command_.csv, "the CSV report");
+    writes(command_.json, "the JSON lines");
+    writes(command_.html, "the HTML report");
+    writes(command_.database, "the database");
+    RefuseWatched();
+    for (const std::string& file : files_) PlanAnnotated(file);
+  }
+
+  // What is written into the watched folder would come as a picture.
+  void RefuseWatched() const {
+    if (command_.watch.empty()) return;
+    const std::string watched = IdentityOf(command_.watch);
+    const auto refuse = [&](const std::string& folder) {
+      if (IdentityOf(folder.empty() ? "." : folder) != watched) return;
+      throw std::invalid_argument("reports and records cannot go into the folder that is watched");
+    };
+    if (!command_.annotate.empty()) refuse(command_.annotate);
+    for (const std::string& file :
+         {command_.csv, command_.json, command_.html, command_.database}) {
+      if (!file.empty() && file != STANDARD_STREAM) {
+        refuse(std::filesystem::path(file).parent_path().string());
+      }
+    }
+  }
+
+  void PlanAnnotated(const std::string& file) {
+    annotated_.push_back(command_.annotate.empty() ? "" : names_.NameFor(file));
+    if (annotated_.back().empty()) return;
+    plan_.Writes(annotated_.back(), "the annotated picture of " + file);
+  }
+
+  // Until an interrupt. Their reports are complete by each of them.
+  void WorkAsTheyCome(FolderWatch* watch) {
+    const std::set<std::string> recorded(files_.begin(), files_.end());
+    bool first = true;
+    while (Interrupted() == 0) {
+      std::vector<std::string> files = watch->Next();
+      // Those of a run that is resumed have their verdicts.
+      if (first) std::erase_if(files, [&](const auto& file) { return recorded.contains(file); });
+      first = false;
+      if (files.empty()) continue;
+      if (database_) database_->Add(files);
+      pending_.clear();
+      for (const std::string& file : files) {
+        pending_.push_back(files_.size());
+        files_.push_back(file);
+        plan_.Reads(file, "a picture to be looked at");
+        PlanAnnotated(file);
+      }
+      WorkOnPending();
+    }
+  }
+
+  void WorkOnPending() {
+    Progress progress(pending_.size());
+    progress_ = &progress;
+    size_t taken = 0;
+    TaskRun tasks;
+    tasks.tasks = pending_.size();
+    tasks.workers = command_.workers;
+    tasks.apart = true;
+    if (command_.limit > 0) tasks.limit = Seconds(command_.limit);
+    tasks.work = [&](size_t task) { return Packed(WorkOn(pending_[task])); };
+    tasks.late = [&](size_t task) {
+      return Packed(ErrorOf(files_[pending_[task]],
+                            "it took longer than " + Short(command_.limit) + " seconds"));
+    };
+    tasks.take = [&](size_t task, std::optional<std::string> result) {
+      TakeNew(pending_[task], result ? UnpackedResult(*result) : Lost(pending_[task]));
+      progress.Done(++taken);
+    };
+    if (!pending_.empty()) RunTasks(tasks);
+    if (taken == pending_.size()) TellDoneBefore(files_.size());
+    progress.Hide();
+  }
+
+  PictureResult WorkOn(size_t picture) const {
+    try {
+      return run_.Run(files_[picture], {.annotated = annotated_[picture],
+                                        .thumbnail = !command_.html.empty(),
+                                        .stepsFolder = ""});
+    } catch (const std::exception& failure) {
+      return ErrorOf(files_[picture], failure.what());
+    }
+  }
+
+  PictureResult Lost(size_t picture) const {
+    return ErrorOf(files_[picture], "the process that worked on it was ended");
+  }
+
+  // Those between pictures that were still to be done are told where they belong.
+  void TakeNew(size_t picture, const PictureResult& result) {
+    TellDoneBefore(picture);
+    if (database_) database_->Store(picture, result);
+    Tell(result);
+  }
+
+  void TellDoneBefore(size_t picture) {
+    while (told_ < picture) Tell(database_->Stored(told_));
+  }
+
+  void Tell(const PictureResult& result) {
+    told_++;
+    counts_.Add(result.verdict);
+    csv_.Add([&] { return CsvRows(result); });
+    json_.Add([&] { return JsonLine(result); });
+    html_.Add([&] { return HtmlOf(result); });
+    if (!command_.watch.empty()) csv_.Flush();
+    if (!command_.watch.empty()) json_.Flush();
+    if (command_.quiet || &out_ == &std::cerr) return;
+    progress_->Hide();
+    if (command_.watch.empty()) {
+      PrintResult(out_, result);
+    } else {
+      PrintVerdict(out_, result);
+      out_.flush();
+    }
+    if (!out_) NoteClosedPipe();
+  }
+
+  void TellSummary(bool whole) const {
+    if (!whole) {
+      out_ << "Stopped after " << told_ << " of " << Plural(files_.size(), "picture") << '\n';
+    }
+    out_ << recipe_.name << ": " << Plural(counts_.All(), "picture") << ", " << counts_.passed
+         << " passed, " << counts_.failed << " failed, " << counts_.errors
+         << " without a verdict\n";
+    if (!command_.annotate.empty()) {
+      out_ << "Annotated pictures are in " << command_.annotate << '\n';
+    }
+  }
+
+  const RunCommand& command_;
+  const Recipe& recipe_;
+  const RecipeRun& run_;
+  NamesInFolder names_;
+  FilePlan plan_;
+  std::ostream& out_;
+  std::unique_ptr<RunDatabase> database_;
+  std::vector<std::string> files_, annotated_;
+  std::vector<bool> done_;
+  std::vector<size_t> pending_;
+  Report csv_, json_, html_;
+  Progress* progress_ = nullptr;
+  size_t told_ = 0;
+  RunCounts counts_;
+};
+
+void PrintMistakes(const std::string& file, const std::vector<Mistake>& mistakes) {
+  for (const Mistake& mistake : mistakes) {
+    std::cerr << file << ':' << mistake.line << ": " << mistake.text << '\n';
+  }
+}
+
+int Explain(const RunCommand& command, const RecipeRun& run) {
+  MakeFolder(command.out);
+  const PictureResult result =
+      run.Run(command.explainOn, {.annotated = "", .thumbnail = false, .stepsFolder = command.out});
+  PrintResult(std::cout, result);
+  std::cout << "A picture after each step is in " << command.out << '\n';
+  if (result.verdict == Verdict::Error) return NO_VERDICT;
+  return result.verdict == Verdict::Failed ? SOME_FAILED : ALL_WELL;
+}
+
+ParsedRecipe ReadNamed(const std::string& file) {
+  try {
+    return ReadRecipe(file);
+  } catch (const std::invalid_argument& failure) {
+    throw std::invalid_argument(FailureText(file, failure));
+  }
+}
+
+int RunChecked(const RunCommand& command) {
+  const ParsedRecipe parsed = ReadNamed(command.recipe);
+  RecipeRun run(parsed.recipe);
+  std::vector<Mistake> mistakes = parsed.mistakes;
+  if (mistakes.empty()) mistakes = run.Prepare();
+  PrintMistakes(command.recipe, mistakes);
+  if (!mistakes.empty()) return BAD_USE;
+  if (command.check) {
+    std::cout << ExplanationOf(parsed.recipe);
+    return ALL_WELL;
+  }
+  if (!command.explainOn.empty()) return Explain(command, run);
+  return RecipeRunner(command, parsed.recipe, run).Work();
+}
+
+}  // namespace
+
+int Run(const RunCommand& command) {
+  try {
+    if (command.resume && command.database.empty()) {
+      throw std::invalid_argument("--resume needs --db, the records of the run");
+    }
+    if (command.explainOn.empty() != command.out.empty()) {
+      throw std::invalid_argument("--explain-on PICTURE and --out FOLDER go together");
+    }
+    if (!command.check && command.explainOn.empty() && !command.resume && command.watch.empty() &&
+        command.files.empty()) {
+      throw std::invalid_argument("give the pictures to be looked at");
+    }
+    return RunChecked(command);
+  } catch (const std::invalid_argument& error) {
+    std::cerr << "orlune: " << error.what() << '\n';
+    return BAD_USE;
+  } catch (const std::exception& failure) {
+    std::cerr << "orlune: " << failure.what() << '\n';
+    return NO_VERDICT;
+  }
+}
+
+}  // namespace front

@@ -1,0 +1,99 @@
+// Pictures as the commands need them.
+#include "orlune/shared/pictures.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace front {
+
+std::string KindName(const Account& account) {
+  const bool several = account.kind == "colour" || account.kind == "complex";
+  const int32_t count = several ? account.PixelBits() : account.bits;  // of gray without alpha
+  const std::string bits = std::to_string(count) + "-bit ";
+  if (account.kind == "signed") return bits + "signed gray";
+  return bits + account.kind;
+}
+
+std::string SizeName(const Account& account) {
+  return std::to_string(account.width) + " x " + std::to_string(account.height);
+}
+
+std::string HeadLine(const Account& account) {
+  std::string line = account.format;
+  if (account.pages > 1) {
+    line += " page " + std::to_string(account.page) + " of " + std::to_string(account.pages);
+  }
+  return line + ", " + SizeName(account) + ", " + KindName(account);
+}
+
+std::string TypeName(int32_t imageType) {
+  static constexpr const char* NAMES[] = {"u8", "i16", "sgl", "complex", "rgb"};
+  return imageType >= IMAGE_U8 && imageType <= IMAGE_RGB ? NAMES[imageType] : "opaque";
+}
+
+Range LevelsOf(const Account& account, int32_t imageType) {
+  constexpr double INFINITE = std::numeric_limits<double>::infinity();
+  const bool plain = account.kind == "gray" && account.meaning != "grays of a palette";
+  if (imageType == IMAGE_U8) {
+    return {0, plain && account.bits < 8 ? std::ldexp(1.0, account.bits) - 1 : 255};
+  }
+  if (plain) return {0, std::ldexp(1.0, account.bits) - 1};
+  if (account.kind == "colour" && account.format != "native") {
+    return {0, std::ldexp(1.0, account.bits) - 1};
+  }
+  if (imageType == IMAGE_I16) return {-32768, 32767};
+  return {-INFINITE, INFINITE};
+}
+
+Extremes ExtremesOf(const Image& image) {
+  Extremes extremes;
+  const ImageInfo info = image.Info();
+  ForPixelType(info.type, [&](auto* pixel) {
+    using T = std::remove_pointer_t<decltype(pixel)>;
+    T low = std::numeric_limits<T>::max(), high = std::numeric_limits<T>::lowest();
+    double sum = 0;
+    for (int32_t y = 0; y < info.height; ++y) {
+      const T* row = Row<T>(info, y);
+      for (int32_t x = 0; x < info.width; ++x) {
+        if constexpr (std::is_floating_point_v<T>) {
+          if (!std::isfinite(row[x])) {
+            ++extremes.others;
+            continue;
+          }
+        }
+        low = std::min(low, row[x]);
+        high = std::max(high, row[x]);
+        sum += static_cast<double>(row[x]);
+      }
+    }
+    extremes.finite = int64_t{info.width} * info.height - extremes.others;
+    if (extremes.finite == 0) return;
+    extremes.low = static_cast<double>(low);
+    extremes.high = static_cast<double>(high);
+    extremes.mean = sum / static_cast<double>(extremes.finite);
+  });
+  return extremes;
+}
+
+Image Stretch(const Image& gray, const Extremes& extremes) {
+  const ImageInfo from = gray.Info();
+  Image stretched(IMAGE_U8, from.border, from.width, from.height);
+  Check(ZEL_SetImageCalibration(stretched, from.unit, from.xStep, from.yStep));
+  const ImageInfo to = stretched.Info();
+  const double low = extremes.low, high = extremes.high;
+  const double scale = high > low ? 255.0 / (high - low) : 0.0;
+  ForPixelType(from.type, [&](auto* pixel) {
+    using T = std::remove_pointer_t<decltype(pixel)>;
+    for (int32_t y = 0; y < from.height; ++y) {
+      const T* source = Row<T>(from, y);
+      std::transform(source, source + from.width, Row<uint8_t>(to, y), [&](T v) {
+        const double level = (static_cast<double>(v) - low) * scale + 0.5;
+        return static_cast<uint8_t>(level >= 255 ? 255 : level >= 0 ? level : 0);
+      });
+    }
+  });
+  return stretched;
+}
+
+}  // namespace front
