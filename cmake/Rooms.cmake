@@ -37,9 +37,9 @@ function(ptk_library_flags target)
                                                ${PROJECT_BINARY_DIR}/generated)
 endfunction()
 
-# ptk_room(name SOURCES ... [ROWS ...] [TESTS ...])
+# ptk_room(name [TESTS_COMPILED_HERE] SOURCES ... [ROWS ...] [TESTS ...])
 function(ptk_room name)
-  cmake_parse_arguments(ROOM "" "" "SOURCES;ROWS;TESTS" ${ARGN})
+  cmake_parse_arguments(ROOM "TESTS_COMPILED_HERE" "" "SOURCES;ROWS;TESTS" ${ARGN})
 
   add_library(room_${name} OBJECT ${ROOM_SOURCES})
   ptk_library_flags(room_${name})
@@ -65,11 +65,15 @@ function(ptk_room name)
   endif()
 
   if(PTK_BUILD_TESTS AND ROOM_TESTS)
+    set(here)
+    if(ROOM_TESTS_COMPILED_HERE)
+      set(here COMPILED_HERE)
+    endif()
     if(ROOM_ROWS)
       # Results are the same at every level, so the same tests pass at each.
-      ptk_test(${name}_tests ${ROOM_TESTS} LEVELS ${PTK_LEVELS})
+      ptk_test(${name}_tests ${ROOM_TESTS} ${here} LEVELS ${PTK_LEVELS})
     else()
-      ptk_test(${name}_tests ${ROOM_TESTS})
+      ptk_test(${name}_tests ${ROOM_TESTS} ${here})
     endif()
   endif()
 endfunction()
@@ -81,11 +85,17 @@ function(ptk_test_flags name)
   target_link_libraries(${name} PRIVATE ptk_test_support orlune_internal GTest::gtest)
 endfunction()
 
-# ptk_test(name sources... [LEVELS ...]): a GoogleTest program over the library's internals, run by
-# ctest once, or once at each processor level.
+# ptk_test(name sources... [COMPILED_HERE] [LEVELS ...]): a GoogleTest program over the library's internals,
+# run by ctest once, or once at each processor level. Tests that look at the levels of this build, or run
+# threads, are compiled in it.
 function(ptk_test name)
-  cmake_parse_arguments(TEST "" "" "LEVELS" ${ARGN})
-  add_executable(${name} ${TEST_UNPARSED_ARGUMENTS})
+  cmake_parse_arguments(TEST "COMPILED_HERE" "" "LEVELS" ${ARGN})
+  add_executable(${name})
+  if(TEST_COMPILED_HERE)
+    target_sources(${name} PRIVATE ${TEST_UNPARSED_ARGUMENTS})
+  else()
+    ptk_lent_sources(${name} ${TEST_UNPARSED_ARGUMENTS})
+  endif()
   ptk_test_flags(${name})
   if(NOT CMAKE_CXX_COMPILER_LAUNCHER)
     target_precompile_headers(${name} REUSE_FROM ptk_test_headers)

@@ -14,7 +14,14 @@
 #endif
 #endif
 
+// Of the sanitizer's own library, where one is linked.
+extern "C" __attribute__((weak)) void __asan_init();
+
 namespace test {
+
+bool MemoryIsWatched() {
+  return &__asan_init != nullptr;
+}
 
 void SetBudget(bool large) {
   ZEL_SetErrorMode(1);

@@ -12,6 +12,9 @@ namespace test {
 // refusals common, large ones let bigger images through.
 void SetBudget(bool large);
 
+// True where the address sanitizer looks at the library, whatever the caller was compiled with.
+bool MemoryIsWatched();
+
 // Stops the program, which a fuzzer takes for a finding.
 void Require(bool condition, const char* what);
 

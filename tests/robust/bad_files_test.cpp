@@ -11,6 +11,7 @@
 #include "core/images.h"
 #include "harness/call_model.h"
 #include "harness/calls/calls.h"
+#include "harness/checks.h"
 #include "harness/memory_files.h"
 #include "harness/test_image.h"
 
@@ -27,11 +28,10 @@ using test::TestImage;
 
 constexpr uint64_t BLOCK_BUDGET = 12 << 20;  // images beyond it are refused: 101
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr double SECONDS_ALLOWED = 10;
-#else
-constexpr double SECONDS_ALLOWED = 1;
-#endif
+// Of the processor, for one file.
+double SecondsAllowed() {
+  return test::MemoryIsWatched() ? 10 : 1;
+}
 
 // What a read may take beside what it is given: the image, a copy of the file, 16 of its rows and
 // 64 KiB.
@@ -80,7 +80,7 @@ Outcome ReadOnce(const Case& test, int32_t type, int32_t border, MemoryFiles* fi
   const test::Changes leftovers =
       test::LeftoversOf(test::CallNamed("ZEL_ReadFile"), -outcome.status);
   EXPECT_STREQ(model.Fault(outcome.status != 0, leftovers), nullptr);
-  EXPECT_LT(took.count(), SECONDS_ALLOWED);
+  EXPECT_LT(took.count(), SecondsAllowed());
   EXPECT_LE(hooks->peakBytes - before, AllowanceFor(test, image));
   EXPECT_EQ(hooks->liveBlocks, blocks);
   hooks->blockBudget = 0;

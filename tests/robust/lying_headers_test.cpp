@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "harness/checks.h"
 #include "harness/file_bytes.h"
 #include "harness/memory_files.h"
 #include "harness/tiff_file.h"
@@ -89,14 +90,8 @@ void ExpectCheapRead(ImageRef image, const std::string& about) {
   EXPECT_TRUE(result == 0 || result == ZEL_ERR_MEMORY_FULL) << result;
 }
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool MEMORY_IS_WATCHED = true;  // and marked, byte by byte, when it is given out
-#else
-constexpr bool MEMORY_IS_WATCHED = false;
-#endif
-
 TEST(LyingHeaders, CostNoMoreThanTheirFilesHold) {
-  if (MEMORY_IS_WATCHED) GTEST_SKIP();
+  if (test::MemoryIsWatched()) GTEST_SKIP();  // and marked, byte by byte, when it is given out
   MemoryFiles files;
   for (const Claim& claim : Claims()) {
     files.Put("f", claim.file);
@@ -129,7 +124,7 @@ TEST(LyingHeaders, LeaveWhatIsMissingOfAnOrdinaryImageInverted) {
 
 // The claim is there all the same: every pixel can be read, and what nothing was read for is 0.
 TEST(LyingHeaders, GiveAnImageOfTheClaimedSize) {
-  if (MEMORY_IS_WATCHED) GTEST_SKIP();
+  if (test::MemoryIsWatched()) GTEST_SKIP();  // and marked, byte by byte, when it is given out
   MemoryFiles files;
   files.Put("f", Tiff(46000, 46000, 8, 0));
   ImageRef image = 0;

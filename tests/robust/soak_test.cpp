@@ -7,24 +7,20 @@
 #include <cstdlib>
 
 #include "core/heap.h"
+#include "harness/checks.h"
 #include "harness/memory_files.h"
 #include "harness/test_image.h"
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr int64_t ROUNDS_USUALLY = 4000;
-constexpr bool RESIDENT_COUNTS = false;  // the sanitizer keeps what is freed in quarantine
-#else
-constexpr int64_t ROUNDS_USUALLY = 100000;
-constexpr bool RESIDENT_COUNTS = true;
-#endif
 constexpr long GROWTH_ALLOWED = 1 << 20;
 
-// ORLUNE_SOAK_ROUNDS asks for more.
+// ORLUNE_SOAK_ROUNDS asks for more. A sanitizer takes long.
 int64_t Rounds() {
   const char* wanted = std::getenv("ORLUNE_SOAK_ROUNDS");
-  return wanted ? std::max<int64_t>(std::atoll(wanted), 50) : ROUNDS_USUALLY;
+  return wanted                    ? std::max<int64_t>(std::atoll(wanted), 50)
+         : test::MemoryIsWatched() ? 4000
+                                   : 100000;
 }
 
 long ResidentBytes() {
@@ -73,7 +69,7 @@ TEST(Soak, RoundsOfReadingAndMeasuringKeepMemoryFlat) {
   for (int64_t i = 0; i < rounds && !HasFatalFailure(); i++) Round(&reports);
   EXPECT_EQ(zel::HeapHooksGet()->liveBlocks, blocks);
   EXPECT_EQ(zel::HeapHooksGet()->liveBytes, bytes);
-  if (RESIDENT_COUNTS) {
+  if (!test::MemoryIsWatched()) {  // a sanitizer keeps what is freed in quarantine
     EXPECT_LE(ResidentBytes() - resident, GROWTH_ALLOWED);
   }
   EXPECT_EQ(files.OpenFiles(), 0);
