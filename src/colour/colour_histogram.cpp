@@ -18,11 +18,8 @@ namespace {
 // Counters of one thread. Neighbouring pixels go into different tables: equal ones, which are
 // frequent, would wait for each other. Pixels that a mask leaves out are counted aside.
 constexpr int32_t SIDE_TABLES = 4;
-// A little more than the levels: counters 4096 bytes apart would wait for each other too.
-constexpr int32_t SIDE_TABLE_LENGTH = 2 * LEVELS_U8 + 16;
-using SideTables = uint32_t[SIDE_TABLES][SIDE_TABLE_LENGTH];
 struct ComponentCounts {
-  SideTables tables[COLOUR_PLANES];
+  uint32_t tables[COLOUR_PLANES][SIDE_TABLES][2 * LEVELS_U8];
 };
 
 // How often each level occurs in each component, and the number of counted pixels.
@@ -32,19 +29,16 @@ struct ColourCounts {
 };
 
 // `aside`: for each byte LEVELS_U8 where it is not to count, else 0; null: all count.
-void CountBlock(const uint8_t* component, const uint16_t* aside, int64_t size, SideTables& tables) {
+void CountBlock(const uint8_t* component, const uint16_t* aside, int64_t size,
+                uint32_t (&tables)[SIDE_TABLES][2 * LEVELS_U8]) {
   int64_t i = 0;
-  for (; !aside && i + 8 <= size; i += 8) {
-    uint64_t levels = 0;  // eight of them in one load
+  for (; !aside && i + SIDE_TABLES <= size; i += SIDE_TABLES) {
+    uint32_t levels = 0;  // four of them in one load
     std::memcpy(&levels, component + i, sizeof levels);
     tables[0][levels & 255]++;
-    tables[1][levels >> 8 & 255]++;
-    tables[2][levels >> 16 & 255]++;
-    tables[3][levels >> 24 & 255]++;
-    tables[0][levels >> 32 & 255]++;
-    tables[1][levels >> 40 & 255]++;
-    tables[2][levels >> 48 & 255]++;
-    tables[3][levels >> 56]++;
+    tables[1][(levels >> 8) & 255]++;
+    tables[2][(levels >> 16) & 255]++;
+    tables[3][levels >> 24]++;
   }
   for (; i < size; i++) tables[i % SIDE_TABLES][component[i] + (aside ? aside[i] : 0)]++;
 }
