@@ -215,6 +215,12 @@ void AreaSearch::TryArea(const Image& gray, const Bars& area, int32_t scale, dou
   reading.backward = backward;
 }
 
+bool AreaSearch::DoBarsReachTheEnds(const Image& gray) {
+  constexpr int32_t WIDEST_BAR = 12;
+  const std::optional<Bars> bars = FindBars(gray);
+  return bars && (bars->left <= WIDEST_BAR || bars->right >= gray.Info().width - 1 - WIDEST_BAR);
+}
+
 std::optional<BarcodeReading> AreaSearch::Best() const {
   // Where there is no code, some of hundreds of rectangles still have a text.
   constexpr int LEAST_READINGS = 3, LEAST_PART = 60;

@@ -24,6 +24,9 @@ class AreaSearch {
   // Looks for the bars in an upright picture and reads them larger and larger, in many rectangles.
   void TryPicture(const Image& gray, double angle);
 
+  // Whether bars begin or end where an upright picture does, without light to measure them from.
+  static bool DoBarsReachTheEnds(const Image& gray);
+
   // The text that fits best most often, if enough readings gave it.
   std::optional<BarcodeReading> Best() const;
 

@@ -301,7 +301,23 @@ std::optional<BarcodeReading> FindByAreas(const Image& gray, const BarcodeSettin
     }
   }
   AreaSearch search(settings);
-  return FindInTurns(gray, &search);
+  std::optional<BarcodeReading> reading = FindInTurns(gray, &search);
+  if (reading || !AreaSearch::DoBarsReachTheEnds(gray)) return reading;
+  constexpr int32_t LIGHT = 24;  // pixels at either end
+  const Framed framed = Frame(gray, info.width + 2 * LIGHT, info.height);
+  AreaSearch framedSearch(settings);
+  reading = FindInTurns(framed.image, &framedSearch);
+  if (!reading) return reading;
+  reading->place.left -= framed.left;
+  for (PointFloat& corner : reading->corners) corner.x -= static_cast<float>(framed.left);
+  return reading;
+}
+
+// Bars may end in the light that a frame adds.
+void ClipTo(int32_t width, Region* place) {
+  const int32_t right = std::min(place->left + place->width, width);
+  place->left = std::max(place->left, 0);
+  place->width = right - place->left;
 }
 
 }  // namespace
@@ -314,6 +330,7 @@ std::optional<BarcodeReading> FindBarcode(const Image& gray, const BarcodeSettin
   std::optional<BarcodeReading> reading =
       HasEvenSymbols(settings.kind) ? FindByLines(part, settings) : FindByAreas(part, settings);
   if (!reading) return std::nullopt;
+  if (reading->angle == 0.0) ClipTo(place.width, &reading->place);
   for (PointFloat& corner : reading->corners) {
     corner.x += static_cast<float>(place.left);
     corner.y += static_cast<float>(place.top);

@@ -114,6 +114,20 @@ TEST(BarcodeSearch, ReadsCansAndCutQuietZonesAlongLines) {
   }
 }
 
+TEST(BarcodeSearch, ReadsBarsThatReachThePicturesEnds) {
+  Look look;
+  look.quiet = 0;
+  for (const Code& code : OneOfEachKind()) {
+    const Sight sight = scorecard::Show(code.widths, look, 1);
+    const auto reading = Find(sight, code.kind);
+    ASSERT_TRUE(reading) << NameOf(code.kind);
+    EXPECT_EQ(reading->text, code.text) << NameOf(code.kind);
+    EXPECT_GE(reading->place.left, 0);
+    EXPECT_LE(reading->place.left + reading->place.width, sight.width);
+    EXPECT_NEAR((reading->corners[0].x + reading->corners[1].x) / 2, sight.width / 2.0, 6);
+  }
+}
+
 TEST(BarcodeSearch, LooksIntoTheRegionAlone) {
   const Code code = OneOfEachKind().back();
   const Sight sight = scorecard::Show(code.widths, {}, 1);
