@@ -62,15 +62,17 @@ Status LoadColourMap(const OpenFile& file, const TiffTag& map, FileContext* cont
   return STATUS_OK;
 }
 
-// Strips that follow each other in the file and in the image are read as one.
+// Strips that follow each other in the file and in the image are read as one. A strip that ends
+// with a part of a sample ends there: the part is no beginning of the next one's.
 class StripJoiner {
  public:
   StripJoiner(const OpenFile& file, const FileContext& context, PixelStream* stream)
       : file_(file), context_(context), stream_(stream) {}
 
   Status Add(int64_t offset, int64_t bytes, int64_t position, int64_t nextPosition) {
-    const bool follows =
-        isWaiting_ && offset == waiting_.offset + waiting_.rowBytes && position == nextPosition_;
+    const int64_t unitBytes = ClassLayoutOf(context_.pixelClass).unitBytes;
+    const bool follows = isWaiting_ && waiting_.rowBytes % unitBytes == 0 &&
+                         offset == waiting_.offset + waiting_.rowBytes && position == nextPosition_;
     nextPosition_ = nextPosition;
     if (follows) {
       waiting_.rowBytes += bytes;

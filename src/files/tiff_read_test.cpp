@@ -201,6 +201,23 @@ TEST_F(TiffRead, ACountIsMadeAMultipleOfTheWidth) {
   EXPECT_EQ(gray_.Pixels(), expected);
 }
 
+TEST_F(TiffRead, APartOfASampleAtTheEndOfAStripIsLeftOut) {
+  const std::vector<Bytes> strips = {{0x10, 0x11, 0x12}, {0x20, 0x21, 0x22}, {0x30, 0x31, 0x32}};
+  const std::vector<Bytes> apart = {
+      {0x10, 0x11, 0x12, 0}, {0x20, 0x21, 0x22, 0}, {0x30, 0x31, 0x32}};
+  for (const auto& data : {strips, apart}) {
+    const TestImage image(IMAGE_I16, 3, 3);
+    const auto below = image.Get<int16_t>(0, 1);
+    TiffFile file = TiffOf(3, 3, {16}, data, 1);
+    file.Set(279, test::TIFF_LONG, {3, 3, 3});
+    ASSERT_EQ(ReadInto(image, file), 0);
+    EXPECT_EQ(image.Get<int16_t>(0, 0), 0x1011);
+    EXPECT_EQ(image.Get<int16_t>(1, 0), 0x2021);
+    EXPECT_EQ(image.Get<int16_t>(2, 0), 0x3031);
+    EXPECT_EQ(image.Get<int16_t>(0, 1), below);
+  }
+}
+
 TEST_F(TiffRead, AStripThatTheFileCutsShortStillTakesItsPlace) {
   TiffFile file = TiffOf(8, 4, {8}, {Bytes(16, 1), Bytes(16, 2)}, 2);
   // The first strip is said to begin 4 bytes before the end.

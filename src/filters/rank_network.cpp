@@ -165,12 +165,12 @@ void TakeSourceRows(NetworkPass* pass, int32_t y, RankGroup* group) {
   }
 }
 
-// After the group has run: its source rows are near then.
-void MarkFloats(const RankGroup& group, NetworkPass* pass) {
+// After the group has run: its source rows are near then, while their copies are overwritten.
+void MarkFloats(int32_t y, NetworkPass* pass) {
   if (pass->band.views.source.type != IMAGE_SGL) return;
   const int32_t columns = pass->strip.columns + pass->network.window.width - 1;
   for (int32_t i = 0; i < pass->network.group; i++) {
-    const void* pixels = group.rows[i];
+    const void* pixels = SourceRow(*pass, y, i);
     pass->floatMarks |= rankRows().floatMarks(static_cast<const float*>(pixels), columns);
   }
 }
@@ -213,7 +213,7 @@ void RunStrip(NetworkPass* pass) {
   for (int32_t y = band.begin - before; y < band.end; y += network.group) {
     TakeSourceRows(pass, y, &group);
     RunGroup(*pass, y, &group);
-    MarkFloats(group, pass);
+    MarkFloats(y, pass);
     if (pass->WritesInPlace()) continue;
     const int32_t last = std::min(y + network.group, band.end);
     for (int32_t row = std::max(y, band.begin); row < last; row++) {

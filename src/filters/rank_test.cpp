@@ -289,6 +289,25 @@ TEST(NthOrder, OfFloatsThatAreNoNumbers) {
   }
 }
 
+// A single one, wherever it stands, is seen in each window that it is in.
+TEST(NthOrder, OfASingleFloatThatIsNoNumberAmongNumbers) {
+  for (const float odd : {std::numeric_limits<float>::quiet_NaN(), -0.0f}) {
+    for (const Window window : {Window{2, 2}, {2, 4}, {3, 3}, {3, 4}, {4, 5}, {5, 5}, {3, 8}}) {
+      for (int32_t place = 0; place < 90; place += 4) {
+        const TestImage source(IMAGE_SGL, 9, 10, BorderOf(window), 3);
+        for (int32_t i = 0; i < 90; i++) {
+          const auto number = static_cast<float>(odd == 0.0f ? (i * 7) % 3 - 1 : (i * 37) % 90);
+          source.Set(i % 9, i / 9, i == place ? odd : number);
+        }
+        for (const int32_t order : {0, window.LastOrder() / 2}) {
+          ExpectRankedBits(source, window, order);
+          if (HasFatalFailure()) return;
+        }
+      }
+    }
+  }
+}
+
 TEST(NthOrder, OfZerosOfOneSign) {
   for (const float zero : {0.0f, -0.0f}) {
     const TestImage source(IMAGE_SGL, 83, 13, 3, 3);
