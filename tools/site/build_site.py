@@ -2,7 +2,10 @@
 """Builds the site: runs the commands and programs of its pages, makes the pages of functions from the public headers,
 takes in the pages of docs/, and has mkdocs put all of it together. A command that fails ends the build.
 
-usage: build_site.py BUILD SITE        BUILD: a build folder with orlune, orlune_scenes and the library
+usage: build_site.py BUILD SITE [PAGE...]
+
+BUILD: a build folder with orlune, orlune_scenes and the library
+PAGE:  as tutorial/count; of the site's own pages only these are run anew, which saves their writer's time
 """
 
 import re
@@ -82,13 +85,16 @@ def run_comparison(comparison: Comparison, page: Page) -> str:
     return page.shop.run([sys.executable, "calls.py"], page.work, 0).strip()
 
 
-def own_pages(docs: Path, shop: Workshop) -> None:
+def own_pages(docs: Path, shop: Workshop, wanted: list[str]) -> None:
     """Runs the pages in the order of their names, but the one first that makes the pictures of all others."""
     sources = sorted((SOURCES / "pages").rglob("*.md"), key=lambda path: (path.stem != "start", path))
     scenes: Path | None = None
     for source in sources:
         name = str(source.relative_to(SOURCES / "pages").with_suffix(""))
         began = time.monotonic()
+        if wanted and name not in wanted and (docs / f"{name}.md").exists():
+            scenes = scenes or shop.folder / name / "scenes"
+            continue
         page = Page(name, shop)
         if scenes is not None:
             (page.work / "scenes").symlink_to(scenes)
@@ -118,18 +124,19 @@ def python_package(build: Path, folder: Path) -> Path:
 
 
 def main() -> None:
-    if len(sys.argv) != 3:
-        sys.exit("usage: build_site.py BUILD SITE")
-    build, site = (Path(argument).resolve() for argument in sys.argv[1:])
+    if len(sys.argv) < 3:
+        sys.exit("usage: build_site.py BUILD SITE [PAGE...]")
+    build, site = (Path(argument).resolve() for argument in sys.argv[1:3])
+    wanted = sys.argv[3:]
     work = site.with_name(f"{site.name}-work")
-    for folder in (work, site):
-        shutil.rmtree(folder, ignore_errors=True)
     docs = work / "docs"
-    docs.mkdir(parents=True)
+    for folder in (docs / "functions", site) if wanted else (work, site):
+        shutil.rmtree(folder, ignore_errors=True)
+    docs.mkdir(parents=True, exist_ok=True)
     began = time.monotonic()
     shop = Workshop(build, ROOT / "include", python_package(build, work / "python"), work / "pages")
     print("site: running the commands and programs of the pages", flush=True)
-    own_pages(docs, shop)
+    own_pages(docs, shop, wanted)
     taken_in(docs)
     count = Reference(read_families(), python_functions(ROOT / "python" / "orlune_ptk")).write(docs / "functions")
     shutil.copyfile(SOURCES / "theme" / "style.css", docs / "style.css")

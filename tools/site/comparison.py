@@ -54,7 +54,7 @@ class Comparison:
     def c_program(self) -> str:
         """Each row on images of its own. A call stands as the page shows it; its status is looked at by the
         semicolon that ends it."""
-        parts = [C_HEAD, self.c_setup]
+        parts = [C_HEAD, self.c_setup, C_IMAGES]
         for number, row in enumerate(self.rows):
             parts.append(f"static void row{number}(void) {{\n  setup();")
             for call in re.findall(r"[^;]+;", row.c):
@@ -105,11 +105,45 @@ C_HEAD = """\
 #include <stdlib.h>
 
 static int rows;
+static void setup(void);
+static void finish(void);
 
 static void check(int32_t status, const char* task) {
   if (status == 0) return;
   fprintf(stderr, "%s: %d\\n", task, (int)status);
   exit(1);
+}
+"""
+
+# What the page's declarations hold before each row.
+C_IMAGES = """\
+static void make(ImageRef* made, int16_t type) {
+  check(ZEL_Create(made, type, 3), "ZEL_Create");
+  check(ZEL_SetImageSize(*made, 64, 64), "ZEL_SetImageSize");
+}
+
+static void setup(void) {
+  for (int i = 0; i < 64 * 64; ++i) pixels[i] = (uint8_t)(i % 64 * (i / 64) + 90 * (i / 500 % 2));
+  for (int i = 0; i < 256; ++i) table[i] = (uint8_t)(255 - i);
+  ImageRef* bytes[] = {&image, &other, &result, &mask, &red, &green, &blue};
+  for (int i = 0; i < 7; ++i) make(bytes[i], IMAGE_U8);
+  make(&number, IMAGE_SGL);
+  make(&colour, IMAGE_RGB);
+  make(&spectrum, IMAGE_COMPLEX);
+  check(ZEL_ArrayToImage(image, ARRAY_U8, pixels, 64, 64), "image");
+  check(ZEL_ArrayToImage(other, ARRAY_U8, pixels, 64, 64), "other");
+  check(ZEL_Threshold(image, mask, 128, 255, 1, 1), "mask");
+  check(ZEL_ClearPixels(result), "result");
+  check(ZEL_ReplaceColorPlanes(0, colour, image, other, image, MODE_RGB), "colour");
+}
+
+static void finish(void) {
+  ZEL_free(parts);
+  ZEL_FreeROI(outlines);
+  parts = NULL;
+  outlines = NULL;
+  check(ZEL_CloseSys(), "ZEL_CloseSys");
+  ++rows;
 }
 """
 

@@ -41,7 +41,7 @@ class Workshop:
         library = str(self.build)
         return dict(
             os.environ,
-            PATH=f"{self.build / 'tools'}:{os.environ['PATH']}",
+            PATH=f"{self.build / 'tools'}:{Path(sys.executable).parent}:{os.environ['PATH']}",
             CPATH=str(self.include),
             LIBRARY_PATH=library,
             LD_LIBRARY_PATH=library,
@@ -78,6 +78,7 @@ class Page:
 
     def __post_init__(self) -> None:
         self.work = self.shop.folder / self.name
+        shutil.rmtree(self.work, ignore_errors=True)
         self.work.mkdir(parents=True)
 
     def block(self, match: re.Match[str]) -> str:
