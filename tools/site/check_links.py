@@ -65,7 +65,8 @@ def check(site: Path) -> tuple[list[str], int, int]:
         name = page.relative_to(site.resolve())
         if reader.scripts:
             wrong.append(f"{name}: has a script")
-        wrong += [f"{name}: a picture without words: {source}" for source in reader.without_text]
+        if name.parts[0] != "made":  # what programs have written has rules of its own
+            wrong += [f"{name}: a picture without words: {source}" for source in reader.without_text]
         wrong += [f"{name}: fetches {part}" for part in reader.parts if urlsplit(part).netloc]
         if page not in reached:
             wrong.append(f"{name}: no link leads there")

@@ -11,8 +11,8 @@ A fenced block ```compare has rows, with empty lines between them:
 
 What is set in goes on with the line before. All calls of C become one program, and all of Python another, with the
 declarations that the page shows before its first table, in the blocks `c setup` and `python setup`. A call whose status
-is not 0 fails, as does an exception. `agrees: N` says that `result` is that of OpenCV but for the N pixels at each side:
-it is held to that where python3-opencv is there.
+is not 0 fails, as does an exception. `agrees: N` says that `result` is that of OpenCV but for N pixels at each side, and
+`agrees: N M` to within M: it is held to that where python3-opencv is there.
 """
 
 import html
@@ -48,7 +48,8 @@ class Comparison:
             lines.append('<tbody><tr><th colspan="3">' + html.escape(row.task) + "</th></tr><tr>")
             for name, code in (("OpenCV", row.cv2), ("C", row.c), ("Python", row.python)):
                 lines.append(f'<td data-label="{name}"><pre>{html.escape(code)}</pre></td>')
-            lines.append(f'</tr><tr><td colspan="3" class="differs">{marked(row.differs)}</td></tr></tbody>')
+            about = f'{agreement(row.agrees)}{marked(row.differs)}'
+            lines.append(f'</tr><tr><td colspan="3" class="differs">{about}</td></tr></tbody>')
         return "\n".join([*lines, "</table>"])
 
     def c_program(self) -> str:
@@ -88,6 +89,19 @@ def read_row(text: str) -> Row:
     if not (row.task and row.cv2 and row.c and row.python and row.differs):
         raise ValueError(f"a row lacks something: {row}")
     return row
+
+
+def agreement(agrees: str) -> str:
+    """What `agrees` says, in words."""
+    if not agrees:
+        return ""
+    margin, _, slack = agrees.partition(" ")
+    words = "The same result"
+    if slack:
+        words += f", to within {slack}"
+    if margin != "0":
+        words += f", but for {margin} pixel{'s' if margin != '1' else ''} at each side"
+    return f'<span class="agrees">{words}.</span> '
 
 
 def marked(text: str) -> str:

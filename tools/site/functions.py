@@ -118,7 +118,8 @@ class Reference:
         body.append("</ul>")
         for family in self.families:
             title = f'<a href="{family.name}.html">{title_of(family)}</a>'
-            body += [f'<h2 id="{family.name}">{title}</h2>', *self.list_of(family)]
+            about = self.list_of(family) if family.functions else [self.paragraphs(first_paragraph(family.comment))]
+            body += [f'<h2 id="{family.name}">{title}</h2>', *about]
         return page("Functions", body)
 
     def rules(self) -> str:
@@ -134,6 +135,10 @@ class Reference:
             for function in family.functions:
                 (folder / f"{function.name}.md").write_text(self.function_page(function, family))
         return sum(len(family.functions) for family in self.families)
+
+
+def first_paragraph(text: str) -> str:
+    return text.split("\n\n")[0]
 
 
 def split_at_drawing(paragraph: str) -> tuple[str, str]:

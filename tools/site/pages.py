@@ -96,6 +96,8 @@ class Page:
             command = ["sh", "-euc", text] if language == "sh" else [sys.executable, "-c", text]
             self.unused = {name for name in self.unused if name not in text}
             printed = self.shop.run(command, self.work, status)
+            if language == "sh":  # long commands go on in the next line
+                shown = f'<div class="shell" markdown>\n\n{shown}\n\n</div>'
             if not printed.strip():
                 return shown
             return f'{shown}\n\n<pre class="printed">{html.escape(printed.rstrip())}</pre>'
