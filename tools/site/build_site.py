@@ -57,6 +57,7 @@ def with_sources(text: str, docs: Path) -> str:
         listing.write_text(f"# {match[1]}\n\n{entries}\n")
         return f"](sources/{match[1]}/index.md)"
 
+    text = text.replace(" \u00b1 ", "\u00a0\u00b1\u00a0")  # a spread stays with its value
     return re.sub(r"\]\(\.\./([^)#]+)(?=\))", link, text)
 
 
@@ -143,7 +144,7 @@ def main() -> None:
     configuration = (SOURCES / "mkdocs.yml").read_text()
     theme = SOURCES / "theme"
     (work / "mkdocs.yml").write_text(configuration + f"docs_dir: {docs}\nsite_dir: {site}\ntheme: {{name: null, custom_dir: {theme}}}\n")
-    subprocess.run(["mkdocs", "build", "--strict", "--quiet", "-f", str(work / "mkdocs.yml")], check=True)
+    subprocess.run([sys.executable, "-m", "mkdocs", "build", "--strict", "--quiet", "-f", str(work / "mkdocs.yml")], check=True)
     print(f"site: {shop.runs} commands and programs run, {count} functions, {time.monotonic() - began:.0f} s")
 
 

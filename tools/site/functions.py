@@ -3,6 +3,7 @@
 import ast
 import html
 import re
+import textwrap
 from pathlib import Path
 
 from headers import Enumeration, Family, Function, Record
@@ -18,7 +19,8 @@ class Reference:
         self.meanings = meanings_of(families)
         self.places = {function.name: f"{function.name}.html" for each in families for function in each.functions}
         for family in families:
-            for declared in (*family.enumerations, *family.records):
+            declarations: list[Enumeration | Record] = [*family.enumerations, *family.records]
+            for declared in declarations:
                 self.places[declared.name] = f"{family.name}.html#{declared.name}"
             for enumeration in family.enumerations:
                 for name, _, _ in enumeration.members:
@@ -37,24 +39,17 @@ class Reference:
         return re.sub(r"(?<!&quot;)\b[A-Z]\w{3,}\b", link, html.escape(text))
 
     def paragraphs(self, text: str, here: str = "") -> str:
-        """Paragraphs and lists; those with lines that are set in, such as tables, keep their lines."""
+        """Paragraphs, lists, and lines that are set in, such as tables, which keep their shape."""
         lines = []
         for paragraph in re.split(r"\n\s*\n", text.strip("\n")):
-            if not paragraph.strip():
-                continue
-            if paragraph.startswith("- "):
-                entries = re.split(r"(?:^|\n)- ", paragraph)[1:]
-                lines.append("<ul>")
-                lines += [f"<li>{self.linked(entry, here)}</li>" for entry in entries]
-                lines.append("</ul>")
-            elif re.search(r"^ {2}", paragraph, re.MULTILINE):
-                # Words before the first line that is set in are a paragraph of their own.
-                before, drawn = split_at_drawing(paragraph)
-                if before:
-                    lines.append(f"<p>{self.linked(before, here)}</p>")
-                lines.append(f'<pre class="drawn">{self.linked(drawn, here)}</pre>')
-            else:
-                lines.append(f"<p>{self.linked(paragraph, here)}</p>")
+            for kind, run in runs(paragraph):
+                if kind == "list":
+                    entries = re.split(r"(?:^|\n)- ", run)[1:]
+                    lines += ["<ul>", *(f"<li>{self.linked(entry, here)}</li>" for entry in entries), "</ul>"]
+                elif kind == "drawn":
+                    lines.append(f'<pre class="drawn">{self.linked(textwrap.dedent(run), here)}</pre>')
+                else:
+                    lines.append(f"<p>{self.linked(run, here)}</p>")
         return "\n".join(lines)
 
     def declaration(self, function: Function) -> str:
@@ -141,12 +136,17 @@ def first_paragraph(text: str) -> str:
     return text.split("\n\n")[0]
 
 
-def split_at_drawing(paragraph: str) -> tuple[str, str]:
-    match = re.search(r"^ {2}", paragraph, re.MULTILINE)
-    assert match is not None
-    drawn = paragraph[match.start() :]
-    # A drawing whose later lines come back to the margin is one piece with the words before it.
-    return (paragraph[: match.start()].rstrip(), drawn) if match.start() else ("", paragraph)
+def runs(paragraph: str) -> list[tuple[str, str]]:
+    """The lines of a paragraph in runs of one kind: a list, lines that are set in, or words. Lines that are set in
+    go on with a list."""
+    found: list[tuple[str, str]] = []
+    for line in paragraph.split("\n"):
+        kind = "list" if line.startswith("- ") else "drawn" if line.startswith("  ") else "words"
+        if found and (found[-1][0] == kind or (found[-1][0] == "list" and kind == "drawn")):
+            found[-1] = (found[-1][0], f"{found[-1][1]}\n{line}")
+        elif line.strip():
+            found.append((kind, line))
+    return found
 
 
 def title_of(family: Family) -> str:

@@ -69,6 +69,13 @@ class Workshop:
         return done.stdout
 
 
+def whole_words(command: str) -> str:
+    """Escaped commands that go on in the next line where there is no room, but never within a word."""
+    words = re.split(r"([ \n]+)", command)
+    words[::2] = [f"<span>{html.escape(word)}</span>" if "-" in word else html.escape(word) for word in words[::2]]
+    return "".join(words)
+
+
 @dataclass
 class Page:
     name: str  # as tutorial/count
@@ -96,8 +103,8 @@ class Page:
             command = ["sh", "-euc", text] if language == "sh" else [sys.executable, "-c", text]
             self.unused = {name for name in self.unused if name not in text}
             printed = self.shop.run(command, self.work, status)
-            if language == "sh":  # long commands go on in the next line
-                shown = f'<div class="shell" markdown>\n\n{shown}\n\n</div>'
+            if language == "sh":
+                shown = f'<pre class="shell">{whole_words(text.rstrip())}</pre>'
             if not printed.strip():
                 return shown
             return f'{shown}\n\n<pre class="printed">{html.escape(printed.rstrip())}</pre>'
