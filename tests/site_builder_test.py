@@ -42,7 +42,9 @@ class Pages(InFolder):
         self.assertIn("echo $((6 * 7)) &#x27;&lt;b&gt;&#x27;", page)
 
     def test_a_program_is_run_with_the_files_of_the_page(self) -> None:
-        page = self.built("```text file=note\nhello\n```\n\n```python run\nprint(open('note').read().upper())\n```\n")
+        page = self.built(
+            "```text file=note\nhello\n```\n\n```python run\nprint(open('note').read().upper())\n```\n"
+        )
         self.assertIn('<pre class="printed">HELLO</pre>', page)
 
     def test_a_command_that_fails_ends_the_build(self) -> None:
@@ -80,7 +82,10 @@ class Links(InFolder):
         return check(self.folder)[0]
 
     def test_a_sound_site_passes(self) -> None:
-        self.write("index.html", '<a href="a/b.html#here">b</a><img src="p.png" alt="p"><a href="https://x.org">x</a>')
+        self.write(
+            "index.html",
+            '<a href="a/b.html#here">b</a><img src="p.png" alt="p"><a href="https://x.org">x</a>',
+        )
         self.write("a/b.html", '<h1 id="here">b</h1><a href="../index.html">up</a><a href="#here">here</a>')
         self.write("p.png", "")
         wrong, pages, links = check(self.folder)
@@ -109,7 +114,7 @@ class Tables(unittest.TestCase):
     def test_calls_that_are_shown_are_those_that_are_run(self) -> None:
         comparison = Comparison()
         table = comparison.table(self.ROW)
-        self.assertIn("<td data-label=\"C\"><pre>ZEL_Add(image,\n  other, result, 0);</pre></td>", table)
+        self.assertIn('<td data-label="C"><pre>ZEL_Add(image,\n  other, result, 0);</pre></td>', table)
         self.assertIn("<code>x</code> &lt; y", table)
         self.assertIn('check(ZEL_Add(image, other, result, 0), "Add");', comparison.c_program())
         self.assertIn("'ptk.add(a, b)'", comparison.python_program())
@@ -144,7 +149,12 @@ class Functions(InFolder):
 
     def test_tables_and_lists_are_told_apart(self) -> None:
         text = "Words\n  a  b\n  c  d\nmore\n- one\n  two\n- three"
-        kinds = [("words", "Words"), ("drawn", "  a  b\n  c  d"), ("words", "more"), ("list", "- one\n  two\n- three")]
+        kinds = [
+            ("words", "Words"),
+            ("drawn", "  a  b\n  c  d"),
+            ("words", "more"),
+            ("list", "- one\n  two\n- three"),
+        ]
         self.assertEqual(runs(text), kinds)
 
 

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Builds the site: runs the commands and programs of its pages, makes the pages of functions from the public headers,
-takes in the pages of docs/, and has mkdocs put all of it together. A command that fails ends the build.
+"""Builds the site: runs the commands and programs of its pages, makes the pages of functions from the public
+headers, takes in the pages of docs/, and has mkdocs put all of it together. A command that fails ends the build.
 
 usage: build_site.py BUILD SITE [PAGE...]
 
@@ -57,7 +57,8 @@ def with_sources(text: str, docs: Path) -> str:
         listing.write_text(f"# {match[1]}\n\n{entries}\n")
         return f"](sources/{match[1]}/index.md)"
 
-    text = text.replace(" \u00b1 ", "\u00a0\u00b1\u00a0")  # a spread stays with its value
+    # On a narrow screen a spread stays with its value, and the figures of a group stay together.
+    text = re.sub(r" \u00b1 |(?<=\d) (?=\d\b)", lambda match: match[0].replace(" ", "\u00a0"), text)
     return re.sub(r"\]\(\.\./([^)#]+)(?=\))", link, text)
 
 
@@ -72,7 +73,8 @@ def compared(text: str, comparison: Comparison) -> str:
             name = {"c": "c_setup", "python": "python_setup", "cv2": "cv2_setup"}[language]
             setattr(comparison, name, getattr(comparison, name) + match[3])
             shown = "python" if language == "cv2" else language
-            return f'<p class="label">{"OpenCV" if language == "cv2" else language.title()}</p>\n\n```{shown}\n{match[3]}```'
+            label = {"c": "C", "python": "Python", "cv2": "OpenCV"}[language]
+            return f'<p class="label">{label}</p>\n\n```{shown}\n{match[3]}```'
         return match[0]
 
     return FENCE.sub(block, text)
@@ -139,12 +141,19 @@ def main() -> None:
     print("site: running the commands and programs of the pages", flush=True)
     own_pages(docs, shop, wanted)
     taken_in(docs)
-    count = Reference(read_families(), python_functions(ROOT / "python" / "orlune_ptk")).write(docs / "functions")
+    count = Reference(read_families(), python_functions(ROOT / "python" / "orlune_ptk")).write(
+        docs / "functions"
+    )
     shutil.copyfile(SOURCES / "theme" / "style.css", docs / "style.css")
     configuration = (SOURCES / "mkdocs.yml").read_text()
     theme = SOURCES / "theme"
-    (work / "mkdocs.yml").write_text(configuration + f"docs_dir: {docs}\nsite_dir: {site}\ntheme: {{name: null, custom_dir: {theme}}}\n")
-    subprocess.run([sys.executable, "-m", "mkdocs", "build", "--strict", "--quiet", "-f", str(work / "mkdocs.yml")], check=True)
+    (work / "mkdocs.yml").write_text(
+        configuration + f"docs_dir: {docs}\nsite_dir: {site}\ntheme: {{name: null, custom_dir: {theme}}}\n"
+    )
+    subprocess.run(
+        [sys.executable, "-m", "mkdocs", "build", "--strict", "--quiet", "-f", str(work / "mkdocs.yml")],
+        check=True,
+    )
     print(f"site: {shop.runs} commands and programs run, {count} functions, {time.monotonic() - began:.0f} s")
 
 

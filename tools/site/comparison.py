@@ -43,12 +43,15 @@ class Comparison:
         """A block of rows as a table. On narrow screens the cells of a row stand below each other."""
         rows = [read_row(part) for part in re.split(r"\n\s*\n", text.strip())]
         self.rows += rows
-        lines = ['<table class="compare">', "<thead><tr><th>OpenCV</th><th>C</th><th>Python</th></tr></thead>"]
+        lines = [
+            '<table class="compare">',
+            "<thead><tr><th>OpenCV</th><th>C</th><th>Python</th></tr></thead>",
+        ]
         for row in rows:
             lines.append('<tbody><tr><th colspan="3">' + html.escape(row.task) + "</th></tr><tr>")
             for name, code in (("OpenCV", row.cv2), ("C", row.c), ("Python", row.python)):
                 lines.append(f'<td data-label="{name}"><pre>{html.escape(code)}</pre></td>')
-            about = f'{agreement(row.agrees)}{marked(row.differs)}'
+            about = f"{agreement(row.agrees)}{marked(row.differs)}"
             lines.append(f'</tr><tr><td colspan="3" class="differs">{about}</td></tr></tbody>')
         return "\n".join([*lines, "</table>"])
 
@@ -64,13 +67,20 @@ class Comparison:
                 parts.append(f"  {shown};")
             parts.append("  finish();\n}\n")
         calls = "".join(f"  row{number}();\n" for number in range(len(self.rows)))
-        return "\n".join([*parts, f"int main(void) {{\n  ZEL_SetErrorMode(ERROR_MODE_SILENT);\n{calls}"
-                          '  printf("%d\\n", rows);\n  return 0;\n}\n'])
+        return "\n".join(
+            [
+                *parts,
+                f"int main(void) {{\n  ZEL_SetErrorMode(ERROR_MODE_SILENT);\n{calls}"
+                '  printf("%d\\n", rows);\n  return 0;\n}\n',
+            ]
+        )
 
     def python_program(self) -> str:
         rows = [(row.task, row.python, row.cv2, row.agrees) for row in self.rows]
-        return PYTHON_BODY.replace("ROWS", repr(rows)).replace("OURS", repr(self.python_setup)).replace(
-            "THEIRS", repr(self.cv2_setup)
+        return (
+            PYTHON_BODY.replace("ROWS", repr(rows))
+            .replace("OURS", repr(self.python_setup))
+            .replace("THEIRS", repr(self.cv2_setup))
         )
 
 

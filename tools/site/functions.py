@@ -17,7 +17,9 @@ class Reference:
         self.families = families
         self.python = python
         self.meanings = meanings_of(families)
-        self.places = {function.name: f"{function.name}.html" for each in families for function in each.functions}
+        self.places = {
+            function.name: f"{function.name}.html" for each in families for function in each.functions
+        }
         for family in families:
             declarations: list[Enumeration | Record] = [*family.enumerations, *family.records]
             for declared in declarations:
@@ -36,7 +38,10 @@ class Reference:
             place = self.places.get(match[0], "")
             return f'<a href="{place}">{match[0]}</a>' if place and match[0] != here else match[0]
 
-        return re.sub(r"(?<!&quot;)\b[A-Z]\w{3,}\b", link, html.escape(text))
+        rules = '<a href="rules.html">orlune_ptk.h</a>'
+        return re.sub(r"(?<!&quot;)\b[A-Z]\w{3,}\b", link, html.escape(text)).replace(
+            "told in orlune_ptk.h", f"told in {rules}"
+        )
 
     def paragraphs(self, text: str, here: str = "") -> str:
         """Paragraphs, lists, and lines that are set in, such as tables, which keep their shape."""
@@ -75,14 +80,16 @@ class Reference:
         numbers = sorted(set(re.findall(r"(?<![\w.])-\d+", failures)), key=lambda number: -int(number))
         meant = [number for number in numbers if number in self.meanings]
         if meant:
-            body.append("<dl class=\"numbers\">")
+            body.append('<dl class="numbers">')
             body += [f"<dt>{number}</dt><dd>{self.linked(self.meanings[number])}</dd>" for number in meant]
             body.append("</dl>")
         if function.name in self.python:
             names = ", ".join(f"<code>ptk.{name}</code>" for name in self.python[function.name])
             body.append(f'<h2 id="python">In Python</h2>\n<p>{names}</p>')
         body.append('<h2 id="family">Of the same family</h2>\n<p class="names">')
-        body += [f'<a href="{each.name}.html">{each.name}</a>' for each in family.functions if each is not function]
+        body += [
+            f'<a href="{each.name}.html">{each.name}</a>' for each in family.functions if each is not function
+        ]
         body.append(f'</p>\n<p><a href="{family.name}.html">The family {family.name}</a></p>')
         return page(function.name, body, f"{family.name}.html", title_of(family))
 
@@ -107,18 +114,26 @@ class Reference:
 
     def index(self) -> str:
         count = sum(len(family.functions) for family in self.families)
-        body = [f"<p>All {count} functions of the library, by families. Each has a page, made from its header.</p>"]
+        body = [
+            f"<p>All {count} functions of the library, by families. Each has a page, made from its header.</p>"
+        ]
         body.append('<p><a href="rules.html">What holds for all functions</a></p>\n<ul class="families">')
         body += [f'<li><a href="#{family.name}">{title_of(family)}</a></li>' for family in self.families]
         body.append("</ul>")
         for family in self.families:
             title = f'<a href="{family.name}.html">{title_of(family)}</a>'
-            about = self.list_of(family) if family.functions else [self.paragraphs(first_paragraph(family.comment))]
+            about = (
+                self.list_of(family)
+                if family.functions
+                else [self.paragraphs(first_paragraph(family.comment))]
+            )
             body += [f'<h2 id="{family.name}">{title}</h2>', *about]
         return page("Functions", body)
 
     def rules(self) -> str:
-        return page("What holds for all functions", [self.paragraphs(library_text())], "index.html", "Functions")
+        return page(
+            "What holds for all functions", [self.paragraphs(library_text())], "index.html", "Functions"
+        )
 
     def write(self, folder: Path) -> int:
         """Writes all pages, and tells how many functions have one."""

@@ -72,7 +72,9 @@ class Workshop:
 def whole_words(command: str) -> str:
     """Escaped commands that go on in the next line where there is no room, but never within a word."""
     words = re.split(r"([ \n]+)", command)
-    words[::2] = [f"<span>{html.escape(word)}</span>" if "-" in word else html.escape(word) for word in words[::2]]
+    words[::2] = [
+        f"<span>{html.escape(word)}</span>" if "-" in word else html.escape(word) for word in words[::2]
+    ]
     return "".join(words)
 
 
