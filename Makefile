@@ -1,5 +1,5 @@
 # Commands for people. Each sets up what it needs; the work is in tools/ and the CMake presets.
-.PHONY: help demo test wheel accuracy asan check-deep bench bench-pages benchmark scorecard check-format tidy fuzz clean
+.PHONY: help demo test wheel accuracy asan check-deep bench bench-pages benchmark scorecard site check-format tidy fuzz clean
 
 help:
 	@echo "make demo          make scenes, inspect them, show the particles and the annotated pictures"
@@ -10,6 +10,7 @@ help:
 	@echo "make bench         run the benchmarks beside their peers, roughly"
 	@echo "make bench-pages   run them in full and write docs/benchmarks from the results"
 	@echo "make scorecard     read bar codes and gauges spoilt more and more, beside peers: docs/scorecard.md"
+	@echo "make site          run all programs of the pages and build the site with what they made: build/site"
 	@echo "make check-format  check the layout of the sources"
 	@echo "make tidy          look for suspicious code"
 	@echo "make check-deep    fuzzers, sanitizers and all builds for hours; writes docs/robustness.md"
@@ -53,6 +54,10 @@ scorecard:
 	cmake --preset release
 	cmake --build --preset release --target orlune_scorecard
 	build/release/tools/orlune_scorecard tests/data/barcodes/printed.tsv docs/scorecard.md $(PHOTOS)
+
+site:
+	@tools/setup.sh --site
+	tools/site/site.sh
 
 check-format:
 	@tools/setup.sh --check-tools

@@ -137,12 +137,16 @@ def family_page(family: Family, version: str) -> str:
     return page(name, version, first_sentence(family.comment), sections)
 
 
-def library_page(families: list[Family], version: str) -> str:
+def library_text() -> str:
+    """What holds for all functions, as the umbrella header tells it."""
     comment = re.match(r"/\*.*?\*/", (INCLUDE / "orlune_ptk.h").read_text(), re.DOTALL)
     assert comment is not None
-    text = plain(comment[0]).split("What holds for all functions", 1)[1]
+    return plain(comment[0]).split("What holds for all functions", 1)[1]
+
+
+def library_page(families: list[Family], version: str) -> str:
     sections = [".SH SYNOPSIS", ".B #include <orlune_ptk.h>", ".PP", "Link with \\fI\\-lorlune_ptk\\fR."]
-    sections += [".SH DESCRIPTION", *paragraphs(text)[1:], ".SH FAMILIES"]
+    sections += [".SH DESCRIPTION", *paragraphs(library_text())[1:], ".SH FAMILIES"]
     for family in families:
         sections += [
             ".TP",
@@ -155,17 +159,23 @@ def library_page(families: list[Family], version: str) -> str:
     )
 
 
+def meanings_of(families: list[Family]) -> dict[str, str]:
+    """What each failure number means."""
+    numbers = [each for family in families for each in family.enumerations if each.name == "FailureNumber"]
+    meanings: dict[str, str] = {}
+    for _, number, text in numbers[0].members:
+        text = text.replace("... that", "a pixel type that")
+        meanings[str(number)] = f"{meanings[str(number)]}; or {text}" if str(number) in meanings else text
+    return meanings
+
+
 def main() -> None:
     if len(sys.argv) != 3:
         sys.exit("usage: manual_pages.py FOLDER VERSION")
     folder, version = Path(sys.argv[1]), sys.argv[2]
     folder.mkdir(parents=True, exist_ok=True)
     families = read_families()
-    numbers = [each for family in families for each in family.enumerations if each.name == "FailureNumber"]
-    meanings: dict[str, str] = {}
-    for _, number, text in numbers[0].members:
-        text = text.replace("... that", "a pixel type that")
-        meanings[str(number)] = f"{meanings[str(number)]}; or {text}" if str(number) in meanings else text
+    meanings = meanings_of(families)
     (folder / "orlune_ptk.3").write_text(library_page(families, version))
     for family in families:
         (folder / f"orlune_ptk_{family.name}.3").write_text(family_page(family, version))

@@ -6,8 +6,8 @@
 # tests read, and windows on the screen are built with libxcb1-dev and tested with the last packages.
 # With --benchmarks also what the benchmarks compare with, with --check-tools also what checks the
 # sources, with --scorecard what the scorecard of readers compares with, with --deep-check also the
-# fuzzers and what tools/check_deep.sh runs.
-# usage: setup.sh [--benchmarks] [--scorecard] [--check-tools] [--deep-check]
+# fuzzers and what tools/check_deep.sh runs, with --site also what builds the site.
+# usage: setup.sh [--benchmarks] [--scorecard] [--check-tools] [--deep-check] [--site]
 set -eu
 
 needed="make g++ cmake ninja-build pkgconf libgtest-dev"
@@ -21,9 +21,10 @@ for argument in "$@"; do
     --benchmarks) needed="$needed libopencv-core-dev libopencv-imgproc-dev libopencv-imgcodecs-dev libleptonica-dev libzxing-dev" ;;
     --scorecard) needed="$needed libzxing-dev libzbar-dev" ;;
     --deep-check) needed="$needed clang-19 libclang-rt-19-dev valgrind gcovr" ;;
+    --site) needed="$needed mkdocs python3-pygments" ;;
     --check-tools) needed="$needed clang-format clang-tidy cppcheck mypy" ;;
     *)
-      echo "usage: setup.sh [--benchmarks] [--scorecard] [--check-tools] [--deep-check]" >&2
+      echo "usage: setup.sh [--benchmarks] [--scorecard] [--check-tools] [--deep-check] [--site]" >&2
       exit 2
       ;;
   esac

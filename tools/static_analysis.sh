@@ -32,7 +32,7 @@ cppcheck --std=c++20 --language=c++ --enable=warning,performance,portability --i
 [ -n "$is_quick" ] || printf '%s\n' "${sources[@]}" |
   xargs -P 2 -n 6 clang-tidy --quiet -p "$build" --extra-arg=-fbracket-depth=1024 --warnings-as-errors='*' 2>/dev/null
 
-# The Python package, with the modules that are made from the headers.
+# The Python package, with the modules that are made from the headers, and what makes pages from these.
 python3 python/generate.py "$build/python"
-MYPYPATH=python mypy --cache-dir "$build/mypy" "$build/python/orlune_ptk" python/generate.py python/build_wheel.py \
-  tools/manual_pages.py
+MYPYPATH=python:tools:tools/site mypy --cache-dir "$build/mypy" "$build/python/orlune_ptk" python/generate.py python/build_wheel.py \
+  tools/manual_pages.py tools/site/*.py tests/site_builder_test.py
