@@ -5,28 +5,8 @@ set -u
 orlune=$1 scenes=$2 work=$3 version=$4
 root=$(cd "$(dirname "$0")/../.." && pwd)
 compare=$root/tools/compare_truth.sh
-rm -rf "$work"
-mkdir -p "$work"
-cd "$work" || exit 1
-failures=0
-
-fail() {
-  echo "FAILED: $1"
-  sed 's/^/  out: /' out | head -20
-  sed 's/^/  err: /' err | head -20
-  failures=$((failures + 1))
-}
-# run STATUS ARGUMENT...: runs the program and checks its exit status
-run() {
-  expected=$1
-  shift
-  what="orlune $*"
-  "$orlune" "$@" >out 2>err
-  status=$?
-  [ "$status" -eq "$expected" ] || fail "$what: exit status $status, not $expected"
-}
-in_out() { grep -qF -e "$1" out || fail "$what: no '$1' on standard output"; }
-in_err() { grep -qF -e "$1" err || fail "$what: no '$1' on standard error"; }
+here=$(cd "$(dirname "$0")" && pwd)
+. "$here/journey.sh"
 not_in() { if grep -qF -e "$2" "$1"; then fail "$what: '$2' in $1"; fi; }
 silent() { if [ -s "$1" ]; then fail "$what: $1 is not empty"; fi; }
 
@@ -637,5 +617,4 @@ run 2 match "$shafts/shaft1.bmp"
 run 0 match --dark --scales 0.9:1.1 --quiet "$shafts/shaft1.bmp" "$shafts/shaft4.bmp"
 silent out
 
-[ "$failures" -eq 0 ] || { echo "$failures failures"; exit 1; }
-echo "all as it should be"
+tell_failures

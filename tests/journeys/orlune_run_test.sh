@@ -4,33 +4,10 @@
 # usage: orlune_run_test.sh ORLUNE SCENES_FOLDER RECIPES_FOLDER WORK_FOLDER
 set -u
 orlune=$1 scenes=$2 recipes=$3 work=$4
-rm -rf "$work"
-mkdir -p "$work"
-cd "$work" || exit 1
+here=$(cd "$(dirname "$0")" && pwd)
+. "$here/journey.sh"
 ln -s "$scenes" scenes
 cp "$recipes"/*.toml .
-failures=0
-
-fail() {
-  echo "FAILED: $1"
-  sed 's/^/  out: /' out | head -20
-  sed 's/^/  err: /' err | head -20
-  failures=$((failures + 1))
-}
-# run STATUS ARGUMENT...: runs the program and checks its exit status
-run() {
-  expected=$1
-  shift
-  what="orlune $*"
-  "$orlune" "$@" >out 2>err
-  status=$?
-  [ "$status" -eq "$expected" ] || fail "$what: exit status $status, not $expected"
-}
-in_out() { grep -qF -e "$1" out || fail "$what: no '$1' on standard output"; }
-in_err() { grep -qF -e "$1" err || fail "$what: no '$1' on standard error"; }
-in_file() { grep -qF -e "$2" "$1" || fail "$what: no '$2' in $1"; }
-same() { cmp -s "$1" "$2" || fail "$what: $1 and $2 differ"; }
-lines() { [ "$(wc -l <"$1")" -eq "$2" ] || fail "$what: $1 has $(wc -l <"$1") lines, not $2"; }
 
 # mistake LINE TEXT, of the recipe on standard input
 mistake() {
@@ -265,6 +242,116 @@ mistake 3 "none.json" <<'END'
 do = "gauge"
 setup = "none.json"
 END
+mistake 3 "'keep': is an empty list" <<'END'
+[[step]]
+do = "inspect"
+keep = []
+END
+mistake 1 "'name': is empty" <<'END'
+name = ""
+[[step]]
+do = "inspect"
+END
+mistake 2 "the value of 'do' is none of" <<'END'
+[[step]]
+do = 3
+END
+mistake 1 "the step says nothing of 'what'" <<'END'
+[[step]]
+do = "read"
+END
+mistake 3 "write [[step.lines]]" <<'END'
+[[step]]
+do = "gauge"
+lines = 3
+END
+mistake 3 "the line has no 'line'" <<'END'
+[[step]]
+do = "gauge"
+[[step.lines]]
+name = "width"
+END
+mistake 1 "the step match needs template" <<'END'
+[[step]]
+do = "match"
+END
+mistake 1 "the step read barcode needs kind" <<'END'
+[[step]]
+do = "read"
+what = "barcode"
+END
+mistake 1 "the step read meter needs setup" <<'END'
+[[step]]
+do = "read"
+what = "meter"
+END
+"$orlune" gauge --line 320,40,320,440 --save lines.json scenes/washers.bmp >out 2>err
+mistake 4 "'band' is said by the set-up file" <<'END'
+[[step]]
+do = "gauge"
+setup = "lines.json"
+band = 3
+END
+mistake 4 "'lines' is said by the set-up file" <<'END'
+[[step]]
+do = "gauge"
+setup = "lines.json"
+[[step.lines]]
+line = [1, 2, 3, 40]
+END
+mistake 4 "'line' and 'lines' do not go together" <<'END'
+[[step]]
+do = "gauge"
+line = [1, 2, 3, 40]
+[[step.lines]]
+line = [1, 2, 3, 40]
+END
+mistake 3 "'original' is the picture as it was read" <<'END'
+[[step]]
+do = "inspect"
+name = "original"
+END
+mistake 4 "it has no objects of a colour" <<'END'
+[[step]]
+do = "filter"
+steps = "median 3"
+[[step]]
+do = "inspect"
+hue = "340:20"
+END
+mistake 4 "no mask can go with the step rotate" <<'END'
+[[step]]
+do = "filter"
+steps = "rotate 10"
+mask = "scenes/washers.bmp"
+END
+mistake 4 "'master' is for lines that follow the part" <<'END'
+[[step]]
+do = "gauge"
+line = [1, 2, 3, 40]
+master = "scenes/washers.bmp"
+END
+mistake 3 "none.bmp" <<'END'
+[[step]]
+do = "inspect"
+mask = "none.bmp"
+END
+mistake 4 "none.json" <<'END'
+[[step]]
+do = "read"
+what = "lcd"
+setup = "none.json"
+END
+mistake 8 "the part was not found" <<'END'
+[[step]]
+do = "inspect"
+keep = "AreaPixels<0"
+[[step]]
+do = "gauge"
+line = "1,2,30,4"
+follow-step = "inspect"
+master = "scenes/washers.bmp"
+END
 run 2 run none.toml scenes/washers.bmp
 in_err "none.toml"
 run 2 run one.toml
@@ -300,13 +387,85 @@ kill $writer
 in_out "-: error: it took longer than 4 seconds"
 in_out "3 pictures, 2 passed, 0 failed, 1 without a verdict"
 
+# ---- a picture that changes while it is read is whole or has a reason
+
+i=0
+mkdir changing
+while [ $i -lt 40 ]; do
+  ln -s ../changes.bmp "changing/c$i.bmp"
+  i=$((i + 1))
+done
+cp scenes/washers.bmp changes.bmp
+while :; do
+  head -c 4000 scenes/washers.bmp >changes.bmp
+  cat scenes/washers.bmp >changes.bmp
+done &
+writer=$!
+what="a picture that changes"
+"$orlune" run one.toml -j 2 --csv changing.csv changing/*.bmp >out 2>err
+status=$?
+kill $writer
+wait $writer 2>/dev/null
+[ $status -eq 0 ] || [ $status -eq 3 ] || fail "$what: exit status $status"
+[ "$(grep -c ',,,picture,' changing.csv)" -eq 40 ] || fail "$what: not 40 pictures in the report"
+if grep ',,,picture,.*,error$' changing.csv | grep -vE 'is cut|is empty|no TIFF'; then fail "$what: another reason"; fi
+
+# ---- verdicts for whoever waits for them
+
+mkfifo verdicts
+run 0 run one.toml --verdicts verdicts pictures/p1.bmp
+in_out "1 verdict found no reader at verdicts"
+run 2 run one.toml --verdicts nowhere pictures/p1.bmp
+in_err "--verdicts nowhere: there is no such pipe"
+# Also one that holds the pipe open and never reads, until it is full.
+mkdir many
+i=0
+while [ $i -lt 500 ]; do
+  echo nothing >"many/a-picture-of-a-long-name-$i-so-that-its-verdicts-fill-the-pipe-that-nobody-reads-after-some-hundreds.bmp"
+  i=$((i + 1))
+done
+sleep 60 <verdicts &
+reader=$!
+run 3 run one.toml --verdicts verdicts many/*.bmp
+grep -q '[0-9]* verdicts found no reader' out || fail "$what: a full pipe took all"
+kill $reader
+rm -r many
+
+cat >told.sh <<'END'
+#!/bin/sh
+printf '%s|%s|%s|%s|%s|%s\n' $# "$1" "$2" "$ORLUNE_VERDICT" "$ORLUNE_FILE" "$ORLUNE_RECIPE" >>told
+case $2 in
+  *p2*) exit 4 ;;
+  *p4*) sleep 61 & sleep 61 ;;
+  *p5*) kill -9 $$ ;;
+esac
+cat # nothing to be read
+END
+chmod +x told.sh
+cp scenes/washers.bmp 'pictures/a b; $(c).bmp'
+run 3 run one.toml --call ./told.sh --call-limit 1 pictures/p1.bmp pictures/p2.bmp pictures/p3.bmp \
+  pictures/p4.bmp pictures/p5.bmp 'pictures/a b; $(c).bmp'
+in_file told '2|passed|pictures/p1.bmp|passed|pictures/p1.bmp|one'
+in_file told '2|error|pictures/p3.bmp|error|pictures/p3.bmp|one'
+in_file told '2|passed|pictures/a b; $(c).bmp|passed|'
+in_err "orlune: ./told.sh for pictures/p2.bmp: ended with status 4"
+in_err "pictures/p4.bmp: took longer than 1 seconds, and was ended"
+in_err "pictures/p5.bmp: was ended by signal 9"
+in_out "3 calls of ./told.sh failed"
+if pgrep -x sleep -a | grep -q 'sleep 61$'; then fail "$what: what the call started goes on"; fi
+run 3 run one.toml --call ./none pictures/p1.bmp
+in_err "./none for pictures/p1.bmp: cannot be called: No such file"
+run 0 run one.toml --call true --call-limit 0 pictures/p1.bmp
+
 # ---- pictures that come into a folder
 
 mkdir camera
 cp scenes/washers.bmp camera/first.bmp
 run 2 run one.toml --watch camera --csv camera/report.csv
 in_err "the folder that is watched"
-"$orlune" run one.toml --watch camera --db camera.db --csv camera.csv >watched 2>err &
+run 2 run one.toml --watch camera --verdicts camera/pipe
+in_err "the folder that is watched"
+"$orlune" run one.toml --watch camera --db camera.db --csv camera.csv --verdicts verdicts >watched 2>err &
 program=$!
 # told TEXT: waits until a verdict is told
 told() {
@@ -326,14 +485,39 @@ told "camera/moved.bmp: passed"
 told "camera/slow.bmp: passed"
 ln -s ../scenes/washers.bmp camera/link.bmp
 told "camera/link.bmp: passed"
+# A hard link is whole at once, or as soon as its writer has closed the file by its other name.
+cp scenes/washers.bmp part.bmp
+ln part.bmp camera/hard.bmp
+told "camera/hard.bmp: passed"
+{ head -c 100000 scenes/washers.bmp; until [ -e linked ]; do sleep 0.05; done; sleep 0.3
+  tail -c +100001 scenes/washers.bmp; } >growing.bmp &
+until_true test -s growing.bmp
+ln growing.bmp camera/growing.bmp && : >linked
+told "camera/growing.bmp: passed"
+# A reader of verdicts may come, go, and come again.
+cat verdicts >first_reader &
+reader=$!
+sleep 0.2
+cp scenes/washers.bmp camera/read.bmp
+told "camera/read.bmp: passed"
+until_true grep -q "^passed.camera/read.bmp" first_reader || fail "orlune run --watch: no verdict in the pipe"
+kill $reader
+wait $reader 2>/dev/null
+cp scenes/washers.bmp camera/unread.bmp
+told "camera/unread.bmp: passed"
+cat verdicts >second_reader &
+sleep 0.2
+cp scenes/washers.bmp camera/again.bmp
+told "camera/again.bmp: passed"
+until_true grep -q "^passed.camera/again.bmp" second_reader || fail "orlune run --watch: no second reader"
 cp scenes/washers.bmp camera/.hidden.bmp
 echo nothing >camera/none.bmp
 told "camera/none.bmp: error"
 kill -TERM $program
 wait $program
 [ $? -eq 143 ] || fail "orlune run --watch: another exit status after a signal than 143"
-lines watched 6
-[ "$(grep -c ',,,picture,' camera.csv)" -eq 5 ] || fail "orlune run --watch: not five pictures in the report"
+lines watched 12
+[ "$(grep -c ',,,picture,' camera.csv)" -eq 10 ] || fail "orlune run --watch: not ten pictures in the report"
 # What came while nobody looked is looked at, and nothing again.
 cp scenes/washers.bmp camera/later.bmp
 "$orlune" run one.toml --watch camera --db camera.db --resume >watched 2>err &
@@ -344,6 +528,59 @@ kill -TERM $program
 wait $program
 [ "$(grep -c 'camera/first.bmp' watched)" -eq 1 ] || fail "orlune run --watch --resume: first.bmp again"
 run 3 run one.toml --db camera.db --resume
-in_out "6 pictures, 5 passed, 0 failed, 1 without a verdict"
+in_out "11 pictures, 10 passed, 0 failed, 1 without a verdict"
+# A folder that goes away ends the watch, and takes no report with it.
+mkdir away
+cp scenes/washers.bmp away/first.bmp
+"$orlune" run one.toml --watch away --csv away.csv --json-lines away.json --html away.html >watched 2>err &
+program=$!
+told "away/first.bmp: passed"
+rm -r away
+wait $program
+[ $? -eq 3 ] || fail "orlune run --watch: another exit status without its folder than 3"
+grep -q "away: No such file" err || fail "orlune run --watch: no word of the folder that is gone"
+grep -q ',,,picture,.*passed$' away.csv || fail "orlune run --watch: the CSV report is lost"
+lines away.json 1
+in_file away.html "</html>"
 
-[ "$failures" -eq 0 ] || { echo "$failures failures"; exit 1; }
+# ---- files and folders that may not be read, for one who is not root
+
+as_other() { "$@"; }
+if [ "$(id -u)" -eq 0 ]; then
+  as_other() { setpriv --reuid=65534 --regid=65534 --clear-groups "$@"; }
+fi
+chmod 777 .
+mkdir closed shut
+cp scenes/washers.bmp closed/in.bmp
+cp scenes/washers.bmp shut/mine.bmp
+cp scenes/washers.bmp shut/shut.bmp
+chmod 000 closed shut/shut.bmp
+chmod 755 shut
+touch -d '1 hour ago' shut/mine.bmp shut/shut.bmp
+if as_other test -r one.toml -a -x "$orlune" 2>/dev/null && as_other "$orlune" --version >/dev/null 2>&1; then
+  what="what may not be read"
+  as_other "$orlune" run one.toml shut/mine.bmp closed/in.bmp shut/shut.bmp >out 2>err
+  [ $? -eq 3 ] || fail "$what: another exit status than 3"
+  in_out "shut/mine.bmp: passed"
+  in_out "closed/in.bmp: error: it may not be read: Permission denied"
+  in_out "shut/shut.bmp: error: it may not be read: Permission denied"
+  as_other "$orlune" run one.toml --watch closed >out 2>err
+  [ $? -eq 3 ] || fail "$what: another exit status of a watch than 3"
+  in_err "closed: Permission denied"
+  # Nobody tells whether another one's file is being written: it is whole once it is quiet.
+  as_other "$orlune" run one.toml --watch shut >watched 2>err &
+  program=$!
+  told "shut/mine.bmp: passed"
+  told "shut/shut.bmp: error: it may not be read: Permission denied"
+  cp scenes/washers.bmp shut/new.bmp
+  told "shut/new.bmp: passed"
+  { head -c 100000 scenes/washers.bmp; sleep 0.5; tail -c +100001 scenes/washers.bmp; } >shut/slow.bmp
+  told "shut/slow.bmp: passed"
+  kill -TERM $program
+  wait $program
+else
+  echo "skipped: there is no other user to read as"
+fi
+chmod 755 closed
+
+tell_failures

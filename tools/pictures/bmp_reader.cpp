@@ -250,6 +250,10 @@ void ReadIndexed(Bytes file, const Header& header, Raster* raster) {
   for (int64_t y = 0; y < header.height; ++y) {
     const uint8_t* from = rows.Row(y);
     uint8_t* to = raster->Row(y);
+    if (bits == 8) {
+      std::copy_n(from, header.width, to);
+      continue;
+    }
     for (uint64_t x = 0; x < static_cast<uint64_t>(header.width); ++x) {
       const uint64_t bit = x * bits;
       to[x] = static_cast<uint8_t>(uint32_t{from[bit / 8]} >> (8 - bits - bit % 8) & mask);
@@ -303,6 +307,7 @@ void ReadDirect(Bytes file, const Header& header, Raster* raster) {
 }
 
 void TellStrayNumbers(const Header& header, const Raster& raster, Account* account) {
+  if (header.colours >> header.bits != 0) return;  // there can be none
   const auto stray = std::count_if(raster.bytes.begin(), raster.bytes.end(),
                                    [&](uint8_t number) { return number >= header.colours; });
   if (stray > 0) {

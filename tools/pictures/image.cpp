@@ -94,11 +94,21 @@ bool HasBeyondI16(const Raster& raster) {
   return false;
 }
 
+// Bytes as they are.
+Image ByteImage(const Raster& raster, int32_t border) {
+  Image image(IMAGE_U8, border, raster.width, raster.height);
+  const ImageInfo info = image.Info();
+  for (int32_t y = 0; y < raster.height; ++y) {
+    std::copy_n(SamplesOf<uint8_t>(raster, y), raster.width, Row<uint8_t>(info, y));
+  }
+  return image;
+}
+
 Image OneNumberAPixel(const Raster& raster, int32_t border, Account* account) {
   return ForSample(raster.sample, [&](auto* sample) {
     using From = std::remove_pointer_t<decltype(sample)>;
     if constexpr (std::is_same_v<From, uint8_t>) {
-      return Filled<uint8_t, From>(raster, IMAGE_U8, border, [](const From* v) { return *v; });
+      return ByteImage(raster, border);
     } else if constexpr (std::is_same_v<From, int8_t> || std::is_same_v<From, int16_t>) {
       return Filled<int16_t, From>(raster, IMAGE_I16, border,
                                    [](const From* v) { return int16_t{*v}; });

@@ -56,7 +56,7 @@ void ApplyPalette(Loaded* picture);
 
 // Calls a generic function with null pointer to the type of a scalar image's pixels.
 template <class Function>
-void ForPixelType(int32_t type, Function function) {
+auto ForPixelType(int32_t type, Function function) {
   switch (type) {
     case IMAGE_U8:
       return function(static_cast<uint8_t*>(nullptr));

@@ -10,6 +10,14 @@ bool IsGray(uint32_t colour) {
   return colour == (colour & 255) * 0x010101;
 }
 
+// Of grays: each number means itself.
+bool IsRamp(std::span<const uint32_t> colours) {
+  for (size_t i = 0; i < colours.size(); ++i) {
+    if ((colours[i] & 255) != i) return false;
+  }
+  return colours.size() == 256;
+}
+
 }  // namespace
 
 int32_t BytesOf(Sample sample) {
@@ -51,6 +59,10 @@ void SettlePalette(Raster* raster) {
   if (raster->palette.empty()) return;
   raster->palette.resize(256);
   if (!std::all_of(raster->palette.begin(), raster->palette.end(), IsGray)) return;
+  if (IsRamp(raster->palette)) {
+    raster->palette.clear();
+    return;
+  }
   std::transform(raster->bytes.begin(), raster->bytes.end(), raster->bytes.begin(),
                  [&](uint8_t number) { return static_cast<uint8_t>(raster->palette[number]); });
   raster->palette.clear();
@@ -61,9 +73,7 @@ void DescribePalette(std::span<const uint32_t> colours, Account* account) {
   account->colours = static_cast<int32_t>(colours.size());
   if (!std::all_of(colours.begin(), colours.end(), IsGray)) return;
   account->kind = "gray";
-  bool ramp = colours.size() == 256;
-  for (size_t i = 0; i < colours.size(); ++i) ramp = ramp && (colours[i] & 255) == i;
-  if (!ramp) account->meaning = "grays of a palette";
+  if (!IsRamp(colours)) account->meaning = "grays of a palette";
 }
 
 void OnlyPage(int32_t page, const std::string& format) {

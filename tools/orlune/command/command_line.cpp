@@ -348,7 +348,22 @@ void CommandLine::AddRun() {
   file("--db", &run_.database, "record the run in this SQLite file");
   run->add_flag("--resume", run_.resume, "finish the last run of the recipe in there")
       ->group(working);
+  run->add_flag("--only-list", run_.onlyList,
+                "only put the pictures in there, for others to work on")
+      ->group(working);
   run->get_option("--db")->group(working);
+  const std::string line = "Verdicts for a line";
+  run->add_option("--verdicts", run_.verdicts, "write each verdict to this pipe, if it has a reader")
+      ->type_name("PIPE")
+      ->group(line);
+  run->add_option("--call", run_.call, "call this program with each verdict and its picture")
+      ->type_name("PROGRAM")
+      ->group(line);
+  run->add_option("--call-limit", run_.callLimit, "what a call may take; 0 is no limit")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(0.0, 1e6))
+      ->capture_default_str()
+      ->group(line);
   run->footer(RUN_FOOTER);
 }
 

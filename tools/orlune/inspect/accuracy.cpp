@@ -44,7 +44,7 @@ std::vector<double> MeasuresOf(const Shape& shape) {
     }
   }
   const Labels labels = LabelRuns(mask, true);
-  return MeasureParticles(mask, mask, labels, LabelPicture(labels), true).at(0).values;
+  return MeasureParticles(mask, mask, labels, true).at(0).values;
 }
 
 // What a measure is of the shape itself; none where it is not made for such a shape.

@@ -3,28 +3,36 @@
 
 #include <algorithm>
 
+#include "orlune/shared/pictures.h"
+
 namespace front {
 namespace {
 
-using pictures::Check;
-using pictures::Image;
-
 struct Ends {
   int32_t lowest, highest;
-  std::ptrdiff_t levels;  // that occur
+  int32_t levels;  // that occur: 1, 2, or 3 for more
 };
 
-Ends EndsOf(const Histogram& histogram) {
-  const auto filled = [](uint32_t count) { return count != 0; };
-  const auto first = std::find_if(histogram.begin(), histogram.end(), filled);
-  const auto last = std::find_if(histogram.rbegin(), histogram.rend(), filled);
-  return {static_cast<int32_t>(first - histogram.begin()),
-          static_cast<int32_t>(histogram.rend() - last) - 1,
-          std::count_if(histogram.begin(), histogram.end(), filled)};
+Ends EndsOf(const Image& pixels) {
+  const Extremes extremes = ExtremesOf(pixels);
+  const auto lowest = static_cast<uint8_t>(extremes.low);
+  const auto highest = static_cast<uint8_t>(extremes.high);
+  if (lowest == highest) return {lowest, highest, 1};
+  const ImageInfo info = pixels.Info();
+  for (int32_t y = 0; y < info.height; ++y) {
+    const uint8_t* row = Row<uint8_t>(info, y);
+    const auto isBetween = [&](uint8_t level) { return level != lowest && level != highest; };
+    if (std::any_of(row, row + info.width, isBetween)) return {lowest, highest, 3};
+  }
+  return {lowest, highest, 2};
 }
 
-int32_t LevelOf(const Image& pixels, const Histogram& histogram, Method method) {
-  if (method == Method::Otsu) return OtsuBoundary(histogram);
+int32_t LevelOf(const Image& pixels, Method method) {
+  if (method == Method::Otsu) {
+    Histogram histogram;
+    Check(ZEL_Histogram(pixels, 0, 256, 0, 255, histogram.data(), nullptr));
+    return OtsuBoundary(histogram);
+  }
   int32_t level = 0;
   Check(ZEL_AutoBThreshold(pixels, static_cast<int32_t>(method), ARRAY_U8, nullptr, &level));
   return level;
@@ -83,12 +91,10 @@ int32_t OtsuBoundary(const Histogram& histogram) {
 }
 
 std::optional<Boundary> FindBoundary(const Image& pixels, Method method) {
-  Histogram histogram;
-  Check(ZEL_Histogram(pixels, 0, 256, 0, 255, histogram.data(), nullptr));
-  const Ends ends = EndsOf(histogram);
+  const Ends ends = EndsOf(pixels);
   if (ends.levels < 2) return std::nullopt;
   if (ends.levels == 2) return Boundary{ends.highest, ""};
-  const int32_t level = LevelOf(pixels, histogram, method);
+  const int32_t level = LevelOf(pixels, method);
   return Boundary{level, RemarkOn(ends, level, MethodName(method))};
 }
 

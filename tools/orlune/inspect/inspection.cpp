@@ -197,10 +197,10 @@ Inspection Measured(Located located, const InspectSettings& settings) {
   Inspection result = std::move(located.inspection);
   const Image& mask = located.mask;
   Clock clock;
-  const LabelPicture labelPicture(result.labels);
-  result.timing.labelling += clock.Lap();
+  MeasureSet wanted = settings.measured;
+  for (const Condition& condition : settings.keep) wanted.set(condition.measure->number);
   result.particles =
-      MeasureParticles(mask, result.picture, result.labels, labelPicture, settings.eightConnected);
+      MeasureParticles(mask, result.picture, result.labels, settings.eightConnected, wanted);
   for (Particle& particle : result.particles) {
     particle.kept = std::all_of(
         settings.keep.begin(), settings.keep.end(),

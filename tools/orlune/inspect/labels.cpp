@@ -2,6 +2,7 @@
 #include "orlune/inspect/labels.h"
 
 #include <algorithm>
+#include <cstring>
 #include <numeric>
 #include <utility>
 
@@ -29,12 +30,37 @@ class Sets {
   std::vector<uint32_t> parents_;
 };
 
+// Eight pixels at once: a mask has long runs of what is set and what is not.
+constexpr int32_t GROUP = 8;
+
+uint64_t GroupAt(const uint8_t* row) {
+  uint64_t group = 0;
+  std::memcpy(&group, row, sizeof group);
+  return group;
+}
+
+bool HasZero(uint64_t group) {
+  constexpr uint64_t ONES = 0x0101010101010101, HIGH = 0x8080808080808080;
+  return ((group - ONES) & ~group & HIGH) != 0;
+}
+
+int32_t NextSet(const uint8_t* row, int32_t x, int32_t width) {
+  while (x + GROUP <= width && GroupAt(row + x) == 0) x += GROUP;
+  while (x < width && row[x] == 0) ++x;
+  return x;
+}
+
+int32_t NextZero(const uint8_t* row, int32_t x, int32_t width) {
+  while (x + GROUP <= width && !HasZero(GroupAt(row + x))) x += GROUP;
+  while (x < width && row[x] != 0) ++x;
+  return x;
+}
+
 void AppendRow(const uint8_t* row, int32_t width, int32_t y, std::vector<PixelRun>* runs) {
-  for (int32_t x = 0; x < width; ++x) {
-    if (row[x] == 0) continue;
-    const int32_t start = x;
-    while (x < width && row[x] != 0) ++x;
-    runs->push_back({.y = y, .start = start, .end = x});
+  for (int32_t x = NextSet(row, 0, width); x < width;) {
+    const int32_t end = NextZero(row, x, width);
+    runs->push_back({.y = y, .start = x, .end = end});
+    x = NextSet(row, end, width);
   }
 }
 

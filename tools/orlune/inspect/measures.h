@@ -1,6 +1,7 @@
 // The measures of a particle: names, units and meanings.
 #pragma once
 
+#include <bitset>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -59,6 +60,10 @@ enum FrontMeasure : size_t {
 };
 
 const std::vector<Measure>& AllMeasures();
+
+// Some of them, by number.
+constexpr size_t MOST_MEASURES = 128;
+using MeasureSet = std::bitset<MOST_MEASURES>;
 
 // By name, in any mix of upper and lower case. Throws std::invalid_argument that tells the nearest
 // name.

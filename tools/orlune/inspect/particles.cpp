@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <initializer_list>
 #include <limits>
 #include <numbers>
+#include <numeric>
 #include <stdexcept>
 
 namespace front {
@@ -14,17 +16,40 @@ namespace {
 constexpr int32_t PARTICLE_BORDER = 2;
 
 // By label - 1: how many such pixels a particle has.
-std::vector<int64_t> StartsOf(const Labels& labels, const LabelPicture& picture, bool eight) {
+std::vector<int64_t> StartsOf(const Labels& labels, bool eight) {
   std::vector<int64_t> starts(labels.count);
-  for (const PixelRun& run : labels.runs) {
-    const uint32_t* above = picture.Row(run.y - 1) + run.start;
-    const bool corners = eight && (above[-1] != 0 || above[1] != 0);
-    if (above[0] == 0 && !corners) ++starts[run.label - 1];
+  const std::vector<PixelRun>& runs = labels.runs;
+  const int32_t reach = eight ? 1 : 0;
+  size_t other = 0;  // the first run that can lie above
+  for (const PixelRun& run : runs) {
+    const auto ends = [&](const PixelRun& above) {
+      return above.y < run.y - 1 || (above.y == run.y - 1 && above.end + reach <= run.start);
+    };
+    while (ends(runs[other])) ++other;
+    const PixelRun& above = runs[other];
+    const bool covered = above.y == run.y - 1 && above.start <= run.start + reach;
+    if (!covered) ++starts[run.label - 1];
   }
   return starts;
 }
 
-void TakeReports(const Image& mask, bool eight, uint32_t first, std::vector<Particle>* particles) {
+// Whose numbers the library is asked for.
+std::vector<uint32_t> AskedOfLibrary(const MeasureSet& wanted) {
+  MeasureSet asked = wanted;
+  asked.set(MEASURE_AREA_PIXELS);
+  const std::vector<Measure>& all = AllMeasures();
+  for (size_t m = FIRST_BY_NAME; m < all.size(); ++m) {
+    if (wanted[m]) asked.set(all[m].inLibrary);
+  }
+  std::vector<uint32_t> numbers;
+  for (uint32_t m = 0; m < LIBRARY_MEASURES; ++m) {
+    if (asked[m]) numbers.push_back(m);
+  }
+  return numbers;
+}
+
+void TakeReports(const Image& mask, bool eight, const std::vector<uint32_t>& asked, uint32_t first,
+                 std::vector<Particle>* particles) {
   ParticleReport* found = nullptr;
   int32_t count = 0;
   const int32_t status =
@@ -32,19 +57,20 @@ void TakeReports(const Image& mask, bool eight, uint32_t first, std::vector<Part
   const Block<ParticleReport> reports(found);
   Check(status);
 
-  uint32_t numbers[LIBRARY_MEASURES];
-  for (uint32_t i = 0; i < LIBRARY_MEASURES; ++i) numbers[i] = i;
-  std::vector<float> values(LIBRARY_MEASURES * static_cast<size_t>(count));
-  Check(ZEL_ParticleCoeffs(mask, numbers, LIBRARY_MEASURES, reports.get(), count, values.data()));
+  std::vector<float> values(asked.size() * static_cast<size_t>(count));
+  Check(ZEL_ParticleCoeffs(mask, asked.data(), static_cast<uint32_t>(asked.size()), reports.get(),
+                           count, values.data()));
 
   const std::vector<Measure>& all = AllMeasures();
   for (size_t i = 0; i < static_cast<size_t>(count); ++i) {
     Particle& particle = (*particles)[first + i];
-    const float* own = values.data() + i * LIBRARY_MEASURES;
+    const float* own = values.data() + i * asked.size();
     particle.rect = reports[i].rect;
-    for (size_t m = 0; m < LIBRARY_MEASURES; ++m) particle.values[m] = static_cast<double>(own[m]);
+    for (size_t m = 0; m < asked.size(); ++m) {
+      particle.values[asked[m]] = static_cast<double>(own[m]);
+    }
     for (size_t m = FIRST_BY_NAME; m < all.size(); ++m) {
-      particle.values[m] = static_cast<double>(own[all[m].inLibrary]);
+      particle.values[m] = particle.values[all[m].inLibrary];
     }
   }
 }
@@ -66,9 +92,10 @@ Image MaskOfSome(const Image& mask, const Labels& labels, uint32_t first, uint32
 // A particle is measured by itself, so that a picture of too many can be taken in parts. Only the
 // outline of one that touches others by corners (with four neighbours) may come out longer or
 // shorter in a part, where those are missing.
-void MeasureByLibrary(const Image& mask, const Labels& labels, const LabelPicture& picture,
-                      bool eight, int64_t most, std::vector<Particle>* particles) {
-  const std::vector<int64_t> starts = StartsOf(labels, picture, eight);
+void MeasureByLibrary(const Image& mask, const Labels& labels, bool eight,
+                      const std::vector<uint32_t>& asked, int64_t most,
+                      std::vector<Particle>* particles) {
+  const std::vector<int64_t> starts = StartsOf(labels, eight);
   for (uint32_t first = 0; first < labels.count;) {
     int64_t sum = 0;
     uint32_t last = first;
@@ -82,9 +109,9 @@ void MeasureByLibrary(const Image& mask, const Labels& labels, const LabelPictur
     }
     const bool all = first == 0 && last == labels.count;
     if (all) {
-      TakeReports(mask, eight, first, particles);
+      TakeReports(mask, eight, asked, first, particles);
     } else {
-      TakeReports(MaskOfSome(mask, labels, first, last), eight, first, particles);
+      TakeReports(MaskOfSome(mask, labels, first, last), eight, asked, first, particles);
     }
     first = last;
   }
@@ -168,42 +195,82 @@ void PutGrays(const std::vector<PixelRun>& runs, const ImageInfo& picture,
   v[GRAY_SUM] = sum;
 }
 
+// Measures of the front that are made together.
+MeasureSet SetOf(std::initializer_list<size_t> numbers) {
+  MeasureSet set;
+  for (const size_t number : numbers) set.set(number);
+  return set;
+}
+MeasureSet FromTo(size_t first, size_t last) {
+  MeasureSet set;
+  for (size_t number = first; number <= last; ++number) set.set(number);
+  return set;
+}
+const MeasureSet MOMENTS =
+    SetOf({MEASURE_CENTRE_OF_MASS_X, MEASURE_CENTRE_OF_MASS_Y, MEASURE_SUM_X, MEASURE_SUM_Y,
+           MEASURE_SUM_XX, MEASURE_SUM_YY, MEASURE_SUM_XY, MEASURE_INERTIA_XX, MEASURE_INERTIA_YY,
+           MEASURE_INERTIA_XY, MEASURE_ORIENTATION, MEASURE_TYPE_FACTOR}) |
+    FromTo(MOMENT_ELLIPSE_MAJOR_AXIS, ECCENTRICITY);
+const MeasureSet GRAYS = FromTo(GRAY_MEAN, GRAY_SUM);
+const MeasureSet HULL = FromTo(FERET_MAXIMUM, SOLIDITY);
+const MeasureSet CROFTON = FromTo(CROFTON_PERIMETER, CROFTON_CIRCULARITY);
+
+int64_t PixelsOf(const std::vector<PixelRun>& runs) {
+  return std::accumulate(runs.begin(), runs.end(), int64_t{0}, [](int64_t sum, const PixelRun& r) {
+    return sum + (r.end - r.start);
+  });
+}
+
+// Both number the particles; each must mean the same one.
+void CheckArea(size_t number, int64_t pixels, double measured) {
+  if (static_cast<double>(pixels) == measured || pixels >= 1 << 24) return;
+  throw std::logic_error("particle " + std::to_string(number) + " has two areas");
+}
+
+void PutCrofton(const Labels& labels, const std::vector<std::vector<PixelRun>>& runs,
+                const Scale& scale, std::vector<Particle>* particles) {
+  const double pixelArea = static_cast<double>(scale.x) * static_cast<double>(scale.y);
+  const std::vector<Crossings> crossings = CountCrossings(LabelPicture(labels), labels.count);
+  for (size_t i = 0; i < particles->size(); ++i) {
+    const double area = static_cast<double>(PixelsOf(runs[i])) * pixelArea;
+    const double perimeter = crossings[i].Perimeter(scale);
+    std::vector<double>& values = (*particles)[i].values;
+    values[CROFTON_PERIMETER] = perimeter;
+    values[CROFTON_CIRCULARITY] = 4 * std::numbers::pi * area / (perimeter * perimeter);
+  }
+}
+
 }  // namespace
 
 std::vector<Particle> MeasureParticles(const Image& mask, const Image& picture,
-                                       const Labels& labels, const LabelPicture& labelPicture,
-                                       bool eightConnected, int64_t mostStarts) {
+                                       const Labels& labels, bool eightConnected,
+                                       const MeasureSet& wanted, int64_t mostStarts) {
   std::vector<Particle> particles(labels.count);
   for (uint32_t i = 0; i < labels.count; ++i) {
     particles[i].number = i + 1;
     particles[i].values.resize(AllMeasures().size());
   }
-  MeasureByLibrary(mask, labels, labelPicture, eightConnected, mostStarts, &particles);
+  MeasureByLibrary(mask, labels, eightConnected, AskedOfLibrary(wanted), mostStarts, &particles);
 
   const ImageInfo info = picture.Info();
   // A step of 0 counts as 1, as in the library.
   const Scale scale{info.xStep != 0 ? info.xStep : 1, info.yStep != 0 ? info.yStep : 1};
   const double pixelArea = static_cast<double>(scale.x) * static_cast<double>(scale.y);
   const std::vector<std::vector<PixelRun>> runs = RunsByParticle(labels);
-  const std::vector<Crossings> crossings = CountCrossings(labelPicture, labels.count);
   for (size_t i = 0; i < particles.size(); ++i) {
     std::vector<double>& values = particles[i].values;
-    int64_t pixels = 0;
-    for (const PixelRun& run : runs[i]) pixels += run.end - run.start;
-    // Both number the particles; each must mean the same one.
-    if (static_cast<double>(pixels) != values[MEASURE_AREA_PIXELS] && pixels < 1 << 24) {
-      throw std::logic_error("particle " + std::to_string(i + 1) + " has two areas");
+    const int64_t pixels = PixelsOf(runs[i]);
+    CheckArea(i + 1, pixels, values[MEASURE_AREA_PIXELS]);
+    if ((wanted & MOMENTS).any()) PutMoments(runs[i], scale, &values);
+    if ((wanted & HULL).any()) {
+      PutHull(runs[i], scale, static_cast<double>(pixels) * pixelArea, &values);
     }
-    const double area = static_cast<double>(pixels) * pixelArea;
-    PutMoments(runs[i], scale, &values);
-    PutHull(runs[i], scale, area, &values);
+    if ((wanted & GRAYS).none()) continue;
     ForPixelType(info.type, [&](auto* pixel) {
       PutGrays<std::remove_pointer_t<decltype(pixel)>>(runs[i], info, &values);
     });
-    const double perimeter = crossings[i].Perimeter(scale);
-    values[CROFTON_PERIMETER] = perimeter;
-    values[CROFTON_CIRCULARITY] = 4 * std::numbers::pi * area / (perimeter * perimeter);
   }
+  if ((wanted & CROFTON).any()) PutCrofton(labels, runs, scale, &particles);
   return particles;
 }
 

@@ -14,7 +14,7 @@ struct Particle {
   uint32_t number = 0;  // in the order of first pixels, from 1
   bool kept = true;
   ApiRect rect{};
-  std::vector<double> values;  // by measure number
+  std::vector<double> values;  // by measure number; 0 where none was wanted
 };
 
 // Of pixels that are set while their neighbours before them are not: more the library does not
@@ -22,11 +22,12 @@ struct Particle {
 constexpr int64_t MOST_STARTS = 65535;
 
 // Of the pixels of a mask that are not 0, whose numbers are the labels'. The mask is an IMAGE_U8
-// with the picture's calibration; gray values come from the picture. A picture of more than
-// mostStarts is measured in parts. Throws LibraryFailure, and std::runtime_error for a particle of
-// more.
+// with the picture's calibration; gray values come from the picture. Measures that are not wanted
+// may be 0. A picture of more than mostStarts is measured in parts. Throws LibraryFailure, and
+// std::runtime_error for a particle of more.
 std::vector<Particle> MeasureParticles(const Image& mask, const Image& picture,
-                                       const Labels& labels, const LabelPicture& labelPicture,
-                                       bool eightConnected, int64_t mostStarts = MOST_STARTS);
+                                       const Labels& labels, bool eightConnected,
+                                       const MeasureSet& wanted = MeasureSet().set(),
+                                       int64_t mostStarts = MOST_STARTS);
 
 }  // namespace front

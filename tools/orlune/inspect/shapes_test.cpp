@@ -37,7 +37,7 @@ Image RandomMask(int32_t width, int32_t height, uint32_t seed, uint32_t percent)
 
 std::vector<Particle> Measured(const Image& mask, bool eight = true, int64_t most = MOST_STARTS) {
   const Labels labels = LabelRuns(mask, eight);
-  return MeasureParticles(mask, mask, labels, LabelPicture(labels), eight, most);
+  return MeasureParticles(mask, mask, labels, eight, MeasureSet().set(), most);
 }
 
 TEST(LabelsOfRuns, AreThoseOfTheLibrary) {
@@ -292,7 +292,7 @@ TEST(Grays, AreThoseOfTheParticlesPixels) {
   }
   const Labels labels = LabelRuns(mask, true);
   const std::vector<Particle> particles =
-      MeasureParticles(mask, picture, labels, LabelPicture(labels), true);
+      MeasureParticles(mask, picture, labels, true);
   ASSERT_EQ(particles.size(), 2u);
   double sum = 0, squares = 0;
   for (const int v : {0, 1, 2, 10, 11, 12, 20, 21, 22}) {

@@ -166,6 +166,13 @@ std::optional<FoundPart> BestOf(const std::vector<ShapeMatch>& matches) {
                     .hasFront = best->hasFront}};
 }
 
+MeasureSet MeasuredFor(const InspectStep& inspect, const MeasureList& measures) {
+  MeasureSet wanted;
+  for (const Measure* measure : measures) wanted.set(measure->number);
+  for (const Requirement& each : inspect.required) wanted.set(each.condition.measure->number);
+  return wanted;
+}
+
 // One picture on its way through the steps.
 class PictureRun {
  public:
@@ -240,13 +247,14 @@ class PictureRun {
             StepResult* result) {
     InspectSettings settings = inspect.settings;
     settings.mask = prepared.mask ? &*prepared.mask : nullptr;
+    const MeasureList measures = MeasuresOf(inspect);
+    settings.measured = MeasuredFor(inspect, measures);
     const auto found =
         std::make_shared<Inspection>(Inspect(LoadedOf(PictureOf(step)), file_, settings));
     marks_.push_back([found](const Canvas& canvas) { DrawParticles(*found, canvas); });
     if (const auto part = LargestKept(*found)) parts_.emplace(step.name, *part);
     Judgement judgement(result);
     TakeCount(found->Kept(), inspect.count, Plural(found->Kept(), "particle"), result, &judgement);
-    const MeasureList measures = MeasuresOf(inspect);
     for (const Particle& particle : found->particles) {
       if (particle.kept) TakeParticle(particle, inspect, measures, found->unit, result, &judgement);
     }
@@ -432,8 +440,7 @@ void WritePage(const Picture& picture, const std::vector<Mark>& marks, const std
 void DrawVerdict(const Image& page, const PictureResult& result) {
   const std::string text =
       std::string(NameOf(result.verdict)) + (result.reason.empty() ? "" : ": " + result.reason);
-  const Canvas canvas(page);
-  canvas.Text(4, canvas.height() - TextHeight(canvas.TextSize()) - 4, text);
+  Canvas(page).Caption(text);
 }
 
 }  // namespace

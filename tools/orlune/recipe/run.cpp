@@ -11,10 +11,13 @@
 #include "orlune/recipe/recipe_run.h"
 #include "orlune/recipe/run_database.h"
 #include "orlune/recipe/run_reports.h"
+#include "orlune/recipe/verdict_call.h"
+#include "orlune/recipe/verdict_pipe.h"
 #include "orlune/shared/interrupts.h"
 #include "orlune/shared/numbers.h"
 #include "orlune/shared/output.h"
 #include "orlune/shared/progress.h"
+#include "orlune/shared/readable.h"
 #include "orlune/shared/tasks.h"
 #include "pictures/source.h"
 
@@ -63,6 +66,8 @@ class RecipeRunner {
     if (!command_.watch.empty()) watch = std::make_unique<FolderWatch>(command_.watch);
     TakeFiles();
     Plan();
+    if (command_.onlyList) return ALL_WELL;
+    if (!command_.verdicts.empty()) pipe_ = std::make_unique<VerdictPipe>(command_.verdicts);
     if (!command_.annotate.empty())
       Named(command_.annotate, [&] { MakeFolder(command_.annotate); });
     csv_.Open(command_.csv);
@@ -71,13 +76,15 @@ class RecipeRunner {
     csv_.Add(RunCsvHead);
     html_.Add([&] { return HtmlHead(recipe_); });
     WorkOnPending();
-    if (watch) WorkAsTheyCome(watch.get());
+    const std::string ended = watch ? WorkAsTheyCome(watch.get()) : "";
     const bool whole = told_ == files_.size();
     html_.Add([&] { return HtmlEnd(counts_, whole); });
     for (Report* report : {&csv_, &json_, &html_}) report->Finish();
     if (database_ && whole) database_->Finish();
     if (!command_.quiet) TellSummary(whole);
-    return !whole || counts_.errors > 0 ? NO_VERDICT : counts_.failed > 0 ? SOME_FAILED : ALL_WELL;
+    if (!ended.empty()) std::cerr << "orlune: " << ended << '\n';
+    const bool well = whole && counts_.errors == 0 && failedCalls_ == 0 && ended.empty();
+    return !well ? NO_VERDICT : counts_.failed > 0 ? SOME_FAILED : ALL_WELL;
   }
 
  private:
@@ -131,7 +138,7 @@ class RecipeRunner {
     };
     if (!command_.annotate.empty()) refuse(command_.annotate);
     for (const std::string& file :
-         {command_.csv, command_.json, command_.html, command_.database}) {
+         {command_.csv, command_.json, command_.html, command_.database, command_.verdicts}) {
       if (!file.empty() && file != STANDARD_STREAM) {
         refuse(std::filesystem::path(file).parent_path().string());
       }
@@ -144,12 +151,18 @@ class RecipeRunner {
     plan_.Writes(annotated_.back(), "the annotated picture of " + file);
   }
 
-  // Until an interrupt. Their reports are complete by each of them.
-  void WorkAsTheyCome(FolderWatch* watch) {
+  // Until an interrupt, or until the folder goes away: then what is told stays told, and the reason
+  // is given. The reports that go to a pipe are complete by each of them.
+  std::string WorkAsTheyCome(FolderWatch* watch) {
     const std::set<std::string> recorded(files_.begin(), files_.end());
     bool first = true;
     while (Interrupted() == 0) {
-      std::vector<std::string> files = watch->Next();
+      std::vector<std::string> files;
+      try {
+        files = watch->Next();
+      } catch (const std::system_error& failure) {
+        return failure.what();
+      }
       // Those of a run that is resumed have their verdicts.
       if (first) std::erase_if(files, [&](const auto& file) { return recorded.contains(file); });
       first = false;
@@ -164,6 +177,7 @@ class RecipeRunner {
       }
       WorkOnPending();
     }
+    return "";
   }
 
   void WorkOnPending() {
@@ -208,6 +222,21 @@ class RecipeRunner {
     TellDoneBefore(picture);
     if (database_) database_->Store(picture, result);
     Tell(result);
+    PassOn(result);
+  }
+
+  // To whoever waits for the verdict. What a run that is resumed has in its records is old.
+  void PassOn(const PictureResult& result) {
+    if (pipe_) pipe_->Send(VerdictLine(result));
+    if (command_.call.empty()) return;
+    const std::string failure = CallFor(result, {.program = command_.call,
+                                                 .limit = Seconds(command_.callLimit),
+                                                 .recipe = recipe_.name});
+    if (failure.empty()) return;
+    failedCalls_++;
+    progress_->Hide();
+    std::cerr << "orlune: " << command_.call << " for " << ReadableText(result.file) << ": "
+              << failure << '\n';
   }
 
   void TellDoneBefore(size_t picture) {
@@ -243,6 +272,13 @@ class RecipeRunner {
     if (!command_.annotate.empty()) {
       out_ << "Annotated pictures are in " << command_.annotate << '\n';
     }
+    if (pipe_ && pipe_->unread() > 0) {
+      out_ << Plural(pipe_->unread(), "verdict") << " found no reader at " << command_.verdicts
+           << '\n';
+    }
+    if (failedCalls_ > 0) {
+      out_ << Plural(failedCalls_, "call") << " of " << command_.call << " failed\n";
+    }
   }
 
   const RunCommand& command_;
@@ -256,6 +292,8 @@ class RecipeRunner {
   std::vector<bool> done_;
   std::vector<size_t> pending_;
   Report csv_, json_, html_;
+  std::unique_ptr<VerdictPipe> pipe_;
+  size_t failedCalls_ = 0;
   Progress* progress_ = nullptr;
   size_t told_ = 0;
   RunCounts counts_;
@@ -306,6 +344,9 @@ int Run(const RunCommand& command) {
   try {
     if (command.resume && command.database.empty()) {
       throw std::invalid_argument("--resume needs --db, the records of the run");
+    }
+    if (command.onlyList && command.database.empty()) {
+      throw std::invalid_argument("--only-list needs --db, the records that they are put into");
     }
     if (command.explainOn.empty() != command.out.empty()) {
       throw std::invalid_argument("--explain-on PICTURE and --out FOLDER go together");

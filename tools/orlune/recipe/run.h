@@ -16,7 +16,11 @@ struct RunCommand {
   std::string annotate;         // folder, empty for none
   std::string database;         // file, empty for none
   bool resume = false;
-  std::string watch;  // folder whose pictures are taken as they come; empty for none
+  bool onlyList = false;  // put the pictures into the records, for others to work on
+  std::string watch;      // folder whose pictures are taken as they come; empty for none
+  std::string verdicts;   // pipe that each verdict goes to; empty for none
+  std::string call;       // program that is called with each verdict; empty for none
+  double callLimit = 10;  // seconds for it; 0 is none
   size_t workers = 1;
   double limit = 60;  // seconds for a picture; 0 is none
   bool quiet = false;

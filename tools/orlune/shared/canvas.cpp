@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
+#include <iterator>
 
 namespace front {
 namespace {
@@ -37,16 +38,41 @@ constexpr Face LETTERS[26] = {
     {0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x0E}, {0x11, 0x11, 0x11, 0x11, 0x0A, 0x0A, 0x04},
     {0x11, 0x11, 0x11, 0x15, 0x15, 0x1B, 0x11}, {0x11, 0x11, 0x0A, 0x04, 0x0A, 0x11, 0x11},
     {0x11, 0x11, 0x0A, 0x04, 0x04, 0x04, 0x04}, {0x1F, 0x01, 0x02, 0x04, 0x08, 0x10, 0x1F}};
-constexpr Face POINT = {0x00, 0x00, 0x00, 0x00, 0x00, 0x0C, 0x0C};
-constexpr Face MINUS = {0x00, 0x00, 0x00, 0x0E, 0x00, 0x00, 0x00};
 constexpr Face BLANK = {};
+
+struct SignFace {
+  char sign;
+  Face face;
+};
+constexpr SignFace SIGNS[] = {{'.', {0x00, 0x00, 0x00, 0x00, 0x00, 0x0C, 0x0C}},
+                              {',', {0x00, 0x00, 0x00, 0x00, 0x0C, 0x04, 0x08}},
+                              {':', {0x00, 0x0C, 0x0C, 0x00, 0x0C, 0x0C, 0x00}},
+                              {'-', {0x00, 0x00, 0x00, 0x0E, 0x00, 0x00, 0x00}},
+                              {'+', {0x00, 0x04, 0x04, 0x1F, 0x04, 0x04, 0x00}},
+                              {'=', {0x00, 0x00, 0x1F, 0x00, 0x1F, 0x00, 0x00}},
+                              {'<', {0x02, 0x04, 0x08, 0x10, 0x08, 0x04, 0x02}},
+                              {'>', {0x08, 0x04, 0x02, 0x01, 0x02, 0x04, 0x08}},
+                              {'(', {0x02, 0x04, 0x08, 0x08, 0x08, 0x04, 0x02}},
+                              {')', {0x08, 0x04, 0x02, 0x02, 0x02, 0x04, 0x08}},
+                              {'[', {0x0E, 0x08, 0x08, 0x08, 0x08, 0x08, 0x0E}},
+                              {']', {0x0E, 0x02, 0x02, 0x02, 0x02, 0x02, 0x0E}},
+                              {'/', {0x01, 0x01, 0x02, 0x04, 0x08, 0x10, 0x10}},
+                              {'%', {0x18, 0x19, 0x02, 0x04, 0x08, 0x13, 0x03}},
+                              {'\'', {0x04, 0x04, 0x08, 0x00, 0x00, 0x00, 0x00}},
+                              {'"', {0x0A, 0x0A, 0x0A, 0x00, 0x00, 0x00, 0x00}},
+                              {'*', {0x00, 0x0A, 0x04, 0x1F, 0x04, 0x0A, 0x00}},
+                              {'_', {0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x1F}},
+                              {'#', {0x0A, 0x0A, 0x1F, 0x0A, 0x1F, 0x0A, 0x0A}},
+                              {'?', {0x0E, 0x11, 0x01, 0x02, 0x04, 0x00, 0x04}}};
 
 const Face& FaceOf(char character) {
   const auto byte = static_cast<unsigned char>(character);
   if (byte >= 0x80) return BLANK;
   if (std::isdigit(byte)) return DIGITS[byte - '0'];
   if (std::isalpha(byte)) return LETTERS[std::toupper(byte) - 'A'];
-  return byte == '.' ? POINT : byte == '-' ? MINUS : BLANK;
+  const auto* sign = std::find_if(std::begin(SIGNS), std::end(SIGNS),
+                                  [&](const SignFace& each) { return each.sign == character; });
+  return sign == std::end(SIGNS) ? BLANK : sign->face;
 }
 
 // Calls function(x, y) for every pixel of the text in a grid of face pixels.
@@ -125,12 +151,40 @@ void Canvas::Text(int32_t left, int32_t top, std::string_view text) const {
   });
 }
 
+void Canvas::Caption(std::string_view text) const {
+  const int32_t size = TextSize();
+  const int32_t pitch = TextHeight(size) + 3 * size;
+  const auto room = static_cast<size_t>(std::max(1, (info_.height - size) / pitch));
+  std::vector<std::string> lines = LinesOf(text, size, info_.width - 4 - 2 * size);
+  if (lines.size() > room) lines.resize(room);
+  const auto count = static_cast<int32_t>(lines.size());
+  for (int32_t i = 0; i < count; ++i) {
+    Text(4, info_.height - 4 - TextHeight(size) - (count - 1 - i) * pitch,
+         lines[static_cast<size_t>(i)]);
+  }
+}
+
 int32_t TextHeight(int32_t size) {
   return FACE_HEIGHT * size;
 }
 
 int32_t TextWidth(std::string_view text, int32_t size) {
   return (static_cast<int32_t>(text.size()) * (FACE_WIDTH + 1) - 1) * size;
+}
+
+std::vector<std::string> LinesOf(std::string_view text, int32_t size, int32_t width) {
+  const auto most =
+      static_cast<size_t>(std::max(1, (width / size + 1) / (FACE_WIDTH + 1)));  // characters
+  std::vector<std::string> lines;
+  while (text.size() > most) {
+    const size_t blank = text.rfind(' ', most);
+    const bool atBlank = blank != std::string_view::npos && blank > 0;
+    const size_t length = atBlank ? blank : most;
+    lines.emplace_back(text.substr(0, length));
+    text.remove_prefix(atBlank ? length + 1 : length);
+  }
+  lines.emplace_back(text);
+  return lines;
 }
 
 }  // namespace front

@@ -1,7 +1,9 @@
 // Drawing into colour pictures. What lies outside them is not drawn.
 #pragma once
 
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "orlune/gauge/poses.h"
 #include "orlune/shared/pictures.h"
@@ -25,8 +27,10 @@ class Canvas {
   void Stroke(Place from, Place to, int32_t size, RGBValue colour) const;
 
   // White with a dark edge, moved into the picture where it would reach out of it. Figures, letters
-  // (as capitals) and the signs of numbers; others are blanks.
+  // (as capitals) and common signs; others are blanks.
   void Text(int32_t left, int32_t top, std::string_view text) const;
+  // At the bottom, in as many lines as it takes; of more than there is room for, the first ones.
+  void Caption(std::string_view text) const;
   // Pixels of a dot of text: large pictures have text of double size.
   int32_t TextSize() const;
 
@@ -36,5 +40,9 @@ class Canvas {
 
 int32_t TextHeight(int32_t size);
 int32_t TextWidth(std::string_view text, int32_t size);
+
+// The text in lines of at most so many pixels, broken at blanks where there are any; a line has at
+// least one character.
+std::vector<std::string> LinesOf(std::string_view text, int32_t size, int32_t width);
 
 }  // namespace front

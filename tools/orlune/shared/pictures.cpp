@@ -46,34 +46,66 @@ Range LevelsOf(const Account& account, int32_t imageType) {
   return {-INFINITE, INFINITE};
 }
 
-Extremes ExtremesOf(const Image& image) {
-  Extremes extremes;
-  const ImageInfo info = image.Info();
-  ForPixelType(info.type, [&](auto* pixel) {
-    using T = std::remove_pointer_t<decltype(pixel)>;
-    T low = std::numeric_limits<T>::max(), high = std::numeric_limits<T>::lowest();
-    double sum = 0;
-    for (int32_t y = 0; y < info.height; ++y) {
-      const T* row = Row<T>(info, y);
-      for (int32_t x = 0; x < info.width; ++x) {
-        if constexpr (std::is_floating_point_v<T>) {
-          if (!std::isfinite(row[x])) {
-            ++extremes.others;
-            continue;
-          }
-        }
-        low = std::min(low, row[x]);
-        high = std::max(high, row[x]);
-        sum += static_cast<double>(row[x]);
-      }
+namespace {
+
+// What one pass over pixels tells. Whole numbers are summed as such, a row at a time: their mean is
+// exact, and the loop takes many at once.
+template <class T>
+Extremes ExtremesOfWhole(const ImageInfo& info) {
+  T low = std::numeric_limits<T>::max(), high = std::numeric_limits<T>::lowest();
+  int64_t sum = 0;
+  for (int32_t y = 0; y < info.height; ++y) {
+    const T* row = Row<T>(info, y);
+    int64_t rowSum = 0;
+    for (int32_t x = 0; x < info.width; ++x) {
+      low = std::min(low, row[x]);
+      high = std::max(high, row[x]);
+      rowSum += row[x];
     }
-    extremes.finite = int64_t{info.width} * info.height - extremes.others;
-    if (extremes.finite == 0) return;
-    extremes.low = static_cast<double>(low);
-    extremes.high = static_cast<double>(high);
-    extremes.mean = sum / static_cast<double>(extremes.finite);
-  });
+    sum += rowSum;
+  }
+  const int64_t pixels = int64_t{info.width} * info.height;
+  if (pixels == 0) return {};
+  return {static_cast<double>(low), static_cast<double>(high),
+          static_cast<double>(sum) / static_cast<double>(pixels), pixels, 0};
+}
+
+Extremes ExtremesOfFloats(const ImageInfo& info) {
+  Extremes extremes;
+  float low = std::numeric_limits<float>::max(), high = std::numeric_limits<float>::lowest();
+  double sum = 0;
+  for (int32_t y = 0; y < info.height; ++y) {
+    const float* row = Row<float>(info, y);
+    for (int32_t x = 0; x < info.width; ++x) {
+      if (!std::isfinite(row[x])) {
+        ++extremes.others;
+        continue;
+      }
+      low = std::min(low, row[x]);
+      high = std::max(high, row[x]);
+      sum += static_cast<double>(row[x]);
+    }
+  }
+  extremes.finite = int64_t{info.width} * info.height - extremes.others;
+  if (extremes.finite == 0) return extremes;
+  extremes.low = static_cast<double>(low);
+  extremes.high = static_cast<double>(high);
+  extremes.mean = sum / static_cast<double>(extremes.finite);
   return extremes;
+}
+
+}  // namespace
+
+Extremes ExtremesOf(const Image& image) {
+  const ImageInfo info = image.Info();
+  return ForPixelType(info.type, [&](auto* pixel) {
+    using T = std::remove_pointer_t<decltype(pixel)>;
+    if constexpr (std::is_floating_point_v<T>) {
+      return ExtremesOfFloats(info);
+    } else {
+      return ExtremesOfWhole<T>(info);
+    }
+  });
 }
 
 Image Stretch(const Image& gray, const Extremes& extremes) {
