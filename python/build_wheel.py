@@ -92,6 +92,7 @@ def build_wheel(
         package = make_package(Path(folder))
         files = {f"orlune_ptk/{path.name}": path.read_bytes() for path in sorted(package.iterdir())}
     files[f"orlune_ptk/{LIBRARY}"] = binary
+    files["orlune_run.py"] = (HERE / "orlune_run.py").read_bytes()
 
     tag = f"py3-none-{platform_tag(binary)}"
     info = f"orlune_ptk-{version()}.dist-info"

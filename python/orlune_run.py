@@ -165,7 +165,8 @@ def spread(client: Any, work: Work, chunks: Sequence[Chunk], records: Records) -
             records.add(chunk, future.result())
         else:
             lost.append(chunk)
-            print(f"orlune_run: {len(chunk.files)} pictures: {future.exception()}", file=sys.stderr)
+            reason = future.exception() if future.status == "error" else future.status
+            print(f"orlune_run: a chunk of {len(chunk.files)} pictures: {reason}", file=sys.stderr)
         future.release()
     return lost
 

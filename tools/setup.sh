@@ -30,8 +30,8 @@ for argument in "$@"; do
   esac
 done
 
-# The Python package is tested with these.
-needed="$needed python3-numpy python3-scipy python3-pytest python3-venv"
+# The Python package is tested with these, and recipes on a cluster.
+needed="$needed python3-numpy python3-scipy python3-pytest python3-venv python3-distributed"
 
 if ! command -v dpkg-query >/dev/null; then
   echo "setup: this is no Debian system. Please see that these are there: $needed (or their likes)."

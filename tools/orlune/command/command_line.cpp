@@ -353,7 +353,8 @@ void CommandLine::AddRun() {
       ->group(working);
   run->get_option("--db")->group(working);
   const std::string line = "Verdicts for a line";
-  run->add_option("--verdicts", run_.verdicts, "write each verdict to this pipe, if it has a reader")
+  run->add_option("--verdicts", run_.verdicts,
+                  "write each verdict to this pipe, if it has a reader")
       ->type_name("PIPE")
       ->group(line);
   run->add_option("--call", run_.call, "call this program with each verdict and its picture")

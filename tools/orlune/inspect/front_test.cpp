@@ -750,4 +750,47 @@ TEST_F(Pictures, AnnotationOfPartsAtTheEdgeStaysInside) {
   EXPECT_EQ(ReadPicture(marked, {}).account.width, 3);
 }
 
+int64_t WhitePixels(const Image& image) {
+  const ImageInfo info = image.Info();
+  int64_t white = 0;
+  for (int y = 0; y < info.height; ++y) {
+    const RGBValue* row = Row<RGBValue>(info, y);
+    white += std::count_if(row, row + info.width, [](RGBValue v) { return v == 0xFFFFFF; });
+  }
+  return white;
+}
+
+TEST(Captions, BreakAtBlanksWhereThereAreAny) {
+  const int32_t ten = TextWidth("0123456789", 1);
+  const auto lines = [&](const char* text) { return LinesOf(text, 1, ten); };
+  EXPECT_EQ(lines("not within"), (std::vector<std::string>{"not within"}));
+  EXPECT_EQ(lines("is not within 3:5"), (std::vector<std::string>{"is not", "within 3:5"}));
+  EXPECT_EQ(lines("0123456789abcdef"), (std::vector<std::string>{"0123456789", "abcdef"}));
+  EXPECT_EQ(lines(""), (std::vector<std::string>{""}));
+  EXPECT_EQ(LinesOf("ab", 1, 0), (std::vector<std::string>{"a", "b"}));
+}
+
+TEST(Captions, ShowAllOfTheirTextInANarrowPicture) {
+  const std::string text = "failed: weight: 238.9 is not within 248:252 (and 3 more)";
+  const Image wide(IMAGE_RGB, 0, 1000, 200), narrow(IMAGE_RGB, 0, 90, 200);
+  for (const Image* page : {&wide, &narrow}) {
+    Check(ZEL_ClearPixels(*page));
+    Canvas(*page).Caption(text);
+  }
+  EXPECT_EQ(WhitePixels(narrow), WhitePixels(wide));
+  // No sign of it is a blank.
+  const Image signs(IMAGE_RGB, 0, 1000, 200);
+  Check(ZEL_ClearPixels(signs));
+  int64_t before = 0;
+  int32_t left = 4;
+  for (const char sign : std::string(".,:-+=<>()[]/%'\"*_#?0aZ")) {
+    Canvas(signs).Text(left += 10, 20, std::string(1, sign));
+    const int64_t white = WhitePixels(signs);
+    EXPECT_GT(white, before) << sign;
+    before = white;
+  }
+  const Image tiny(IMAGE_RGB, 0, 3, 3);
+  Canvas(tiny).Caption(text);
+}
+
 }  // namespace

@@ -24,9 +24,9 @@ struct InspectSettings {
   std::optional<Region> region;
   const Image* mask = nullptr;  // objects are only where it is not 0
   Refinement refinement;
-  std::optional<Scale> scale;   // size of a pixel; without it the file's own, or 1
-  std::string unit;             // of the scale; empty for none
-  std::vector<Condition> keep;  // all must hold
+  std::optional<Scale> scale;                // size of a pixel; without it the file's own, or 1
+  std::string unit;                          // of the scale; empty for none
+  std::vector<Condition> keep;               // all must hold
   MeasureSet measured = MeasureSet().set();  // beside those of the conditions
   bool swapBytes = false;
 };

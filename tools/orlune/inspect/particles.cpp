@@ -216,9 +216,8 @@ const MeasureSet HULL = FromTo(FERET_MAXIMUM, SOLIDITY);
 const MeasureSet CROFTON = FromTo(CROFTON_PERIMETER, CROFTON_CIRCULARITY);
 
 int64_t PixelsOf(const std::vector<PixelRun>& runs) {
-  return std::accumulate(runs.begin(), runs.end(), int64_t{0}, [](int64_t sum, const PixelRun& r) {
-    return sum + (r.end - r.start);
-  });
+  return std::accumulate(runs.begin(), runs.end(), int64_t{0},
+                         [](int64_t sum, const PixelRun& r) { return sum + (r.end - r.start); });
 }
 
 // Both number the particles; each must mean the same one.

@@ -291,8 +291,7 @@ TEST(Grays, AreThoseOfTheParticlesPixels) {
     for (int32_t x = 0; x < 9; ++x) Row<float>(info, y)[x] = static_cast<float>(10 * y + x) / 4;
   }
   const Labels labels = LabelRuns(mask, true);
-  const std::vector<Particle> particles =
-      MeasureParticles(mask, picture, labels, true);
+  const std::vector<Particle> particles = MeasureParticles(mask, picture, labels, true);
   ASSERT_EQ(particles.size(), 2u);
   double sum = 0, squares = 0;
   for (const int v : {0, 1, 2, 10, 11, 12, 20, 21, 22}) {

@@ -21,9 +21,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int WAIT = 500;      // milliseconds, after which an interrupt is noticed in any case
+constexpr int WAIT = 500;       // milliseconds, after which an interrupt is noticed in any case
 constexpr int SHORT_WAIT = 20;  // while there are files that may become whole unnoticed
-constexpr double QUIET = 2;    // seconds
+constexpr double QUIET = 2;     // seconds
 
 [[noreturn]] void Fail(const std::string& what) {
   throw std::system_error(errno, std::generic_category(), what);

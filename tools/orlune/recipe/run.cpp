@@ -229,9 +229,9 @@ class RecipeRunner {
   void PassOn(const PictureResult& result) {
     if (pipe_) pipe_->Send(VerdictLine(result));
     if (command_.call.empty()) return;
-    const std::string failure = CallFor(result, {.program = command_.call,
-                                                 .limit = Seconds(command_.callLimit),
-                                                 .recipe = recipe_.name});
+    const std::string failure = CallFor(
+        result,
+        {.program = command_.call, .limit = Seconds(command_.callLimit), .recipe = recipe_.name});
     if (failure.empty()) return;
     failedCalls_++;
     progress_->Hide();

@@ -60,10 +60,9 @@ std::vector<char*> Pointers(std::vector<std::string>* texts) {
 }
 
 std::vector<std::string> EnvironmentOf(const PictureResult& result, const VerdictCall& call) {
-  std::vector<std::string> variables = {"ORLUNE_VERDICT=" + std::string(NameOf(result.verdict)),
-                                        "ORLUNE_FILE=" + result.file,
-                                        "ORLUNE_REASON=" + result.reason,
-                                        "ORLUNE_RECIPE=" + call.recipe};
+  std::vector<std::string> variables = {
+      "ORLUNE_VERDICT=" + std::string(NameOf(result.verdict)), "ORLUNE_FILE=" + result.file,
+      "ORLUNE_REASON=" + result.reason, "ORLUNE_RECIPE=" + call.recipe};
   const auto isOurs = [&](const std::string& variable) {
     const std::string name = variable.substr(0, variable.find('=') + 1);
     return std::any_of(variables.begin(), variables.begin() + 4,

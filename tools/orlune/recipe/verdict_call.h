@@ -15,7 +15,8 @@ struct VerdictCall {
 };
 
 // Calls it with the verdict and the file as its arguments, and waits for it; one that takes longer
-// than it may is ended, with all that it has started. Gives why it did not do well; empty if it did.
+// than it may is ended, with all that it has started. Gives why it did not do well; empty if it
+// did.
 std::string CallFor(const PictureResult& result, const VerdictCall& call);
 
 }  // namespace front

@@ -18,7 +18,8 @@ std::string VerdictLine(const PictureResult& result) {
   const auto field = [](const std::string& text) {
     std::string plain = ReadableText(text);
     std::replace_if(
-        plain.begin(), plain.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, '?');
+        plain.begin(), plain.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; },
+        '?');
     return plain;
   };
   std::string line(NameOf(result.verdict));
