@@ -123,11 +123,11 @@ void FolderWatch::TakeEvent(uint32_t mask, const std::string& name,
     Fail(folder_);
   }
   if (name.empty() || (mask & IN_ISDIR) != 0) return;
-  std::error_code ignored;
-  const bool isMade = (mask & IN_CREATE) != 0;
-  if (isMade && !fs::is_symlink(fs::path(folder_) / name, ignored)) {
-    made_.emplace(name, true);
-    return;
+  if ((mask & IN_CREATE) != 0) {
+    std::error_code gone;
+    const fs::file_type type = fs::symlink_status(fs::path(folder_) / name, gone).type();
+    if (type == fs::file_type::regular) made_.emplace(name, true);
+    if (type != fs::file_type::symlink) return;
   }
   made_.erase(name);
   AddName(name, names);
