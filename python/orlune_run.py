@@ -38,7 +38,7 @@ class RunFailure(Exception):
 
 
 class Work(NamedTuple):
-    """What a worker needs to know to work on any chunk."""
+    """What a worker needs to know to work on any chunk: the first arguments of work_on."""
 
     program: str
     recipe: str
@@ -56,24 +56,26 @@ class Chunk(NamedTuple):
 # ---- on the workers
 
 
-def work_on(work: Work, files: tuple[bytes, ...]) -> bytes:
+def work_on(
+    program: str, recipe: str, folder: str, options: tuple[str, ...], files: tuple[bytes, ...]
+) -> bytes:
     """The records of a run of its own on these files, as the bytes of an SQLite file."""
     with tempfile.TemporaryDirectory(prefix="orlune_run") as scratch:
         records = os.path.join(scratch, "chunk.db")
         # Thumbnails are made where a report asks for them; the report itself is not needed.
-        reports = ["--html", os.path.join(scratch, "chunk.html")] if "--html" in work.options else []
-        options = [option for option in work.options if option != "--html"]
-        command = [work.program, "run", "--quiet", "--db", records, *reports, *options, "--", work.recipe]
+        reports = ["--html", os.path.join(scratch, "chunk.html")] if "--html" in options else []
+        others = [option for option in options if option != "--html"]
+        command = [program, "run", "--quiet", "--db", records, *reports, *others, "--", recipe]
         done = subprocess.run(
-            [*command, *files], cwd=work.folder, stdin=subprocess.DEVNULL, stderr=subprocess.PIPE, check=False
+            [*command, *files], cwd=folder, stdin=subprocess.DEVNULL, stderr=subprocess.PIPE, check=False
         )
         said = done.stderr.decode(errors="replace").strip()
         if not os.path.exists(records):
-            raise RunFailure(said or f"{work.program} ended with status {done.returncode}")
+            raise RunFailure(said or f"{program} ended with status {done.returncode}")
         with closing(sqlite3.connect(records)) as chunk:
             told = chunk.execute("SELECT count(verdict) FROM pictures").fetchone()[0]
         if told != len(files):
-            raise RunFailure(said or f"{work.program} ended with status {done.returncode} before its last picture")
+            raise RunFailure(said or f"{program} ended with status {done.returncode} before its last picture")
         return Path(records).read_bytes()
 
 
@@ -157,7 +159,7 @@ def spread(client: Any, work: Work, chunks: Sequence[Chunk], records: Records) -
     """Has the chunks worked on, and gives those that no worker could bring to an end."""
     from distributed import as_completed
 
-    futures = {client.submit(work_on, work, chunk.files, pure=False, retries=1): chunk for chunk in chunks}
+    futures = {client.submit(work_on, *work, chunk.files, pure=False, retries=1): chunk for chunk in chunks}
     lost = []
     for future in as_completed(futures):
         chunk = futures.pop(future)

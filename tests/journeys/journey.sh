@@ -10,7 +10,7 @@ failures=0
 what="the journey"
 
 fail() {
-  echo "FAILED: $1"
+  printf 'FAILED: %.400s\n' "$1"
   sed 's/^/  out: /' out | head -20
   sed 's/^/  err: /' err | head -20
   failures=$((failures + 1))

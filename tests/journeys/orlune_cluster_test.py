@@ -22,9 +22,13 @@ keep = "AreaPixels>=500"
 measures = "AreaPixels,Perimeter"
 count = 8
 """
-# The program as it is, but for its first chunk: that waits until its worker is killed.
+# The program as it is, but for its first chunk: that waits until its worker is killed. What the cluster has
+# collected is kept before the program tells it, and does what is missing.
 STALLING = """#!/bin/sh
-for word; do [ "$word" = --only-list ] || [ "$word" = --resume ] && exec "{orlune}" "$@"; done
+for word; do
+  [ "$word" != --resume ] || cp spread.db collected.db
+  [ "$word" != --resume ] && [ "$word" != --only-list ] || exec "{orlune}" "$@"
+done
 if mkdir stalled 2>/dev/null; then
   echo $PPID >stalled/worker.part && mv stalled/worker.part stalled/worker
   sleep 60
@@ -108,6 +112,7 @@ def main() -> None:
     )  # fmt: skip
     os.kill(worker_that_stalls(), signal.SIGKILL)
     check(spread.wait(timeout=120) == 3, f"status {spread.returncode} of the run on the cluster")
+    check(None not in [row[2] for row in contents("collected.db")[1]], "the dead worker's chunk was not repeated")
     for ending in ("csv", "json", "html"):
         same(f"whole.{ending}", f"spread.{ending}")
     for one, other in zip(contents("whole.db"), contents("spread.db")):

@@ -77,15 +77,15 @@ same_size small.db whole.db || fail "other values after a full disk"
 cat >full_disk.sh <<'END'
 mount -t tmpfs -o size=96k none disk || exit 77
 "$0" run parts.toml --db disk/run.db --quiet --csv report.csv pictures/*.bmp 2>err
-[ $? -eq 3 ] || exit 1
+[ $? -eq 3 ] || exit 11
 cp disk/run.db* . 2>/dev/null
 rm disk/run.db*
 "$0" run parts.toml --html disk/report.html --quiet pictures/*.bmp 2>>err
-[ $? -eq 3 ] || exit 2
-[ -z "$(ls disk)" ] || exit 3
+[ $? -eq 3 ] || exit 12
+[ -z "$(ls disk)" ] || exit 13
 "$0" run parts.toml --annotate disk --quiet --csv marked.csv pictures/*.bmp 2>>err
-[ $? -eq 3 ] || exit 4
-[ -s marked.csv ] || exit 5
+[ $? -eq 3 ] || exit 14
+[ -s marked.csv ] || exit 15
 END
 mkdir disk
 what="a full disk"
@@ -98,7 +98,7 @@ case $? in
     run 3 run parts.toml --db run.db --resume --quiet pictures/*.bmp
     [ "$(sql run.db 'SELECT count(*), count(verdict) FROM pictures')" = "32|32" ] || fail "$what: resumed"
     ;;
-  77 | 1) grep -q "" err.unshare && echo "skipped: no disk can be mounted for the test" ;;
+  1 | 77) echo "skipped: no disk can be mounted for the test" ;;
   *) fail "$what" ;;
 esac
 tell_failures

@@ -568,6 +568,7 @@ if as_other test -r one.toml -a -x "$orlune" 2>/dev/null && as_other "$orlune" -
   [ $? -eq 3 ] || fail "$what: another exit status of a watch than 3"
   in_err "closed: Permission denied"
   # Nobody tells whether another one's file is being written: it is whole once it is quiet.
+  { head -c 100000 scenes/washers.bmp; sleep 1; tail -c +100001 scenes/washers.bmp; } >shut/begun.bmp &
   as_other "$orlune" run one.toml --watch shut >watched 2>err &
   program=$!
   told "shut/mine.bmp: passed"
@@ -576,6 +577,7 @@ if as_other test -r one.toml -a -x "$orlune" 2>/dev/null && as_other "$orlune" -
   told "shut/new.bmp: passed"
   { head -c 100000 scenes/washers.bmp; sleep 0.5; tail -c +100001 scenes/washers.bmp; } >shut/slow.bmp
   told "shut/slow.bmp: passed"
+  told "shut/begun.bmp: passed"
   kill -TERM $program
   wait $program
 else

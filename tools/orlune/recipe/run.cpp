@@ -5,6 +5,7 @@
 #include <iostream>
 #include <memory>
 #include <set>
+#include <system_error>
 
 #include "orlune/command/commands.h"
 #include "orlune/recipe/folder_watch.h"
