@@ -45,6 +45,11 @@ bool HasZero(uint64_t group) {
 }
 
 int32_t NextSet(const uint8_t* row, int32_t x, int32_t width) {
+  const auto isEmpty = [&](int32_t at) {
+    return (GroupAt(row + at) | GroupAt(row + at + GROUP) | GroupAt(row + at + 2 * GROUP) |
+            GroupAt(row + at + 3 * GROUP)) == 0;
+  };
+  while (x + 4 * GROUP <= width && isEmpty(x)) x += 4 * GROUP;
   while (x + GROUP <= width && GroupAt(row + x) == 0) x += GROUP;
   while (x < width && row[x] == 0) ++x;
   return x;

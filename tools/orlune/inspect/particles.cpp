@@ -7,7 +7,6 @@
 #include <initializer_list>
 #include <limits>
 #include <numbers>
-#include <numeric>
 #include <stdexcept>
 
 namespace front {
@@ -215,9 +214,11 @@ const MeasureSet GRAYS = FromTo(GRAY_MEAN, GRAY_SUM);
 const MeasureSet HULL = FromTo(FERET_MAXIMUM, SOLIDITY);
 const MeasureSet CROFTON = FromTo(CROFTON_PERIMETER, CROFTON_CIRCULARITY);
 
-int64_t PixelsOf(const std::vector<PixelRun>& runs) {
-  return std::accumulate(runs.begin(), runs.end(), int64_t{0},
-                         [](int64_t sum, const PixelRun& r) { return sum + (r.end - r.start); });
+// By label - 1.
+std::vector<int64_t> PixelsOf(const Labels& labels) {
+  std::vector<int64_t> pixels(labels.count);
+  for (const PixelRun& run : labels.runs) pixels[run.label - 1] += run.end - run.start;
+  return pixels;
 }
 
 // Both number the particles; each must mean the same one.
@@ -226,16 +227,39 @@ void CheckArea(size_t number, int64_t pixels, double measured) {
   throw std::logic_error("particle " + std::to_string(number) + " has two areas");
 }
 
-void PutCrofton(const Labels& labels, const std::vector<std::vector<PixelRun>>& runs,
-                const Scale& scale, std::vector<Particle>* particles) {
+void PutCrofton(const Labels& labels, const std::vector<int64_t>& pixels, const Scale& scale,
+                std::vector<Particle>* particles) {
   const double pixelArea = static_cast<double>(scale.x) * static_cast<double>(scale.y);
   const std::vector<Crossings> crossings = CountCrossings(LabelPicture(labels), labels.count);
   for (size_t i = 0; i < particles->size(); ++i) {
-    const double area = static_cast<double>(PixelsOf(runs[i])) * pixelArea;
+    const double area = static_cast<double>(pixels[i]) * pixelArea;
     const double perimeter = crossings[i].Perimeter(scale);
     std::vector<double>& values = (*particles)[i].values;
     values[CROFTON_PERIMETER] = perimeter;
     values[CROFTON_CIRCULARITY] = 4 * std::numbers::pi * area / (perimeter * perimeter);
+  }
+}
+
+// What is made of the particles' runs.
+void PutOwn(const Image& picture, const Labels& labels, const std::vector<int64_t>& pixels,
+            const MeasureSet& wanted, std::vector<Particle>* particles) {
+  const ImageInfo info = picture.Info();
+  // A step of 0 counts as 1, as in the library.
+  const Scale scale{info.xStep != 0 ? info.xStep : 1, info.yStep != 0 ? info.yStep : 1};
+  const double pixelArea = static_cast<double>(scale.x) * static_cast<double>(scale.y);
+  if ((wanted & CROFTON).any()) PutCrofton(labels, pixels, scale, particles);
+  if ((wanted & (MOMENTS | HULL | GRAYS)).none()) return;
+  const std::vector<std::vector<PixelRun>> runs = RunsByParticle(labels);
+  for (size_t i = 0; i < particles->size(); ++i) {
+    std::vector<double>& values = (*particles)[i].values;
+    if ((wanted & MOMENTS).any()) PutMoments(runs[i], scale, &values);
+    if ((wanted & HULL).any()) {
+      PutHull(runs[i], scale, static_cast<double>(pixels[i]) * pixelArea, &values);
+    }
+    if ((wanted & GRAYS).none()) continue;
+    ForPixelType(info.type, [&](auto* pixel) {
+      PutGrays<std::remove_pointer_t<decltype(pixel)>>(runs[i], info, &values);
+    });
   }
 }
 
@@ -251,25 +275,11 @@ std::vector<Particle> MeasureParticles(const Image& mask, const Image& picture,
   }
   MeasureByLibrary(mask, labels, eightConnected, AskedOfLibrary(wanted), mostStarts, &particles);
 
-  const ImageInfo info = picture.Info();
-  // A step of 0 counts as 1, as in the library.
-  const Scale scale{info.xStep != 0 ? info.xStep : 1, info.yStep != 0 ? info.yStep : 1};
-  const double pixelArea = static_cast<double>(scale.x) * static_cast<double>(scale.y);
-  const std::vector<std::vector<PixelRun>> runs = RunsByParticle(labels);
+  const std::vector<int64_t> pixels = PixelsOf(labels);
   for (size_t i = 0; i < particles.size(); ++i) {
-    std::vector<double>& values = particles[i].values;
-    const int64_t pixels = PixelsOf(runs[i]);
-    CheckArea(i + 1, pixels, values[MEASURE_AREA_PIXELS]);
-    if ((wanted & MOMENTS).any()) PutMoments(runs[i], scale, &values);
-    if ((wanted & HULL).any()) {
-      PutHull(runs[i], scale, static_cast<double>(pixels) * pixelArea, &values);
-    }
-    if ((wanted & GRAYS).none()) continue;
-    ForPixelType(info.type, [&](auto* pixel) {
-      PutGrays<std::remove_pointer_t<decltype(pixel)>>(runs[i], info, &values);
-    });
+    CheckArea(i + 1, pixels[i], particles[i].values[MEASURE_AREA_PIXELS]);
   }
-  if ((wanted & CROFTON).any()) PutCrofton(labels, runs, scale, &particles);
+  PutOwn(picture, labels, pixels, wanted, &particles);
   return particles;
 }
 

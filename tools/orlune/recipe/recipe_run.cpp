@@ -178,7 +178,7 @@ class PictureRun {
  public:
   using Prepared = RecipeRun::Prepared;
 
-  PictureRun(const Recipe& recipe, std::string file) : file_(std::move(file)) {
+  PictureRun(const Recipe& recipe, std::string file) : recipe_(recipe), file_(std::move(file)) {
     Loaded loaded = ReadPicture(
         file_,
         {.form = Form::Gray, .swapBytes = recipe.swapBytes, .colours = NeedsColours(recipe)});
@@ -219,6 +219,14 @@ class PictureRun {
     return pictures_.at(step.on.empty() ? last_ : step.on);
   }
 
+  // Whether lines follow the part that the step finds.
+  bool IsFollowed(const std::string& name) const {
+    return std::any_of(recipe_.steps.begin(), recipe_.steps.end(), [&](const RecipeStep& step) {
+      const auto* gauge = std::get_if<GaugeStep>(&step.work);
+      return gauge != nullptr && gauge->part == name;
+    });
+  }
+
   const ObjectPose& PartOf(const std::string& step) const {
     const auto part = parts_.find(step);
     if (part == parts_.end()) {
@@ -252,7 +260,9 @@ class PictureRun {
     const auto found =
         std::make_shared<Inspection>(Inspect(LoadedOf(PictureOf(step)), file_, settings));
     marks_.push_back([found](const Canvas& canvas) { DrawParticles(*found, canvas); });
-    if (const auto part = LargestKept(*found)) parts_.emplace(step.name, *part);
+    if (IsFollowed(step.name)) {
+      if (const auto part = LargestKept(*found)) parts_.emplace(step.name, *part);
+    }
     Judgement judgement(result);
     TakeCount(found->Kept(), inspect.count, Plural(found->Kept(), "particle"), result, &judgement);
     for (const Particle& particle : found->particles) {
@@ -409,6 +419,7 @@ class PictureRun {
 
   static constexpr RGBValue READ_COLOUR = 0x20E850;
 
+  const Recipe& recipe_;
   std::string file_;
   std::map<std::string, Picture> pictures_;  // by the steps that left them
   std::string last_ = ORIGINAL;

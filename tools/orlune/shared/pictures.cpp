@@ -48,21 +48,33 @@ Range LevelsOf(const Account& account, int32_t imageType) {
 
 namespace {
 
-// What one pass over pixels tells. Whole numbers are summed as such, a row at a time: their mean is
-// exact, and the loop takes many at once.
+// Whole numbers are summed as such, so many at a time as a small sum takes: the mean is exact, and
+// the loops take many at once.
+template <class T>
+int64_t SumOf(const T* row, int32_t width) {
+  using Part = std::conditional_t<sizeof(T) == 1, uint16_t, int32_t>;
+  constexpr int32_t AT_ONCE = 256;
+  int64_t sum = 0;
+  for (int32_t first = 0; first < width; first += AT_ONCE) {
+    const int32_t end = std::min(first + AT_ONCE, width);
+    Part part = 0;
+    for (int32_t x = first; x < end; ++x) part = static_cast<Part>(part + row[x]);
+    sum += part;
+  }
+  return sum;
+}
+
 template <class T>
 Extremes ExtremesOfWhole(const ImageInfo& info) {
   T low = std::numeric_limits<T>::max(), high = std::numeric_limits<T>::lowest();
   int64_t sum = 0;
   for (int32_t y = 0; y < info.height; ++y) {
     const T* row = Row<T>(info, y);
-    int64_t rowSum = 0;
     for (int32_t x = 0; x < info.width; ++x) {
       low = std::min(low, row[x]);
       high = std::max(high, row[x]);
-      rowSum += row[x];
     }
-    sum += rowSum;
+    sum += SumOf(row, info.width);
   }
   const int64_t pixels = int64_t{info.width} * info.height;
   if (pixels == 0) return {};
