@@ -76,14 +76,14 @@ same_size small.db whole.db || fail "other values after a full disk"
 # A disk of its own that is full: what was recorded stays, and no report is there in part.
 cat >full_disk.sh <<'END'
 mount -t tmpfs -o size=96k none disk || exit 77
-"$0" run parts.toml --db disk/run.db --quiet --csv report.csv pictures/*.bmp 2>err
+"$1" run parts.toml --db disk/run.db --quiet --csv report.csv pictures/*.bmp 2>err
 [ $? -eq 3 ] || exit 11
 cp disk/run.db* . 2>/dev/null
 rm disk/run.db*
-"$0" run parts.toml --html disk/report.html --quiet pictures/*.bmp 2>>err
+"$1" run parts.toml --html disk/report.html --quiet pictures/*.bmp 2>>err
 [ $? -eq 3 ] || exit 12
 [ -z "$(ls disk)" ] || exit 13
-"$0" run parts.toml --annotate disk --quiet --csv marked.csv pictures/*.bmp 2>>err
+"$1" run parts.toml --annotate disk --quiet --csv marked.csv pictures/*.bmp 2>>err
 [ $? -eq 3 ] || exit 14
 [ -s marked.csv ] || exit 15
 END
