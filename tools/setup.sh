@@ -15,7 +15,7 @@ needed="$needed libfreetype-dev libfontconfig-dev fonts-dejavu-core"
 needed="$needed libcli11-dev libtiff-dev libpng-dev libjpeg-dev"
 needed="$needed libsqlite3-dev libtomlplusplus-dev"
 needed="$needed imagemagick netpbm libtiff-tools python3-pil"
-needed="$needed libxcb1-dev libxcb-xtest0-dev xvfb xclip xdotool"
+needed="$needed libxcb1-dev libxcb-xtest0-dev xvfb xclip xdotool openbox"
 for argument in "$@"; do
   case $argument in
     --benchmarks) needed="$needed libopencv-core-dev libopencv-imgproc-dev libopencv-imgcodecs-dev libleptonica-dev libzxing-dev" ;;

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 
-#include "core/heap.h"
 #include "core/images.h"
 #include "display/scroll_bars.h"
 #include "display/shadow.h"
@@ -83,37 +82,16 @@ void BlitBitmap(int32_t window, const DesktopBitmap& bitmap, const KernelRect& s
   desktop.bitmapDiscard(made);
 }
 
-void BlitColours(int32_t window, const PixelView& pixels, const KernelRect& part,
-                 const KernelRect& canvas) {
-  const int32_t width = part.right - part.left;
-  const int32_t height = part.bottom - part.top;
-  WorkArray<uint8_t> packed;
-  if (!packed.Allocate(uint64_t{3} * static_cast<uint64_t>(width) *
-                       static_cast<uint64_t>(height))) {
-    return;
-  }
-  uint8_t* to = packed.data();
-  for (int32_t y = 0; y < height; y++) {
-    const uint8_t* from = pixels.Row<uint8_t>(part.top + y) + 4 * int64_t{part.left};
-    for (int32_t x = 0; x < width; x++, from += 4, to += 3) {
-      to[0] = from[2];
-      to[1] = from[1];
-      to[2] = from[0];
-    }
-  }
-  const DesktopBitmap bitmap{packed.data(), 3 * int64_t{width}, 24, width, height, nullptr};
-  BlitBitmap(window, bitmap, {0, 0, width, height}, canvas);
-}
-
 void BlitPixels(int32_t window, const PixelView& pixels, const View& view) {
   const KernelRect part = PartOf(pixels, view.image);
   if (part.right <= part.left || part.bottom <= part.top) return;
-  if (pixels.type == IMAGE_RGB) {
-    BlitColours(window, pixels, part, view.canvas);
-    return;
-  }
-  const DesktopBitmap bitmap{pixels.origin, pixels.pitch,  8,
-                             pixels.width,  pixels.height, RecordOf(window).palette};
+  const bool isColour = pixels.type == IMAGE_RGB;
+  const DesktopBitmap bitmap{.rows = pixels.origin,
+                             .pitch = pixels.pitch,
+                             .depth = isColour ? 32 : 8,
+                             .width = pixels.width,
+                             .height = pixels.height,
+                             .colours = isColour ? nullptr : RecordOf(window).palette};
   BlitBitmap(window, bitmap, part, view.canvas);
 }
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "core/images.h"
+#include "core/numbers.h"
 #include "display/painting.h"
 #include "display/tools.h"
 #include "display/tools_window.h"
@@ -291,6 +292,9 @@ void WindowClose(int32_t window) {
 }
 
 void PanelResize(int32_t window, int32_t width, int32_t height) {
+  constexpr int32_t most = INT32_MAX - SCROLL_BAR_SIZE;  // with scroll bars, or without
+  width = std::min(width, most);
+  height = std::min(height, most);
   const Desktop& desktop = DesktopInUse();
   const PanelBinding& binding = display.bindings[window];
   WindowRecord& record = RecordOf(window);
@@ -310,7 +314,7 @@ void CanvasResize(int32_t window, int64_t width, int64_t height) {
   const auto panelSize = [&](int64_t size, int32_t zoom) {
     size = std::clamp<int64_t>(size, LEAST_CANVAS, INT32_MAX - SCROLL_BAR_SIZE);
     if (isImage) size = RoundedTo(size, zoom);
-    return static_cast<int32_t>(size) + bar;
+    return SumSaturated(static_cast<int32_t>(size), bar);
   };
   PanelResize(window, panelSize(width, record.zoomX), panelSize(height, record.zoomY));
 }

@@ -4,32 +4,22 @@
 #include <algorithm>
 #include <cmath>
 
-#include "core/heap.h"
 #include "core/numbers.h"
+#include "display/shadow_rows.h"
 #include "engine/bands.h"
 #include "platform/workers.h"
+#include "statistics/sums_rows.h"
 
 namespace zel {
 namespace {
-
-// pixel * slope + offset, in doubles, of which the low 8 bits are shown: the largest pixel often
-// lands on 254.
-struct Line {
-  float slope = 1;
-  float offset = 0;
-
-  uint8_t LevelOf(double pixel) const {
-    return CutLow<uint8_t>(pixel * double{slope} + double{offset});
-  }
-};
 
 int64_t BytesOf(const PixelView& view) {
   return int64_t{view.width} * view.pixelBytes * view.height;
 }
 
-Line LineThrough(float low, float high) {
+LevelLine LineThrough(float low, float high) {
   if (low == high) return {};
-  Line line;
+  LevelLine line;
   line.slope = static_cast<float>(255.0 / (double{high} - double{low}));
   line.offset = static_cast<float>(-(double{line.slope} * double{low}));
   return line;
@@ -40,72 +30,46 @@ struct Range {
   float low = 1e+38F;
   float high = -1e+38F;
 
-  void Add(float least, float most) {
-    if (least < low) low = least;
-    if (most > high) high = most;
+  void Add(const Range& other) {
+    if (other.low < low) low = other.low;
+    if (other.high > high) high = other.high;
   }
 };
 
-// Several pixels at a time, each with a range of its own, so that none waits for the one before.
-template <class T>
-void RangeAdd(const T* row, int32_t width, Range* range) {
-  constexpr int32_t lanes = 16;
-  float low[lanes];
-  float high[lanes];
-  std::fill_n(low, lanes, range->low);
-  std::fill_n(high, lanes, range->high);
-  int32_t x = 0;
-  for (; x + lanes <= width; x += lanes) {
-    for (int32_t i = 0; i < lanes; i++) {
-      const auto pixel = static_cast<float>(row[x + i]);
-      low[i] = pixel < low[i] ? pixel : low[i];
-      high[i] = pixel > high[i] ? pixel : high[i];
-    }
-  }
-  for (int32_t i = 0; i < lanes; i++) range->Add(low[i], high[i]);
-  for (; x < width; x++) range->Add(static_cast<float>(row[x]), static_cast<float>(row[x]));
-}
-
-template <class T>
-Line LineOf(const PixelView& source) {
+Range RangeOf(const PixelView& source) {
+  const ExtremesRow extremesOf = sumsRows().extremes[source.type];
   Range ranges[WORKERS_AT_MOST];
   BandsRun({.units = source.height, .bytes = BytesOf(source)}, [&](const Band& band) {
+    Range* range = &ranges[band.worker];
     for (int64_t y = band.begin; y < band.end; y++) {
-      RangeAdd(source.Row<T>(y), source.width, &ranges[band.worker]);
+      extremesOf(source.Row<void>(y), nullptr, source.width, &range->low, &range->high);
     }
   });
   Range all;
-  for (const Range& range : ranges) all.Add(range.low, range.high);
-  return LineThrough(all.low, all.high);
+  for (const Range& range : ranges) all.Add(range);
+  return all;
 }
 
-constexpr int32_t I16_LEVELS = 65536;
-
-// Each level once, where there are more pixels than levels.
-bool ConvertByTable(const PixelView& source, const PixelView& shadow, const Line& line) {
-  WorkArray<uint8_t> levels;
-  if (int64_t{source.width} * source.height <= I16_LEVELS || !levels.Allocate(I16_LEVELS)) {
-    return false;
-  }
-  for (int32_t i = 0; i < I16_LEVELS; i++) {
-    levels[static_cast<uint16_t>(i + INT16_MIN)] = line.LevelOf(i + INT16_MIN);
-  }
-  const uint8_t* table = levels.data();
-  for (int32_t y = 0; y < source.height; y++) {
-    const auto* from = source.Row<uint16_t>(y);
-    auto* to = shadow.Row<uint8_t>(y);
-    for (int32_t x = 0; x < source.width; x++) to[x] = table[from[x]];
-  }
-  return true;
+// The levels of floats that a row routine does not take.
+void FarLevels(const void* pixels, const LevelLine& line, int32_t width, uint8_t* to) {
+  const auto* from = static_cast<const float*>(pixels);
+  for (int32_t x = 0; x < width; x++) to[x] = CutLow<uint8_t>(line.At(from[x]));
 }
 
-template <class T>
-void ConvertPixels(const PixelView& source, const PixelView& shadow, const Line& line) {
-  BandsRun({.units = source.height, .bytes = 4 * BytesOf(source)}, [&](const Band& band) {
+// All levels lie between those of the extremes.
+bool AreNear(const LevelLine& line, const Range& range) {
+  const auto isNear = [&line](float pixel) { return std::abs(line.At(pixel)) < 0x1p31; };
+  return isNear(range.low) && isNear(range.high);
+}
+
+void ConvertScalars(const PixelView& source, const PixelView& shadow) {
+  const Range range = RangeOf(source);
+  const LevelLine line = LineThrough(range.low, range.high);
+  LevelsRow levelsOf = source.type == IMAGE_I16 ? shadowRows().ofWords : shadowRows().ofFloats;
+  if (!AreNear(line, range)) levelsOf = &FarLevels;
+  BandsRun({.units = source.height, .bytes = 2 * BytesOf(source)}, [&](const Band& band) {
     for (int64_t y = band.begin; y < band.end; y++) {
-      const T* from = source.Row<T>(y);
-      auto* to = shadow.Row<uint8_t>(y);
-      for (int32_t x = 0; x < source.width; x++) to[x] = line.LevelOf(from[x]);
+      levelsOf(source.Row<void>(y), line, source.width, shadow.Row<uint8_t>(y));
     }
   });
 }
@@ -149,11 +113,7 @@ void ConvertComplex(const PixelView& source, const PixelView& shadow) {
 
 void ShadowConvert(const PixelView& source, const PixelView& shadow) {
   if (source.IsEmpty()) return;
-  if (source.type == IMAGE_I16) {
-    const Line line = LineOf<int16_t>(source);
-    if (!ConvertByTable(source, shadow, line)) ConvertPixels<int16_t>(source, shadow, line);
-  }
-  if (source.type == IMAGE_SGL) ConvertPixels<float>(source, shadow, LineOf<float>(source));
+  if (source.type == IMAGE_I16 || source.type == IMAGE_SGL) ConvertScalars(source, shadow);
   if (source.type == IMAGE_COMPLEX) ConvertComplex(source, shadow);
 }
 

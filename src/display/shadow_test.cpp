@@ -108,12 +108,13 @@ uint8_t LevelAsStated(double level) {
   if (!(std::abs(level) < 9.2e18)) return 0;
   return static_cast<uint8_t>(static_cast<int64_t>(level) & 255);
 }
+template <class T>
 std::vector<uint8_t> ShadowAsStated(const TestImage& image) {
   float low = 1e38F;
   float high = -1e38F;
   for (int32_t y = 0; y < image.height(); y++) {
     for (int32_t x = 0; x < image.width(); x++) {
-      const float pixel = image.Get<float>(x, y);
+      const auto pixel = static_cast<float>(image.Get<T>(x, y));
       if (pixel < low) low = pixel;
       if (pixel > high) high = pixel;
     }
@@ -124,7 +125,8 @@ std::vector<uint8_t> ShadowAsStated(const TestImage& image) {
   std::vector<uint8_t> levels;
   for (int32_t y = 0; y < image.height(); y++) {
     for (int32_t x = 0; x < image.width(); x++) {
-      levels.push_back(LevelAsStated(double{image.Get<float>(x, y)} * double{a} + double{b}));
+      levels.push_back(
+          LevelAsStated(static_cast<double>(image.Get<T>(x, y)) * double{a} + double{b}));
     }
   }
   return levels;
@@ -148,18 +150,34 @@ TEST(Shadows, OfAnyFloatsAreAsStated) {
                                                     {-5e9F, nan, 1e10F},
                                                     {-1e-30F, 1e-30F}};
   for (size_t i = 0; i < specials.size(); i++) {
-    for (const int32_t width : {1, 7, 33, 400}) {
+    for (const int32_t width : {1, 7, 16, 17, 33, 65, 300}) {
       const TestImage image(IMAGE_SGL, width, width, 1, i + 3);
       for (size_t k = 0; k < specials[i].size() && k < static_cast<size_t>(width); k++) {
         image.Set<float>(static_cast<int32_t>(k), 0, specials[i][k]);
       }
-      EXPECT_EQ(ShadowOf(image), ShadowAsStated(image)) << i << " at " << width;
+      EXPECT_EQ(ShadowOf(image), ShadowAsStated<float>(image)) << i << " at " << width;
     }
   }
   const TestImage all(IMAGE_SGL, 2, 2);
   for (const float value : {infinite, nan, 2e38F, -3e38F, 1e-40F, 300.0F, -1.0F}) {
     for (int32_t i = 0; i < 4; i++) all.Set<float>(i % 2, i / 2, value);
-    EXPECT_EQ(ShadowOf(all), ShadowAsStated(all)) << value;
+    EXPECT_EQ(ShadowOf(all), ShadowAsStated<float>(all)) << value;
+  }
+}
+
+TEST(Shadows, OfWordsAreAsStated) {
+  for (const int32_t width : {1, 7, 8, 9, 15, 16, 17, 31, 32, 33, 65}) {
+    const TestImage image(IMAGE_I16, width, 3, 1, static_cast<uint64_t>(width));
+    EXPECT_EQ(ShadowOf(image), ShadowAsStated<int16_t>(image)) << width;
+  }
+  const TestImage all(IMAGE_I16, 300, 300, 0, 7);  // more pixels than levels
+  all.Set<int16_t>(0, 0, INT16_MIN);
+  all.Set<int16_t>(1, 0, INT16_MAX);
+  EXPECT_EQ(ShadowOf(all), ShadowAsStated<int16_t>(all));
+  const TestImage flat(IMAGE_I16, 33, 1);
+  for (const int value : {INT16_MIN, -1, 300, INT16_MAX}) {
+    for (int32_t x = 0; x < 33; x++) flat.Set<int16_t>(x, 0, static_cast<int16_t>(value));
+    EXPECT_EQ(ShadowOf(flat), ShadowAsStated<int16_t>(flat)) << value;
   }
 }
 

@@ -234,6 +234,15 @@ TEST_F(Windows, ShareTheirGridBesidesTheLast) {
   EXPECT_EQ(zel::RecordOf(4).gridX, 5);
 }
 
+TEST_F(Windows, AreNoLargerThanNumbersAllowWithScrollBars) {
+  constexpr int32_t most = INT32_MAX - 16;
+  Do(0, 100, {INT32_MAX, INT32_MAX});
+  EXPECT_EQ(Ask(0, -3), (Numbers{most, most, 0}));
+  EXPECT_EQ(Ask(0, -9, {1}), (Numbers{most, most, 1}));
+  Do(0, 100, {INT32_MAX, 100});
+  EXPECT_EQ(Ask(0, -3), (Numbers{most, 116, 1}));
+}
+
 TEST_F(Windows, HaveScrollBarsBesideTheCanvas) {
   const TestImage image = Ramp(300, 300);
   ASSERT_EQ(ZEL_SetWindow2DAttributes(0, WATTR2_SIZE, 200, 200), 0);

@@ -93,9 +93,11 @@ struct PointerState {
 struct DesktopBitmap {
   const uint8_t* rows;
   int64_t pitch;
-  int32_t depth;  // bits of a pixel: 4 (the left one in the high bits), 8, or 24: red, green, blue
+  // Bits of a pixel: 4 (the left one in the high bits), 8, 24 (red, green, blue), or 32: a number
+  // as colours are, with any high byte.
+  int32_t depth;
   int32_t width, height;
-  const uint32_t* colours;  // 16 or 256 of 0x00RRGGBB; null for 24 bits
+  const uint32_t* colours;  // 16 or 256 of 0x00RRGGBB; null from 24 bits on
 };
 
 struct FontStyle {

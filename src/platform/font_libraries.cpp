@@ -1,39 +1,13 @@
 // Opening the libraries that find and draw fonts.
 #include "platform/font_libraries.h"
 
-#include <dlfcn.h>
+#include "platform/shared_library.h"
 
 namespace zel {
 namespace {
 
-// Looks up one function after the other, and remembers whether all were there.
-class Library {
- public:
-  // Names stay the library's own, and its code stays when this library goes: other parts of the
-  // program may use it.
-  explicit Library(const char* name)
-      : handle_(dlopen(name, RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE)),
-        isWhole_(handle_ != nullptr) {}
-  Library(const Library&) = delete;
-  Library& operator=(const Library&) = delete;
-  ~Library() {
-    if (handle_) dlclose(handle_);
-  }
-
-  template <class Function>
-  void Find(const char* name, Function** function) {
-    *function = handle_ ? reinterpret_cast<Function*>(dlsym(handle_, name)) : nullptr;
-    isWhole_ = isWhole_ && *function;
-  }
-  bool IsWhole() const { return isWhole_; }
-
- private:
-  void* handle_;
-  bool isWhole_;
-};
-
 bool FindersFind(FontLibraries* found) {
-  Library library("libfontconfig.so.1");
+  SharedLibrary library("libfontconfig.so.1");
   library.Find("FcInitLoadConfigAndFonts", &found->configLoad);
   library.Find("FcConfigDestroy", &found->configDestroy);
   library.Find("FcConfigSubstitute", &found->configSubstitute);
@@ -52,7 +26,7 @@ bool FindersFind(FontLibraries* found) {
 }
 
 bool DrawersFind(FontLibraries* found) {
-  Library library("libfreetype.so.6");
+  SharedLibrary library("libfreetype.so.6");
   library.Find("FT_Init_FreeType", &found->drawingStart);
   library.Find("FT_Done_FreeType", &found->drawingEnd);
   library.Find("FT_New_Face", &found->faceOpen);

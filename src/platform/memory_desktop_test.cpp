@@ -167,6 +167,25 @@ TEST_F(MemoryDesktop, TakesAwayWhatItInvertedByDrawingItAgain) {
   EXPECT_EQ(CountSet(), SIDE * SIDE - before);
 }
 
+TEST_F(MemoryDesktop, TakesColoursAsTheyAreAndLeavesTheirHighByte) {
+  std::vector<uint32_t> pixels(5 * 3);
+  for (uint32_t i = 0; i < pixels.size(); i++) pixels[i] = 0xAB000000 + i * 0x010203;
+  const auto* rows = static_cast<const uint8_t*>(static_cast<const void*>(pixels.data()));
+  const int32_t bitmap = desktop_.bitmapCreate({rows, 20, 32, 5, 3, nullptr});
+  desktop_.blit(canvas_, bitmap, {1, 1, 2, 4}, {3, 4, 2, 4});
+  desktop_.blit(canvas_, bitmap, {0, 0, 3, 5}, {20, 20, 6, 13});
+  for (int32_t i = 0; i < 8; i++) {
+    EXPECT_EQ(zel::MemoryDesktopPixel(canvas_, 4 + i % 4, 3 + i / 4),
+              static_cast<uint32_t>((1 + i / 4) * 5 + 1 + i % 4) * 0x010203);
+  }
+  for (int32_t i = 0; i < 6 * 13; i++) {
+    const int32_t from = i / 13 * 3 / 6 * 5 + i % 13 * 5 / 13;
+    ASSERT_EQ(zel::MemoryDesktopPixel(canvas_, 20 + i % 13, 20 + i / 13),
+              static_cast<uint32_t>(from) * 0x010203);
+  }
+  desktop_.bitmapDiscard(bitmap);
+}
+
 TEST_F(MemoryDesktop, ScalesBitmapsToTheNearestPixel) {
   std::vector<uint8_t> rows(7 * 8);
   std::vector<uint32_t> colours(256);

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 #include <utility>
 
@@ -47,6 +48,13 @@ void ForEachColumn(const Columns& columns, Write write) {
 void BlitRow(const Columns& columns, const uint8_t* row, uint32_t* to) {
   const uint32_t* colours = columns.bitmap->colours;
   switch (columns.bitmap->depth) {
+    case 32:
+      ForEachColumn(columns, [=](int64_t i, int64_t x) {
+        uint32_t pixel = 0;
+        std::memcpy(&pixel, row + 4 * x, sizeof pixel);
+        to[i] = pixel & 0xFFFFFF;
+      });
+      return;
     case 24:
       ForEachColumn(columns, [=](int64_t i, int64_t x) {
         const uint8_t* pixel = row + 3 * x;

@@ -90,10 +90,18 @@ double ResourceOf(std::string_view resources, std::string_view name) {
   return 0;
 }
 
+// What a variable of the environment says, or 0.
+double ScaleIn(const char* variable) {
+  const char* wanted = std::getenv(variable);
+  return wanted ? std::strtod(wanted, nullptr) : 0;
+}
+
+// The library's own variable comes before that of other toolkits, and both before what the desktop
+// says of its letters.
 int32_t ScaleOf(const X11Connection& at) {
   constexpr uint32_t most = 1 << 16;
-  double scale = 0;
-  if (const char* wanted = std::getenv("ORLUNE_PTK_SCALE")) scale = std::strtod(wanted, nullptr);
+  double scale = ScaleIn("ORLUNE_PTK_SCALE");
+  if (!(scale >= 1)) scale = ScaleIn("GDK_SCALE");
   if (!(scale >= 1)) {
     const auto reply = at.Property(at.screen->root, XCB_ATOM_RESOURCE_MANAGER, false, most);
     if (!reply) return 1;
@@ -206,7 +214,8 @@ void X11Connection::KeysRead() {
 uint32_t X11Connection::RequestBytes() const {
   constexpr uint32_t most = 1 << 20;
   constexpr uint32_t header = 64;
-  return std::min(x->requestLength(link), most / 4) * 4 - header;
+  const uint32_t all = std::min(x->requestLength(link), most / 4) * 4;
+  return all > header ? all - header : 0;
 }
 
 Reply<xcb_get_property_reply_t> X11Connection::Property(xcb_window_t window, xcb_atom_t property,

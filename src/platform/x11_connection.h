@@ -61,7 +61,11 @@ struct X11Connection {
   void Close();
   void KeysRead();
 
-  uint32_t RequestBytes() const;  // that one request can carry
+  // The canvas' pixel that one of the server's belongs to.
+  int32_t ToCanvas(int32_t position) const {
+    return position >= 0 ? position / scale : -((scale - 1 - position) / scale);
+  }
+  uint32_t RequestBytes() const;  // that one request can carry: none once the server is lost
   Reply<xcb_get_property_reply_t> Property(xcb_window_t window, xcb_atom_t property, bool remove,
                                            uint32_t bytes) const;
 };

@@ -7,6 +7,7 @@
 #include "platform/memory_desktop.h"
 #include "platform/x11_events.h"
 #include "platform/x11_panels.h"
+#include "platform/x11_pictures.h"
 #include "platform/x11_state.h"
 
 namespace zel {

@@ -8,7 +8,7 @@
 
 #include "platform/canvases.h"
 #include "platform/x11_keys.h"
-#include "platform/x11_panels.h"
+#include "platform/x11_pictures.h"
 
 namespace zel {
 namespace {
@@ -22,11 +22,6 @@ constexpr uint32_t PLACING_TIME = 300;
 constexpr size_t MOST_DEEDS = 4096;
 // Types of events have their highest bit set where another program sent them.
 constexpr uint8_t EVENT_TYPE = 0x7F;
-
-int32_t ToCanvas(int32_t position) {
-  const int32_t scale = x11->connection.scale;
-  return position >= 0 ? position / scale : -((scale - 1 - position) / scale);
-}
 
 DesktopEvent* Put(int32_t panel, DesktopEventKind kind) {
   X11Deed& deed = x11->deeds.emplace_back();
@@ -48,8 +43,8 @@ DesktopEvent* PutLatest(int32_t panel, DesktopEventKind kind) {
 
 void PutAt(DesktopEvent* event, int32_t panel, int32_t x, int32_t y, uint16_t state) {
   event->canvas = CanvasNumberOn(panel);
-  event->x = ToCanvas(x);
-  event->y = ToCanvas(y);
+  event->x = x11->connection.ToCanvas(x);
+  event->y = x11->connection.ToCanvas(y);
   event->modifiers = X11ModifiersOf(state);
 }
 
@@ -150,8 +145,8 @@ void SizeTake(int32_t number, X11Panel* panel, int32_t width, int32_t height) {
   panel->place.width = width;
   panel->place.height = height;
   DesktopEvent* event = PutLatest(number, DesktopEventKind::PANEL_SIZE);
-  event->width = panel->attributes[PANEL_WIDTH] = ToCanvas(width);
-  event->height = panel->attributes[PANEL_HEIGHT] = ToCanvas(height);
+  event->width = panel->attributes[PANEL_WIDTH] = x11->connection.ToCanvas(width);
+  event->height = panel->attributes[PANEL_HEIGHT] = x11->connection.ToCanvas(height);
 }
 
 void MoveTake(int32_t number, X11Panel* panel, int32_t left, int32_t top) {
@@ -160,8 +155,18 @@ void MoveTake(int32_t number, X11Panel* panel, int32_t left, int32_t top) {
   panel->place.top = top;
   if (panel->isFramed && IsBeingPlaced(*panel)) return;
   DesktopEvent* event = PutLatest(number, DesktopEventKind::PANEL_MOVE);
-  event->left = panel->attributes[PANEL_LEFT] = ToCanvas(left);
-  event->top = panel->attributes[PANEL_TOP] = ToCanvas(top);
+  event->left = panel->attributes[PANEL_LEFT] = x11->connection.ToCanvas(left);
+  event->top = panel->attributes[PANEL_TOP] = x11->connection.ToCanvas(top);
+}
+
+// A window that is moved and resized in one, as by its upper left corner, is not told its place on
+// the screen: the server is asked for it.
+void CornerTake(int32_t number, X11Panel* panel) {
+  const X11Connection& at = x11->connection;
+  const auto asked = at.x->translateCoordinates(at.link, panel->window, at.screen->root, 0, 0);
+  const Reply<xcb_translate_coordinates_reply_t> corner(
+      at.x->translateCoordinatesReply(at.link, asked, nullptr));
+  if (corner) MoveTake(number, panel, corner->dst_x, corner->dst_y);
 }
 
 // The server tells a place in the frame, a window manager one on the screen. What is older than
@@ -170,8 +175,14 @@ void ConfigureTake(const xcb_configure_notify_event_t& event, uint32_t sequence,
   int32_t number = 0;
   X11Panel* panel = X11PanelOfWindow(event.window, &number);
   if (!panel || IsOutdated(sequence, panel->placedAt, &panel->isPlacing)) return;
+  const bool isFramesPlace = panel->isFramed && !isSent;
+  const bool isResized = event.width != panel->place.width || event.height != panel->place.height;
   SizeTake(number, panel, event.width, event.height);
-  if (isSent || !panel->isFramed) MoveTake(number, panel, event.x, event.y);
+  if (!isFramesPlace) {
+    MoveTake(number, panel, event.x, event.y);
+  } else if (isResized) {
+    CornerTake(number, panel);
+  }
 }
 
 // Sizes that nothing came after.
@@ -209,8 +220,9 @@ void DestroyTake(xcb_window_t window) {
   int32_t number = 0;
   X11Panel* panel = X11PanelOfWindow(window, &number);
   if (panel) {
-    panel->window = 0;
-    Put(number, DesktopEventKind::CLOSE);
+    // The picture, unlike the window, is still there.
+    if (panel->picture != 0) x11->connection.x->freePixmap(x11->connection.link, panel->picture);
+    X11PanelLose(number, panel);
   }
   X11TransfersForget(window);
 }
@@ -322,7 +334,7 @@ void X11Pump() {
   x11->pumps--;
   const X11Session session;
   X11Present(session);
-  X11TransfersExpire();
+  X11TransfersExpire(session);
 }
 
 void X11Idle(int32_t milliseconds) {
@@ -343,8 +355,8 @@ PointerState X11Pointer(int32_t number, int32_t) {
   TakeWith(at.x->pollForQueuedEvent);
   if (IsSampleNext(number)) return TakeSample();
   if (!reply) return {0, 0, false, false};
-  return {ToCanvas(reply->win_x), ToCanvas(reply->win_y), (reply->mask & XCB_BUTTON_MASK_1) != 0,
-          true};
+  return {x11->connection.ToCanvas(reply->win_x), x11->connection.ToCanvas(reply->win_y),
+          (reply->mask & XCB_BUTTON_MASK_1) != 0, true};
 }
 
 }  // namespace zel

@@ -45,6 +45,8 @@ struct X11Library {
   decltype(&xcb_clear_area) clearArea;
   decltype(&xcb_query_pointer) queryPointer;
   decltype(&xcb_query_pointer_reply) queryPointerReply;
+  decltype(&xcb_translate_coordinates) translateCoordinates;
+  decltype(&xcb_translate_coordinates_reply) translateCoordinatesReply;
   decltype(&xcb_set_input_focus) setInputFocus;
   decltype(&xcb_send_event) sendEvent;
   decltype(&xcb_bell) bell;

@@ -5,15 +5,16 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "platform/canvases.h"
 #include "platform/utf8.h"
+#include "platform/x11_pictures.h"
 
 namespace zel {
 namespace {
 
 constexpr uint32_t WHITE = 0xFFFFFF;
-constexpr int32_t MOST_SIDE = 32767;  // of a window
 constexpr char CLASS[] = "orlune_ptk\0Orlune_ptk";
 
 // The parts of WM_SIZE_HINTS that are used, in the order of that property.
@@ -23,6 +24,8 @@ enum SizeHint : uint32_t {
   HINT_PROGRAM_SIZE = 1 << 3,
   HINT_LEAST_SIZE = 1 << 4,
   HINT_MOST_SIZE = 1 << 5,
+  HINT_STEPS = 1 << 6,
+  HINT_BASE_SIZE = 1 << 8,
   HINT_GRAVITY = 1 << 9,
 };
 constexpr size_t HINT_WORDS = 18;
@@ -49,17 +52,19 @@ X11Place PlaceOf(const X11Panel& panel) {
     return static_cast<int32_t>(std::clamp(wanted * scale, low, high));
   };
   return {value(PANEL_LEFT, INT16_MIN, INT16_MAX), value(PANEL_TOP, INT16_MIN, INT16_MAX),
-          value(PANEL_WIDTH, 1, MOST_SIDE), value(PANEL_HEIGHT, 1, MOST_SIDE)};
+          value(PANEL_WIDTH, 1, X11_MOST_SIDE), value(PANEL_HEIGHT, 1, X11_MOST_SIDE)};
 }
 
 // The place is that of the inside, whatever frame a window manager puts around. A panel that has
-// the flag 580 at 0 keeps its size.
+// the flag 580 at 0 keeps its size; others change theirs by whole pixels of the canvas.
 void HintsSet(const X11Panel& panel) {
   uint32_t hints[HINT_WORDS] = {};
   hints[0] = HINT_USER_POSITION | HINT_PROGRAM_POSITION | HINT_PROGRAM_SIZE | HINT_GRAVITY;
   const auto flag = panel.attributes.find(PANEL_FLAG_580);
   const bool isFixed = flag != panel.attributes.end() && flag->second == 0;
+  const int32_t scale = x11->connection.scale;
   if (isFixed) hints[0] |= HINT_LEAST_SIZE | HINT_MOST_SIZE;
+  if (scale > 1) hints[0] |= HINT_STEPS | HINT_BASE_SIZE;
   const X11Place& place = panel.place;
   const auto put = [&hints](size_t word, int32_t value) {
     hints[word] = static_cast<uint32_t>(value);
@@ -72,6 +77,8 @@ void HintsSet(const X11Panel& panel) {
   put(6, place.height);
   put(7, place.width);
   put(8, place.height);
+  put(9, scale);
+  put(10, scale);
   hints[17] = XCB_GRAVITY_STATIC;
   PropertySet(panel.window, XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, hints);
 }
@@ -115,13 +122,19 @@ void WindowDescribe(const X11Panel& panel, int32_t parent) {
   HintsSet(panel);
 }
 
-// Asks for the place that the attributes tell, in so far as it is another one.
+// Asks for the place that the attributes tell, in so far as it is another one in the canvas'
+// pixels: what a person chose in between is left.
 void PlaceAsk(X11Panel* panel) {
   const X11Session session;
   if (!session) return;
   const X11Connection& at = x11->connection;
-  const X11Place wanted = PlaceOf(*panel);
   const X11Place former = panel->place;
+  const auto kept = [&at](int32_t wanted, int32_t was) {
+    return at.ToCanvas(wanted) == at.ToCanvas(was) ? was : wanted;
+  };
+  X11Place wanted = PlaceOf(*panel);
+  wanted = {kept(wanted.left, former.left), kept(wanted.top, former.top),
+            kept(wanted.width, former.width), kept(wanted.height, former.height)};
   uint32_t mask = 0;
   uint32_t values[4];
   size_t count = 0;
@@ -214,10 +227,11 @@ int32_t X11CanvasCreate(int32_t panel) {
 void X11PanelSet(int32_t number, int32_t attribute, int32_t value) {
   X11Panel* panel = X11PanelOf(number);
   if (!panel) return;
-  panel->attributes[attribute] = value;
+  const int32_t former = std::exchange(panel->attributes[attribute], value);
   switch (attribute) {
     case PANEL_VISIBLE:
-      VisibleSet(number, panel, value != 0);
+      // A window that is shown already, and minimised by a person, stays so.
+      if ((value != 0) != (former != 0)) VisibleSet(number, panel, value != 0);
       return;
     case PANEL_LEFT:
     case PANEL_TOP:

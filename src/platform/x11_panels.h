@@ -2,7 +2,6 @@
 #pragma once
 
 #include "platform/desktop.h"
-#include "platform/x11_state.h"
 
 namespace zel {
 
@@ -17,9 +16,5 @@ void X11PanelMove(int32_t panel, int32_t top, int32_t left);
 void X11SetSink(int32_t panel, int32_t canvas, int32_t window, DesktopSink sink);
 void X11Activate(int32_t panel);
 int32_t X11Active();
-
-// Sends what was drawn on a panel since it was last sent, if it is shown, or on all of them.
-void X11PanelPresent(const X11Session& session, int32_t panel);
-void X11Present(const X11Session& session);
 
 }  // namespace zel

@@ -1,16 +1,16 @@
 // Pictures of canvases sent to the server. It keeps them as the backgrounds of the windows, so that
 // what is covered and uncovered is painted without this program, whatever it is busy with.
+#include "platform/x11_pictures.h"
+
 #include <algorithm>
 #include <new>
 
 #include "platform/canvases.h"
-#include "platform/x11_panels.h"
 
 namespace zel {
 namespace {
 
 constexpr int64_t PIXEL_BYTES = 4;
-constexpr int32_t MOST_SIDE = 32767;
 
 // Rows of one request, enlarged by the scale, without gaps.
 void Enlarge(const MemoryPicture& picture, const DesktopRect& part, int32_t scale, uint32_t* to) {
@@ -59,7 +59,7 @@ bool PictureEnsure(X11Panel* panel, const MemoryPicture& picture, bool* isNew) {
   const X11Connection& at = x11->connection;
   const int64_t width = int64_t{picture.Width()} * at.scale;
   const int64_t height = int64_t{picture.Height()} * at.scale;
-  if (width > MOST_SIDE || height > MOST_SIDE) return false;
+  if (width > X11_MOST_SIDE || height > X11_MOST_SIDE) return false;
   *isNew = panel->picture == 0 || width != panel->pictureWidth || height != panel->pictureHeight;
   if (!*isNew) return true;
   if (panel->picture != 0) at.x->freePixmap(at.link, panel->picture);
@@ -76,7 +76,8 @@ bool PictureEnsure(X11Panel* panel, const MemoryPicture& picture, bool* isNew) {
 void X11PanelPresent(const X11Session& session, int32_t number) {
   X11Panel* panel = X11PanelOf(number);
   Canvas* canvas = CanvasOnPanel(number);
-  const bool isShown = session && panel && canvas && X11PanelGet(number, PANEL_VISIBLE) != 0;
+  if (!session || !panel || panel->window == 0 || !canvas) return;
+  const bool isShown = panel->attributes[PANEL_VISIBLE] != 0;
   if (!isShown || !canvas->picture.IsDrawn()) return;
   MemoryPicture& picture = canvas->picture;
   bool isNew = false;

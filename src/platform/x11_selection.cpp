@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "platform/canvases.h"
+#include "platform/packed_bitmap.h"
 #include "platform/x11_events.h"
 #include "platform/x11_state.h"
 
@@ -20,24 +21,16 @@ constexpr uint32_t PIECE = 1 << 22;
 
 // ---- the file
 
-void PutWord(uint8_t* to, size_t value) {
-  for (uint32_t i = 0; i < 4; i++) to[i] = static_cast<uint8_t>(value >> (8 * i));
-}
-uint32_t WordAt(const uint8_t* from) {
-  return from[0] | uint32_t{from[1]} << 8 | uint32_t{from[2]} << 16 | uint32_t{from[3]} << 24;
-}
-
 // Of the pixels, in the file: behind the header and the colours that it tells of.
 size_t PixelsAt(const ClipboardBitmap& bitmap) {
-  constexpr size_t least = 40;
-  if (bitmap.size < least) return FILE_HEADER + bitmap.size;
-  return FILE_HEADER + WordAt(bitmap.bytes) + size_t{4} * WordAt(bitmap.bytes + 32);
+  const BitmapHeader header = BitmapHeaderOf(bitmap.bytes, bitmap.size);
+  return FILE_HEADER + static_cast<size_t>(header.PixelsAt());
 }
 
 bool FileMake(const ClipboardBitmap& bitmap, ByteBlock* file) {
   uint8_t header[FILE_HEADER] = {'B', 'M'};
-  PutWord(header + 2, FILE_HEADER + bitmap.size);
-  PutWord(header + 10, PixelsAt(bitmap));
+  PutLowFirst(header + 2, static_cast<uint32_t>(FILE_HEADER + bitmap.size), 4);
+  PutLowFirst(header + 10, static_cast<uint32_t>(PixelsAt(bitmap)), 4);
   return file->Reserve(FILE_HEADER + bitmap.size) && file->Append(header, FILE_HEADER) &&
          file->Append(bitmap.bytes, bitmap.size);
 }
@@ -295,6 +288,19 @@ bool PieceSend(X11Transfer* transfer) {
   return piece > 0;
 }
 
+using Transfers = std::vector<X11Transfer>;
+
+// The one behind it. What its receiver does is of interest no longer, unless it takes another one.
+Transfers::iterator TransferEnd(Transfers::iterator ended) {
+  Transfers& transfers = x11->selection.transfers;
+  const xcb_window_t to = ended->to;
+  const auto next = transfers.erase(ended);
+  const bool isLast = std::none_of(transfers.begin(), transfers.end(),
+                                   [to](const X11Transfer& transfer) { return transfer.to == to; });
+  if (isLast) EventsWant(to, 0);
+  return next;
+}
+
 void PropertyNewsTake(const xcb_property_notify_event_t& news) {
   X11Selection& selection = x11->selection;
   if (news.window == selection.window) {
@@ -309,12 +315,7 @@ void PropertyNewsTake(const xcb_property_notify_event_t& news) {
       selection.transfers.begin(), selection.transfers.end(), [&](const X11Transfer& transfer) {
         return transfer.to == news.window && transfer.property == news.atom;
       });
-  if (wanted == selection.transfers.end() || PieceSend(&*wanted)) return;
-  selection.transfers.erase(wanted);
-  const bool isLast =
-      std::none_of(selection.transfers.begin(), selection.transfers.end(),
-                   [&](const X11Transfer& transfer) { return transfer.to == news.window; });
-  if (isLast) EventsWant(news.window, 0);
+  if (wanted != selection.transfers.end() && !PieceSend(&*wanted)) TransferEnd(wanted);
 }
 
 void NotifyTake(const xcb_selection_notify_event_t& notify) {
@@ -348,10 +349,14 @@ void X11TransfersForget(xcb_window_t window) {
                 [window](const X11Transfer& transfer) { return transfer.to == window; });
 }
 
-void X11TransfersExpire() {
+void X11TransfersExpire(const X11Session& session) {
+  if (!session) return;
   const uint32_t now = MachineTicks();
-  std::erase_if(x11->selection.transfers,
-                [now](const X11Transfer& transfer) { return now - transfer.ticks > PATIENCE; });
+  Transfers& transfers = x11->selection.transfers;
+  for (auto transfer = transfers.begin(); transfer != transfers.end();) {
+    const bool isGivenUp = now - transfer->ticks > PATIENCE;
+    transfer = isGivenUp ? TransferEnd(transfer) : std::next(transfer);
+  }
 }
 
 ClipboardState X11ClipboardRead(ClipboardBitmap* bitmap) {
@@ -380,7 +385,9 @@ bool X11ClipboardWrite(const ClipboardBitmap& bitmap) {
     WindowEnsure();
     selection.since = TimeNow(session);
     at.x->setSelectionOwner(at.link, selection.window, at.atoms[ATOM_CLIPBOARD], selection.since);
-    if (OwnerOf(at.atoms[ATOM_CLIPBOARD]) != selection.window) return true;
+    const bool isOurs = OwnerOf(at.atoms[ATOM_CLIPBOARD]) == selection.window;
+    // Another program was quicker. With a server that has died meanwhile it stays with this one.
+    if (!isOurs && at.x->hasError(at.link) == 0) return true;
   }
   selection.file = file;
   selection.isKept = false;

@@ -12,6 +12,8 @@
 
 namespace zel {
 
+class X11Session;
+
 // A picture on its way to a program that takes it piece by piece.
 struct X11Transfer {
   xcb_window_t to;
@@ -46,7 +48,7 @@ void X11SelectionTake(const xcb_generic_event_t& event);
 // A window has gone.
 void X11TransfersForget(xcb_window_t window);
 // Gives up those whose receiver takes nothing any more.
-void X11TransfersExpire();
+void X11TransfersExpire(const X11Session& session);
 
 // Hands what is offered to the program that keeps such things, if there is one.
 void X11SelectionKeep();

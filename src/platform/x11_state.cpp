@@ -9,19 +9,23 @@ namespace {
 
 void PanelsLose() {
   for (auto& [number, panel] : x11->panels) {
-    if (panel.window == 0) continue;
-    panel.window = 0;
-    panel.picture = 0;
-    panel.attributes[PANEL_VISIBLE] = 0;
-    X11Deed deed;
-    deed.panel = number;
-    deed.event.kind = DesktopEventKind::CLOSE;
-    x11->deeds.push_back(deed);
+    if (panel.window != 0) X11PanelLose(number, &panel);
   }
   x11->active = 0;
 }
 
 }  // namespace
+
+void X11PanelLose(int32_t number, X11Panel* panel) {
+  panel->window = 0;
+  panel->picture = 0;
+  panel->attributes[PANEL_VISIBLE] = 0;
+  if (x11->active == number) x11->active = 0;
+  X11Deed deed;
+  deed.panel = number;
+  deed.event.kind = DesktopEventKind::CLOSE;
+  x11->deeds.push_back(deed);
+}
 
 X11Panel* X11PanelOf(int32_t panel) {
   const auto found = x11->panels.find(panel);

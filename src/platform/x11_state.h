@@ -12,6 +12,8 @@
 
 namespace zel {
 
+constexpr int32_t X11_MOST_SIDE = 32767;  // of windows and pictures, in pixels of the server
+
 // In pixels of the server. Place and size are those of the inside of the window.
 struct X11Place {
   int32_t left, top, width, height;
@@ -67,6 +69,9 @@ extern X11State* x11;
 
 X11Panel* X11PanelOf(int32_t panel);
 X11Panel* X11PanelOfWindow(xcb_window_t window, int32_t* panel);
+
+// Its window has gone: it is shown no longer, and said to be closed.
+void X11PanelLose(int32_t number, X11Panel* panel);
 
 // A turn at the server that also sees to what goes with it when it is lost: the windows, each of
 // which is said to be closed.

@@ -1,11 +1,12 @@
 #!/bin/sh
-# Runs a test that starts an X server and asks other programs, if these are there.
-# usage: run.sh PROGRAM ARGUMENT...
+# Runs a test that needs other programs, if these are there.
+# usage: run.sh "NEEDED..." PROGRAM ARGUMENT...
 set -eu
-for needed in Xvfb xclip; do
+for needed in $1; do
   if ! command -v "$needed" >/dev/null; then
     echo "$needed is not installed"
     exit 77
   fi
 done
+shift
 exec "$@"

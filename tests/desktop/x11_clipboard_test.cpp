@@ -9,6 +9,7 @@
 #include <fstream>
 
 #include "platform/memory_desktop.h"
+#include "platform/x11_state.h"
 #include "x_server.h"
 
 namespace {
@@ -224,6 +225,27 @@ TEST_F(SharedClipboard, AnswersSeveralQuestionsAtOnce) {
   EXPECT_EQ(after[1], pairs[1]);
   EXPECT_EQ(after[3], 0U) << "that is not to be had";
   EXPECT_EQ(after[5], pairs[5]);
+}
+
+TEST_F(SharedClipboard, LooksNoLongerAtProgramsThatTakeNoMorePieces) {
+  const TestImage image(IMAGE_RGB, 2600, 2600);
+  ASSERT_EQ(ZEL_ImageToClipboard(image, nullptr), 0);
+  const xcb_window_t window = xcb_generate_id(client_.link());
+  xcb_create_window(client_.link(), 0, window, client_.root(), 0, 0, 1, 1, 0,
+                    XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+  const auto isLookedAt = [&] {
+    const test::Answer<xcb_get_window_attributes_reply_t> reply(xcb_get_window_attributes_reply(
+        client_.link(), xcb_get_window_attributes(client_.link(), window), nullptr));
+    return reply && reply->all_event_masks != 0;
+  };
+  xcb_convert_selection(client_.link(), window, client_.Atom("CLIPBOARD"),
+                        client_.Atom("image/bmp"), client_.Atom("A"), XCB_CURRENT_TIME);
+  EXPECT_TRUE(test::Eventually(isLookedAt));
+  std::vector<zel::X11Transfer>& transfers = zel::x11->selection.transfers;
+  ASSERT_EQ(transfers.size(), 1U);
+  transfers[0].ticks -= 3001;
+  EXPECT_TRUE(test::Eventually([&] { return !isLookedAt(); }));
+  EXPECT_TRUE(transfers.empty());
 }
 
 TEST_F(SharedClipboard, IsTakenFromProgramsOfAllManners) {

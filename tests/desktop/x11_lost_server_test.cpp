@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include "platform/memory_desktop.h"
+#include "platform/x11_state.h"
 #include "x_server.h"
 
 namespace {
@@ -61,6 +62,30 @@ TEST_F(OwnServer, ThatDiesBeforeAWordIsSaidGivesWindowsInMemoryOnceTheLibraryIsC
   EXPECT_EQ(Available(), 1);
 }
 
+TEST_F(OwnServer, ThatDiesWhileAPictureIsCopiedLeavesItWithTheProgram) {
+  const TestImage image(IMAGE_U8, 9, 9);
+  ASSERT_EQ(ZEL_WindDraw(image, 0, "a", 1), 0);
+  server_.Stop();
+  std::thread end([this] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    server_.Kill();
+  });
+  EXPECT_EQ(ZEL_ImageToClipboard(image, nullptr), 0);
+  end.join();
+  EXPECT_EQ(Available(), 1);
+}
+
+TEST_F(OwnServer, ThatHasDiedTakesNoRequests) {
+  const TestImage image(IMAGE_U8, 9, 9);
+  ASSERT_EQ(ZEL_WindDraw(image, 0, "a", 1), 0);
+  const zel::X11Connection& at = zel::x11->connection;
+  EXPECT_GT(at.RequestBytes(), 60000U);
+  server_.Kill();
+  const zel::WithoutPipeSignal held;
+  EXPECT_FALSE(at.Property(at.screen->root, XCB_ATOM_RESOURCE_MANAGER, false, 4));
+  EXPECT_EQ(at.RequestBytes(), 0U);
+}
+
 TEST_F(OwnServer, IsNotTouchedByAChild) {
   const TestImage image(IMAGE_U8, 100, 100);
   ASSERT_EQ(ZEL_WindDraw(image, 0, "parent", 1), 0);
@@ -71,14 +96,14 @@ TEST_F(OwnServer, IsNotTouchedByAChild) {
     // The windows are the parent's; those of the child are closed, and no new ones are had.
     WindowEvent event{};
     ZEL_GetLastWEvent(0, &event);
-    ZEL_GetLastWEvent(0, &event);
-    const bool isRight = event.type == WEVENT_CLOSE || ZEL_WindDraw(image, 0, "child", 1) != 0;
+    const bool isClosed = event.type == WEVENT_CLOSE;
+    const bool isRefused = ZEL_WindDraw(image, 0, "child", 1) == ZEL_ERR_NO_WINDOW;
     ZEL_CloseSys();
-    _exit(isRight ? 0 : 1);
+    _exit((isClosed ? 0 : 1) + (isRefused ? 0 : 2));
   }
   int status = -1;
   ASSERT_EQ(waitpid(child, &status, 0), child);
-  EXPECT_EQ(status, 0);
+  EXPECT_EQ(WEXITSTATUS(status), 0) << "1: its window is still open; 2: it has got another one";
   client.Sync();
   EXPECT_NE(client.Window("parent"), 0U);
   EXPECT_EQ(client.Window("child"), 0U);

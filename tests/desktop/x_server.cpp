@@ -47,6 +47,10 @@ void XServer::Kill() {
   process_ = 0;
 }
 
+void XServer::Stop() const {
+  if (process_ > 0) kill(process_, SIGSTOP);
+}
+
 XClient::XClient() : link_(xcb_connect(nullptr, nullptr)) {
   if (xcb_connection_has_error(link_) == 0) {
     root_ = xcb_setup_roots_iterator(xcb_get_setup(link_)).data->root;
@@ -68,29 +72,46 @@ std::string XClient::Text(xcb_window_t window, const std::string& property) cons
           static_cast<size_t>(xcb_get_property_value_length(reply.get()))};
 }
 
-std::vector<xcb_window_t> XClient::Windows() const {
+void XClient::SetText(xcb_window_t window, const std::string& property,
+                      const std::string& text) const {
+  xcb_change_property(link_, XCB_PROP_MODE_REPLACE, window, Atom(property), XCB_ATOM_STRING, 8,
+                      static_cast<uint32_t>(text.size()), text.data());
+  Sync();
+}
+
+std::vector<xcb_window_t> XClient::WindowsIn(xcb_window_t window) const {
   const Answer<xcb_query_tree_reply_t> reply(
-      xcb_query_tree_reply(link_, xcb_query_tree(link_, root_), nullptr));
+      xcb_query_tree_reply(link_, xcb_query_tree(link_, window), nullptr));
   if (!reply) return {};
   const xcb_window_t* all = xcb_query_tree_children(reply.get());
   return {all, all + xcb_query_tree_children_length(reply.get())};
 }
 
+bool XClient::IsShown(xcb_window_t window) const {
+  const Answer<xcb_get_window_attributes_reply_t> state(
+      xcb_get_window_attributes_reply(link_, xcb_get_window_attributes(link_, window), nullptr));
+  return state && state->map_state == XCB_MAP_STATE_VIEWABLE;
+}
+
 xcb_window_t XClient::Window(const std::string& title) const {
-  for (const xcb_window_t window : Windows()) {
-    const Answer<xcb_get_window_attributes_reply_t> state(
-        xcb_get_window_attributes_reply(link_, xcb_get_window_attributes(link_, window), nullptr));
-    const bool isShown = state && state->map_state == XCB_MAP_STATE_VIEWABLE;
-    if (isShown && Text(window, "_NET_WM_NAME") == title) return window;
+  std::vector<xcb_window_t> windows = Windows();
+  for (size_t i = 0; i < windows.size(); i++) {
+    const xcb_window_t window = windows[i];
+    if (IsShown(window) && Text(window, "_NET_WM_NAME") == title) return window;
+    const std::vector<xcb_window_t> inside = WindowsIn(window);
+    windows.insert(windows.end(), inside.begin(), inside.end());
   }
   return 0;
 }
 
 std::vector<int32_t> XClient::Place(xcb_window_t window) const {
-  const Answer<xcb_get_geometry_reply_t> reply(
-      xcb_get_geometry_reply(link_, xcb_get_geometry(link_, window), nullptr));
-  if (!reply) return {};
-  return {reply->x, reply->y, reply->width, reply->height};
+  const auto geometry = xcb_get_geometry(link_, window);
+  const auto corner = xcb_translate_coordinates(link_, window, root_, 0, 0);
+  const Answer<xcb_get_geometry_reply_t> size(xcb_get_geometry_reply(link_, geometry, nullptr));
+  const Answer<xcb_translate_coordinates_reply_t> at(
+      xcb_translate_coordinates_reply(link_, corner, nullptr));
+  if (!size || !at) return {};
+  return {at->dst_x, at->dst_y, size->width, size->height};
 }
 
 std::vector<uint32_t> XClient::Pixels(xcb_window_t window) const {
@@ -131,11 +152,11 @@ void XClient::Sync() const {
       xcb_get_input_focus_reply(link_, xcb_get_input_focus(link_), nullptr));
 }
 
-bool Eventually(const std::function<bool()>& holds) {
+bool Eventually(const std::function<bool()>& holds, Meanwhile meanwhile) {
   const auto end = std::chrono::steady_clock::now() + 10s;
   while (std::chrono::steady_clock::now() < end) {
     if (holds()) return true;
-    zel::DesktopInUse().pump();
+    if (meanwhile == Meanwhile::EVENTS) zel::DesktopInUse().pump();
     std::this_thread::sleep_for(1ms);
   }
   return holds();

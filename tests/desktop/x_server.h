@@ -35,6 +35,8 @@ class XServer {
   ~XServer();
   bool IsThere() const { return process_ > 0; }
   void Kill();
+  // It answers nothing from now on.
+  void Stop() const;
 
  private:
   pid_t process_ = 0;
@@ -53,10 +55,14 @@ class XClient {
   xcb_atom_t Atom(const std::string& name) const;
   std::string Text(xcb_window_t window, const std::string& property) const;
 
-  std::vector<xcb_window_t> Windows() const;
-  // The shown window of a title, or 0.
+  void SetText(xcb_window_t window, const std::string& property, const std::string& text) const;
+
+  // On the screen itself, or in another one.
+  std::vector<xcb_window_t> Windows() const { return WindowsIn(root_); }
+  std::vector<xcb_window_t> WindowsIn(xcb_window_t window) const;
+  // The shown window of a title, in a frame or without, or 0.
   xcb_window_t Window(const std::string& title) const;
-  // Left, top, width, height.
+  // Left and top on the screen, width, height.
   std::vector<int32_t> Place(xcb_window_t window) const;
   // 0x00RRGGBB, row after row; empty where the window cannot be looked at.
   std::vector<uint32_t> Pixels(xcb_window_t window) const;
@@ -76,6 +82,8 @@ class XClient {
   }
 
  private:
+  bool IsShown(xcb_window_t window) const;
+
   xcb_connection_t* link_;
   xcb_window_t root_ = 0;
 };
@@ -99,8 +107,10 @@ class Person {
   const XClient& client_;
 };
 
-// Lets events in until something holds. False when it does not in ten seconds.
-bool Eventually(const std::function<bool()>& holds);
+// What the program does while it waits: lets events in, or makes no call of the library.
+enum class Meanwhile { EVENTS, NOTHING };
+// Waits until something holds. False when it does not in ten seconds.
+bool Eventually(const std::function<bool()>& holds, Meanwhile meanwhile = Meanwhile::EVENTS);
 
 // Windows of the library on a server that all tests of a kind share.
 class Screen : public testing::Test {

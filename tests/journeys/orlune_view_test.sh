@@ -71,6 +71,14 @@ answers() {
   press "$1" && sleep 0.3 && says "$2"
 }
 until_true answers o "--region 170,90,33[01],21[01]"
+# Once nothing happens it sleeps until a person does something: its turns at the processor end.
+turns() { grep '^voluntary' "/proc/$viewer/status"; }
+sleeps() {
+  before=$(turns)
+  sleep 0.5
+  [ "$before" = "$(turns)" ]
+}
+until_true sleeps
 press s
 until_true test -s marked/washers-marked.png
 press q

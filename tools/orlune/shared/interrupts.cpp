@@ -47,6 +47,19 @@ int Interrupted() {
   return noted;
 }
 
+void PollUntilInterrupted(std::vector<pollfd>* files, int milliseconds) {
+  sigset_t held;
+  sigset_t former;
+  sigemptyset(&held);
+  for (const int signal : SIGNALS) sigaddset(&held, signal);
+  pthread_sigmask(SIG_BLOCK, &held, &former);
+  const timespec most{milliseconds / 1000, milliseconds % 1000 * 1'000'000};
+  if (noted == 0) {
+    ppoll(files->data(), files->size(), milliseconds < 0 ? nullptr : &most, &former);
+  }
+  pthread_sigmask(SIG_SETMASK, &former, nullptr);
+}
+
 void NoteClosedPipe() {
   if (noted == 0) noted = SIGPIPE;
 }

@@ -2,10 +2,20 @@
 #include "orlune/view/display_watch.h"
 
 #include <dlfcn.h>
-#include <poll.h>
+#include <sys/socket.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <string>
+
+#include "orlune/shared/interrupts.h"
 
 namespace front {
 namespace {
+
+// Milliseconds between two looks where it is not known by which connection news come.
+constexpr int BLIND_WAIT = 40;
 
 template <class Function>
 Function* Find(void* library, const char* name) {
@@ -14,8 +24,18 @@ Function* Find(void* library, const char* name) {
 
 using Connect = void*(const char* display, int* screen);
 using HasError = int(void* connection);
-using Descriptor = int(void* connection);
+using GetDescriptor = int(void* connection);
 using Disconnect = void(void* connection);
+
+// The address at the other end; empty where there is none.
+std::string PeerOf(int descriptor) {
+  sockaddr_storage address{};
+  socklen_t size = sizeof address;
+  if (getpeername(descriptor, reinterpret_cast<sockaddr*>(&address), &size) != 0) return {};
+  std::string peer(size, '\0');
+  std::memcpy(peer.data(), &address, size);
+  return peer;
+}
 
 }  // namespace
 
@@ -35,12 +55,32 @@ DisplayWatch::~DisplayWatch() {
   if (library_ != nullptr) dlclose(library_);
 }
 
-bool DisplayWatch::Wait(int milliseconds) const {
-  const auto descriptor = Find<Descriptor>(library_, "xcb_get_file_descriptor");
-  if (connection_ == nullptr || descriptor == nullptr) return false;
-  // What may arrive is not asked for: only the connection's end counts.
-  pollfd end{descriptor(connection_), 0, 0};
-  return poll(&end, 1, milliseconds) <= 0;
+int DisplayWatch::Descriptor() const {
+  const auto descriptor = Find<GetDescriptor>(library_, "xcb_get_file_descriptor");
+  return connection_ != nullptr && descriptor != nullptr ? descriptor(connection_) : -1;
+}
+
+void DisplayWatch::FindNeighbours() {
+  const int own = Descriptor();
+  const std::string display = PeerOf(own);
+  std::error_code failure;
+  for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd", failure)) {
+    const int descriptor = std::atoi(entry.path().filename().c_str());
+    if (descriptor != own && !display.empty() && PeerOf(descriptor) == display) {
+      neighbours_.push_back(descriptor);
+    }
+  }
+}
+
+bool DisplayWatch::Wait(int milliseconds) {
+  if (Descriptor() < 0) return false;
+  if (neighbours_.empty()) FindNeighbours();
+  // Of the watch's own connection only the end counts.
+  std::vector<pollfd> ends{{Descriptor(), 0, 0}};
+  for (const int neighbour : neighbours_) ends.push_back({neighbour, POLLIN, 0});
+  const bool isBlind = neighbours_.empty() && (milliseconds < 0 || milliseconds > BLIND_WAIT);
+  PollUntilInterrupted(&ends, isBlind ? BLIND_WAIT : milliseconds);
+  return ends[0].revents == 0;
 }
 
 }  // namespace front

@@ -9,22 +9,25 @@
 namespace front {
 namespace {
 
-// Milliseconds between two looks: while something happens, and after nothing did for some time.
-constexpr int SHORT_WAIT = 8;
-constexpr int LONG_WAIT = 40;
-constexpr int LOOKS_UNTIL_LONG = 50;
+// A window manager's answers may be believed only after some time, in milliseconds, without others:
+// so often the windows are looked at though nothing happens, before the program sleeps.
+constexpr int SHORT_SLEEP = 100;
+constexpr int SHORT_SLEEPS = 10;
+constexpr int UNTIL_SOMETHING_HAPPENS = -1;
 
 constexpr char DISPLAY_GONE[] = "the display is gone";
 
-int View(const ViewSettings& settings, const DisplayWatch& display) {
+int View(const ViewSettings& settings, DisplayWatch* display) {
   Viewer viewer(settings, std::cout, std::cerr);
   if (!viewer.Open()) return SOME_FAILED;
-  int idle = 0;
+  int sleeps = 0;
   while (Interrupted() == 0) {
     const Viewer::Turn turn = viewer.Look();
     if (turn == Viewer::Turn::DONE) break;
-    idle = turn == Viewer::Turn::BUSY ? 0 : idle + 1;
-    if (!display.Wait(idle < LOOKS_UNTIL_LONG ? SHORT_WAIT : LONG_WAIT)) {
+    const bool isBusy = turn == Viewer::Turn::BUSY;
+    const int sleep = isBusy ? 0 : sleeps < SHORT_SLEEPS ? SHORT_SLEEP : UNTIL_SOMETHING_HAPPENS;
+    sleeps = isBusy ? 0 : sleeps + 1;
+    if (!display->Wait(sleep)) {
       std::cerr << "orlune: " << DISPLAY_GONE << '\n';
       return SOME_FAILED;
     }
@@ -35,7 +38,7 @@ int View(const ViewSettings& settings, const DisplayWatch& display) {
 }  // namespace
 
 int Run(const ViewCommand& command) {
-  const DisplayWatch display;
+  DisplayWatch display;
   if (!display.IsThere()) {
     std::cerr
         << "orlune: there is no display to show pictures on; 'orlune inspect' and 'orlune info' "
@@ -45,7 +48,7 @@ int Run(const ViewCommand& command) {
   ViewSettings settings = command.settings;
   try {
     settings.files = WithAllPages(command.settings.files);
-    return View(settings, display);
+    return View(settings, &display);
   } catch (const std::exception& failure) {
     std::cerr << "orlune: " << (display.Wait(0) ? failure.what() : DISPLAY_GONE) << '\n';
     return SOME_FAILED;
