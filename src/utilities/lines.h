@@ -5,6 +5,7 @@
 
 #include "core/handles.h"
 #include "core/rectangles.h"
+#include "core/views.h"
 
 namespace zel {
 
@@ -31,10 +32,13 @@ class LineSteps {
  public:
   explicit LineSteps(const KernelLine& line);
   int64_t points() const { return points_; }
-  LinePoint Next() {
+  LinePoint straight() const { return straight_; }
+  LinePoint diagonal() const { return diagonal_; }
+  LinePoint Next() { return NextIsDiagonal() ? diagonal_ : straight_; }
+  bool NextIsDiagonal() {
     const bool both = error_ >= 0;
     error_ += both ? onBoth_ : onMajor_;
-    return both ? diagonal_ : straight_;
+    return both;
   }
   // Takes so many steps at once, before the first Next, of a line whose coordinates are not
   // negative. Answers where they lead, seen from the start.
@@ -45,6 +49,33 @@ class LineSteps {
   int64_t error_;
   int64_t onMajor_, onBoth_;  // changes of the error
   LinePoint straight_, diagonal_;
+};
+
+// The pixels of a line that lies in an image, one after the other.
+template <class T>
+class LinePixels {
+ public:
+  LinePixels(const PixelView& view, const KernelLine& line)
+      : steps_(line),
+        next_(reinterpret_cast<uint8_t*>(view.At<T>(line.startX, line.startY))),
+        straight_(OffsetOf(steps_.straight(), view.pitch)),
+        diagonal_(OffsetOf(steps_.diagonal(), view.pitch)) {}
+
+  int64_t count() const { return steps_.points(); }
+  T* Take() {
+    auto* pixel = reinterpret_cast<T*>(next_);
+    next_ += steps_.NextIsDiagonal() ? diagonal_ : straight_;
+    return pixel;
+  }
+
+ private:
+  static int64_t OffsetOf(const LinePoint& step, int64_t pitch) {
+    return step.x * static_cast<int64_t>(sizeof(T)) + step.y * pitch;
+  }
+
+  LineSteps steps_;
+  uint8_t* next_;
+  int64_t straight_, diagonal_;  // bytes to the next pixel
 };
 
 // Fills a vector with the points of a line, one LinePoint each; with `relative` with the steps from
