@@ -34,11 +34,13 @@ class LineSteps {
   int64_t points() const { return points_; }
   LinePoint straight() const { return straight_; }
   LinePoint diagonal() const { return diagonal_; }
-  LinePoint Next() { return NextIsDiagonal() ? diagonal_ : straight_; }
-  bool NextIsDiagonal() {
-    const bool both = error_ >= 0;
-    error_ += both ? onBoth_ : onMajor_;
-    return both;
+  LinePoint Next() { return NextDiagonal() != 0 ? diagonal_ : straight_; }
+  // All bits set for a diagonal step, else 0: which it is hardly can be foreseen, so that callers
+  // do best without a branch.
+  int64_t NextDiagonal() {
+    const int64_t diagonal = -int64_t{error_ >= 0};
+    error_ += onMajor_ + (onMinor_ & diagonal);
+    return diagonal;
   }
   // Takes so many steps at once, before the first Next, of a line whose coordinates are not
   // negative. Answers where they lead, seen from the start.
@@ -47,7 +49,7 @@ class LineSteps {
  private:
   int64_t points_;
   int64_t error_;
-  int64_t onMajor_, onBoth_;  // changes of the error
+  int64_t onMajor_, onMinor_;  // changes of the error
   LinePoint straight_, diagonal_;
 };
 
@@ -55,27 +57,31 @@ class LineSteps {
 template <class T>
 class LinePixels {
  public:
+  // With a copy of the steps, of which the compiler knows that no pixel lies in them.
   LinePixels(const PixelView& view, const KernelLine& line)
-      : steps_(line),
-        next_(reinterpret_cast<uint8_t*>(view.At<T>(line.startX, line.startY))),
-        straight_(OffsetOf(steps_.straight(), view.pitch)),
-        diagonal_(OffsetOf(steps_.diagonal(), view.pitch)) {}
+      : LinePixels(view, line, LineSteps(line)) {}
 
   int64_t count() const { return steps_.points(); }
   T* Take() {
     auto* pixel = reinterpret_cast<T*>(next_);
-    next_ += steps_.NextIsDiagonal() ? diagonal_ : straight_;
+    next_ += straight_ + (aside_ & steps_.NextDiagonal());
     return pixel;
   }
 
  private:
+  LinePixels(const PixelView& view, const KernelLine& line, const LineSteps& steps)
+      : steps_(steps),
+        next_(reinterpret_cast<uint8_t*>(view.At<T>(line.startX, line.startY))),
+        straight_(OffsetOf(steps_.straight(), view.pitch)),
+        aside_(OffsetOf(steps_.diagonal(), view.pitch) - straight_) {}
+
   static int64_t OffsetOf(const LinePoint& step, int64_t pitch) {
     return step.x * static_cast<int64_t>(sizeof(T)) + step.y * pitch;
   }
 
   LineSteps steps_;
   uint8_t* next_;
-  int64_t straight_, diagonal_;  // bytes to the next pixel
+  int64_t straight_, aside_;  // bytes to the next pixel, and those that a diagonal step adds
 };
 
 // Fills a vector with the points of a line, one LinePoint each; with `relative` with the steps from
