@@ -97,7 +97,8 @@ LineSteps::LineSteps(const KernelLine& line) {
   points_ = major + 1;
   error_ = 2 * minor - major;
   onMajor_ = 2 * minor;
-  onMinor_ = -2 * major;
+  onBoth_ = 2 * minor - 2 * major;
+  lessOnMinor_ = 2 * major;
   diagonal_ = {dx < 0 ? -1 : 1, dy < 0 ? -1 : 1};
   straight_ = height > width ? LinePoint{0, diagonal_.y} : LinePoint{diagonal_.x, 0};
 }

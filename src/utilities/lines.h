@@ -34,13 +34,13 @@ class LineSteps {
   int64_t points() const { return points_; }
   LinePoint straight() const { return straight_; }
   LinePoint diagonal() const { return diagonal_; }
-  LinePoint Next() { return NextDiagonal() != 0 ? diagonal_ : straight_; }
-  // All bits set for a diagonal step, else 0: which it is hardly can be foreseen, so that callers
-  // do best without a branch.
-  int64_t NextDiagonal() {
-    const int64_t diagonal = -int64_t{error_ >= 0};
-    error_ += onMajor_ + (onMinor_ & diagonal);
-    return diagonal;
+  LinePoint Next() { return NextStraight() != 0 ? straight_ : diagonal_; }
+  // All bits set for a step along the longer axis alone, else 0: which it is can hardly be
+  // foreseen, so that callers do best without a branch.
+  int64_t NextStraight() {
+    const int64_t straight = error_ >> 63;  // the sign
+    error_ = (error_ + onBoth_) + (straight & lessOnMinor_);
+    return straight;
   }
   // Takes so many steps at once, before the first Next, of a line whose coordinates are not
   // negative. Answers where they lead, seen from the start.
@@ -49,7 +49,7 @@ class LineSteps {
  private:
   int64_t points_;
   int64_t error_;
-  int64_t onMajor_, onMinor_;  // changes of the error
+  int64_t onMajor_, onBoth_, lessOnMinor_;  // changes of the error
   LinePoint straight_, diagonal_;
 };
 
@@ -64,7 +64,7 @@ class LinePixels {
   int64_t count() const { return steps_.points(); }
   T* Take() {
     auto* pixel = reinterpret_cast<T*>(next_);
-    next_ += straight_ + (aside_ & steps_.NextDiagonal());
+    next_ += diagonal_ + (back_ & steps_.NextStraight());
     return pixel;
   }
 
@@ -72,8 +72,8 @@ class LinePixels {
   LinePixels(const PixelView& view, const KernelLine& line, const LineSteps& steps)
       : steps_(steps),
         next_(reinterpret_cast<uint8_t*>(view.At<T>(line.startX, line.startY))),
-        straight_(OffsetOf(steps_.straight(), view.pitch)),
-        aside_(OffsetOf(steps_.diagonal(), view.pitch) - straight_) {}
+        diagonal_(OffsetOf(steps_.diagonal(), view.pitch)),
+        back_(OffsetOf(steps_.straight(), view.pitch) - diagonal_) {}
 
   static int64_t OffsetOf(const LinePoint& step, int64_t pitch) {
     return step.x * static_cast<int64_t>(sizeof(T)) + step.y * pitch;
@@ -81,7 +81,7 @@ class LinePixels {
 
   LineSteps steps_;
   uint8_t* next_;
-  int64_t straight_, aside_;  // bytes to the next pixel, and those that a diagonal step adds
+  int64_t diagonal_, back_;  // bytes to the next pixel, and from there after a straight step
 };
 
 // Fills a vector with the points of a line, one LinePoint each; with `relative` with the steps from
