@@ -11,16 +11,19 @@
 #include "engine/bands.h"
 #include "engine/operands.h"
 #include "orlune_ptk.h"
+#include "statistics/histogram_rows.h"
 
 namespace zel {
 namespace {
 
-// Counters of one thread. Neighbouring pixels go into different tables: equal ones, which are
-// frequent, would wait for each other. Pixels that a mask leaves out are counted aside.
-constexpr int32_t SIDE_TABLES = 4;
+// Counters of one thread, the tables of a plane one after the other. Pixels that a mask leaves out
+// are counted as one more level.
 struct ComponentCounts {
-  uint32_t tables[COLOUR_PLANES][SIDE_TABLES][2 * LEVELS_U8];
+  uint32_t tables[COLOUR_PLANES][COUNT_TABLES * (LEVELS_U8 + 1)];
 };
+constexpr int32_t TableLength(bool hasMask) {
+  return hasMask ? LEVELS_U8 + 1 : LEVELS_U8;
+}
 
 // How often each level occurs in each component, and the number of counted pixels.
 struct ColourCounts {
@@ -28,33 +31,21 @@ struct ColourCounts {
   uint64_t total;
 };
 
-// `aside`: for each byte LEVELS_U8 where it is not to count, else 0; null: all count.
-void CountBlock(const uint8_t* component, const uint16_t* aside, int64_t size,
-                uint32_t (&tables)[SIDE_TABLES][2 * LEVELS_U8]) {
-  int64_t i = 0;
-  for (; !aside && i + SIDE_TABLES <= size; i += SIDE_TABLES) {
-    uint32_t levels = 0;  // four of them in one load
-    std::memcpy(&levels, component + i, sizeof levels);
-    tables[0][levels & 255]++;
-    tables[1][(levels >> 8) & 255]++;
-    tables[2][(levels >> 16) & 255]++;
-    tables[3][levels >> 24]++;
-  }
-  for (; i < size; i++) tables[i % SIDE_TABLES][component[i] + (aside ? aside[i] : 0)]++;
-}
-
 void CountRow(const RGBValue* pixels, const uint8_t* mask, int64_t width,
               const ComponentSet& components, ComponentCounts* counts) {
+  const HistogramRows& rows = histogramRows();
   for (int64_t x = 0; x < width; x += COLOUR_BLOCK) {
-    const int64_t size = std::min(COLOUR_BLOCK, width - x);
-    uint16_t aside[COLOUR_BLOCK];
-    if (mask) {
-      for (int64_t i = 0; i < size; i++) aside[i] = mask[x + i] != 0 ? 0 : LEVELS_U8;
-    }
+    const auto size = static_cast<int32_t>(std::min(COLOUR_BLOCK, width - x));
     for (int32_t p = 0; p < COLOUR_PLANES; p++) {
       uint8_t component[COLOUR_BLOCK];
       components.planes[p](pixels + x, component, size);
-      CountBlock(component, mask ? aside : nullptr, size, counts->tables[p]);
+      if (mask) {
+        uint16_t levels[COLOUR_BLOCK];
+        rows.levelsUnderMask(component, mask + x, size, levels);
+        rows.countNumbers(levels, size, TableLength(true), counts->tables[p]);
+      } else {
+        rows.countLevels(component, size, counts->tables[p]);
+      }
     }
   }
 }
@@ -74,11 +65,14 @@ Status CountPixels(const Region& region, int32_t mode, ColourCounts* counts) {
                         own);
              }
            });
+  const int32_t length = TableLength(!region.mask.SelectsAll());
   for (uint64_t worker = 0; worker < workers; worker++) {
     for (int32_t p = 0; p < COLOUR_PLANES; p++) {
-      for (const auto& table : ofWorkers[worker].tables[p]) {
-        for (int32_t level = 0; level < LEVELS_U8; level++)
+      const uint32_t* table = ofWorkers[worker].tables[p];
+      for (int32_t t = 0; t < COUNT_TABLES; t++, table += length) {
+        for (int32_t level = 0; level < LEVELS_U8; level++) {
           counts->levels[p][level] += table[level];
+        }
       }
     }
   }

@@ -36,16 +36,8 @@ Status SetColorPixel(ImageRef reference, int32_t x, int32_t y, RGBValue value) {
 // Calls visit(pixel, index) for the first `count` pixels of a clipped line.
 template <class Visit>
 void LineVisit(const Image& image, const KernelLine& line, int64_t count, const Visit& visit) {
-  LineSteps steps(line);
-  const PixelView view = ViewOf(image);
-  int64_t x = line.startX;
-  int64_t y = line.startY;
-  for (int64_t i = 0; i < count; i++) {
-    visit(*view.At<RGBValue>(x, y), i);
-    const LinePoint step = steps.Next();
-    x += step.x;
-    y += step.y;
-  }
+  LinePixels<RGBValue> pixels(ViewOf(image), line);
+  for (int64_t i = 0; i < count; i++) visit(*pixels.Take(), i);
 }
 
 Status GetColorLine(ImageRef reference, KernelLine line, RGBValue* array, int32_t* count) {
@@ -55,7 +47,7 @@ Status GetColorLine(ImageRef reference, KernelLine line, RGBValue* array, int32_
   if (status != STATUS_OK) return status;
   int64_t points = 0;
   if (LineClipToSize(image->width, image->height, &line)) points = LineSteps(line).points();
-  if (image->type == IMAGE_RGB) {
+  if (image->type == IMAGE_RGB && points > 0) {
     LineVisit(*image, line, points, [array](RGBValue pixel, int64_t i) { array[i] = pixel; });
   }
   if (count) *count = static_cast<int32_t>(points);

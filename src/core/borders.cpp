@@ -1,6 +1,7 @@
 // The three ways to fill an image's border from its pixels.
 #include <algorithm>
 #include <cstring>
+#include <type_traits>
 
 #include "core/images.h"
 
@@ -47,24 +48,49 @@ void FrameSetLeftPad(BorderFrame* frame) {
   frame->leftPad = (frame->border + step - 1) / step * step;
 }
 
-template <class T>
-void ColumnsMirror(const BorderFrame& frame) {
-  for (int64_t y = 0; y < frame.height; y++) {
-    T* row = reinterpret_cast<T*>(frame.Line(y)) + frame.leftPad;
-    for (int64_t k = 0; k < frame.border; k++) {
-      row[-1 - k] = row[k];
-      row[frame.width + k] = row[frame.width - 1 - k];
+// Calls fill(first, last, columns) with the first and the last pixel of each row, and the width of
+// the border: usual ones are constants, so that no loop is left of a few single stores.
+template <class T, class Fill>
+void ColumnsFill(const BorderFrame& frame, const Fill& fill) {
+  const auto rows = [frame, &fill](auto columns) {
+    uint8_t* line = frame.Line(0) + frame.leftPad * frame.pixelBytes;
+    for (int64_t y = 0; y < frame.height; y++, line += frame.lineBytes) {
+      T* first = reinterpret_cast<T*>(line);
+      fill(first, first + frame.width - 1, columns);
     }
+  };
+  switch (frame.border) {
+    case 1:
+      return rows(std::integral_constant<int64_t, 1>());
+    case 2:
+      return rows(std::integral_constant<int64_t, 2>());
+    case 3:
+      return rows(std::integral_constant<int64_t, 3>());
+    default:
+      return rows(frame.border);
   }
 }
 
 template <class T>
+void ColumnsMirror(const BorderFrame& frame) {
+  ColumnsFill<T>(frame, [](T* first, T* last, auto columns) {
+    for (int64_t k = 0; k < columns; k++) {
+      first[-1 - k] = first[k];
+      last[1 + k] = last[-k];
+    }
+  });
+}
+
+template <class T>
 void ColumnsReplicate(const BorderFrame& frame) {
-  for (int64_t y = 0; y < frame.height; y++) {
-    T* row = reinterpret_cast<T*>(frame.Line(y)) + frame.leftPad;
-    std::fill_n(row - frame.border, frame.border, row[0]);
-    std::fill_n(row + frame.width, frame.border, row[frame.width - 1]);
-  }
+  ColumnsFill<T>(frame, [](T* first, T* last, auto columns) {
+    const T left = *first;
+    const T right = *last;
+    for (int64_t k = 0; k < columns; k++) {
+      first[-1 - k] = left;
+      last[1 + k] = right;
+    }
+  });
 }
 
 template <size_t SideBytes>

@@ -18,10 +18,14 @@ template <>
 constexpr double HIGHEST<int16_t> = INT16_MAX;
 
 template <class Pixel>
-ZEL_INLINE Pixel Quotient(double sum, double reciprocal) {
-  const double quotient = sum * reciprocal;
+ZEL_INLINE int32_t LimitedQuotient(double quotient) {
   const double upper = quotient < HIGHEST<Pixel> ? quotient : HIGHEST<Pixel>;
-  return static_cast<Pixel>(static_cast<int32_t>(upper > LOWEST<Pixel> ? upper : LOWEST<Pixel>));
+  return static_cast<int32_t>(upper > LOWEST<Pixel> ? upper : LOWEST<Pixel>);
+}
+
+template <class Pixel>
+ZEL_INLINE Pixel Quotient(double sum, double reciprocal) {
+  return static_cast<Pixel>(LimitedQuotient<Pixel>(sum * reciprocal));
 }
 
 }  // namespace

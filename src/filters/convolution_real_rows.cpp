@@ -86,10 +86,10 @@ ZEL_INLINE void SumGroup(const Number* const* rows, int64_t x, const Convolution
 }
 
 // Groups of columns, the last of which may cover some of the one before once more. False for fewer
-// columns than a group has.
+// columns than a group has. Not inlined, so that the sums have all registers to themselves.
 template <int32_t results, class Number>
-ZEL_INLINE bool GroupSums(const Number* const* rows, int64_t first, int64_t count,
-                          const ConvolutionRule& rule, double* sums) {
+[[gnu::noinline]] bool GroupSums(const Number* const* rows, int64_t first, int64_t count,
+                                 const ConvolutionRule& rule, double* sums) {
   constexpr int64_t columns = COLUMNS<results>;
   if (count < columns) return false;
   for (int64_t next = 0; next < count; next += columns) {
@@ -110,15 +110,18 @@ ZEL_INLINE bool GroupSums(const Number* const*, int64_t, int64_t, const Convolut
 
 // ---- results
 
-// Of a sum that is no number, 0.
+// Of a sum that is no number, 0. By way of whole numbers in 32 bits: the compiler has no good
+// vectors for steps from 64 bits to 8.
 template <class Pixel>
 ZEL_INLINE void Finish(const double* sums, Pixel* __restrict results, int64_t count,
                        const ConvolutionRule& rule) {
   const double reciprocal = rule.reciprocal;
+  int32_t whole[BLOCK];
   for (int64_t x = 0; x < count; x++) {
     const double quotient = static_cast<double>(static_cast<float>(sums[x])) * reciprocal;
-    results[x] = Quotient<Pixel>(quotient == quotient ? quotient : 0.0, 1.0);
+    whole[x] = LimitedQuotient<Pixel>(quotient == quotient ? quotient : 0.0);
   }
+  for (int64_t x = 0; x < count; x++) results[x] = static_cast<Pixel>(whole[x]);
 }
 
 // The 64-bit quotient of two 32-bit floats, rounded to 32 bits, is their 32-bit quotient: as it is

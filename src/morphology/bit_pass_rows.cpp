@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "core/numbers.h"
+#include "engine/vectors.h"
 #include "morphology/bit_plane.h"
 
 namespace zel::ZEL_LEVEL {
@@ -12,24 +13,31 @@ namespace {
 using Group [[gnu::vector_size(8 * BIT_GROUP_WORDS)]] = uint64_t;
 
 // The pixels of a group of words, and their neighbours at the same places.
-struct Words {
+struct Neighbours {
   Group northWest, north, northEast, west, centre, east, southWest, south, southEast;
 };
 
-// Bits move towards the pixel that looks at them.
+// Bits move towards the pixel that looks at them. Compilers make three instructions of a shift over
+// two words, where there is one.
 ZEL_INLINE void LoadRow(const uint64_t* words, Group* west, Group* self, Group* east) {
   std::memcpy(west, words - 1, sizeof *west);
   std::memcpy(self, words, sizeof *self);
   std::memcpy(east, words + 1, sizeof *east);
+#if defined(ZEL_LEVEL_v4)
+  *west = (Group)_mm512_shldi_epi64((__m512i)*self, (__m512i)*west, 1);
+  *east = (Group)_mm512_shrdi_epi64((__m512i)*self, (__m512i)*east, 1);
+#else
   *west = *self << 1 | *west >> 63;
   *east = *self >> 1 | *east << 63;
+#endif
 }
 
 template <class Rule>
-ZEL_INLINE bool Pass(uint64_t* to, const BitRows& rows, int32_t words, Rule rule) {
+ZEL_INLINE bool Pass(uint64_t* to, const BitRows& of, int32_t words, Rule rule) {
+  const BitRows rows = of;
   Group changes{};
   for (int32_t i = 0; i < words; i += BIT_GROUP_WORDS) {
-    Words around;
+    Neighbours around;
     LoadRow(rows.above + i, &around.northWest, &around.north, &around.northEast);
     LoadRow(rows.row + i, &around.west, &around.centre, &around.east);
     LoadRow(rows.below + i, &around.southWest, &around.south, &around.southEast);
@@ -52,7 +60,7 @@ ZEL_INLINE void Match(const Group& word, Group* all) {
 
 // Where all pixels of `hit` are set and all of `miss` are clear.
 template <uint32_t hit, uint32_t miss>
-ZEL_INLINE void MaskMatch(const Words& w, Group* matches) {
+ZEL_INLINE void MaskMatch(const Neighbours& w, Group* matches) {
   *matches = ~Group{};
   Match<hit, miss, NORTH_WEST>(w.northWest, matches);
   Match<hit, miss, NORTH>(w.north, matches);
@@ -67,7 +75,7 @@ ZEL_INLINE void MaskMatch(const Words& w, Group* matches) {
 
 template <uint32_t hit, uint32_t miss>
 bool Thin(uint64_t* to, const BitRows& rows, int32_t words) {
-  return Pass(to, rows, words, [](const Words& w, Group* result) {
+  return Pass(to, rows, words, [](const Neighbours& w, Group* result) {
     Group matches;
     MaskMatch<hit, miss>(w, &matches);
     *result = w.centre & ~matches;
@@ -76,7 +84,7 @@ bool Thin(uint64_t* to, const BitRows& rows, int32_t words) {
 
 // Adds where no neighbour is set but one, or two side by side: then all the six others are clear.
 // `two` tells of two neighbours that follow each other around the pixel, `four` of four.
-ZEL_INLINE void EndMatch(const Words& w, Group* matches) {
+ZEL_INLINE void EndMatch(const Neighbours& w, Group* matches) {
   const Group ring[8] = {w.north, w.northEast, w.east, w.southEast,
                          w.south, w.southWest, w.west, w.northWest};
   Group two[8];
@@ -88,7 +96,7 @@ ZEL_INLINE void EndMatch(const Words& w, Group* matches) {
 
 template <uint32_t hit, uint32_t miss>
 bool ThinZones(uint64_t* to, const BitRows& rows, int32_t words) {
-  return Pass(to, rows, words, [](const Words& w, Group* result) {
+  return Pass(to, rows, words, [](const Neighbours& w, Group* result) {
     Group matches;
     MaskMatch<hit, miss>(w, &matches);
     EndMatch(w, &matches);
@@ -99,7 +107,7 @@ bool ThinZones(uint64_t* to, const BitRows& rows, int32_t words) {
 constexpr uint32_t NEIGHBOURS = 511 - CENTRE;
 
 bool Despeckle(uint64_t* to, const BitRows& rows, int32_t words) {
-  return Pass(to, rows, words, [](const Words& w, Group* result) {
+  return Pass(to, rows, words, [](const Neighbours& w, Group* result) {
     Group lone;
     Group enclosed;
     MaskMatch<0, NEIGHBOURS>(w, &lone);
@@ -113,14 +121,14 @@ bool Outline(uint64_t* to, const BitRows& rows, int32_t words) {
 }
 
 bool Rim(uint64_t* to, const BitRows& rows, int32_t words) {
-  return Pass(to, rows, words, [](const Words& w, Group* result) {
+  return Pass(to, rows, words, [](const Neighbours& w, Group* result) {
     *result = ~w.centre & (w.northWest | w.north | w.northEast | w.west | w.east | w.southWest |
                            w.south | w.southEast);
   });
 }
 
 bool Shrink(uint64_t* to, const BitRows& rows, int32_t words) {
-  return Pass(to, rows, words, [](const Words& w, Group* result) {
+  return Pass(to, rows, words, [](const Neighbours& w, Group* result) {
     *result = w.centre & w.northWest & w.north & w.northEast & w.west;
   });
 }

@@ -130,14 +130,16 @@ bool Thinning::Round(const BitPass* passes) {
   const int32_t words = planes_[0].words();
   NearbyRows nearby(changed_.data(), height);
   for (int32_t y = 0; y < height; y++) active_[static_cast<size_t>(y)] = nearby.Next();
-  std::fill_n(changed_.data(), static_cast<size_t>(height), uint8_t{0});
+  for (int32_t y = 0; y < height; y++) changed_[static_cast<size_t>(y)] = 0;
   bool any = false;
-  for (int32_t pass = 0; pass < SKELETON_PASSES; pass++) {
-    const BitPlane& from = planes_[pass % 2];
-    BitPlane& to = planes_[1 - pass % 2];
-    for (int32_t y = 0; y < height; y++) {
-      if (active_[static_cast<size_t>(y)] == 0) continue;
-      if (passes[pass](to.Row(y), RowsAt(from, y), words)) {
+  // Each pass goes two rows behind the one before: what it reads is in the nearest cache, but not
+  // just being written.
+  for (int64_t front = 0; front < int64_t{height} + 2 * (SKELETON_PASSES - 1); front++) {
+    for (int32_t pass = 0; pass < SKELETON_PASSES; pass++) {
+      const auto y = static_cast<int32_t>(front - 2 * pass);
+      if (y < 0 || y >= height || active_[static_cast<size_t>(y)] == 0) continue;
+      const BitRows from = RowsAt(planes_[pass % 2], y);
+      if (passes[pass](planes_[1 - pass % 2].Row(y), from, words)) {
         changed_[static_cast<size_t>(y)] = 1;
         any = true;
       }

@@ -82,11 +82,13 @@ void ZoneGrowth::WordGrow(int32_t y, const Rows& rows, int32_t word, uint64_t op
                                     bits[0] >> 1 | bits[1] << 63};
     for (int32_t column = 0; column < 3; column++) {
       uint64_t found = open & neighbours[column];
-      open &= ~found;
+      if (found == 0) continue;
+      open ^= found;
       for (; found != 0; found &= found - 1) {
         const int32_t x = 64 * word + __builtin_ctzll(found);
         to[x] = from[ColumnOf(x + column - 1)];
       }
+      if (open == 0) return;
     }
   }
 }

@@ -133,8 +133,13 @@ void Painter::PaintPoint(PointInt point) {
   if (Stores(point)) *view_.At<uint8_t>(point.x, point.y) = value_;
 }
 
+// Whether all of it lies in the frame.
 bool Painter::PaintLine(PointInt from, PointInt to) {
   KernelLine line{from.x, from.y, to.x, to.y};
+  if (Stores(from) && Stores(to)) {
+    PaintStored(line);
+    return true;
+  }
   if (!LineClipToSize(frame_.width, frame_.height, &line)) return false;
   if (Stores({line.startX, line.startY}) && Stores({line.endX, line.endY})) {
     PaintStored(line);
@@ -146,15 +151,9 @@ bool Painter::PaintLine(PointInt from, PointInt to) {
 
 // A line of which all pixels are stored.
 void Painter::PaintStored(const KernelLine& line) {
-  LineSteps steps(line);
-  uint8_t* pixel = view_.At<uint8_t>(line.startX, line.startY);
-  const int64_t pitch = view_.pitch;
+  LinePixels<uint8_t> pixels(view_, line);
   const uint8_t value = value_;
-  for (int64_t left = steps.points(); left > 0; left--) {
-    *pixel = value;
-    const LinePoint step = steps.Next();
-    pixel += step.x + step.y * pitch;
-  }
+  for (int64_t left = pixels.count(); left > 0; left--) *pixels.Take() = value;
 }
 
 // A line in the frame. What is not stored is passed over along its longer axis, so that time hangs

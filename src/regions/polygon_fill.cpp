@@ -46,6 +46,8 @@ void PolygonFill::AddEdge(PointInt from, PointInt to) {
   const bool isBelow = from.y >= frameHeight_ && to.y >= frameHeight_;
   if (isAbove || isBelow) return;
   if (from.y == to.y) {
+    // Two crossings in one place change nothing beside the outline.
+    if (from.x == to.x) return;
     AddPoint(from);
     AddPoint(to);
     return;

@@ -98,6 +98,7 @@ LineSteps::LineSteps(const KernelLine& line) {
   error_ = 2 * minor - major;
   onMajor_ = 2 * minor;
   onBoth_ = 2 * minor - 2 * major;
+  lessOnMinor_ = 2 * major;
   diagonal_ = {dx < 0 ? -1 : 1, dy < 0 ? -1 : 1};
   straight_ = height > width ? LinePoint{0, diagonal_.y} : LinePoint{diagonal_.x, 0};
 }
@@ -129,48 +130,16 @@ Status LineWalk(const KernelLine& line, bool relative, Handle vector, int32_t* c
 
 namespace {
 
-// The pixels of a clipped line, one after the other.
-template <class T>
-class LinePixels {
- public:
-  LinePixels(const Image& image, const KernelLine& line)
-      : steps_(line),
-        address_(ViewOf(image).At<T>(line.startX, line.startY)),
-        lineWidth_(image.lineWidth) {}
-
-  void Read(T* pixels, int64_t count) {
-    for (int64_t i = 0; i < count; i++) pixels[i] = *Take();
-  }
-  void Write(const T* pixels, int64_t count) {
-    for (int64_t i = 0; i < count; i++) *Take() = pixels[i];
-  }
-
- private:
-  T* Take() {
-    if (started_) {
-      const LinePoint step = steps_.Next();
-      address_ += step.x + step.y * lineWidth_;
-    }
-    started_ = true;
-    return address_;
-  }
-
-  LineSteps steps_;
-  T* address_;
-  int64_t lineWidth_;
-  bool started_ = false;
-};
-
 constexpr int64_t LINE_RUN = 256;  // pixels on their way between image and array
 
 template <class T>
 void LineToArray(const Image& image, const KernelLine& line, int64_t count, int32_t arrayType,
                  void* array) {
-  LinePixels<T> pixels(image, line);
+  LinePixels<T> pixels(ViewOf(image), line);
   T buffer[LINE_RUN];
   for (int64_t done = 0; done < count; done += LINE_RUN) {
     const int64_t run = std::min(LINE_RUN, count - done);
-    pixels.Read(buffer, run);
+    for (int64_t i = 0; i < run; i++) buffer[i] = *pixels.Take();
     PixelsToArray(buffer, image.type, run, array, arrayType, done);
   }
 }
@@ -178,12 +147,12 @@ void LineToArray(const Image& image, const KernelLine& line, int64_t count, int3
 template <class T>
 void LineFromArray(const Image& image, const KernelLine& line, int64_t count, int32_t arrayType,
                    const void* array) {
-  LinePixels<T> pixels(image, line);
+  LinePixels<T> pixels(ViewOf(image), line);
   T buffer[LINE_RUN];
   for (int64_t done = 0; done < count; done += LINE_RUN) {
     const int64_t run = std::min(LINE_RUN, count - done);
     PixelsFromArray(array, arrayType, done, image.type, buffer, run);
-    pixels.Write(buffer, run);
+    for (int64_t i = 0; i < run; i++) *pixels.Take() = buffer[i];
   }
 }
 

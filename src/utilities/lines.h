@@ -5,6 +5,7 @@
 
 #include "core/handles.h"
 #include "core/rectangles.h"
+#include "core/views.h"
 
 namespace zel {
 
@@ -31,10 +32,15 @@ class LineSteps {
  public:
   explicit LineSteps(const KernelLine& line);
   int64_t points() const { return points_; }
-  LinePoint Next() {
-    const bool both = error_ >= 0;
-    error_ += both ? onBoth_ : onMajor_;
-    return both ? diagonal_ : straight_;
+  LinePoint straight() const { return straight_; }
+  LinePoint diagonal() const { return diagonal_; }
+  LinePoint Next() { return NextStraight() != 0 ? straight_ : diagonal_; }
+  // All bits set for a step along the longer axis alone, else 0: which it is can hardly be
+  // foreseen, so that callers do best without a branch.
+  int64_t NextStraight() {
+    const int64_t straight = error_ >> 63;  // the sign
+    error_ = (error_ + onBoth_) + (straight & lessOnMinor_);
+    return straight;
   }
   // Takes so many steps at once, before the first Next, of a line whose coordinates are not
   // negative. Answers where they lead, seen from the start.
@@ -43,8 +49,39 @@ class LineSteps {
  private:
   int64_t points_;
   int64_t error_;
-  int64_t onMajor_, onBoth_;  // changes of the error
+  int64_t onMajor_, onBoth_, lessOnMinor_;  // changes of the error
   LinePoint straight_, diagonal_;
+};
+
+// The pixels of a line that lies in an image, one after the other.
+template <class T>
+class LinePixels {
+ public:
+  // With a copy of the steps, of which the compiler knows that no pixel lies in them.
+  LinePixels(const PixelView& view, const KernelLine& line)
+      : LinePixels(view, line, LineSteps(line)) {}
+
+  int64_t count() const { return steps_.points(); }
+  T* Take() {
+    auto* pixel = reinterpret_cast<T*>(next_);
+    next_ += diagonal_ + (back_ & steps_.NextStraight());
+    return pixel;
+  }
+
+ private:
+  LinePixels(const PixelView& view, const KernelLine& line, const LineSteps& steps)
+      : steps_(steps),
+        next_(reinterpret_cast<uint8_t*>(view.At<T>(line.startX, line.startY))),
+        diagonal_(OffsetOf(steps_.diagonal(), view.pitch)),
+        back_(OffsetOf(steps_.straight(), view.pitch) - diagonal_) {}
+
+  static int64_t OffsetOf(const LinePoint& step, int64_t pitch) {
+    return step.x * static_cast<int64_t>(sizeof(T)) + step.y * pitch;
+  }
+
+  LineSteps steps_;
+  uint8_t* next_;
+  int64_t diagonal_, back_;  // bytes to the next pixel, and from there after a straight step
 };
 
 // Fills a vector with the points of a line, one LinePoint each; with `relative` with the steps from

@@ -140,16 +140,10 @@ class JoinedRows {
   void Begin(const Tile& tile) {
     columns_.count = tile.Columns() * numbers_;
     columns_.readable = views_.source.width * numbers_;
-    for (int32_t i = 0; i < tile.Columns(); i++) {
-      const SourcePosition at = views_.x.At(tile.begin + i);
-      for (int32_t k = 0; k < numbers_; k++) columns_.share[i * numbers_ + k] = at.share;
-      for (int32_t sample = 0; sample < samplesAlong_; sample++) {
-        const int32_t pixel =
-            Readable(int64_t{at.pixel} + sample, views_.source.width, views_.border);
-        for (int32_t k = 0; k < numbers_; k++) {
-          columns_.index[sample][i * numbers_ + k] = pixel * numbers_ + k;
-        }
-      }
+    if (numbers_ == 1) {
+      Place<1>(tile);
+    } else {
+      Place<4>(tile);
     }
     columns_.estimated = 0;
     columns_.windowed = 0;
@@ -188,6 +182,28 @@ class JoinedRows {
 
  private:
   static constexpr int64_t NONE = -1;
+
+  // Where the pixels of a tile stand, of so many numbers each.
+  template <int32_t numbers>
+  void Place(const Tile& tile) {
+    const ResampleAxis x = views_.x;
+    const int32_t size = views_.source.width;
+    const int32_t border = views_.border;
+    const int32_t count = tile.Columns();
+    int32_t pixels[TILE_NUMBERS];
+    for (int32_t i = 0; i < count; i++) {
+      const SourcePosition at = x.At(tile.begin + i);
+      pixels[i] = at.pixel;
+      for (int32_t k = 0; k < numbers; k++) columns_.share[i * numbers + k] = at.share;
+    }
+    for (int32_t sample = 0; sample < samplesAlong_; sample++) {
+      int32_t* index = columns_.index[sample];
+      for (int32_t i = 0; i < count; i++) {
+        const int32_t pixel = Readable(int64_t{pixels[i]} + sample, size, border);
+        for (int32_t k = 0; k < numbers; k++) index[i * numbers + k] = pixel * numbers + k;
+      }
+    }
+  }
 
   // The rows that are needed at once follow each other, or are one: none displaces another.
   const HeldRow& Joined(int32_t row) {

@@ -22,11 +22,19 @@ constexpr float FLOAT_OFFSET = 8388608.0f;
 // Out of 64 bytes.
 constexpr int32_t WINDOW_BYTES = 64;
 
-ZEL_INLINE Ints BytesAt(const uint8_t* from, Ints places) {
-  constexpr __mmask64 lowBytes = 0x1111111111111111;
-  return (Ints)_mm512_mask_permutexvar_epi8(_mm512_set1_epi32(FLOAT_BITS), lowBytes, Of(places),
-                                            Load<__m512i>(from));
-}
+class ByteWindow {
+ public:
+  // Loads once: for each use again, as compilers do, most loads would be across two cache lines.
+  explicit ByteWindow(const uint8_t* from) : bytes_(Load<__m512i>(from)) { asm("" : "+v"(bytes_)); }
+  ZEL_INLINE Ints At(Ints places) const {
+    constexpr __mmask64 lowBytes = 0x1111111111111111;
+    return (Ints)_mm512_mask_permutexvar_epi8(_mm512_set1_epi32(FLOAT_BITS), lowBytes, Of(places),
+                                              bytes_);
+  }
+
+ private:
+  __m512i bytes_;
+};
 
 // So that nothing is read beyond the readable bytes.
 ZEL_INLINE int32_t WindowStart(int32_t first, int32_t readable) {
@@ -39,9 +47,14 @@ ZEL_INLINE bool WindowHolds(int32_t first, int32_t last, int32_t readable) {
 #else
 
 // By gathers, which read four bytes at each place.
-ZEL_INLINE Ints BytesAt(const uint8_t* from, Ints places) {
-  return (GatherInts(from, places) & 0xFF) | FLOAT_BITS;
-}
+class ByteWindow {
+ public:
+  explicit ByteWindow(const uint8_t* from) : from_(from) {}
+  ZEL_INLINE Ints At(Ints places) const { return (GatherInts(from_, places) & 0xFF) | FLOAT_BITS; }
+
+ private:
+  const uint8_t* from_;
+};
 ZEL_INLINE int32_t WindowStart(int32_t, int32_t) {
   return 0;
 }
@@ -140,7 +153,7 @@ void PickBytes(const void* source, const PickColumns& columns, void* destination
        i + LANES <= columns.count && WindowHolds(index[i], index[i + LANES - 1], columns.readable);
        i += LANES) {
     const int32_t start = WindowStart(index[i], columns.readable);
-    StoreBytes<0>(to + i, BytesAt(from + start, Load<Ints>(index + i) - start));
+    StoreBytes<0>(to + i, ByteWindow(from + start).At(Load<Ints>(index + i) - start));
   }
   PickEach<uint8_t>(from, columns, i, to);
 }
@@ -323,11 +336,12 @@ constexpr BySamples<DownRows> DOWN = {.one = &Down<T, 1>, .two = &Down<T, 2>, .t
 
 #if defined(ZEL_WIDE_VECTORS)
 
-// What is estimated lies from 0 to 255. A share is rounded to within 2^-25, which a difference of
-// 255 makes 2^-17, and the sum to within 2^-17: 2^-16 along a row. Down the rows the weights keep
-// that, and the rounded difference, share and sum add 2^-17 each: below 2^-14. The stated numbers
-// are rounded to far less. So the estimate in 65536ths, cut, is less than 5 off, and in doubt where
-// it is within 8 of a whole number.
+// What is estimated, and what is added up on the way, lies below 2^24 of 65536ths, so that rounding
+// it is half of one off at most. So is a rounded share of a difference of 255, and with it of 510
+// one. Along a row there are two halves, and down the rows three more. For both at once there are
+// seven: the slope, its share down (two) and its share across, what is down from the corner and its
+// share, and the sum. The stated numbers are rounded to far less. So the estimate, cut, is less
+// than 5 off, and in doubt where it is within 8 of a whole number.
 constexpr int32_t ONE = 65536;  // in the third byte stands the whole number
 constexpr int32_t NEAR_WHOLE = 8;
 constexpr int32_t FAR_FROM_WHOLE = ONE - 2 * NEAR_WHOLE;  // the bits of which some are set then
@@ -353,12 +367,17 @@ ZEL_INLINE Floats Between(Floats f0, Floats f1, Floats t) {
   return MultiplyAdd(f1 - f0, t, f0);
 }
 
+// In 65536ths.
+ZEL_INLINE Floats InParts(Floats bytes) {
+  return MultiplyAdd(bytes, Floats{} + ONE, Floats{} - FLOAT_OFFSET * ONE);
+}
+
 // In 65536ths. The row from its vector's start on.
 ZEL_INLINE Floats JoinedAlong(const uint8_t* from, const TileColumns& columns, int32_t i) {
-  const Floats f0 = (Floats)BytesAt(from, Load<Ints>(columns.place[0] + i));
-  const Floats f1 = (Floats)BytesAt(from, Load<Ints>(columns.place[1] + i));
-  const Floats whole = MultiplyAdd(f0, Floats{} + ONE, Floats{} - FLOAT_OFFSET * ONE);
-  return MultiplyAdd(f1 - f0, Load<Floats>(columns.shareEstimate + i), whole);
+  const ByteWindow window(from);
+  const Floats f0 = (Floats)window.At(Load<Ints>(columns.place[0] + i));
+  const Floats f1 = (Floats)window.At(Load<Ints>(columns.place[1] + i));
+  return MultiplyAdd(f1 - f0, Load<Floats>(columns.shareEstimate + i), InParts(f0));
 }
 
 void EstimateAlong(const uint8_t* from, const TileColumns& columns, float* to) {
@@ -373,71 +392,68 @@ ZEL_INLINE double StatedAlong(const uint8_t* from, const TileColumns& columns, i
                  static_cast<double>(from[columns.index[1][i]]), columns.share[i]);
 }
 
-// The doubtful results of a tile: bits for each vector. They are left for a second pass, so that
-// the first one runs without a branch.
-struct Doubts {
-  uint16_t vectors[TILE_NUMBERS / LANES];
-};
-
 // Results whose four pixels are equal are exact.
 ZEL_INLINE uint32_t EqualBits(const EstimatedRows& rows, const TileColumns& columns, int32_t i) {
-  const uint8_t* top = rows.from[0] + columns.start[i];
-  const uint8_t* bottom = rows.from[1] + columns.start[i];
+  const ByteWindow top(rows.from[0] + columns.start[i]);
+  const ByteWindow bottom(rows.from[1] + columns.start[i]);
   const auto first = Load<Ints>(columns.place[0] + i);
   const auto second = Load<Ints>(columns.place[1] + i);
-  const Ints corner = BytesAt(top, first);
-  const Ints differs = (corner ^ BytesAt(top, second)) | (corner ^ BytesAt(bottom, first)) |
-                       (corner ^ BytesAt(bottom, second));
+  const Ints corner = top.At(first);
+  const Ints differs =
+      (corner ^ top.At(second)) | (corner ^ bottom.At(first)) | (corner ^ bottom.At(second));
   return DisjointBits(differs, differs);
 }
 
-void DoubtsSettle(const EstimatedRows& rows, const TileColumns& columns, const Doubts& doubts,
-                  uint8_t* to) {
-  const int32_t count = columns.estimated;
-  for (int32_t i = 0; i < count; i += LANES) {
-    uint32_t bits = doubts.vectors[i / LANES];
-    if (bits != 0) bits &= ~EqualBits(rows, columns, i);
-    for (; bits != 0; bits &= bits - 1) {
-      const int32_t at = i + __builtin_ctz(bits);
-      const double stated = Between(StatedAlong(rows.from[0], columns, at),
-                                    StatedAlong(rows.from[1], columns, at), rows.share);
-      to[at] = NumberOf<uint8_t>(stated);
-    }
+// The results in doubt of a vector, a bit for each.
+[[gnu::noinline]] void DoubtsSettle(const EstimatedRows& rows, const TileColumns& columns,
+                                    int32_t i, uint32_t bits, uint8_t* to) {
+  for (bits &= ~EqualBits(rows, columns, i); bits != 0; bits &= bits - 1) {
+    const int32_t at = i + __builtin_ctz(bits);
+    const double stated = Between(StatedAlong(rows.from[0], columns, at),
+                                  StatedAlong(rows.from[1], columns, at), rows.share);
+    to[at] = NumberOf<uint8_t>(stated);
   }
 }
 
-ZEL_INLINE void StoreEstimates(Floats top, Floats bottom, Floats share, int32_t i, uint8_t* to,
-                               Doubts* doubts) {
-  const Ints parts = Truncate(Between(top, bottom, share));
-  StoreBytes<2>(to + i, parts);
-  doubts->vectors[i / LANES] =
-      static_cast<uint16_t>(DisjointBits(parts + NEAR_WHOLE, Ints{} + FAR_FROM_WHOLE));
+// From estimates in 65536ths. Answers the bits of those in doubt.
+ZEL_INLINE uint32_t StoreEstimates(Floats estimates, uint8_t* to) {
+  const Ints parts = Truncate(estimates);
+  StoreBytes<2>(to, parts);
+  return DisjointBits(parts + NEAR_WHOLE, Ints{} + FAR_FROM_WHOLE);
 }
 
 void EstimateDown(const EstimatedRows& rows, const TileColumns& columns, uint8_t* to) {
   const Floats share = Floats{} + static_cast<float>(rows.share);
-  const float* top = rows.joined[0];
-  const float* bottom = rows.joined[1];
   const int32_t count = columns.estimated;
-  Doubts doubts;
   for (int32_t i = 0; i < count; i += LANES) {
-    StoreEstimates(Load<Floats>(top + i), Load<Floats>(bottom + i), share, i, to, &doubts);
+    const auto top = Load<Floats>(rows.joined[0] + i);
+    const auto bottom = Load<Floats>(rows.joined[1] + i);
+    const uint32_t doubts = StoreEstimates(Between(top, bottom, share), to + i);
+    if (doubts != 0) DoubtsSettle(rows, columns, i, doubts, to);
   }
-  DoubtsSettle(rows, columns, doubts, to);
 }
 
+// From the first pixel of four: what there is down from it and along from it, and how much more
+// along in the row below.
 void EstimateBoth(const EstimatedRows& rows, const TileColumns& columns, uint8_t* to) {
   const Floats share = Floats{} + static_cast<float>(rows.share);
-  const uint8_t* top = rows.from[0];
-  const uint8_t* bottom = rows.from[1];
+  const Floats shareParts = share * static_cast<float>(ONE);
   const int32_t count = columns.estimated;
-  Doubts doubts;
   for (int32_t i = 0; i < count; i += LANES) {
-    const int32_t start = columns.start[i];
-    StoreEstimates(JoinedAlong(top + start, columns, i), JoinedAlong(bottom + start, columns, i),
-                   share, i, to, &doubts);
+    const ByteWindow top(rows.from[0] + columns.start[i]);
+    const ByteWindow bottom(rows.from[1] + columns.start[i]);
+    const auto first = Load<Ints>(columns.place[0] + i);
+    const auto second = Load<Ints>(columns.place[1] + i);
+    const Floats corner = (Floats)top.At(first);
+    const Floats down = (Floats)bottom.At(first) - corner;
+    const Floats along = (Floats)top.At(second) - corner;
+    const Floats more = (Floats)bottom.At(second) - (Floats)bottom.At(first) - along;
+    const Floats slope = MultiplyAdd(more, share, along);
+    const Floats left = MultiplyAdd(down, shareParts, InParts(corner));
+    const auto across = Load<Floats>(columns.shareEstimate + i);
+    const uint32_t doubts = StoreEstimates(MultiplyAdd(slope, across, left), to + i);
+    if (doubts != 0) DoubtsSettle(rows, columns, i, doubts, to);
   }
-  DoubtsSettle(rows, columns, doubts, to);
 }
 
 constexpr EstimateRows ESTIMATE = {.prepare = &EstimatePrepare,

@@ -23,38 +23,70 @@ struct Pen {
   bool Paints() const { return mode == DRAW_PAINT || mode == DRAW_INVERT_PAINT; }
 };
 
-// ---- pixels side by side
+// ---- what pixels become
 
-// What pixels become: a value, or what is left of a sum, by pixel type.
+// A value, or what is left of a sum, by pixel type.
 struct Ink {
   double value;  // to be cut for integers
   int32_t sum;
   float floatSum;
 };
 
-using SpanDraw = void (*)(void* pixels, int64_t count, const Ink& ink);
+template <class T>
+struct Painted {
+  using Pixel = T;
+  T value;
+  explicit Painted(const Ink& ink) : value(CutLow<T>(ink.value)) {}
+  T operator()(T) const { return value; }
+};
+template <>
+struct Painted<float> {
+  using Pixel = float;
+  float value;
+  explicit Painted(const Ink& ink) : value(static_cast<float>(ink.value)) {}
+  float operator()(float) const { return value; }
+};
 
 template <class T>
-void SpanPaint(void* pixels, int64_t count, const Ink& ink) {
-  std::fill_n(static_cast<T*>(pixels), count, CutLow<T>(ink.value));
-}
+struct Inverted {
+  using Pixel = T;
+  int32_t sum;
+  explicit Inverted(const Ink& ink) : sum(ink.sum) {}
+  T operator()(T pixel) const { return static_cast<T>(sum - pixel); }
+};
 template <>
-void SpanPaint<float>(void* pixels, int64_t count, const Ink& ink) {
-  std::fill_n(static_cast<float*>(pixels), count, static_cast<float>(ink.value));
+struct Inverted<float> {
+  using Pixel = float;
+  float sum;
+  explicit Inverted(const Ink& ink) : sum(ink.floatSum) {}
+  float operator()(float pixel) const { return sum - pixel; }
+};
+
+// Pixels side by side, and those of a line that lies in the image.
+struct DrawRoutines {
+  void (*span)(void* pixels, int64_t count, const Ink& ink);
+  void (*line)(const PixelView& view, const KernelLine& line, const Ink& ink);
+};
+
+template <class Rule>
+void SpanDraw(void* pixels, int64_t count, const Ink& ink) {
+  const Rule rule(ink);
+  auto* first = static_cast<typename Rule::Pixel*>(pixels);
+  std::transform(first, first + count, first, rule);
 }
 
-void BytesInvert(void* pixels, int64_t count, const Ink&) {
-  auto* bytes = static_cast<uint8_t*>(pixels);
-  for (int64_t i = 0; i < count; i++) bytes[i] = static_cast<uint8_t>(~bytes[i]);
+template <class Rule>
+void LineDraw(const PixelView& view, const KernelLine& line, const Ink& ink) {
+  const Rule rule(ink);
+  LinePixels<typename Rule::Pixel> pixels(view, line);
+  for (int64_t i = pixels.count(); i > 0; i--) {
+    auto* pixel = pixels.Take();
+    *pixel = rule(*pixel);
+  }
 }
-void WordsInvert(void* pixels, int64_t count, const Ink& ink) {
-  auto* words = static_cast<int16_t*>(pixels);
-  for (int64_t i = 0; i < count; i++) words[i] = static_cast<int16_t>(ink.sum - words[i]);
-}
-void FloatsInvert(void* pixels, int64_t count, const Ink& ink) {
-  auto* floats = static_cast<float*>(pixels);
-  for (int64_t i = 0; i < count; i++) floats[i] = ink.floatSum - floats[i];
-}
+
+template <class Rule>
+constexpr DrawRoutines DRAW_BY = {.span = &SpanDraw<Rule>, .line = &LineDraw<Rule>};
 
 // The sum of the smallest and the largest pixel, which start from these; 0 where they are equal.
 template <class T, class Sum>
@@ -73,7 +105,7 @@ Sum RangeSum(const PixelView& view, Sum smallest, Sum largest) {
 // Where shapes are drawn. What lies beyond the image is left out.
 struct Canvas {
   PixelView view;
-  SpanDraw draw;
+  DrawRoutines draw;
   Ink ink;
 
   // Columns from `first` to `last`, both ends included.
@@ -81,24 +113,26 @@ struct Canvas {
     if (y < 0 || y >= view.height) return;
     first = std::max<int64_t>(first, 0);
     last = std::min<int64_t>(last, view.width - 1);
-    if (first <= last) draw(view.Row<uint8_t>(y) + first * view.pixelBytes, last - first + 1, ink);
+    if (first > last) return;
+    draw.span(view.Row<uint8_t>(y) + first * view.pixelBytes, last - first + 1, ink);
   }
 };
 
 Canvas CanvasOf(const Operands& operands, const Pen& pen) {
-  Canvas canvas{.view = operands.To(), .draw = nullptr, .ink = {}};
+  Canvas canvas{.view = operands.To(), .draw = {}, .ink = {}};
   canvas.ink.value = static_cast<double>(pen.value);
   const bool inverts = pen.Inverts();
   switch (canvas.view.type) {
     case IMAGE_U8:
-      canvas.draw = inverts ? &BytesInvert : &SpanPaint<uint8_t>;
+      canvas.draw = inverts ? DRAW_BY<Inverted<uint8_t>> : DRAW_BY<Painted<uint8_t>>;
+      canvas.ink.sum = UINT8_MAX;
       break;
     case IMAGE_I16:
-      canvas.draw = inverts ? &WordsInvert : &SpanPaint<int16_t>;
+      canvas.draw = inverts ? DRAW_BY<Inverted<int16_t>> : DRAW_BY<Painted<int16_t>>;
       if (inverts) canvas.ink.sum = RangeSum<int16_t, int32_t>(canvas.view, INT32_MAX, 0);
       break;
     default:
-      canvas.draw = inverts ? &FloatsInvert : &SpanPaint<float>;
+      canvas.draw = inverts ? DRAW_BY<Inverted<float>> : DRAW_BY<Painted<float>>;
       if (inverts) canvas.ink.floatSum = RangeSum<float, float>(canvas.view, 1e38f, -1e38f);
   }
   return canvas;
@@ -110,16 +144,10 @@ PixelBox BoxOf(int32_t top, int32_t left, int32_t height, int32_t width) {
   return {left, top, int64_t{left} + width - 1, int64_t{top} + height - 1};
 }
 
-void LineDraw(const Canvas& canvas, const KernelLine& given, const Pen&) {
+void VisibleLineDraw(const Canvas& canvas, const KernelLine& given, const Pen&) {
   KernelLine line = given;
   if (!LineClipToSize(canvas.view.width, canvas.view.height, &line)) return;
-  LineSteps steps(line);
-  LinePoint at{line.startX, line.startY};
-  for (int64_t i = 0; i < steps.points(); i++) {
-    canvas.Row(at.y, at.x, at.x);
-    const LinePoint step = steps.Next();
-    at = {at.x + step.x, at.y + step.y};
-  }
+  canvas.draw.line(canvas.view, line, canvas.ink);
 }
 
 void BoxDraw(const Canvas& canvas, const PixelBox& box, const Pen& pen) {
@@ -182,8 +210,8 @@ Status Draw(const DrawImages& images, const Shape& shape, const Pen& given,
 int32_t ZEL_DrawLine(ImageRef source, ImageRef destination, int32_t startX, int32_t startY,
                      int32_t endX, int32_t endY, int32_t mode, float value) {
   const zel::KernelLine line{startX, startY, endX, endY};
-  return ZEL_ProcessError("ZEL_DrawLine",
-                          zel::Draw({source, destination}, line, {mode, value}, &zel::LineDraw));
+  return ZEL_ProcessError(
+      "ZEL_DrawLine", zel::Draw({source, destination}, line, {mode, value}, &zel::VisibleLineDraw));
 }
 
 int32_t ZEL_DrawRect(ImageRef source, ImageRef destination, int32_t top, int32_t left,
