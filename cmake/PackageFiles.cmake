@@ -1,0 +1,21 @@
+# What Debian wants of the files of each package, done by CPack before it packs them: manual pages and lists of
+# changes are compressed, each package tells its copyright, and all files have one time, that of SOURCE_DATE_EPOCH, so
+# that the same sources give the same bytes.
+string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)
+foreach(component IN LISTS CPACK_COMPONENTS_ALL)
+  set(package ${CPACK_TEMPORARY_DIRECTORY}/${component})
+  string(TOUPPER ${component} upper)
+  set(documents ${package}/usr/share/doc/${CPACK_DEBIAN_${upper}_PACKAGE_NAME})
+  file(COPY_FILE ${CMAKE_CURRENT_LIST_DIR}/debian/copyright ${documents}/copyright)
+  file(COPY_FILE ${CPACK_PTK_CHANGES} ${documents}/changelog)
+  file(WRITE ${documents}/changelog.Debian
+       "${CPACK_DEBIAN_PACKAGE_SOURCE} (${CPACK_PACKAGE_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}) unstable; urgency=medium
+
+  * orlune_ptk ${CPACK_PACKAGE_VERSION}; changelog.gz tells what changed.
+
+ -- ${CPACK_PACKAGE_CONTACT}  ${date}\n")
+  file(GLOB_RECURSE pages ${package}/usr/share/man/*.[0-9])
+  execute_process(COMMAND gzip -9n ${documents}/changelog ${documents}/changelog.Debian ${pages}
+                  COMMAND_ERROR_IS_FATAL ANY)
+  execute_process(COMMAND find ${package} -exec touch -h -d @$ENV{SOURCE_DATE_EPOCH} {} + COMMAND_ERROR_IS_FATAL ANY)
+endforeach()
