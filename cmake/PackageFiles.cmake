@@ -6,8 +6,8 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   set(package ${CPACK_TEMPORARY_DIRECTORY}/${component})
   string(TOUPPER ${component} upper)
   set(documents ${package}/usr/share/doc/${CPACK_DEBIAN_${upper}_PACKAGE_NAME})
-  file(COPY_FILE ${CMAKE_CURRENT_LIST_DIR}/debian/copyright ${documents}/copyright)
-  file(COPY_FILE ${CPACK_PTK_CHANGES} ${documents}/changelog)
+  execute_process(COMMAND install -D -m 644 ${CMAKE_CURRENT_LIST_DIR}/debian/copyright ${documents}/copyright
+                  COMMAND install -D -m 644 ${CPACK_PTK_CHANGES} ${documents}/changelog COMMAND_ERROR_IS_FATAL ANY)
   file(WRITE ${documents}/changelog.Debian
        "${CPACK_DEBIAN_PACKAGE_SOURCE} (${CPACK_PACKAGE_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}) unstable; urgency=medium
 

@@ -7,6 +7,7 @@ endif()
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME orlune-ptk)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # each package has its own
 set(CPACK_PACKAGE_CONTACT "${PTK_PACKAGE_CONTACT}")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_COMPONENTS_ALL runtime development front python)
@@ -21,41 +22,48 @@ set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(control_files ${PROJECT_SOURCE_DIR}/cmake/debian)
 
-# ptk_package(COMPONENT NAME SECTION SUMMARY [SENTENCE]): the sentence tells what this one of the packages has.
-macro(ptk_package component name section summary)
+# ptk_package(COMPONENT NAME SECTION SUMMARY CONTENTS): the lines of contents tell what this one of the packages has.
+macro(ptk_package component name section summary contents)
   set(CPACK_DEBIAN_${component}_PACKAGE_NAME ${name})
   set(CPACK_DEBIAN_${component}_PACKAGE_SECTION ${section})
   set(CPACK_DEBIAN_${component}_DESCRIPTION
       "${summary}
-orlune_ptk inspects pictures from cameras and files: thresholds, filters, morphology, particles with 50 measures, \
-colours, the Fourier transform, gauges, bar codes, meters and displays.
- .
-${ARGN}")
+orlune_ptk inspects pictures from cameras and files: thresholds, filters,
+morphology, particles with 50 measures, colours, the Fourier transform,
+gauges, bar codes, meters and displays.
+
+${contents}")
 endmacro()
 
 ptk_package(RUNTIME liborlune-ptk1 libs "machine vision and image processing - shared library"
-            "This package has the library. Text in images needs the recommended fonts and libraries, windows libxcb1.")
+            "This package has the library. What it recommends draws text in images and
+opens windows.")
 # Opened when text is drawn and when the first window is; without them all else works.
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS "fonts-dejavu-core, libfontconfig1, libfreetype6, libxcb1")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_GENERATE_SHLIBS ON)
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 
-# The symbols that programs may ask for, and since which release they are there.
+# What programs that link the library depend on: by the symbols that they ask for, each with the release since which it
+# is there, or by the library as a whole.
+set(soname "liborlune_ptk.so.${PROJECT_VERSION_MAJOR}")
 file(STRINGS ${PROJECT_SOURCE_DIR}/include/exports.txt symbols REGEX "^ZEL_")
 list(SORT symbols)
 list(TRANSFORM symbols REPLACE "(.+)" " \\1@ORLUNE_PTK_1 1.0.0\n")
 list(JOIN symbols "" symbol_lines)
-file(WRITE ${PROJECT_BINARY_DIR}/symbols "liborlune_ptk.so.${PROJECT_VERSION_MAJOR} liborlune-ptk1 #MINVER#
+file(WRITE ${PROJECT_BINARY_DIR}/symbols "${soname} liborlune-ptk1 #MINVER#
  ORLUNE_PTK_1@ORLUNE_PTK_1 1.0.0\n${symbol_lines}")
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/symbols ${control_files}/triggers)
+file(WRITE ${PROJECT_BINARY_DIR}/shlibs
+     "liborlune_ptk ${PROJECT_VERSION_MAJOR} liborlune-ptk1 (>= ${PROJECT_VERSION})\n")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/symbols ${PROJECT_BINARY_DIR}/shlibs
+                                               ${control_files}/triggers)
 
 ptk_package(DEVELOPMENT liborlune-ptk-dev libdevel "machine vision and image processing - development files"
-            "This package has the headers, a manual page for each function, and what CMake and pkg-config need.")
+            "This package has the headers, a manual page for each function, and what
+CMake and pkg-config need.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "liborlune-ptk1 (= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
 
 ptk_package(FRONT orlune graphics "inspect, measure, filter and read pictures on the command line"
-            "This package has the command orlune, its manual pages and completions for bash, zsh and fish.")
+            "This package has the command orlune, its manual pages, and completions for
+bash, zsh and fish.")
 set(CPACK_DEBIAN_FRONT_PACKAGE_DEPENDS "liborlune-ptk1 (>= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_FRONT_PACKAGE_SHLIBDEPS ON)
 

@@ -5,12 +5,12 @@
 set -eu
 cd "$(dirname "$0")/.."
 : "${SOURCE_DATE_EPOCH:=$(git log -1 --format=%ct 2>/dev/null || stat -c %Y CHANGELOG.md)}"
-export SOURCE_DATE_EPOCH LC_ALL=C.UTF-8
+export SOURCE_DATE_EPOCH
 umask 022
 cmake --preset packages "$@"
 cmake --build --preset packages
 rm -rf build/packages/dist
-cpack --config build/packages/CPackConfig.cmake -B build/packages/dist
+LC_ALL=C.UTF-8 cpack --config build/packages/CPackConfig.cmake -B build/packages/dist
 mkdir -p dist
 rm -f dist/*.deb
 cp build/packages/dist/*.deb dist/

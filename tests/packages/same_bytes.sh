@@ -15,7 +15,7 @@ first=$work/one
 second=$work/another/and/a/longer/name
 mkdir -p "$first" "$second"
 git archive HEAD | tar -x -C "$first"
-git archive HEAD | tar -x -m -C "$second"
+(umask 077 && git archive HEAD | tar -x -m --no-same-permissions -C "$second")
 (umask 022 && CMAKE_BUILD_PARALLEL_LEVEL=2 TZ=UTC "$first/tools/packages.sh" "$@" >"$work/first.log" 2>&1) || {
   tail -50 "$work/first.log"
   exit 1
