@@ -46,8 +46,8 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
 # is there, or by the library as a whole.
 set(soname "liborlune_ptk.so.${PROJECT_VERSION_MAJOR}")
 file(STRINGS ${PROJECT_SOURCE_DIR}/include/exports.txt symbols REGEX "^ZEL_")
-list(SORT symbols)
 list(TRANSFORM symbols REPLACE "(.+)" " \\1@ORLUNE_PTK_1 1.0.0\n")
+list(SORT symbols)
 list(JOIN symbols "" symbol_lines)
 file(WRITE ${PROJECT_BINARY_DIR}/symbols "${soname} liborlune-ptk1 #MINVER#
  ORLUNE_PTK_1@ORLUNE_PTK_1 1.0.0\n${symbol_lines}")
@@ -66,6 +66,7 @@ ptk_package(FRONT orlune graphics "inspect, measure, filter and read pictures on
 bash, zsh and fish.")
 set(CPACK_DEBIAN_FRONT_PACKAGE_DEPENDS "liborlune-ptk1 (>= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_FRONT_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR})  # where the library of these packages is
 
 ptk_package(PYTHON python3-orlune-ptk python "machine vision and image processing for NumPy"
             "This package has the module orlune_ptk for Python 3.")
