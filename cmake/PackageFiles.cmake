@@ -1,6 +1,5 @@
-# What Debian wants of the files of each package, done by CPack before it packs them: manual pages and lists of
-# changes are compressed, each package tells its copyright, and all files have one time, that of SOURCE_DATE_EPOCH, so
-# that the same sources give the same bytes.
+# What Debian wants of the files of each package, done by CPack before it packs them: manual pages and lists of changes
+# are compressed, and each package tells its copyright.
 string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   set(package ${CPACK_TEMPORARY_DIRECTORY}/${component})
@@ -17,5 +16,4 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   file(GLOB_RECURSE pages ${package}/usr/share/man/*.[0-9])
   execute_process(COMMAND gzip -9n ${documents}/changelog ${documents}/changelog.Debian ${pages}
                   COMMAND_ERROR_IS_FATAL ANY)
-  execute_process(COMMAND find ${package} -exec touch -h -d @$ENV{SOURCE_DATE_EPOCH} {} + COMMAND_ERROR_IS_FATAL ANY)
 endforeach()
