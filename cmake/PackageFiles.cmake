@@ -6,7 +6,8 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   string(TOUPPER ${component} upper)
   set(documents ${package}/usr/share/doc/${CPACK_DEBIAN_${upper}_PACKAGE_NAME})
   execute_process(COMMAND install -D -m 644 ${CMAKE_CURRENT_LIST_DIR}/debian/copyright ${documents}/copyright
-                  COMMAND install -D -m 644 ${CPACK_PTK_CHANGES} ${documents}/changelog COMMAND_ERROR_IS_FATAL ANY)
+                  COMMAND_ERROR_IS_FATAL ANY)
+  execute_process(COMMAND install -m 644 ${CPACK_PTK_CHANGES} ${documents}/changelog COMMAND_ERROR_IS_FATAL ANY)
   file(WRITE ${documents}/changelog.Debian
        "${CPACK_DEBIAN_PACKAGE_SOURCE} (${CPACK_PACKAGE_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}) unstable; urgency=medium
 

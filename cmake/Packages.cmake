@@ -42,7 +42,7 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS "fonts-dejavu-core, libfontconfig1, 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
 
 # What programs that link the library depend on: by the symbols that they ask for, each with the release since which it
-# is there, or by the library as a whole.
+# is there, so far the first, or by the library as a whole.
 set(soname "liborlune_ptk.so.${PROJECT_VERSION_MAJOR}")
 file(STRINGS ${PROJECT_SOURCE_DIR}/include/exports.txt symbols REGEX "^ZEL_")
 list(TRANSFORM symbols REPLACE "(.+)" " \\1@ORLUNE_PTK_1 1.0.0\n")
@@ -72,7 +72,6 @@ ptk_package(PYTHON python3-orlune-ptk python "machine vision and image processin
 set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
     "liborlune-ptk1 (>= ${PROJECT_VERSION}), python3 (>= 3.10), python3-numpy (>= 1:1.24)")
 set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
-
 set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA ${control_files}/postinst ${control_files}/prerm)
 
 # The Python package, with the modules that are made from the headers.
