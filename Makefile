@@ -1,10 +1,12 @@
 # Commands for people. Each sets up what it needs; the work is in tools/ and the CMake presets.
-.PHONY: help demo test wheel accuracy asan check-deep bench bench-pages benchmark scorecard site check-format tidy fuzz clean
+.PHONY: help demo test wheel packages check-abi accuracy asan check-deep bench bench-pages benchmark scorecard site check-format tidy fuzz clean
 
 help:
 	@echo "make demo          make scenes, inspect them, show the particles and the annotated pictures"
 	@echo "make test          build and run all tests"
 	@echo "make wheel         make the Python wheel with the library in it, in dist/"
+	@echo "make packages      make the Debian packages, in dist/, and try them in a clean system"
+	@echo "make check-abi     look whether programs built with the last release still run"
 	@echo "make accuracy      print how near measures and edges come to the truth, as the tables in docs/"
 	@echo "make asan          the same under the address and undefined-behaviour sanitizers"
 	@echo "make bench         run the benchmarks beside their peers, roughly"
@@ -26,6 +28,15 @@ test:
 wheel:
 	@tools/setup.sh
 	python3 python/build_wheel.py dist
+
+packages:
+	@tools/setup.sh --packages
+	tools/packages.sh
+	tests/packages/run.sh dist
+
+check-abi:
+	@tools/setup.sh --packages
+	tools/check_abi.sh
 
 accuracy:
 	@tools/setup.sh

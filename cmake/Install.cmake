@@ -1,8 +1,10 @@
-# Installation: the library, its headers, a CMake package and a pkg-config file.
+# Installation: the library, its headers, a CMake package, a pkg-config file and manual pages. What programs need to
+# run is the component runtime; what is needed to build them, which is all else here, development.
 include(CMakePackageConfigHelpers)
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME development)
 
-install(TARGETS orlune_ptk EXPORT orlune_ptk_targets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS orlune_ptk EXPORT orlune_ptk_targets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development)
 install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
 
 # A manual page for each function, made from the headers where there is a Python to do it.

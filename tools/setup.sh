@@ -6,8 +6,9 @@
 # tests read, and windows on the screen are built with libxcb1-dev and tested with the last packages.
 # With --benchmarks also what the benchmarks compare with, with --check-tools also what checks the
 # sources, with --scorecard what the scorecard of readers compares with, with --deep-check also the
-# fuzzers and what tools/check_deep.sh runs, with --site also what builds the site.
-# usage: setup.sh [--benchmarks] [--scorecard] [--check-tools] [--deep-check] [--site]
+# fuzzers and what tools/check_deep.sh runs, with --site also what builds the site, with --packages what makes
+# and tries Debian packages.
+# usage: setup.sh [--benchmarks] [--scorecard] [--check-tools] [--deep-check] [--site] [--packages]
 set -eu
 
 needed="make g++ cmake ninja-build pkgconf libgtest-dev"
@@ -22,9 +23,10 @@ for argument in "$@"; do
     --scorecard) needed="$needed libzxing-dev libzbar-dev" ;;
     --deep-check) needed="$needed clang-19 libclang-rt-19-dev valgrind gcovr" ;;
     --site) needed="$needed mkdocs python3-pygments" ;;
-    --check-tools) needed="$needed clang-format clang-tidy cppcheck mypy" ;;
+    --check-tools) needed="$needed abigail-tools clang-format clang-tidy cppcheck mypy" ;;
+    --packages) needed="$needed abigail-tools dpkg-dev lintian mmdebstrap" ;;
     *)
-      echo "usage: setup.sh [--benchmarks] [--scorecard] [--check-tools] [--deep-check] [--site]" >&2
+      echo "usage: setup.sh [--benchmarks] [--scorecard] [--check-tools] [--deep-check] [--site] [--packages]" >&2
       exit 2
       ;;
   esac
