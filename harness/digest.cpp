@@ -16,8 +16,13 @@ void Digest::AddFloats(const void* floats, size_t count) {
     float value = 0;
     std::memcpy(&value, static_cast<const uint8_t*>(floats) + 4 * i, sizeof(value));
     if (std::isnan(value)) value = std::numeric_limits<float>::quiet_NaN();
-    Add(value);
+    Add(&value, sizeof(value));
   }
+}
+
+void Digest::Add(double value) {
+  if (std::isnan(value)) value = std::numeric_limits<double>::quiet_NaN();
+  Add(&value, sizeof(value));
 }
 
 void Digest::AddImage(ImageRef image) {

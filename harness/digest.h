@@ -1,5 +1,5 @@
-// A number that stands for results, to compare builds, processor levels and numbers of workers
-// with.
+// A number that stands for results, to compare processors, builds, processor levels and numbers of
+// workers with.
 #pragma once
 
 #include <cstddef>
@@ -12,11 +12,18 @@ namespace test {
 class Digest {
  public:
   void Add(const void* data, size_t bytes);
+  // What is made of words of 4 bytes is taken for floats. All NaN count as one: their bits are not
+  // promised.
   template <class T>
   void Add(const T& value) {
-    Add(&value, sizeof(value));
+    if constexpr (alignof(T) == alignof(float)) {
+      AddFloats(&value, sizeof(value) / sizeof(float));
+    } else {
+      Add(&value, sizeof(value));
+    }
   }
-  // Type, sizes, steps and pixels. All NaN count as one: their bits are not promised.
+  void Add(double value);
+  // Type, sizes, steps and pixels.
   void AddImage(ImageRef image);
   // All images that there are.
   void AddImages();

@@ -1,12 +1,15 @@
-// One scripted session that calls every export with arguments that succeed. Fault tests run it
-// with one allocation or file operation failing after another.
+// One scripted session that calls the exports with arguments that succeed. What stands here needs
+// the exports alone, and gives the same results on every machine.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string>
 #include <vector>
 
+#include "harness/digest.h"
 #include "orlune_ptk.h"
 
 namespace test {
@@ -31,18 +34,20 @@ struct Session {
   QuantifyReport* regions = nullptr;
   CircleReport* circles = nullptr;
   // What the step that ran last gave out besides images.
-  std::vector<uint8_t> outputs;
+  test::Digest outputs;
 
-  // Its windows are in memory, also where there is a screen.
-  Session();
+  Session() = default;
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
   ~Session();
 
   template <class T>
   void Out(const T& value) {
-    const auto* bytes = reinterpret_cast<const uint8_t*>(&value);
-    outputs.insert(outputs.end(), bytes, bytes + sizeof(T));
+    outputs.Add(value);
+  }
+  template <class T, size_t count>
+  void Out(const std::array<T, count>& values) {
+    Out(values.data(), count);
   }
   template <class T>
   void Out(const T* values, size_t count) {
@@ -75,9 +80,12 @@ extern const std::span<const Step> REGION_STEPS;
 extern const std::span<const Step> VISION_STEPS;
 extern const std::span<const Step> BARCODE_STEPS;
 extern const std::span<const Step> DIALS_STEPS;
-extern const std::span<const Step> WINDOW_STEPS;
 
-// All of them.
-const std::vector<Step>& Steps();
+// All of them, by name.
+struct StepFamily {
+  std::string name;
+  std::span<const Step> steps;
+};
+const std::vector<StepFamily>& StepFamilies();
 
 }  // namespace test

@@ -3,7 +3,6 @@
 #include <vector>
 
 #include "harness/session/session.h"
-#include "platform/built_in_face.h"
 
 namespace test {
 namespace {
@@ -50,26 +49,6 @@ int32_t Array(Session& s) {
   s.Out(array.data(), array.size());
   s.Out(width);
   s.Out(height);
-  return result;
-}
-
-// In letters that are the same on every machine.
-int32_t Text(Session& s) {
-  zel::FontsUse(&zel::BUILT_IN_FACE);
-  int32_t lines = 0;
-  const int32_t result = ZEL_DrawText(s.rgb, s.rgb, 5, -3, TEXT_INVERT, "one\rtwo\rthree", 12,
-                                      TEXT_BOLD | TEXT_UNDERLINE, TEXT_ALIGN_LEFT, "any", &lines);
-  zel::FontsUse(nullptr);
-  s.Out(lines);
-  return result;
-}
-
-int32_t FromClipboard(Session& s) {
-  int32_t available = 0;
-  std::vector<RGBValue> palette(256);
-  const int32_t result = ZEL_ClipboardToImage(s.target, palette.data(), &available);
-  s.Out(palette.data(), palette.size());
-  s.Out(available);
   return result;
 }
 
@@ -129,16 +108,8 @@ constexpr Step ROWS[] = {
      [](Session& s) { return ZEL_DrawLine(s.u8, s.target, -3, 2, 30, 50, DRAW_FRAME, 200); }},
     {"ZEL_DrawRect",
      [](Session& s) { return ZEL_DrawRect(s.i16, s.target16, 3, 4, 9, 50, DRAW_INVERT_PAINT, 0); }},
-    {"ZEL_ImageToClipboard", [](Session& s) { return ZEL_ImageToClipboard(s.rgb, nullptr); }},
-    {"ZEL_ImageToClipboard",
-     [](Session& s) {
-       const std::vector<RGBValue> palette(256, 0x112233);
-       return ZEL_ImageToClipboard(s.u8, palette.data());
-     }},
-    {"ZEL_ClipboardToImage", &FromClipboard},
     {"ZEL_DrawOval",
      [](Session& s) { return ZEL_DrawOval(s.target, 0, -4, 5, 15, 22, DRAW_INVERT_FRAME, 0); }},
-    {"ZEL_DrawText", Text},
 };
 
 }  // namespace

@@ -1,6 +1,5 @@
 // Edges, calipers, gauges, peaks, shapes and lists of points.
 #include <array>
-#include <cmath>
 
 #include "harness/session/session.h"
 
@@ -15,11 +14,13 @@ std::array<PointInt, POINTS> Path() {
   return path;
 }
 
+// On a circle.
 std::array<PointFloat, 12> Corners() {
   std::array<PointFloat, 12> corners{};
   for (size_t i = 0; i < corners.size(); i++) {
-    const auto turn = static_cast<float>(i);
-    corners[i] = {30.0f + 9.0f * std::cos(turn), 20.0f + 9.0f * std::sin(turn)};
+    const float slope = (static_cast<float>(i) - 5.5f) / 2.0f;
+    const float scale = 9.0f / (1.0f + slope * slope);
+    corners[i] = {30.0f + (1.0f - slope * slope) * scale, 20.0f + 2.0f * slope * scale};
   }
   return corners;
 }

@@ -2,7 +2,7 @@
 #include <array>
 #include <iterator>
 
-#include "harness/session/session.h"
+#include "harness/session/whole_session.h"
 
 namespace test {
 namespace {

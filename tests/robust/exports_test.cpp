@@ -12,7 +12,7 @@
 #include <string>
 
 #include "harness/calls/calls.h"
-#include "harness/session/session.h"
+#include "harness/session/whole_session.h"
 
 namespace {
 

@@ -11,21 +11,22 @@
 #include "harness/call_model.h"
 #include "harness/calls/calls.h"
 #include "harness/memory_files.h"
-#include "harness/session/session.h"
+#include "harness/session/whole_session.h"
 
 namespace {
 
 using test::Session;
 using test::Step;
 using test::Steps;
+using test::WholeSession;
 
 // What each step leaves behind in a session without faults.
 std::vector<uint64_t> Digests() {
   test::MemoryFiles files;
   std::vector<uint64_t> digests;
-  Session session;
+  WholeSession session;
   for (size_t i = 0; i < Steps().size(); i++) {
-    session.outputs.clear();
+    session.outputs = {};
     EXPECT_EQ(Steps()[i].run(session), 0) << Steps()[i].name << ", step " << i;
     digests.push_back(session.Digest());
   }
@@ -56,14 +57,14 @@ bool RunWithFault(uint64_t k, bool all, const std::vector<uint64_t>& digests) {
   test::MemoryFiles files;
   bool reachedEnd = true;
   {
-    Session session;
+    WholeSession session;
     *hooks = {};
     hooks->failAt = k;
     hooks->failAllAfter = all;
     test::CallModel model;
     for (size_t i = 0; i < Steps().size(); i++) {
       const Step& step = Steps()[i];
-      session.outputs.clear();
+      session.outputs = {};
       model.Begin();
       const int32_t result = step.run(session);
       if (hooks->refusals != 0) {
@@ -82,7 +83,7 @@ bool RunWithFault(uint64_t k, bool all, const std::vector<uint64_t>& digests) {
         // A file that there is no memory to look at is one that the information call doesn't know.
         const bool unknownFile = std::string(step.name) == "ZEL_PtkFileInfo";
         if (result != 0 || unknownFile) {
-          session.outputs.clear();
+          session.outputs = {};
           EXPECT_EQ(step.run(session), 0)
               << step.name << " again, step " << i << ", allocation " << k;
         }

@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "harness/memory_files.h"
-#include "harness/session/session.h"
+#include "harness/session/whole_session.h"
 
 namespace {
 
@@ -21,7 +21,7 @@ const char* failedStep = nullptr;
 void* RunSession(void*) {
   ZEL_SetErrorMode(ERROR_MODE_SILENT);
   const test::MemoryFiles files;
-  test::Session session;
+  test::WholeSession session;
   for (const test::Step& step : test::Steps()) {
     if (step.run(session) != 0 && !failedStep) failedStep = step.name;
   }
