@@ -1,9 +1,10 @@
 # Commands for people. Each sets up what it needs; the work is in tools/ and the CMake presets.
-.PHONY: help demo test wheel packages check-abi accuracy asan check-deep bench bench-pages benchmark scorecard site check-format tidy fuzz clean
+.PHONY: help demo test arm64 wheel packages check-abi accuracy asan check-deep bench bench-pages benchmark scorecard site check-format tidy fuzz clean
 
 help:
 	@echo "make demo          make scenes, inspect them, show the particles and the annotated pictures"
 	@echo "make test          build and run all tests"
+	@echo "make arm64         build for arm64 and check its results under qemu"
 	@echo "make wheel         make the Python wheel with the library in it, in dist/"
 	@echo "make packages      make the Debian packages, in dist/, and try them in a clean system"
 	@echo "make check-abi     look whether programs built with the last release still run"
@@ -24,6 +25,9 @@ demo:
 
 test:
 	@tools/test.sh release
+
+arm64:
+	@tools/test_arm64.sh
 
 wheel:
 	@tools/setup.sh

@@ -7,8 +7,8 @@
 # With --benchmarks also what the benchmarks compare with, with --check-tools also what checks the
 # sources, with --scorecard what the scorecard of readers compares with, with --deep-check also the
 # fuzzers and what tools/check_deep.sh runs, with --site also what builds the site, with --packages what makes
-# and tries Debian packages.
-# usage: setup.sh [--benchmarks] [--scorecard] [--check-tools] [--deep-check] [--site] [--packages]
+# and tries Debian packages, with --arm64 the compiler for arm64 and what runs its programs.
+# usage: setup.sh [--benchmarks] [--scorecard] [--check-tools] [--deep-check] [--site] [--packages] [--arm64]
 set -eu
 
 needed="make g++ cmake ninja-build pkgconf libgtest-dev"
@@ -24,9 +24,10 @@ for argument in "$@"; do
     --deep-check) needed="$needed clang-19 libclang-rt-19-dev valgrind gcovr" ;;
     --site) needed="$needed mkdocs python3-pygments" ;;
     --check-tools) needed="$needed abigail-tools clang-format clang-tidy cppcheck mypy" ;;
+    --arm64) needed="$needed g++-aarch64-linux-gnu qemu-user googletest" ;;
     --packages) needed="$needed abigail-tools dpkg-dev lintian mmdebstrap" ;;
     *)
-      echo "usage: setup.sh [--benchmarks] [--scorecard] [--check-tools] [--deep-check] [--site] [--packages]" >&2
+      echo "usage: setup.sh [--benchmarks] [--scorecard] [--check-tools] [--deep-check] [--site] [--packages] [--arm64]" >&2
       exit 2
       ;;
   esac

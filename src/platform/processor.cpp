@@ -22,7 +22,7 @@ uint32_t MmxDetect() {
   uint32_t d = 0;
   return __get_cpuid(1, &a, &b, &c, &d) != 0 && (d & mmxBit) != 0 ? 1 : 0;
 #else
-  return 0;
+  return 1;
 #endif
 }
 

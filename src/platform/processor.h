@@ -6,7 +6,8 @@
 
 namespace zel {
 
-// Whether the processor has MMX instructions. Where the grouped columns of an operation differ
+// Whether the processor has MMX instructions. Others than x86 answer as all newer ones of these, so
+// that results are the same everywhere. Where the grouped columns of an operation differ
 // from the remaining ones, this flag decides whether there are grouped columns at all.
 uint32_t MmxAvailable();
 

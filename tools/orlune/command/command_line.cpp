@@ -487,6 +487,18 @@ void CommandLine::AddCalibrate() {
   calibrate->footer(CALIBRATE_FOOTER);
 }
 
+void CommandLine::AddSelfcheck() {
+  CLI::App* selfcheck =
+      app_.add_subcommand("selfcheck", "see whether this machine computes what it should");
+  CLI::Option* file =
+      selfcheck->add_option("DIGESTS", selfcheck_.file, "file of another run to compare with");
+  file->type_name("DIGESTS");
+  selfcheck->add_option("--write", selfcheck_.write, "write what this machine gives to this file")
+      ->type_name("FILE")
+      ->excludes(file);
+  selfcheck->footer(SELFCHECK_FOOTER);
+}
+
 void CommandLine::AddOthers() {
   app_.add_subcommand("measures", "list the measures of a particle");
   CLI::App* help = app_.add_subcommand("help", "tell how a command is used");
@@ -519,6 +531,7 @@ CommandLine::CommandLine()
   AddFilter();
   AddConvert();
   AddView();
+  AddSelfcheck();
   AddOthers();
   app_.footer(PROGRAM_FOOTER);
 }
@@ -589,6 +602,7 @@ int CommandLine::Run(int argc, char** argv) {
   if (asked("view")) return front::Run(view_);
   if (asked("calibrate")) return front::Run(calibrateDials_);
   if (asked("measures")) return ListMeasures();
+  if (asked("selfcheck")) return front::Run(selfcheck_);
   if (asked("completions")) {
     const std::string script = Completions(*this, shell_);
     std::cout << script;

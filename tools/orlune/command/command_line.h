@@ -47,6 +47,7 @@ class CommandLine {
   void AddFilter();
   void AddConvert();
   void AddView();
+  void AddSelfcheck();
   void AddOthers();
   void Add(CLI::App* command, const Options& options);
   void AddFiles(CLI::App* command, std::vector<std::string>* files);
@@ -83,6 +84,7 @@ class CommandLine {
   ConvertCommand convert_;
   ViewCommand view_;
   CalibrateDialsCommand calibrateDials_;
+  SelfcheckCommand selfcheck_;
   std::string helpTopic_, manualTopic_, shell_;
 };
 

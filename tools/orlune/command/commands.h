@@ -103,6 +103,13 @@ int Run(const FilterCommand& command);
 // The list of measures.
 int ListMeasures();
 
+struct SelfcheckCommand {
+  std::string file;   // of digests; empty for the one that came with the program
+  std::string write;  // instead, a file for those of this machine
+};
+// ALL_WELL means that this machine computes what it should.
+int Run(const SelfcheckCommand& command);
+
 // "FILE: MESSAGE", with a hint where one helps, and without the line's end.
 std::string FailureText(const std::string& file, const std::exception& failure);
 

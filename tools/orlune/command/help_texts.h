@@ -254,6 +254,18 @@ Examples:
   orlune view --dark --method otsu --out marked parts/*.bmp
 Exit status: 0 the person left; 1 there is no display, it went, or a file could not be read or written.)";
 
+constexpr char SELFCHECK_FOOTER[] = R"(
+Calls the functions of all families but those of windows, text and the clipboard, over all types of
+pixels and odd sizes, and compares the results with a file that came with the program. They are the same
+to the bit for every processor, compiler and number of threads. The first family that differs is named.
+ORLUNE_PTK_LEVEL and ORLUNE_PTK_THREADS choose what is tried. It takes some seconds.
+
+Examples:
+  orlune selfcheck
+  ORLUNE_PTK_LEVEL=plain ORLUNE_PTK_THREADS=1 orlune selfcheck
+  orlune selfcheck --write here.txt
+Exit status: 0 all results are right; 1 some are not, or a file could not be read or written.)";
+
 constexpr char COMPLETIONS_FOOTER[] = R"(
 Examples:
   orlune completions bash >~/.local/share/bash-completion/completions/orlune
