@@ -10,6 +10,9 @@ if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$")
   set(PTK_LEVEL_FLAGS_baseline "")
   set(PTK_LEVEL_FLAGS_v3 -march=x86-64-v3)
   set(PTK_LEVEL_FLAGS_v4 -march=x86-64-v4 -mavx512vbmi -mavx512vbmi2 -mavx512vnni -mprefer-vector-width=512)
+elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64)$")
+  list(APPEND PTK_ALL_LEVELS neon)
+  set(PTK_LEVEL_FLAGS_neon "")
 endif()
 
 # A build for trying, or under a slow compiler, may leave levels out.

@@ -11,7 +11,7 @@ fi
 status=0
 for object in "$@"; do
   symbols=$(nm --defined-only "$object")
-  bad=$(printf '%s\n' "$symbols" | awk '$2 ~ /[WwVvu]/ || ($2 ~ /[A-Z]/ && $3 !~ /^_ZN3zel(5plain|8baseline|2v3|2v4)/)')
+  bad=$(printf '%s\n' "$symbols" | awk '$2 ~ /[WwVvu]/ || ($2 ~ /[A-Z]/ && $3 !~ /^_ZN3zel(5plain|8baseline|2v3|2v4|4neon)/)')
   if [ -n "$bad" ]; then
     printf '%s defines:\n%s\n' "$object" "$bad"
     status=1

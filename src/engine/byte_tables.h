@@ -6,7 +6,7 @@
 
 #include "core/numbers.h"
 
-#if defined(ZEL_VECTORS)
+#if defined(ZEL_VECTORS) && defined(__SSE2__)
 #include <immintrin.h>
 #endif
 

@@ -10,7 +10,7 @@ namespace zel::ZEL_LEVEL {
 constexpr int32_t VECTOR_BYTES = 64;
 #elif defined(__AVX2__)
 constexpr int32_t VECTOR_BYTES = 32;
-#elif defined(__SSE2__)
+#elif defined(__SSE2__) || defined(__ARM_NEON)
 constexpr int32_t VECTOR_BYTES = 16;
 #else
 constexpr int32_t VECTOR_BYTES = 8;

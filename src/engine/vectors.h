@@ -15,7 +15,9 @@
 #if defined(ZEL_LEVEL_v3) || defined(ZEL_LEVEL_v4)
 #define ZEL_WIDE_VECTORS 1
 #endif
-#if defined(ZEL_VECTORS)
+#if defined(ZEL_LEVEL_neon)
+#include <arm_neon.h>
+#elif defined(ZEL_VECTORS)
 #include <immintrin.h>
 #endif
 
@@ -157,6 +159,9 @@ ZEL_INLINE Doubles MultiplyAdd(Doubles a, Doubles b, Doubles sum) {
 ZEL_INLINE Doubles WidenFloats(const float* from) {
   return (Doubles)_mm512_maskz_cvtps_pd(0xFF, Load<__m256>(from));
 }
+ZEL_INLINE void StoreRounded(float* to, Doubles v) {
+  Store(to, _mm512_maskz_cvtpd_ps(0xFF, (__m512d)v));
+}
 // Sums of four neighbouring products, of bytes without and with a sign.
 ZEL_INLINE Ints AddDotProducts(Ints sums, Bytes a, Bytes withSign) {
   return (Ints)_mm512_dpbusd_epi32(Of(sums), Of(a), Of(withSign));
@@ -270,6 +275,9 @@ ZEL_INLINE Doubles MultiplyAdd(Doubles a, Doubles b, Doubles sum) {
 ZEL_INLINE Doubles WidenFloats(const float* from) {
   return (Doubles)_mm256_cvtps_pd(Load<__m128>(from));
 }
+ZEL_INLINE void StoreRounded(float* to, Doubles v) {
+  Store(to, _mm256_cvtpd_ps((__m256d)v));
+}
 ZEL_INLINE Words WidenBytes(const int8_t* from) {
   return (Words)_mm256_cvtepi8_epi16(Load<__m128i>(from));
 }
@@ -302,6 +310,63 @@ ZEL_INLINE Bytes LoadPieces(const uint8_t* from, int64_t step) {
 // On a boundary of vectors, past the caches.
 ZEL_INLINE void Stream(uint8_t* to, Bytes v) {
   _mm256_stream_si256(reinterpret_cast<__m256i*>(to), Of(v));
+}
+
+#elif defined(ZEL_LEVEL_neon)
+
+ZEL_INLINE Bytes AddSaturated(Bytes a, Bytes b) {
+  return (Bytes)vqaddq_u8((uint8x16_t)a, (uint8x16_t)b);
+}
+ZEL_INLINE Words AddSaturated(Words a, Words b) {
+  return (Words)vqaddq_s16((int16x8_t)a, (int16x8_t)b);
+}
+ZEL_INLINE Bytes SubtractSaturated(Bytes a, Bytes b) {
+  return (Bytes)vqsubq_u8((uint8x16_t)a, (uint8x16_t)b);
+}
+ZEL_INLINE Words SubtractSaturated(Words a, Words b) {
+  return (Words)vqsubq_s16((int16x8_t)a, (int16x8_t)b);
+}
+ZEL_INLINE Words PackSaturated(Ints a, Ints b) {
+  return (Words)vqmovn_high_s32(vqmovn_s32((int32x4_t)a), (int32x4_t)b);
+}
+ZEL_INLINE Bytes PackSaturated(Words a, Words b) {
+  return (Bytes)vqmovun_high_s16(vqmovun_s16((int16x8_t)a), (int16x8_t)b);
+}
+ZEL_INLINE Words ProductsSaturated(Words a, Words b) {
+  const int32x4_t low = vmull_s16(vget_low_s16((int16x8_t)a), vget_low_s16((int16x8_t)b));
+  return PackSaturated((Ints)low, (Ints)vmull_high_s16((int16x8_t)a, (int16x8_t)b));
+}
+ZEL_INLINE Ints WidenBytes(const uint8_t* from) {
+  uint32_t bytes;
+  std::memcpy(&bytes, from, sizeof bytes);
+  const uint16x8_t words = vmovl_u8(vreinterpret_u8_u32(vdup_n_u32(bytes)));
+  return (Ints)vmovl_u16(vget_low_u16(words));
+}
+// The processor's own estimate has 8 bits, and one step twice as many.
+ZEL_INLINE Floats ReciprocalEstimate(Floats v) {
+  const float32x4_t estimate = vrecpeq_f32((float32x4_t)v);
+  return (Floats)vmulq_f32(estimate, vrecpsq_f32((float32x4_t)v, estimate));
+}
+ZEL_INLINE Ints Truncate(Floats v) {
+  return (Ints)vcvtq_s32_f32((float32x4_t)v);
+}
+// Exact products only: they are not rounded.
+ZEL_INLINE Doubles MultiplyAdd(Doubles a, Doubles b, Doubles sum) {
+  return (Doubles)vfmaq_f64((float64x2_t)sum, (float64x2_t)a, (float64x2_t)b);
+}
+ZEL_INLINE Doubles WidenFloats(const float* from) {
+  return (Doubles)vcvt_f64_f32(vld1_f32(from));
+}
+ZEL_INLINE void StoreRounded(float* to, Doubles v) {
+  vst1_f32(to, vcvt_f32_f64((float64x2_t)v));
+}
+// Pieces of 16 bytes: there is room for one.
+ZEL_INLINE Bytes LoadPieces(const uint8_t* from, int64_t) {
+  return Load<Bytes>(from);
+}
+// The processor keeps long runs of stores out of its caches by itself.
+ZEL_INLINE void Stream(uint8_t* to, Bytes v) {
+  Store(to, v);
 }
 
 #else
@@ -358,6 +423,9 @@ ZEL_INLINE Doubles MultiplyAdd(Doubles a, Doubles b, Doubles sum) {
 ZEL_INLINE Doubles WidenFloats(const float* from) {
   return (Doubles)_mm_cvtps_pd(_mm_setr_ps(from[0], from[1], 0, 0));
 }
+ZEL_INLINE void StoreRounded(float* to, Doubles v) {
+  _mm_storel_pi(reinterpret_cast<__m64*>(to), _mm_cvtpd_ps((__m128d)v));
+}
 // Pieces of 16 bytes: there is room for one.
 ZEL_INLINE Bytes LoadPieces(const uint8_t* from, int64_t) {
   return Load<Bytes>(from);
@@ -371,7 +439,9 @@ ZEL_INLINE void Stream(uint8_t* to, Bytes v) {
 
 // After the last of them, before anyone else reads.
 ZEL_INLINE void StreamEnd() {
+#if !defined(ZEL_LEVEL_neon)
   _mm_sfence();
+#endif
 }
 
 #endif  // ZEL_VECTORS

@@ -1,7 +1,7 @@
 // Row routines between the samples of files and the pixels of images.
 #include "files/samples_rows.h"
 
-#if defined(ZEL_VECTORS)
+#if defined(ZEL_VECTORS) && defined(__SSE2__)
 #include <immintrin.h>
 #endif
 
@@ -38,7 +38,7 @@ ZEL_INLINE Gray MeanOf(uint32_t red, uint32_t green, uint32_t blue) {
 // 64 bits, and for what is no number, only the topmost bit is set.
 template <class T>
 ZEL_INLINE T CutBits(double value) {
-#if defined(ZEL_VECTORS)
+#if defined(ZEL_VECTORS) && defined(__SSE2__)
   return static_cast<T>(_mm_cvttsd_si64(_mm_set_sd(value)));
 #else
   return CutLow<T>(value);

@@ -43,7 +43,10 @@ bool LiesInEntry(const TiffTag& tag) {
 // From the file's order to the host's, element by element.
 void ToHostOrder(uint16_t type, uint8_t* value, int64_t bytes) {
   const int64_t word = type == TIFF_SHORT ? 2 : type == TIFF_LONG || type == TIFF_RATIONAL ? 4 : 1;
-  for (int64_t at = 0; at + word <= bytes; at += word) std::reverse(value + at, value + at + word);
+  for (int64_t at = 0; at + word <= bytes; at += word) {
+    if (word == 2) std::swap(value[at], value[at + 1]);
+    if (word == 4) std::reverse(value + at, value + at + 4);
+  }
 }
 
 // The number at the start of a value: its first bytes in host order, as many as a field of the

@@ -121,7 +121,7 @@ ZEL_INLINE uint32_t SumsUpTo(const Counts& sums, uint32_t limit) {
   return static_cast<uint32_t>(
              __builtin_popcount(static_cast<uint32_t>(_mm256_movemask_epi8(within)))) /
          2;
-#elif defined(ZEL_VECTORS)
+#elif defined(ZEL_VECTORS) && defined(__SSE2__)
   __m128i halves[2];
   std::memcpy(halves, &sums, sizeof(halves));
   const __m128i most = _mm_set1_epi16(static_cast<int16_t>(limit));

@@ -221,19 +221,6 @@ using HalfFloats = float __attribute__((vector_size(VECTOR_BYTES / 2)));
 ZEL_INLINE Doubles Widened(const float* from) {
   return WidenFloats(from);
 }
-#if defined(ZEL_LEVEL_v4)
-ZEL_INLINE void StoreRounded(float* to, Doubles v) {
-  Store(to, _mm512_maskz_cvtpd_ps(0xFF, (__m512d)v));
-}
-#elif defined(ZEL_LEVEL_v3)
-ZEL_INLINE void StoreRounded(float* to, Doubles v) {
-  Store(to, _mm256_cvtpd_ps((__m256d)v));
-}
-#else
-ZEL_INLINE void StoreRounded(float* to, Doubles v) {
-  _mm_storel_pi(reinterpret_cast<__m64*>(to), _mm_cvtpd_ps((__m128d)v));
-}
-#endif
 
 #else
 

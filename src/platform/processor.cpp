@@ -79,9 +79,11 @@ int64_t LastLevelCacheBytes() {
 
 ProcessorFeatures ProcessorFeaturesAsk() {
 #if defined(__x86_64__)
-  return {.plain = true, .baseline = true, .v3 = HasV3(), .v4 = HasV4()};
+  return {.plain = true, .baseline = true, .v3 = HasV3(), .v4 = HasV4(), .neon = false};
+#elif defined(__aarch64__)
+  return {.plain = true, .baseline = false, .v3 = false, .v4 = false, .neon = true};
 #else
-  return {.plain = true, .baseline = false, .v3 = false, .v4 = false};
+  return {.plain = true, .baseline = false, .v3 = false, .v4 = false, .neon = false};
 #endif
 }
 

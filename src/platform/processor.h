@@ -24,6 +24,7 @@ struct ProcessorFeatures {
   bool baseline;  // x86-64
   bool v3;        // x86-64-v3: 256-bit integer vectors, fused multiply-add
   bool v4;        // x86-64-v4 with byte permutes and dot products: 512-bit vectors
+  bool neon;      // arm64
 };
 ProcessorFeatures ProcessorFeaturesAsk();
 

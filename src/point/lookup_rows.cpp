@@ -104,7 +104,7 @@ void MapU8(const PointViews& views, const ByteTable& table) {
 
 #endif
 
-#if defined(ZEL_VECTORS)
+#if defined(ZEL_VECTORS) && defined(__SSE2__)
 
 // Pixels come and go in groups, so that the table's own loads are the bound.
 constexpr int64_t WORD_GROUP = 8;
