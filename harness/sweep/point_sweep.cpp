@@ -19,7 +19,7 @@ void Operators(Sweep& sweep) {
     sweep.Add(operation(second, 0, result, 1.7f));
   }
   for (const auto& operation : {ZEL_And, ZEL_Or, ZEL_Xor}) {
-    for (const int16_t invert : {0, 1}) {
+    for (const int16_t invert : {int16_t{0}, int16_t{1}}) {
       sweep.Add(operation(first, second, result, invert, 0));
       sweep.Add(operation(first, 0, result, invert, 0x5A3C));
     }
