@@ -190,7 +190,8 @@ int32_t SetRegion(Playground& play) {
 
 int32_t GetRegion(Playground& play) {
   RoiDescriptor* region = nullptr;
-  const int32_t result = ZEL_GetWROI(Window(play), Below<16>(play) == 0 ? nullptr : &region);
+  const int32_t window = Window(play);
+  const int32_t result = ZEL_GetWROI(window, Below<16>(play) == 0 ? nullptr : &region);
   ZEL_FreeROI(region);
   return result;
 }
