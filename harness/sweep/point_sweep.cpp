@@ -54,7 +54,7 @@ void Lookups(Sweep& sweep) {
   sweep.Add(ZEL_UserLookup(sweep.first, sweep.mask, sweep.result, ARRAY_DBL, table.data(), count));
   sweep.Add(ZEL_ConvertByLookup(sweep.first, sweep.result, ARRAY_DBL, table.data(), count));
   for (int32_t law = MATH_LINEAR; law <= MATH_POWER1X; law++) {
-    for (const float exponent : {0.3f, 2.0f, -1.5f}) {
+    for (const float exponent : {0.3f, 2.0f, -1.5f, 1e-15f, -3e-18f, 1e-22f, 4000.0f}) {
       sweep.Add(ZEL_MathLookup(sweep.first, 0, sweep.result, law, exponent, 0, 0));
       sweep.Add(ZEL_MathLookup(sweep.first, sweep.mask, sweep.result, law, exponent, 11, 199));
     }

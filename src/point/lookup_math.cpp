@@ -34,25 +34,55 @@ struct MathLaw {
   float flatValue;  // of PowerEnds::Flat
 };
 
-const long double EXP_RATE = std::log(10.0L) * 0.01L;
+using Long = std::numeric_limits<long double>;
+
+constexpr int32_t DIGITS = 64;  // binary ones, of an 80-bit float
+static_assert(Long::digits >= DIGITS && Long::max_exponent == 16384);
+
+// What an operation gives in 80-bit floats: where those of the processor are wider, one more
+// rounding.
+long double Rounded(long double value) {
+  if constexpr (Long::digits == DIGITS) return value;
+  int exponent = 0;
+  const long double fraction = std::frexp(value, &exponent);
+  return std::ldexp(std::nearbyint(std::ldexp(fraction, DIGITS)), exponent - DIGITS);
+}
+
+long double Product(long double a, long double b) {
+  return Rounded(a * b);
+}
+long double Quotient(long double a, long double b) {
+  return Rounded(a / b);
+}
+long double Difference(long double a, long double b) {
+  return Rounded(a - b);
+}
+
+const long double EXP_RATE = Product(Rounded(std::log(10.0L)), Rounded(0.01L));
+
+// The law's function, of which its value is a part of the span.
+long double LawFunction(const MathLaw& law, long double d) {
+  switch (law.operation) {
+    case MATH_LOG:
+      return Rounded(std::log(d));
+    case MATH_EXP:
+      return Difference(Rounded(std::exp(Product(EXP_RATE, d))), law.first);
+    case MATH_SQRT:
+      return Rounded(std::sqrt(d));
+    case MATH_POWERX:
+    case MATH_POWER1X:
+      return Difference(Rounded(std::pow(d, law.exponent)), 1.0L);
+    default:
+      return d;
+  }
+}
 
 long double LawValue(const MathLaw& law, long double d) {
-  switch (law.operation) {
-    case MATH_LINEAR:
-      return d * law.span / law.range;
-    case MATH_LOG:
-      return std::log(d) * law.span / law.last;
-    case MATH_EXP:
-      return (std::exp(EXP_RATE * d) - law.first) * law.span / law.last;
-    case MATH_SQUARE: {
-      const long double scaled = d * law.span / law.range;
-      return scaled * scaled / law.span;
-    }
-    case MATH_SQRT:
-      return std::sqrt(d) * law.span / law.last;
-    default:
-      return (std::pow(d, law.exponent) - 1.0L) * law.span / law.last;
+  if (law.operation == MATH_SQUARE) {
+    const long double scaled = Quotient(Product(d, law.span), law.range);
+    return Quotient(Product(scaled, scaled), law.span);
   }
+  return Quotient(Product(LawFunction(law, d), law.span), law.last);
 }
 
 struct Estimate {
@@ -61,7 +91,6 @@ struct Estimate {
 };
 
 constexpr double UNIT = std::numeric_limits<double>::epsilon();  // two halves of a last place
-using Long = std::numeric_limits<long double>;
 
 // The logarithm of a distance's power, and what it may be off by: the errors of the distance, of
 // the exponent, of the logarithm and of the product.
@@ -86,7 +115,7 @@ constexpr double SPAN_LOG = 150.0;  // more than that of a span, and than the er
 // The power less 1, from its logarithm, which keeps what a power near 1 has lost. The law itself
 // rounds the power to its 80 bits before the 1 is taken away.
 Estimate PowerEstimate(const MathLaw& law, double d) {
-  constexpr double POWER_ROUNDING = 16.0 * static_cast<double>(Long::epsilon());
+  constexpr double POWER_ROUNDING = 16.0 * 0x1p-63;
   constexpr double VANISHING = -100.0;  // a power of so small a logarithm leaves no trace beside 1
   const double factor = law.estimateFactor;
   const PowerLog log = PowerLogOf(law, d);
@@ -173,8 +202,9 @@ float LawStored(const MathLaw& law, double pixel, double origin, float added) {
   // because the errors above don't cover the ends of the exponents.
   constexpr float TINY = 1e-30f;
   if (lowest == highest && std::fabs(lowest) > TINY) return lowest;
-  const long double d = static_cast<long double>(pixel) - static_cast<long double>(origin);
-  return static_cast<float>(LawValue(law, d) + static_cast<long double>(added));
+  const long double d =
+      Difference(static_cast<long double>(pixel), static_cast<long double>(origin));
+  return static_cast<float>(Rounded(LawValue(law, d) + static_cast<long double>(added)));
 }
 
 MathLaw LawOf(int32_t operation, float x, const LookupLimits& limits) {
@@ -185,29 +215,12 @@ MathLaw LawOf(int32_t operation, float x, const LookupLimits& limits) {
   law.range = static_cast<long double>(range);
   law.span = static_cast<long double>(span);
   const auto exponent = static_cast<long double>(x);
-  law.exponent = law.operation == MATH_POWER1X ? 1.0L / exponent : exponent;
-  law.first = std::exp(EXP_RATE);
-  switch (law.operation) {
-    case MATH_LOG:
-      law.last = std::log(law.range);
-      break;
-    case MATH_EXP:
-      law.last = std::exp(EXP_RATE * law.range) - law.first;
-      break;
-    case MATH_SQRT:
-      law.last = std::sqrt(law.range);
-      break;
-    case MATH_POWERX:
-    case MATH_POWER1X:
-      law.last = std::pow(law.range, law.exponent) - 1.0L;
-      break;
-    default:
-      law.last = law.range;
-      break;
-  }
+  law.exponent = law.operation == MATH_POWER1X ? Quotient(1.0L, exponent) : exponent;
+  law.first = Rounded(std::exp(EXP_RATE));
+  law.last = LawFunction(law, law.range);
   // Within these bounds no product of the estimate leaves the 64-bit exponents unnoticed.
   constexpr long double LARGEST = 1e200L;
-  const long double factor = law.span / law.last;
+  const long double factor = Quotient(law.span, law.last);
   const bool held = std::fabs(factor) > 1.0L / LARGEST && std::fabs(factor) < LARGEST;
   law.estimateFactor =
       held ? static_cast<double>(factor) : std::numeric_limits<double>::quiet_NaN();
@@ -216,7 +229,7 @@ MathLaw LawOf(int32_t operation, float x, const LookupLimits& limits) {
   law.inverseRange = 1.0 / range;
   if (law.operation != MATH_POWERX && law.operation != MATH_POWER1X) return law;
   // No logarithm of a distance is longer than 104, and a power this near 1 is rounded to it.
-  const long double flatExponent = std::ldexp(1.0L, -Long::digits - 6) / 104.0L;
+  const long double flatExponent = std::ldexp(1.0L, -DIGITS - 6) / 104.0L;
   if (std::fabs(law.exponent) < flatExponent) law.ends = PowerEnds::Flat;
   if (std::isinf(law.last) && law.last > 0.0L) {
     law.ends = PowerEnds::Infinite;
