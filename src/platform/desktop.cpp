@@ -2,6 +2,7 @@
 #include "platform/desktop.h"
 
 #include "platform/memory_desktop.h"
+#include "platform/refused_memory.h"
 #if ZEL_WITH_X11
 #include "platform/x11_desktop.h"
 #endif
@@ -22,7 +23,7 @@ const Desktop* MachineDesktopOpen() {
 // False while it is still needed.
 bool MachineDesktopLeave() {
 #if ZEL_WITH_X11
-  return X11DesktopLeave();
+  return GUARDED<&X11DesktopLeave>();
 #else
   return true;
 #endif

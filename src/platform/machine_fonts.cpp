@@ -7,6 +7,7 @@
 
 #include "platform/characters.h"
 #include "platform/font_libraries.h"
+#include "platform/refused_memory.h"
 #include "platform/utf8.h"
 
 namespace zel {
@@ -424,7 +425,8 @@ __attribute__((destructor)) void Release() {
 
 }  // namespace
 
-constinit const TextRasteriser MACHINE_FONTS{
-    .measure = &Measure, .draw = &Draw, .release = &Release};
+constinit const TextRasteriser MACHINE_FONTS{.measure = GUARDED<&Measure, FONT_UNREADABLE>,
+                                             .draw = GUARDED<&Draw, FONT_UNREADABLE>,
+                                             .release = &Release};
 
 }  // namespace zel

@@ -5,6 +5,7 @@
 
 #include "platform/canvases.h"
 #include "platform/memory_desktop.h"
+#include "platform/refused_memory.h"
 #include "platform/x11_events.h"
 #include "platform/x11_panels.h"
 #include "platform/x11_pictures.h"
@@ -62,51 +63,53 @@ __attribute__((destructor)) void CloseAtUnloading() {
 }  // namespace
 
 constinit const Desktop X11_DESKTOP{
-    .panelCreate = &X11PanelCreate,
-    .panelDiscard = &X11PanelDiscard,
-    .canvasCreate = &X11CanvasCreate,
-    .canvasDiscard = &CanvasForget,
-    .panelSet = &X11PanelSet,
-    .panelGet = &X11PanelGet,
-    .panelSetTitle = &X11PanelSetTitle,
-    .panelTitle = &X11PanelTitle,
-    .panelMove = &X11PanelMove,
-    .setSink = &X11SetSink,
-    .activate = &X11Activate,
-    .active = &X11Active,
-    .canvasSet = &CanvasSet,
-    .canvasPen = &CanvasPen,
-    .penDefaults = &CanvasPenDefaults,
-    .penMove = &CanvasPenMove,
-    .lineTo = &CanvasLineTo,
-    .rect = &CanvasRect,
-    .oval = &CanvasOval,
-    .invert = &CanvasInvert,
-    .text = &CanvasText,
-    .clip = &CanvasClip,
-    .setClip = &CanvasSetClip,
-    .beginBatch = &BeginBatch,
-    .endBatch = &EndBatch,
-    .bitmapCreate = &BitmapNew,
-    .bitmapDiscard = &BitmapForget,
-    .blit = &CanvasBlit,
-    .pump = &X11Pump,
-    .idle = &X11Idle,
-    .pointer = &X11Pointer,
-    .screen = &Screen,
-    .beep = &Beep,
-    .ticks = &MachineTicks,
-    .metaFont = &MetaFont,
-    .clipboardRead = &X11ClipboardRead,
-    .clipboardWrite = &X11ClipboardWrite,
+    .panelCreate = GUARDED<&X11PanelCreate, -1>,
+    .panelDiscard = GUARDED<&X11PanelDiscard>,
+    .canvasCreate = GUARDED<&X11CanvasCreate, -1>,
+    .canvasDiscard = GUARDED<&CanvasForget>,
+    .panelSet = GUARDED<&X11PanelSet>,
+    .panelGet = GUARDED<&X11PanelGet>,
+    .panelSetTitle = GUARDED<&X11PanelSetTitle>,
+    .panelTitle = GUARDED<&X11PanelTitle>,
+    .panelMove = GUARDED<&X11PanelMove>,
+    .setSink = GUARDED<&X11SetSink>,
+    .activate = GUARDED<&X11Activate>,
+    .active = GUARDED<&X11Active>,
+    .canvasSet = GUARDED<&CanvasSet>,
+    .canvasPen = GUARDED<&CanvasPen>,
+    .penDefaults = GUARDED<&CanvasPenDefaults>,
+    .penMove = GUARDED<&CanvasPenMove>,
+    .lineTo = GUARDED<&CanvasLineTo>,
+    .rect = GUARDED<&CanvasRect>,
+    .oval = GUARDED<&CanvasOval>,
+    .invert = GUARDED<&CanvasInvert>,
+    .text = GUARDED<&CanvasText>,
+    .clip = GUARDED<&CanvasClip>,
+    .setClip = GUARDED<&CanvasSetClip>,
+    .beginBatch = GUARDED<&BeginBatch>,
+    .endBatch = GUARDED<&EndBatch>,
+    .bitmapCreate = GUARDED<&BitmapNew, -1>,
+    .bitmapDiscard = GUARDED<&BitmapForget>,
+    .blit = GUARDED<&CanvasBlit>,
+    .pump = GUARDED<&X11Pump>,
+    .idle = GUARDED<&X11Idle>,
+    .pointer = GUARDED<&X11Pointer>,
+    .screen = GUARDED<&Screen>,
+    .beep = GUARDED<&Beep>,
+    .ticks = GUARDED<&MachineTicks>,
+    .metaFont = GUARDED<&MetaFont, -1>,
+    .clipboardRead = GUARDED<&X11ClipboardRead>,
+    .clipboardWrite = GUARDED<&X11ClipboardWrite>,
 };
 
 bool X11DesktopOpen() {
   if (x11) return true;
-  x11 = new (std::nothrow) X11State;
-  if (!x11) return false;
-  if (x11->connection.Open()) return true;
-  Close();
+  try {
+    x11 = new X11State;
+    if (x11->connection.Open()) return true;
+  } catch (const std::bad_alloc&) {
+  }
+  if (x11) Close();
   return false;
 }
 
