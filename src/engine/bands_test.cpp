@@ -194,6 +194,28 @@ TEST_F(Bands, APassGetsTheWorkersThatItsBytesRepay) {
   EXPECT_TRUE(WorkersBecome(3));
 }
 
+// Memory is there for the wanted ones, by their numbers, whichever of the threads are the first to
+// come.
+TEST_F(Bands, APassNumbersItsWorkersWithinWhatItWants) {
+  constexpr int64_t bytesAWorker = 1000;
+  BandsForce(8, bytesAWorker);
+  ASSERT_TRUE(EachWorkerRuns([](int32_t) {}));  // all threads are there
+  for (int32_t pass = 0; pass < 300; pass++) {
+    std::atomic<int32_t> wrong{0};
+    std::atomic<int32_t> inside[2] = {};
+    BandsRun({.units = 8, .bytes = 2 * bytesAWorker}, [&](const Band& band) {
+      if (band.worker < 0 || band.worker > 1) {
+        wrong++;
+        return;
+      }
+      if (inside[band.worker]++ != 0) wrong++;
+      std::this_thread::sleep_for(20us);
+      inside[band.worker]--;
+    });
+    ASSERT_EQ(wrong, 0) << "in pass " << pass;
+  }
+}
+
 TEST_F(Bands, TheEnvironmentSetsTheNumberOfWorkers) {
   const char* former = std::getenv("ORLUNE_PTK_THREADS");
   const std::string kept = former ? former : "";

@@ -30,6 +30,7 @@ struct Pool {
   std::fenv_t environment;
 
   std::atomic<uint32_t> inside;  // OPEN, and the number of workers in the pass
+  std::atomic<int32_t> places;   // in the pass that no worker has taken
   std::atomic<uint32_t> calls;   // counts on with each call; workers sleep at it
   std::atomic<bool> ending;
 
@@ -79,14 +80,19 @@ void ComputeAsCaller() {
 
 // The number of calls is read before the pass is looked at: a call that comes in between ends the
 // sleep at once.
-void* WorkerLive(void* number) {
-  const auto worker = static_cast<int32_t>(reinterpret_cast<intptr_t>(number));
+//
+// A pass may want fewer workers than there are, and has memory for these alone. Which of them come
+// first is the machine's choice: each takes one of the places, and who finds none goes.
+void* WorkerLive(void*) {
   for (;;) {
     const uint32_t calls = pool.calls.load();
     if (pool.ending.load()) return nullptr;
     if (PassEnter()) {
-      ComputeAsCaller();
-      pool.pass(pool.context, worker);
+      const int32_t place = pool.places.fetch_sub(1);
+      if (place > 0) {
+        ComputeAsCaller();
+        pool.pass(pool.context, place);
+      }
       PassLeave();
     }
     ThreadsInUse().sleepWhile(&pool.calls, calls);
@@ -108,8 +114,7 @@ bool ForkWatch() {
 }
 
 bool WorkerStart() {
-  void* number = reinterpret_cast<void*>(intptr_t{pool.started} + 1);
-  if (!ForkWatch() || !ThreadsInUse().start(&pool.threads[pool.started], &WorkerLive, number)) {
+  if (!ForkWatch() || !ThreadsInUse().start(&pool.threads[pool.started], &WorkerLive, nullptr)) {
     return false;
   }
   pool.started++;
@@ -130,6 +135,7 @@ void RunTogether(int32_t helpers, WorkerPass pass, void* context) {
   pool.pass = pass;
   pool.context = context;
   std::fegetenv(&pool.environment);
+  pool.places.store(helpers);
   pool.inside.store(OPEN);
   CallWorkers(helpers);
   pass(context, 0);
