@@ -10,6 +10,9 @@ The machines need the program, and see the recipe, its files and the pictures by
 the only thing that is needed beside Python (Debian: python3-distributed).
 """
 
+# mypy: disable-error-code="no-untyped-call"
+# Dask tells the types of some of its functions only.
+
 from __future__ import annotations
 
 import argparse
