@@ -9,6 +9,7 @@
 
 #include "orlune/gauge/line_reports.h"
 #include "orlune/gauge/line_setup.h"
+#include "orlune/shared/complaints.h"
 #include "orlune/shared/json_values.h"
 #include "orlune/shared/output.h"
 #include "scenes/random.h"
@@ -17,20 +18,6 @@
 namespace {
 
 using namespace front;  // NOLINT: these are its tests
-
-template <class Function>
-std::string Complaint(Function function) {
-  try {
-    function();
-  } catch (const std::exception& error) {
-    return error.what();
-  }
-  return "no complaint";
-}
-
-bool Has(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
-}
 
 Image Painted(int32_t width, int32_t height, const std::function<double(Place)>& light,
               int32_t type = IMAGE_U8) {

@@ -8,6 +8,7 @@
 
 #include "core/errors.h"
 #include "orlune/shared/annotation.h"
+#include "orlune/shared/complaints.h"
 #include "orlune/shared/numbers.h"
 #include "orlune/shared/output.h"
 #include "orlune/shared/progress.h"
@@ -19,20 +20,6 @@ namespace {
 using namespace front;  // NOLINT: these are its tests
 
 namespace fs = std::filesystem;
-
-template <class Function>
-std::string Complaint(Function function) {
-  try {
-    function();
-  } catch (const std::exception& error) {
-    return error.what();
-  }
-  return "no complaint";
-}
-
-bool Has(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
-}
 
 // ---------------------------------------------------------------------------------- conditions
 
