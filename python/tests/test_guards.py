@@ -1,4 +1,4 @@
-"""Threads, forks, speed, and that pixels are not copied on the way."""
+"""Threads, forks, and that pixels are not copied on the way."""
 
 import os
 import signal
@@ -93,36 +93,6 @@ def test_a_forked_child_works_on_while_threads_of_its_parent_are_inside(rng):
         for thread in threads:
             thread.join()
     assert np.array_equal(ptk.median(image, 5), wanted)
-
-
-def best_times(calls, count=100, runs=30):
-    """Seconds that each of some calls takes when nothing disturbs; they take turns."""
-    times = [[] for _ in calls]
-    for _ in range(runs):
-        for call, own in zip(calls, times):
-            begin = time.perf_counter()
-            for _ in range(count):
-                call()
-            own.append((time.perf_counter() - begin) / count)
-    return [min(own) for own in times]
-
-
-def test_a_call_costs_under_two_microseconds_beyond_the_c_call():
-    source, out = ptk.Image.zeros((4, 4)), ptk.Image.zeros((4, 4))
-    bare = lowlevel._Threshold
-    first, second = source.reference, out.reference
-    calls = (
-        lambda: bare(first, second, 1.0, 2.0, 3.0, 1),
-        lambda: lowlevel.ZEL_Threshold(source, out, 1.0, 2.0, 3.0, 1),
-        lambda: ptk.threshold(source, 1.0, 2.0, 3.0, out),
-    )
-    for _ in range(20):  # other processes can slow all of a run down
-        plain, low, natural = best_times(calls)
-        print(f"ctypes alone {plain * 1e6:.2f}, low level {low * 1e6:.2f}, natural {natural * 1e6:.2f} us")
-        if natural - plain < 2e-6:
-            break
-    assert low - plain < 2e-6
-    assert natural - plain < 2e-6
 
 
 def test_ten_operations_copy_no_pixels(gray, monkeypatch):
