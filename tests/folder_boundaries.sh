@@ -8,7 +8,8 @@ cd "$1"
 status=0
 # refuse FOLDER OTHER: no source or build file in the folder names a file of the other.
 refuse() {
-  [ -d "$1" ] && [ -d "$2" ]
+  [ -d "$1" ]
+  [ -d "$2" ]
   if grep -rnE --include='*.h' --include='*.cpp' --include=CMakeLists.txt "[\"</]$2/" "$1"; then
     echo "$1/ uses $2/"
     status=1
