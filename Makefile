@@ -9,7 +9,7 @@ help:
 	@echo "make packages      make the Debian packages, in dist/, and try them in a clean system"
 	@echo "make check-abi     look whether programs built with the last release still run"
 	@echo "make accuracy      print how near measures and edges come to the truth, as the tables in docs/"
-	@echo "make asan          the same under the address and undefined-behaviour sanitizers"
+	@echo "make asan          build and run all tests under the address and undefined-behaviour sanitizers"
 	@echo "make bench         run the benchmarks beside their peers, roughly"
 	@echo "make bench-pages   run them in full and write docs/benchmarks from the results"
 	@echo "make scorecard     read bar codes and gauges spoilt more and more, beside peers: docs/scorecard.md"

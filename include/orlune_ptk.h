@@ -15,7 +15,7 @@
  *   thresholds.h  ranges of grey levels, given or found
  *   lookups.h     grey levels through tables and laws
  *   convolution.h a pixel's neighbours, weighted by a matrix; templates found
- *   filters.h     a pixel and its neighbours: edges, smoothing
+ *   filters.h     a pixel and its neighbours: edges, smoothing, ranks
  *   geometry.h    images turned, shifted, mirrored, transposed, seen in relief
  *   morphology.h  shapes and grey levels changed by structuring elements
  *   colours.h     colour images: planes, pixels, conversion, histogram, threshold, lookup
@@ -33,6 +33,7 @@
  *   dials.h       needle meters and seven-segment displays, calibrated and read
  *   windows.h     windows that show images
  *   window_tools.h  tools, events and regions of windows
+ *   clipboard.h   images to the clipboard of the desktop and from it
  *
  * What holds for all functions
  *
@@ -80,9 +81,8 @@
  * promised; where one appears is.
  *
  * The process. The message of a failure on standard error never ends the program, also when nobody
- * reads it any more (SIGPIPE). Unloading the library (dlclose) ends its threads and gives nothing
- * else back: ZEL_CloseSys comes before, and ZEL_free for all blocks that the caller still holds,
- * since no other function can release them.
+ * reads it any more (SIGPIPE). Unloading the library (dlclose) ends its threads and gives nothing else
+ * back: ZEL_CloseSys comes before, and ZEL_free for all blocks that the caller still holds.
  */
 #ifndef ORLUNE_PTK_H
 #define ORLUNE_PTK_H

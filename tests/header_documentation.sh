@@ -2,7 +2,7 @@
 # Holds the public headers to what they promise their readers: every export is declared once and
 # nothing else is; the comment right above a function has a line for each parameter, and tells its
 # failures; each failure number told has an enumerator, and each enumerator is told somewhere. The
-# umbrella includes every header of a family.
+# umbrella includes and lists every header of a family.
 # usage: header_documentation.sh LIST UMBRELLA FAMILY_HEADER...
 set -eu
 list=$1 umbrella=$2
@@ -12,6 +12,10 @@ status=0
 for header in "$@"; do
   if ! grep -qx "#include \"orlune_ptk/${header##*/}\"" "$umbrella"; then
     echo "$umbrella: does not include ${header##*/}"
+    status=1
+  fi
+  if ! grep -qE "^ \*   ${header##*/} +[a-z]" "$umbrella"; then
+    echo "$umbrella: does not tell what is in ${header##*/}"
     status=1
   fi
 done
@@ -41,7 +45,7 @@ function check_function(declaration,    name, inside, parameters, count, i, para
   count = inside == "void" ? 0 : split(inside, parameters, ",")
   for (i = 1; i <= count; i++) {
     parameter = name_of(parameters[i])
-    if (index(comment, "\n * " parameter ": ") == 0)
+    if (comment !~ "\n [*] " parameter ": +[A-Za-z0-9\"'"'"'-]")
       complain(name ": no line tells of the parameter " parameter)
   }
   if (index(comment, "\n * Failures: ") == 0) {

@@ -91,7 +91,7 @@ typedef struct EdgeRecord {
  * edges:        address of a result table.
  * coordinates:  address of a result table: where each edge lies in the image.
  * Failures: -3009 for points, edges or coordinates; -200; -1001 for an image without pixels; -752 for
- * fewer than 5 points; -751 for another method; -101. */
+ * fewer than 5 points; -751 for another method, with oversampling; -101. */
 int32_t ZEL_FindEdges(ImageRef image, const PointInt* points, int32_t pointCount, int32_t method,
                       int32_t oversampling, int32_t threshold, int32_t edgeWidth, int32_t gap,
                       int32_t* edgeCount, EdgeRecord** edges, PointFloat** coordinates);
@@ -121,11 +121,11 @@ typedef struct CaliperReport {
  * image:           any type; see above.
  * points:          pointCount points.
  * pointCount:      at least 5.
- * method:          as in ZEL_FindEdges, and so are
- * oversampling:    .
- * threshold:       .
- * edgeWidth:       .
- * gap:             .
+ * method:          an InterpolationMethod. Not looked at without oversampling.
+ * oversampling:    values between two samples; 0 or below for none.
+ * threshold:       as in ZEL_FindEdges.
+ * edgeWidth:       samples of each window; below 1 it is 2.
+ * gap:             samples between the windows; below 0 it is 0.
  * polarityMode:    a PairPolarity.
  * separation:      the wanted distance in pixels.
  * deviation:       half of how far a pair may be from it: the distance lies between separation -
@@ -136,8 +136,8 @@ typedef struct CaliperReport {
  * reports:         address of a result table.
  * coordinateCount: NULL, or receives twice the number of pairs.
  * coordinates:     address of a result table: where the two edges of each pair lie in the image.
- * Failures: -3009 for points, reports or coordinates; -200; -1001 for an image without pixels; -752
- * for fewer than 5 points; -751 for another method; -101, also for too many pairs. */
+ * Failures: -3009 for points, reports or coordinates; -200; -1001 for an image without pixels; -752 for
+ * fewer than 5 points; -751 for another method, with oversampling; -101, also for too many pairs. */
 int32_t ZEL_Caliper(ImageRef image, const PointInt* points, int32_t pointCount, int32_t method,
                     int32_t oversampling, int32_t threshold, int32_t edgeWidth, int32_t gap,
                     int32_t polarityMode, float separation, float deviation, int32_t* pairCount,
@@ -156,23 +156,23 @@ typedef enum GaugeMode {
  * A line is clipped to the image before anything is measured; its ends are then those of what is
  * left. The first line that lies outside the image ends the call.
  * image:          any type; see above.
- * x1:             start of the main line.
- * y1:             .
- * x2:             end of the main line.
- * y2:             .
- * method:         as in ZEL_FindEdges, and so are
- * oversampling:   .
- * threshold:      .
- * edgeWidth:      .
- * gap:            .
+ * x1:             column of the main line's start.
+ * y1:             its row.
+ * x2:             column of the main line's end.
+ * y2:             its row.
+ * method:         an InterpolationMethod. Not looked at without oversampling.
+ * oversampling:   values between two samples; 0 or below for none.
+ * threshold:      as in ZEL_FindEdges.
+ * edgeWidth:      samples of each window; below 1 it is 2.
+ * gap:            samples between the windows; below 0 it is 0.
  * mode:           a GaugeMode.
  * extraLines:     two points a line: what is added to start and end of the main line. NULL: none.
  * extraCount:     how many points; below 2 there are no other lines, and an odd one is left out.
- * referenceX:     where the lines were drawn for.
- * referenceY:     .
+ * referenceX:     column of the place that the lines were drawn for.
+ * referenceY:     its row.
  * referenceAngle: degrees.
- * newX:           where that is in this image. Where nothing has changed, the lines stay exactly.
- * newY:           .
+ * newX:           column of that place in this image.
+ * newY:           its row. Where nothing has changed, the lines stay exactly.
  * newAngle:       degrees, counted from the x axis towards the y axis, which points down.
  * results:        extraCount / 2 + 1 floats: the distance in pixels of each line, the main line's
  *                 first, and 0 where no edge is found. Those from a line outside the image on are
