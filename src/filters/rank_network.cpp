@@ -100,22 +100,18 @@ constexpr int32_t NARROWEST_STRIP = 256;  // bytes
 constexpr int32_t WIDEST_STRIP = 4096;
 constexpr int32_t SCRATCH_BUDGET = 28 * 1024;  // that stays in the first cache beside the pixels
 
-constexpr int64_t RoundedUp(int64_t bytes) {
-  return (bytes + RANK_VECTOR_BYTES - 1) / RANK_VECTOR_BYTES * RANK_VECTOR_BYTES;
-}
-
 // `rowsInUse` are those that are read and written again and again.
 void SettleStrips(const PixelView& source, int32_t rowsInUse, RankNetwork* network) {
   const int64_t margin = int64_t{network->window.width - 1} * source.pixelBytes;
-  const int64_t narrowest = std::max<int64_t>(NARROWEST_STRIP, 2 * RoundedUp(margin));
+  const int64_t narrowest = std::max<int64_t>(NARROWEST_STRIP, 2 * WholeVectors(margin));
   const int64_t wished = std::min(SCRATCH_BUDGET / std::max(rowsInUse, 1), WIDEST_STRIP);
-  const int64_t bytes = RoundedUp(source.RowBytes());
+  const int64_t bytes = WholeVectors(source.RowBytes());
   const int64_t widest = std::max(narrowest, wished);
   const int64_t strips = std::max<int64_t>((bytes + widest - 1) / widest, 1);
-  network->stripBytes = static_cast<int32_t>(RoundedUp((bytes + strips - 1) / strips));
+  network->stripBytes = static_cast<int32_t>(WholeVectors((bytes + strips - 1) / strips));
   // Steps on the last columns read whole vectors at any shift. An odd number of vectors keeps rows
   // in different sets of a cache.
-  const int64_t pitch = network->stripBytes + RoundedUp(margin) + RANK_VECTOR_BYTES;
+  const int64_t pitch = network->stripBytes + WholeVectors(margin) + RANK_VECTOR_BYTES;
   network->pitch = pitch | RANK_VECTOR_BYTES;
 }
 
@@ -206,7 +202,7 @@ void RunStrip(NetworkPass* pass) {
   group.carries = band.memory;
   group.pitch = network.pitch;
   group.columns =
-      static_cast<int32_t>(RoundedUp(int64_t{pass->strip.columns} * pixelBytes) / pixelBytes);
+      static_cast<int32_t>(WholeVectors(int64_t{pass->strip.columns} * pixelBytes) / pixelBytes);
   // Groups before the first output row fill the carries.
   const int32_t before =
       (network.window.height - 1 + network.group - 1) / network.group * network.group;

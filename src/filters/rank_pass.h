@@ -16,6 +16,11 @@ const T* WindowCorner(const WindowViews& views, const RankWindow& window, int64_
   return views.source.At<T>(x - (window.width - 1) / 2, y - (window.height - 1) / 2);
 }
 
+// The bytes of so many, in whole vectors.
+constexpr int64_t WholeVectors(int64_t bytes) {
+  return (bytes + RANK_VECTOR_BYTES - 1) / RANK_VECTOR_BYTES * RANK_VECTOR_BYTES;
+}
+
 // ---- selection networks
 
 constexpr size_t PROGRAM_STEPS = 8192;

@@ -35,17 +35,13 @@ struct TileLayout {
   int64_t TileBytes() const { return 2 * keyBytes + memberBytes + foundBytes; }
 };
 
-constexpr int64_t RoundedUp(int64_t bytes) {
-  return (bytes + RANK_VECTOR_BYTES - 1) / RANK_VECTOR_BYTES * RANK_VECTOR_BYTES;
-}
-
 TileLayout LayoutOf(const PixelView& source, RankWindow window) {
   TileLayout layout{};
   layout.columns = TileSteps(window.width, source.width);
   layout.rows = TileSteps(window.height, source.height);
   layout.pixels = int64_t{layout.columns + window.width - 1} * (layout.rows + window.height - 1);
-  layout.keyBytes = RoundedUp(layout.pixels * static_cast<int64_t>(sizeof(Key)));
-  layout.memberBytes = RoundedUp((layout.pixels / WORD_BITS + 1) * WORD_BITS / 8);
+  layout.keyBytes = WholeVectors(layout.pixels * static_cast<int64_t>(sizeof(Key)));
+  layout.memberBytes = WholeVectors((layout.pixels / WORD_BITS + 1) * WORD_BITS / 8);
   layout.foundBytes =
       int64_t{layout.columns} * layout.rows * static_cast<int64_t>(sizeof(uint32_t));
   return layout;
