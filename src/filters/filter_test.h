@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "core/images.h"
+#include "tests/support/pixels.h"
 #include "tests/support/refused_memory.h"
 #include "tests/support/walks.h"
 
@@ -45,18 +46,6 @@ class Mirrored {
   int32_t type_, border_, width_;
   std::vector<double> pixels_;
 };
-
-// A whole number as integer pixels keep it: the low bits.
-inline void SetPixel(const TestImage& image, int32_t x, int32_t y, double value) {
-  switch (image.Info().type) {
-    case IMAGE_U8:
-      return image.Set(x, y, static_cast<uint8_t>(static_cast<int64_t>(value)));
-    case IMAGE_I16:
-      return image.Set(x, y, static_cast<int16_t>(static_cast<int64_t>(value)));
-    default:
-      return image.Set(x, y, static_cast<float>(value));
-  }
-}
 
 // rule(pixels with the border filled, x, y) for the selected pixels; the source's for the others.
 template <class Rule>

@@ -5,20 +5,14 @@
 
 #include <cstring>
 
-#include "engine/bands.h"
 #include "harness/test_image.h"
 #include "tests/support/refused_memory.h"
+#include "tests/support/walks.h"
 
 namespace test {
 
 constexpr ImageRef UNKNOWN_IMAGE = 0x7FFFFFFF;
 constexpr int32_t MOVED_TYPES[] = {IMAGE_U8, IMAGE_I16, IMAGE_SGL, IMAGE_RGB};
-
-inline TestImage CloneOf(const TestImage& image) {
-  TestImage clone(IMAGE_U8, 0, 0);
-  EXPECT_EQ(ZEL_Copy(image, clone), 0);
-  return clone;
-}
 
 inline uint8_t* BytesAt(const TestImage& image, int32_t x, int32_t y) {
   return image.At<uint8_t>(0, y) + int64_t{x} * image.Info().pixelBytes;
@@ -65,10 +59,9 @@ void ExpectMoved(const TestImage& source, const TestImage& expected, const Move&
 template <class Move>
 void ExpectMovedByWorkers(const TestImage& source, const TestImage& expected, const Move& move) {
   for (const int32_t workers : {1, 2, 3, 8}) {
-    zel::BandsForce(workers, 1);
+    const Workers forced(workers);
     ExpectMoved(source, expected, move);
   }
-  zel::BandsForce(0, 0);
 }
 
 // What operations on the moved types refuse, in the order of the tests.

@@ -10,20 +10,10 @@
 
 namespace {
 
+using test::PixelOf;
 using test::TestImage;
 
 constexpr int32_t SCALAR_TYPES[] = {IMAGE_U8, IMAGE_I16, IMAGE_SGL};
-
-double ValueOf(const TestImage& image, int32_t x, int32_t y) {
-  switch (image.Info().type) {
-    case IMAGE_U8:
-      return image.Get<uint8_t>(x, y);
-    case IMAGE_I16:
-      return image.Get<int16_t>(x, y);
-    default:
-      return static_cast<double>(image.Get<float>(x, y));
-  }
-}
 
 TEST(Pixels, ReadingOutsideTheImageGivesTheNearestPixel) {
   const TestImage image(IMAGE_U8, 10, 10, 2);
@@ -41,7 +31,7 @@ TEST(Pixels, ReadingGivesTheValueOfEachScalarType) {
       for (int32_t x = 0; x < 9; x++) {
         float value = 0;
         ASSERT_EQ(ZEL_GetPixelValue(image, x, y, &value), 0);
-        ASSERT_EQ(static_cast<double>(value), ValueOf(image, x, y));
+        ASSERT_EQ(static_cast<double>(value), PixelOf(image, x, y));
       }
     }
   }
@@ -118,7 +108,7 @@ TEST(RowCol, EveryRowAndColumnIsRead) {
           ASSERT_EQ(count, column != 0 ? height : width);
           for (int32_t i = 0; i < count; i++) {
             ASSERT_EQ(row[static_cast<size_t>(i)],
-                      column != 0 ? ValueOf(image, nearest, i) : ValueOf(image, i, nearest));
+                      column != 0 ? PixelOf(image, nearest, i) : PixelOf(image, i, nearest));
           }
           EXPECT_EQ(row[static_cast<size_t>(count)], -1.0);
         }
@@ -143,10 +133,10 @@ TEST(RowCol, ArrayShorterThanTheColumnWritesItsPart) {
     const TestImage image(type, 4, 900, 1);
     std::vector<double> numbers;
     for (int32_t i = 0; i < 600; i++) numbers.push_back(i % 251);
-    const double former = ValueOf(image, 3, 600);
+    const double former = PixelOf(image, 3, 600);
     ASSERT_EQ(ZEL_SetRowCol(image, 1, 99, ARRAY_DBL, numbers.data(), 600), 0);
-    for (int32_t i = 0; i < 600; i++) ASSERT_EQ(ValueOf(image, 3, i), i % 251);
-    EXPECT_EQ(ValueOf(image, 3, 600), former);
+    for (int32_t i = 0; i < 600; i++) ASSERT_EQ(PixelOf(image, 3, i), i % 251);
+    EXPECT_EQ(PixelOf(image, 3, 600), former);
   }
 }
 

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "harness/test_image.h"
+#include "tests/support/pixels.h"
 #include "tests/support/walks.h"
 #include "utilities/lines.h"
 
@@ -101,17 +102,6 @@ double RangeSum(const TestImage& image) {
   return smallest == largest ? 0 : smallest + largest;
 }
 
-void Store(const TestImage& image, int32_t x, int32_t y, double value) {
-  switch (image.Info().type) {
-    case IMAGE_U8:
-      return image.Set(x, y, static_cast<uint8_t>(static_cast<int64_t>(value)));
-    case IMAGE_I16:
-      return image.Set(x, y, static_cast<int16_t>(static_cast<int64_t>(value)));
-    default:
-      return image.Set(x, y, static_cast<float>(value));
-  }
-}
-
 TestImage Drawn(const TestImage& source, const Points& points, int32_t mode, double value) {
   TestImage result = CloneOf(source);
   const bool isByte = source.Info().type == IMAGE_U8;
@@ -121,7 +111,7 @@ TestImage Drawn(const TestImage& source, const Points& points, int32_t mode, dou
     if (left < 0 || top < 0 || left >= source.width() || top >= source.height()) continue;
     const auto x = static_cast<int32_t>(left);
     const auto y = static_cast<int32_t>(top);
-    Store(result, x, y, inverts ? sum - PixelOf(source, x, y) : value);
+    test::SetPixel(result, x, y, inverts ? sum - PixelOf(source, x, y) : value);
   }
   return result;
 }
