@@ -2,9 +2,7 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <time.h>
-#include <unistd.h>
 
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -13,11 +11,13 @@
 #include "harness/memory_files.h"
 #include "harness/tiff_file.h"
 #include "orlune_ptk.h"
+#include "tests/support/process.h"
 
 namespace {
 
 using test::Bytes;
 using test::MemoryFiles;
+using test::ResidentBytes;
 
 constexpr double SECONDS_ALLOWED = 0.1;        // of the processor's time
 constexpr int64_t RESIDENT_ALLOWED = 4 << 20;  // bytes
@@ -27,13 +27,6 @@ double ProcessorSeconds() {
   timespec time{};
   clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
   return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
-}
-
-int64_t ResidentBytes() {
-  int64_t total = 0;
-  int64_t resident = 0;
-  std::ifstream("/proc/self/statm") >> total >> resident;
-  return resident * sysconf(_SC_PAGESIZE);
 }
 
 struct Claim {

@@ -1,19 +1,18 @@
 // Many rounds of the same work, good calls and failing ones, leave the process as large as it was.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 
 #include "core/heap.h"
 #include "harness/checks.h"
 #include "harness/memory_files.h"
 #include "harness/test_image.h"
+#include "tests/support/process.h"
 
 namespace {
 
-constexpr long GROWTH_ALLOWED = 1 << 20;
+constexpr int64_t GROWTH_ALLOWED = 1 << 20;
 
 // ORLUNE_SOAK_ROUNDS asks for more. A sanitizer takes long.
 int64_t Rounds() {
@@ -21,16 +20,6 @@ int64_t Rounds() {
   return wanted                    ? std::max<int64_t>(std::atoll(wanted), 50)
          : test::MemoryIsWatched() ? 4000
                                    : 100000;
-}
-
-long ResidentBytes() {
-  long size = 0;
-  long resident = 0;
-  std::FILE* file = std::fopen("/proc/self/statm", "r");
-  if (!file) return 0;
-  if (std::fscanf(file, "%ld %ld", &size, &resident) != 2) resident = 0;
-  std::fclose(file);
-  return resident * sysconf(_SC_PAGESIZE);
 }
 
 // Creates, reads, thresholds, labels, measures and disposes; then calls that fail.
@@ -65,12 +54,12 @@ TEST(Soak, RoundsOfReadingAndMeasuringKeepMemoryFlat) {
 
   const int64_t blocks = zel::HeapHooksGet()->liveBlocks;
   const int64_t bytes = zel::HeapHooksGet()->liveBytes;
-  const long resident = ResidentBytes();
+  const int64_t resident = test::ResidentBytes();
   for (int64_t i = 0; i < rounds && !HasFatalFailure(); i++) Round(&reports);
   EXPECT_EQ(zel::HeapHooksGet()->liveBlocks, blocks);
   EXPECT_EQ(zel::HeapHooksGet()->liveBytes, bytes);
   if (!test::MemoryIsWatched()) {  // a sanitizer keeps what is freed in quarantine
-    EXPECT_LE(ResidentBytes() - resident, GROWTH_ALLOWED);
+    EXPECT_LE(test::ResidentBytes() - resident, GROWTH_ALLOWED);
   }
   EXPECT_EQ(files.OpenFiles(), 0);
   ZEL_free(reports);
