@@ -30,14 +30,31 @@ uint32_t Number32(const FileContext& context, const uint8_t* bytes) {
   return context.swapBytes == 1 ? BigAt32(bytes) : LittleAt32(bytes);
 }
 
+// 0 for an unknown type.
+int64_t TypeBytes(uint16_t type) {
+  switch (type) {
+    case TIFF_BYTE:
+    case TIFF_ASCII:
+      return 1;
+    case TIFF_SHORT:
+      return 2;
+    case TIFF_LONG:
+      return 4;
+    case TIFF_RATIONAL:
+      return 8;
+    default:
+      return 0;
+  }
+}
+
 int64_t ValueBytes(const TiffTag& tag) {
-  return tag.count * TiffTypeBytes(tag.type);
+  return tag.count * TypeBytes(tag.type);
 }
 
 // Only a single value can be in the entry itself: two SHORTs, which others put there, are looked
 // for at the offset that they form. Kept.
 bool LiesInEntry(const TiffTag& tag) {
-  return tag.count == 1 && TiffTypeBytes(tag.type) <= FIELD_BYTES;
+  return tag.count == 1 && TypeBytes(tag.type) <= FIELD_BYTES;
 }
 
 // From the file's order to the host's, element by element.
@@ -84,7 +101,7 @@ Status KeepEntry(const OpenFile& file, const uint8_t* entry, FileContext* contex
   if (kept == std::end(KEPT)) return STATUS_OK;
 
   TiffTag tag{true, Number16(*context, entry + 2), Number32(*context, entry + 4), 0, {}};
-  if (TiffTypeBytes(tag.type) == 0) return STATUS_BAD_FILE_FORMAT;
+  if (TypeBytes(tag.type) == 0) return STATUS_BAD_FILE_FORMAT;
   if (LiesInEntry(tag)) {
     std::memcpy(tag.field, entry + 8, FIELD_BYTES);
   } else {
@@ -104,22 +121,6 @@ Status KeepEntry(const OpenFile& file, const uint8_t* entry, FileContext* contex
 }
 
 }  // namespace
-
-int64_t TiffTypeBytes(uint16_t type) {
-  switch (type) {
-    case TIFF_BYTE:
-    case TIFF_ASCII:
-      return 1;
-    case TIFF_SHORT:
-      return 2;
-    case TIFF_LONG:
-      return 4;
-    case TIFF_RATIONAL:
-      return 8;
-    default:
-      return 0;
-  }
-}
 
 Status TiffLoadDirectory(const OpenFile& file, FileContext* context) {
   uint8_t countField[2];
@@ -180,7 +181,7 @@ Status TiffReadValue(const OpenFile& file, const FileContext& context, const Tif
 Status TiffArrayReader::Element(int64_t index, uint32_t* value) {
   *value = 0;
   if (tag_.type != TIFF_BYTE && tag_.type != TIFF_SHORT && tag_.type != TIFF_LONG) return STATUS_OK;
-  const int64_t elementBytes = TiffTypeBytes(tag_.type);
+  const int64_t elementBytes = TypeBytes(tag_.type);
   const int64_t at = index * elementBytes;
   const uint8_t* element = tag_.field;
   if (!LiesInEntry(tag_)) {

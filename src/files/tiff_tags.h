@@ -14,7 +14,6 @@ enum TiffType : uint16_t {
   TIFF_LONG = 4,
   TIFF_RATIONAL = 5,
 };
-int64_t TiffTypeBytes(uint16_t type);  // 0 for an unknown type
 
 enum TiffTagNumber : uint16_t {
   TAG_NEW_SUBFILE_TYPE = 254,
