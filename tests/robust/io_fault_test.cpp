@@ -241,11 +241,13 @@ TEST_P(IoFaults, OfAWriteGiveTheStatedNumbersAndLeaveNothingBehind) {
 
 // Networks and quotas refuse on closing what they took before.
 TEST_P(IoFaults, OfClosingAreThoseOfTheWriteAndLeaveTheImage) {
+  int written = 0;
   for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL, IMAGE_COMPLEX, IMAGE_RGB}) {
     for (const int32_t format : {FILE_FORMAT_NATIVE, FILE_FORMAT_TIFF, FILE_FORMAT_BMP}) {
       SCOPED_TRACE("type " + std::to_string(type) + " in format " + std::to_string(format));
       const TestImage image(type, 7, 5, 1);
       if (ZEL_WriteFile(image, "f", format, nullptr, 0) != 0) continue;  // not written in it
+      written++;
       const Bytes block = image.Block();
       const Bytes file = files_.Get("f");
       files_.Put("f", {});
@@ -257,6 +259,7 @@ TEST_P(IoFaults, OfClosingAreThoseOfTheWriteAndLeaveTheImage) {
       EXPECT_EQ(files_.Get("f"), file);
     }
   }
+  EXPECT_EQ(written, 5 + 3 + 2) << "types in the native format, TIFF and BMP";
 }
 
 // Every allocation of a call fails in turn, alone and with all that follow.
