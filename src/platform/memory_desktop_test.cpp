@@ -5,12 +5,12 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <string_view>
 #include <vector>
 
 #include "platform/built_in_face.h"
 #include "platform/machine_fonts.h"
 #include "platform/memory_picture.h"
+#include "tests/support/no_fonts.h"
 
 namespace {
 
@@ -287,15 +287,7 @@ TEST_F(MemoryText, InAnUnknownFontIsNotDrawn) {
 }
 
 TEST(WindowText, WithoutFontsIsDrawnInTheBuiltInFace) {
-  static constexpr zel::TextRasteriser none{
-      .measure = [](const zel::FontRequest&, std::string_view, int32_t*) -> int32_t {
-        return zel::FONT_MISSING;
-      },
-      .draw = [](const zel::FontRequest&, std::string_view, const zel::TextPixels&) -> int32_t {
-        return zel::FONT_MISSING;
-      },
-      .release = [] {}};
-  const zel::TextRasteriser* faces[] = {&none, &zel::BUILT_IN_FACE, &zel::MACHINE_FONTS};
+  const zel::TextRasteriser* faces[] = {&test::NO_FONTS, &zel::BUILT_IN_FACE, &zel::MACHINE_FONTS};
   zel::MemoryPicture pictures[3];
   for (int32_t i = 0; i < 3; i++) {
     pictures[i].Resize(60, 20);

@@ -10,11 +10,13 @@
 #include <limits>
 #include <sstream>
 
+#include "orlune/shared/complaints.h"
 #include "orlune/shared/output.h"
 #include "orlune/view/text_panel.h"
 #include "platform/built_in_face.h"
 #include "platform/canvases.h"
 #include "platform/memory_desktop.h"
+#include "tests/support/no_fonts.h"
 
 namespace {
 
@@ -26,10 +28,6 @@ using zel::DesktopEventKind;
 constexpr int32_t WIDTH = 64;
 constexpr int32_t HEIGHT = 48;
 constexpr int32_t ZOOM = 6;  // that such a picture is shown at
-
-bool Has(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
-}
 
 class View : public testing::Test {
  protected:
@@ -333,15 +331,7 @@ TEST_F(View, EndsWhenThePersonLeaves) {
 }
 
 TEST_F(View, WithoutFontsTellsSoOnceAndMeasuresAllTheSame) {
-  static constexpr zel::TextRasteriser none{
-      .measure = [](const zel::FontRequest&, std::string_view, int32_t*) -> int32_t {
-        return zel::FONT_MISSING;
-      },
-      .draw = [](const zel::FontRequest&, std::string_view, const zel::TextPixels&) -> int32_t {
-        return zel::FONT_MISSING;
-      },
-      .release = [] {}};
-  zel::FontsUse(&none);
+  zel::FontsUse(&test::NO_FONTS);
   ASSERT_TRUE(Open({TwoSquares()}));
   Drag(WTOOL_RECT, 8, 8, 20, 20);
   EXPECT_EQ(complaints_.str(),
