@@ -4,6 +4,7 @@
 #include <memory>
 #include <opencv2/imgproc.hpp>
 
+#include "benchmarks/packed.h"
 #include "benchmarks/pairs.h"
 
 namespace {
@@ -91,19 +92,6 @@ std::string Named(const char* name, int side) {
   return name + std::to_string(side) + "x" + std::to_string(side);
 }
 
-using PackedPicture = std::shared_ptr<PIX>;
-
-int32_t Pack(Images&, Mats& m) {
-  const PackedPicture packed(pixCreate(m.a.cols, m.a.rows, 1), [](PIX* pix) { pixDestroy(&pix); });
-  for (int y = 0; y < m.a.rows; y++) {
-    for (int x = 0; x < m.a.cols; x++) {
-      if (m.a.at<uint8_t>(y, x) != 0) pixSetPixel(packed.get(), x, y, 1);
-    }
-  }
-  m.own = packed;
-  return 0;
-}
-
 // Upper edges of blobs.
 bench::Pair HitMiss() {
   constexpr char marks[] = "oooxXxxxx";
@@ -118,11 +106,9 @@ bench::Pair HitMiss() {
     pixDestroy(kept);
     delete kept;
   });
-  pair.prepare = Pack;
+  pair.prepare = bench::Pack;
   pair.peer = "Leptonica";
-  pair.theirs = [=](Mats& m) {
-    *result = pixHMT(*result, std::any_cast<PackedPicture&>(m.own).get(), sel.get());
-  };
+  pair.theirs = [=](Mats& m) { *result = pixHMT(*result, bench::PackedOf(m), sel.get()); };
   return pair;
 }
 
