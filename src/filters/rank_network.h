@@ -92,8 +92,8 @@ constexpr Terms EverySecond(Terms list, int32_t from) {
 
 template <class Plan>
 constexpr bool Reserve(Plan& plan, int32_t terms, int32_t steps) {
-  constexpr int32_t termLimit = sizeof(plan.terms) / sizeof(plan.terms[0]);
-  constexpr int32_t stepLimit = sizeof(plan.steps) / sizeof(plan.steps[0]);
+  constexpr int32_t termLimit = sizeof(plan.terms) / sizeof(plan.terms[0]);  // NOLINT: arrays
+  constexpr int32_t stepLimit = sizeof(plan.steps) / sizeof(plan.steps[0]);  // NOLINT: arrays
   plan.full = plan.full || plan.termCount + terms > termLimit ||
               plan.stepCount + steps > stepLimit || plan.values + 2 * steps >= NO_VALUE;
   return !plan.full;
@@ -212,7 +212,7 @@ constexpr SortedList SortedPixels(Plan& plan, int32_t row, int32_t column, int32
 
 template <class Plan>
 constexpr SortedList Carried(Plan& plan, int32_t firstRow, int32_t level) {
-  constexpr int32_t limit = sizeof(plan.carries) / sizeof(plan.carries[0]);
+  constexpr int32_t limit = sizeof(plan.carries) / sizeof(plan.carries[0]);  // NOLINT: arrays
   const RankWindow& window = plan.window;
   const int32_t pixels = window.width << level;
   const int32_t lowest = Larger(window.order - (window.width * window.height - pixels), 0);
