@@ -277,8 +277,6 @@ class Files : public testing::Test {
       std::filesystem::temp_directory_path() / ("orlune_journeys_" + std::to_string(getpid()));
 };
 
-constexpr int32_t NATIVE = 1, TIFF = 2, BMP = 3;
-
 // Writes a scene and reads it back: the pixels are the same, and an odd width has become even with
 // a column of 0.
 void RoundTrip(const Shot& shot, const std::string& path, int32_t format) {
@@ -311,20 +309,20 @@ void RoundTrip(const Shot& shot, const std::string& path, int32_t format) {
 }
 
 TEST_F(Files, ScenesComeBackFromEachFormatThatHoldsThem) {
-  RoundTrip(ShotOf("washers"), Path("washers.bmp"), BMP);
-  RoundTrip(ShotOf("washers"), Path("washers.tif"), TIFF);
-  RoundTrip(ShotOf("washers"), Path("washers.orln"), NATIVE);
-  RoundTrip(ShotOf("mixed"), Path("mixed.bmp"), BMP);
+  RoundTrip(ShotOf("washers"), Path("washers.bmp"), FILE_FORMAT_BMP);
+  RoundTrip(ShotOf("washers"), Path("washers.tif"), FILE_FORMAT_TIFF);
+  RoundTrip(ShotOf("washers"), Path("washers.orln"), FILE_FORMAT_NATIVE);
+  RoundTrip(ShotOf("mixed"), Path("mixed.bmp"), FILE_FORMAT_BMP);
 }
 
 TEST_F(Files, AnOddWidthComesBackEvenWithAColumnOfZero) {
-  RoundTrip(ShotOf("pins"), Path("pins.tif"), TIFF);
-  RoundTrip(ShotOf("pins"), Path("pins.orln"), NATIVE);
+  RoundTrip(ShotOf("pins"), Path("pins.tif"), FILE_FORMAT_TIFF);
+  RoundTrip(ShotOf("pins"), Path("pins.orln"), FILE_FORMAT_NATIVE);
 }
 
 TEST_F(Files, SixteenBitScenesComeBackFromTiffAndNative) {
-  RoundTrip(ShotOf("chips"), Path("chips.tif"), TIFF);
-  RoundTrip(ShotOf("chips"), Path("chips.orln"), NATIVE);
+  RoundTrip(ShotOf("chips"), Path("chips.tif"), FILE_FORMAT_TIFF);
+  RoundTrip(ShotOf("chips"), Path("chips.orln"), FILE_FORMAT_NATIVE);
 }
 
 TEST_F(Files, AnInspectionOfTheFileFindsWhatIsInTheScene) {
@@ -332,7 +330,7 @@ TEST_F(Files, AnInspectionOfTheFileFindsWhatIsInTheScene) {
   const Image written(IMAGE_U8), read(IMAGE_U8);
   Load(shot.picture, written);
   const std::string path = Path("washers.bmp");
-  ASSERT_EQ(ZEL_WriteFile(written, path.c_str(), BMP, nullptr, 0), 0);
+  ASSERT_EQ(ZEL_WriteFile(written, path.c_str(), FILE_FORMAT_BMP, nullptr, 0), 0);
   ASSERT_EQ(ZEL_ReadFile(read, path.c_str(), 0, nullptr, nullptr), 0);
   Segment(shot, read, AUTOB_CLUSTERING);
   ExpectTruth(PartsOf(read), shot.truth);
@@ -342,9 +340,9 @@ TEST_F(Files, AGrayFileReadIntoColourAndBackKeepsItsLevels) {
   const Shot& shot = ShotOf("washers");
   const Image written(IMAGE_U8), colour(IMAGE_RGB), back(IMAGE_U8);
   Load(shot.picture, written);
-  ASSERT_EQ(ZEL_WriteFile(written, Path("gray.bmp").c_str(), BMP, nullptr, 0), 0);
+  ASSERT_EQ(ZEL_WriteFile(written, Path("gray.bmp").c_str(), FILE_FORMAT_BMP, nullptr, 0), 0);
   ASSERT_EQ(ZEL_ReadFile(colour, Path("gray.bmp").c_str(), 0, nullptr, nullptr), 0);
-  ASSERT_EQ(ZEL_WriteFile(colour, Path("colour.tif").c_str(), TIFF, nullptr, 0), 0);
+  ASSERT_EQ(ZEL_WriteFile(colour, Path("colour.tif").c_str(), FILE_FORMAT_TIFF, nullptr, 0), 0);
   ASSERT_EQ(ZEL_ReadFile(back, Path("colour.tif").c_str(), 0, nullptr, nullptr), 0);
   EXPECT_EQ(PixelsOf(back, shot.picture.width, shot.picture.height),
             PixelsOf(written, shot.picture.width, shot.picture.height));
@@ -354,7 +352,7 @@ TEST_F(Files, TheNativeFormatKeepsTheCalibration) {
   const Image written(IMAGE_U8), read(IMAGE_U8);
   Load(ShotOf("washers").picture, written);
   ASSERT_EQ(ZEL_SetImageCalibration(written, 5, 0.125f, 0.125f), 0);
-  ASSERT_EQ(ZEL_WriteFile(written, Path("scaled.orln").c_str(), NATIVE, nullptr, 0), 0);
+  ASSERT_EQ(ZEL_WriteFile(written, Path("scaled.orln").c_str(), FILE_FORMAT_NATIVE, nullptr, 0), 0);
   ASSERT_EQ(ZEL_ReadFile(read, Path("scaled.orln").c_str(), 0, nullptr, nullptr), 0);
   ImageInfo info;
   ASSERT_EQ(ZEL_GetImageInfo(read, &info), 0);
