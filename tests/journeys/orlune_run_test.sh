@@ -352,6 +352,10 @@ line = "1,2,30,4"
 follow-step = "inspect"
 master = "scenes/washers.bmp"
 END
+run 0 run --help
+in_out "--time-limit SECONDS (60)"
+run 2 run --time-limit -1 one.toml scenes/washers.bmp
+in_err "--time-limit"
 run 2 run none.toml scenes/washers.bmp
 in_err "none.toml"
 run 2 run one.toml

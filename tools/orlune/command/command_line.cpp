@@ -342,16 +342,17 @@ void CommandLine::AddRun() {
       ->group(working);
   run->add_option("--time-limit", run_.limit, "what a picture may take; 0 is no limit")
       ->type_name("SECONDS")
-      ->check(CLI::Range(0.0, 1e6))
+      ->check(CLI::Range(0.0, 1e6).description(""))
       ->capture_default_str()
       ->group(working);
-  file("--db", &run_.database, "record the run in this SQLite file");
+  run->add_option("--db", run_.database, "record the run in this SQLite file")
+      ->type_name("FILE")
+      ->group(working);
   run->add_flag("--resume", run_.resume, "finish the last run of the recipe in there")
       ->group(working);
   run->add_flag("--only-list", run_.onlyList,
                 "only put the pictures in there, for others to work on")
       ->group(working);
-  run->get_option("--db")->group(working);
   const std::string line = "Verdicts for a line";
   run->add_option("--verdicts", run_.verdicts,
                   "write each verdict to this pipe, if it has a reader")
@@ -362,7 +363,7 @@ void CommandLine::AddRun() {
       ->group(line);
   run->add_option("--call-limit", run_.callLimit, "what a call may take; 0 is no limit")
       ->type_name("SECONDS")
-      ->check(CLI::Range(0.0, 1e6))
+      ->check(CLI::Range(0.0, 1e6).description(""))
       ->capture_default_str()
       ->group(line);
   run->footer(RUN_FOOTER);
