@@ -42,8 +42,9 @@ class Windows : public test::Screen {
   // Shows an image in a window of its size, and finds that.
   xcb_window_t Show(const TestImage& image, int32_t window, const char* title) const {
     EXPECT_EQ(ZEL_WindDraw(image, window, title, 1), 0);
-    xcb_window_t found = 0;
-    EXPECT_TRUE(Eventually([&] { return (found = client_.Window(title)) != 0; }));
+    Settle();
+    const xcb_window_t found = client_.Window(title);
+    EXPECT_NE(found, 0U);
     return found;
   }
   // The pixels that the mapping of a U8 image gives, at a zoom above 0 or below.
@@ -379,12 +380,13 @@ TEST_F(Windows, LeaveNothingBehind) {
     ZEL_WindClose(0, 0);
   };
   for (int i = 0; i < 20; i++) openAndClose();
-  client_.Sync();
+  Settle();
   const size_t windows = client_.Windows().size();
   const int64_t held = zel::HeapHooksGet()->liveBytes;
   const size_t memory = MemoryInUse();
   for (int i = 0; i < 1000; i++) openAndClose();
-  EXPECT_TRUE(Eventually([&] { return client_.Windows().size() == windows; }));
+  Settle();
+  EXPECT_EQ(client_.Windows().size(), windows);
   EXPECT_TRUE(zel::x11->panels.empty());
   EXPECT_TRUE(zel::x11->deeds.empty());
   EXPECT_EQ(zel::HeapHooksGet()->liveBytes, held);

@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "platform/memory_desktop.h"
+#include "platform/x11_state.h"
 
 namespace test {
 
@@ -171,6 +172,14 @@ Screen::Screen() {
 Screen::~Screen() {
   ZEL_CloseSys();
   zel::DesktopUse(&zel::MEMORY_DESKTOP);
+}
+
+void Screen::Settle() {
+  xcb_connection_t* link = zel::x11->connection.link;
+  const Answer<xcb_get_input_focus_reply_t> reply(
+      xcb_get_input_focus_reply(link, xcb_get_input_focus(link), nullptr));
+  EXPECT_TRUE(reply);
+  zel::DesktopInUse().pump();
 }
 
 WindowEvent Screen::EventOf(int32_t window) {

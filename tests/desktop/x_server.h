@@ -120,6 +120,9 @@ class Screen : public testing::Test {
   Screen();
   ~Screen() override;
 
+  // Returns once the server has done all that the library asked of it, and the library has taken
+  // what came of that. What another connection is answered says nothing of this one.
+  static void Settle();
   static WindowEvent EventOf(int32_t window);
   // Lets events in until the window has one of this type.
   static WindowEvent AwaitedEvent(int32_t window, int32_t type);
