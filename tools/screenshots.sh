@@ -23,7 +23,7 @@ stop() {
 }
 trap stop EXIT
 
-Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp 3>"$work/display" 2>"$work/server" &
+Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp -noreset 3>"$work/display" 2>"$work/server" &
 started="$!"
 for _ in $(seq 100); do
   [ -s "$work/display" ] && break

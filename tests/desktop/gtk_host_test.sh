@@ -31,12 +31,19 @@ until_true() {
   sed 's/^/  out: /' out
   exit 1
 }
-window() { xdotool search --onlyvisible --name "^$1\$" | head -n 1; }
-shows() { [ -n "$(window "$1")" ]; }
+# Fails also where other windows go while it looks.
+finds() {
+  found=$(xdotool search --onlyvisible --name "^$1\$" | head -n 1)
+  [ -n "$found" ]
+}
 says() { grep -q -x -e "$1" out; }
-click() { xdotool mousemove --window "$(window "$1")" "$2" "$3" click 1; }
+click() {
+  until_true finds "$1"
+  xdotool mousemove --window "$found" "$2" "$3" click 1
+}
 
-Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp 3>display 2>server.log &
+# Without -noreset it begins anew when its last program ends, and sends away who comes meanwhile.
+Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp -noreset 3>display 2>server.log &
 server=$!
 host=$server
 : >out
@@ -47,8 +54,8 @@ export DISPLAY GDK_BACKEND=x11 NO_AT_BRIDGE=1 GSETTINGS_BACKEND=memory DBUS_SESS
 for order in before after; do
   "$program" "$order" >out 2>err &
   host=$!
-  until_true shows host
-  until_true shows image
+  until_true finds host
+  until_true finds image
   click image 20 30
   until_true says "the image at 20, 30"
   click host 100 50

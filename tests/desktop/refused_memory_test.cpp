@@ -86,7 +86,7 @@ TEST_F(RefusedMemory, EndsNoProgramWithWindowsOrClipboard) {
   const TestImage image(IMAGE_U8, 100, 100);
   ASSERT_EQ(ZEL_WindDraw(image, 0, "shown", 1), 0);
   const test::XClient client;
-  EXPECT_NE(client.Window("shown"), 0u);
+  EXPECT_TRUE(test::Eventually([&] { return client.Window("shown") != 0; }));
 }
 
 }  // namespace

@@ -128,6 +128,7 @@ class SharedClipboard : public test::Screen {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   }
   static int32_t Take(const TestImage& image) {
+    Settle();  // the library may still be on its way to hear that others have copied something
     int32_t available = -1;
     EXPECT_EQ(ZEL_ClipboardToImage(image, nullptr, &available), 0);
     return available;

@@ -12,6 +12,7 @@
 
 namespace {
 
+using test::Answer;
 using test::Eventually;
 using test::TestImage;
 using namespace std::chrono_literals;
@@ -76,6 +77,18 @@ class ManagedWindows : public test::Screen {
     manager_.reset();
     Screen::TearDownTestSuite();
   }
+  // The manager puts a window that has gone back onto the screen, by a number that a window of the
+  // next test may have by then: before it takes the frame away.
+  ~ManagedWindows() override {
+    ZEL_CloseSys();
+    EXPECT_TRUE(Eventually(
+        [this] {
+          const std::vector<xcb_window_t> there = client_.Windows();
+          return std::find_first_of(frames_.begin(), frames_.end(), there.begin(), there.end()) ==
+                 frames_.end();
+        },
+        test::Meanwhile::NOTHING));
+  }
   std::string Root(const char* property) const { return client_.Text(client_.root(), property); }
   xcb_window_t ActiveWindow() const {
     const std::string value = Root("_NET_ACTIVE_WINDOW");
@@ -83,13 +96,21 @@ class ManagedWindows : public test::Screen {
     if (value.size() == sizeof active) std::memcpy(&active, value.data(), sizeof active);
     return active;
   }
+  // The frame around a window.
+  xcb_window_t FrameOf(xcb_window_t window) const {
+    const Answer<xcb_query_tree_reply_t> reply(
+        xcb_query_tree_reply(client_.link(), xcb_query_tree(client_.link(), window), nullptr));
+    return reply ? reply->parent : xcb_window_t{0};
+  }
   // Shows an image in a window of its size, which is active then.
-  xcb_window_t Show(const TestImage& image, int32_t window, const char* title) const {
+  xcb_window_t Show(const TestImage& image, int32_t window, const char* title) {
     EXPECT_EQ(ZEL_WindDraw(image, window, title, 1), 0);
     xcb_window_t found = 0;
     EXPECT_TRUE(Eventually([&] { return (found = client_.Window(title)) != 0; }));
     EXPECT_TRUE(Eventually([&] { return ActiveWindow() == found; }));
     AwaitedEvent(window, WEVENT_ACTIVATE);
+    frames_.push_back(FrameOf(found));
+    EXPECT_NE(frames_.back(), client_.root());
     return found;
   }
   // A wish concerning a window, of which the window manager hears.
@@ -125,6 +146,7 @@ class ManagedWindows : public test::Screen {
     return pixels;
   }
 
+  std::vector<xcb_window_t> frames_;
   inline static std::unique_ptr<WindowManager> manager_;
 };
 

@@ -163,6 +163,17 @@ bool Eventually(const std::function<bool()>& holds, Meanwhile meanwhile) {
   return holds();
 }
 
+// The library keeps its connection for as long as it offers a picture: with the server that goes,
+// so that the next tests find none.
+void Screen::TearDownTestSuite() {
+  server_.reset();
+  zel::DesktopUse(nullptr);
+  ZEL_CloseSys();
+  zel::DesktopUse(&zel::MEMORY_DESKTOP);
+  zel::MemoryDesktopReset();
+  EXPECT_EQ(zel::x11, nullptr);
+}
+
 Screen::Screen() {
   EXPECT_TRUE(server_->IsThere());
   zel::DesktopUse(nullptr);
@@ -175,7 +186,11 @@ Screen::~Screen() {
 }
 
 void Screen::Settle() {
-  xcb_connection_t* link = zel::x11->connection.link;
+  xcb_connection_t* link = zel::x11 ? zel::x11->connection.link : nullptr;
+  if (!link) {
+    ADD_FAILURE() << "the library has lost the server";
+    return;
+  }
   const Answer<xcb_get_input_focus_reply_t> reply(
       xcb_get_input_focus_reply(link, xcb_get_input_focus(link), nullptr));
   EXPECT_TRUE(reply);

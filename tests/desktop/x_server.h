@@ -116,7 +116,7 @@ bool Eventually(const std::function<bool()>& holds, Meanwhile meanwhile = Meanwh
 class Screen : public testing::Test {
  protected:
   static void SetUpTestSuite() { server_ = std::make_unique<XServer>(); }
-  static void TearDownTestSuite() { server_.reset(); }
+  static void TearDownTestSuite();
   Screen();
   ~Screen() override;
 

@@ -40,7 +40,8 @@ start_server() {
   : >out
   : >err
   rm -f display
-  Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp 3>display 2>server.log &
+  # Without -noreset it begins anew when its last program ends, and sends away who comes meanwhile.
+  Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp -noreset 3>display 2>server.log &
   server=$!
   until_true grep -q . display
   DISPLAY=:$(cat display)
@@ -79,9 +80,9 @@ sleeps() {
   [ "$before" = "$(turns)" ]
 }
 until_true sleeps
-press s
+until_true press s
 until_true test -s marked/washers-marked.png
-press q
+until_true press q
 until_true ended
 wait "$viewer"
 status=$?
