@@ -291,8 +291,11 @@ bool ScrollTrack(int32_t window, int32_t x, int32_t y) {
   if (!scroller.HasPart()) return true;
 
   PointerLoop loop(window);
-  while (loop.Next() && loop.pointer().leftDown) scroller.Round(loop.pointer());
+  bool wasHeld = false;
+  for (; loop.Next() && loop.pointer().leftDown; wasHeld = true) scroller.Round(loop.pointer());
   if (loop.WasCut()) return true;
+  // A click that was over before the first look is worth one step.
+  if (!wasHeld) scroller.Round({x, y, true});
   RegionPaint(window);
   const PointInt centre = CentreOf(&RecordOf(window));
   EventRecord(window, EVENT_SCROLLED, centre.x, centre.y);

@@ -258,6 +258,12 @@ TEST_F(Tools, FollowTheScrollBars) {
   EXPECT_EQ(event.type, WEVENT_SCROLL);
   EXPECT_EQ(event.integers[0], 100);
   EXPECT_EQ(event.integers[1], 100 + 3 * 8);
+  // Released before the first look.
+  Post(0, DesktopEventKind::LEFT_PRESS, 208, 195);
+  zel::MemoryDesktopPointer(150, 20, false);
+  event = EventOf(0);
+  EXPECT_EQ(event.type, WEVENT_SCROLL);
+  EXPECT_EQ(event.integers[1], 100 + 4 * 8);
   // The thumb to the end of the track and beyond.
   Drag(0, {{208, 30}, {208, 500}});
   event = EventOf(0);
