@@ -8,6 +8,7 @@
 
 #include "platform/canvases.h"
 #include "platform/x11_keys.h"
+#include "platform/x11_panels.h"
 #include "platform/x11_pictures.h"
 
 namespace zel {
@@ -18,6 +19,8 @@ constexpr int32_t DOUBLE_CLICK_WAY = 4;      // pixels
 // A window manager may put a window elsewhere than where it was asked to be; for so many
 // milliseconds that is its doing, not a person's.
 constexpr uint32_t PLACING_TIME = 300;
+// A busy one answers wishes so many milliseconds later.
+constexpr uint32_t ANSWER_TIME = 3000;
 // A program that is busy for long needs no more of the pointer's way than this.
 constexpr size_t MOST_DEEDS = 4096;
 // Types of events have their highest bit set where another program sent them.
@@ -134,14 +137,26 @@ bool IsBeingPlaced(const X11Panel& panel) {
   return MachineTicks() - panel.placedTicks < PLACING_TIME;
 }
 
+// Whether the program asked for such a place not long ago.
+template <class Rule>
+bool WasWished(const X11Panel& panel, Rule isSuch) {
+  const uint32_t count = std::min(panel.wishCount, X11_WISHES);
+  const uint32_t now = MachineTicks();
+  return std::any_of(panel.wishes, panel.wishes + count, [&](const X11Wish& wish) {
+    return now - wish.ticks < ANSWER_TIME && isSuch(wish.place);
+  });
+}
+
 // A window manager answers in its own time, also before the window has its frame: what it says of
 // the wish before the last one cannot be told from what a person does, but by what comes next.
 void SizeTake(int32_t number, X11Panel* panel, int32_t width, int32_t height) {
-  const bool isAsked = width == panel->place.width && height == panel->place.height;
-  panel->isDoubtful = !isAsked && IsBeingPlaced(*panel);
-  panel->doubtfulWidth = width;
-  panel->doubtfulHeight = height;
-  if (isAsked || panel->isDoubtful) return;
+  const auto isIt = [=](const X11Place& place) {
+    return width == place.width && height == place.height;
+  };
+  const bool isAsked = isIt(panel->place);
+  const bool isDoubtful = !isAsked && (IsBeingPlaced(*panel) || WasWished(*panel, isIt));
+  panel->size = {isDoubtful, width, height};
+  if (isAsked || isDoubtful) return;
   panel->place.width = width;
   panel->place.height = height;
   DesktopEvent* event = PutLatest(number, DesktopEventKind::PANEL_SIZE);
@@ -150,13 +165,22 @@ void SizeTake(int32_t number, X11Panel* panel, int32_t width, int32_t height) {
 }
 
 void MoveTake(int32_t number, X11Panel* panel, int32_t left, int32_t top) {
-  if (left == panel->place.left && top == panel->place.top) return;
+  const auto isIt = [=](const X11Place& place) { return left == place.left && top == place.top; };
+  const bool isAsked = isIt(panel->place);
+  const bool isDoubtful = !isAsked && WasWished(*panel, isIt);
+  panel->position = {isDoubtful, left, top};
+  if (isAsked || isDoubtful) return;
   panel->place.left = left;
   panel->place.top = top;
-  if (panel->isFramed && IsBeingPlaced(*panel)) return;
+  int32_t& toldLeft = panel->attributes[PANEL_LEFT];
+  int32_t& toldTop = panel->attributes[PANEL_TOP];
+  const X11Connection& at = x11->connection;
+  // A window manager that placed it elsewhere at first may give in.
+  if (at.ToCanvas(left) == toldLeft && at.ToCanvas(top) == toldTop) return;
+  if (IsBeingPlaced(*panel) && (panel->isFramed || X11HasManager())) return;
   DesktopEvent* event = PutLatest(number, DesktopEventKind::PANEL_MOVE);
-  event->left = panel->attributes[PANEL_LEFT] = x11->connection.ToCanvas(left);
-  event->top = panel->attributes[PANEL_TOP] = x11->connection.ToCanvas(top);
+  event->left = toldLeft = at.ToCanvas(left);
+  event->top = toldTop = at.ToCanvas(top);
 }
 
 // A window that is moved and resized in one, as by its upper left corner, is not told its place on
@@ -185,11 +209,11 @@ void ConfigureTake(const xcb_configure_notify_event_t& event, uint32_t sequence,
   }
 }
 
-// Sizes that nothing came after.
+// What nothing came after is no longer doubtful once the time for answers is over.
 void DoubtfulTake() {
   for (auto& [number, panel] : x11->panels) {
-    const bool isSure = panel.isDoubtful && !IsBeingPlaced(panel);
-    if (isSure) SizeTake(number, &panel, panel.doubtfulWidth, panel.doubtfulHeight);
+    if (panel.size.isOne) SizeTake(number, &panel, panel.size.x, panel.size.y);
+    if (panel.position.isOne) MoveTake(number, &panel, panel.position.x, panel.position.y);
   }
 }
 

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <utility>
 
 #include "platform/canvases.h"
@@ -122,6 +123,11 @@ void WindowDescribe(const X11Panel& panel, int32_t parent) {
   HintsSet(panel);
 }
 
+void WishKeep(X11Panel* panel) {
+  panel->placedTicks = MachineTicks();
+  panel->wishes[panel->wishCount++ % X11_WISHES] = {panel->place, panel->placedTicks};
+}
+
 // Asks for the place that the attributes tell, in so far as it is another one in the canvas'
 // pixels: what a person chose in between is left.
 void PlaceAsk(X11Panel* panel) {
@@ -153,7 +159,7 @@ void PlaceAsk(X11Panel* panel) {
   panel->placedAt =
       at.x->configureWindow(at.link, panel->window, static_cast<uint16_t>(mask), values).sequence;
   panel->isPlacing = true;
-  panel->placedTicks = MachineTicks();
+  WishKeep(panel);
   at.x->flush(at.link);
 }
 
@@ -172,8 +178,22 @@ void VisibleSet(int32_t number, X11Panel* panel, bool isVisible) {
   at.x->flush(at.link);
 }
 
-// A window manager leaves a window behind that says so itself.
-bool HasManager() {
+void PanelMake(X11Panel* panel, int32_t parent, const char* title, const DesktopRect& rect) {
+  panel->title = title;
+  panel->attributes = {{PANEL_VISIBLE, 0},
+                       {PANEL_LEFT, rect.left},
+                       {PANEL_TOP, rect.top},
+                       {PANEL_WIDTH, rect.width},
+                       {PANEL_HEIGHT, rect.height}};
+  panel->place = PlaceOf(*panel);
+  WishKeep(panel);
+  panel->window = WindowMake(panel->place);
+  WindowDescribe(*panel, parent);
+}
+
+}  // namespace
+
+bool X11HasManager() {
   const X11Connection& at = x11->connection;
   const xcb_atom_t property = at.atoms[ATOM_NET_SUPPORTING_WM_CHECK];
   const auto windowIn = [&](xcb_window_t window) -> xcb_window_t {
@@ -187,21 +207,16 @@ bool HasManager() {
   return manager != 0 && windowIn(manager) == manager;
 }
 
-}  // namespace
-
 int32_t X11PanelCreate(int32_t parent, const char* title, const DesktopRect& rect) {
   const X11Session session;
   if (!session) return -1;
   const int32_t number = DesktopNumberNext();
-  X11Panel& panel = x11->panels[number];
-  panel.title = title;
-  panel.attributes = {{PANEL_LEFT, rect.left},
-                      {PANEL_TOP, rect.top},
-                      {PANEL_WIDTH, rect.width},
-                      {PANEL_HEIGHT, rect.height}};
-  panel.place = PlaceOf(panel);
-  panel.window = WindowMake(panel.place);
-  WindowDescribe(panel, parent);
+  try {
+    PanelMake(&x11->panels[number], parent, title, rect);
+  } catch (const std::bad_alloc&) {
+    X11PanelDiscard(number);  // what there is of it
+    return -1;
+  }
   return number;
 }
 
@@ -209,7 +224,7 @@ void X11PanelDiscard(int32_t number) {
   const X11Session session;
   const X11Panel* panel = X11PanelOf(number);
   if (!panel) return;
-  if (session) {
+  if (session && panel->window != 0) {
     const X11Connection& at = x11->connection;
     if (panel->picture != 0) at.x->freePixmap(at.link, panel->picture);
     at.x->destroyWindow(at.link, panel->window);
@@ -292,7 +307,7 @@ void X11Activate(int32_t number) {
   if (X11PanelGet(number, PANEL_VISIBLE) == 0) return;
   x11->isActivating = true;
   const X11Connection& at = x11->connection;
-  if (!HasManager()) {
+  if (!X11HasManager()) {
     x11->activatedAt =
         at.x->setInputFocus(at.link, XCB_INPUT_FOCUS_PARENT, panel->window, XCB_CURRENT_TIME)
             .sequence;

@@ -17,4 +17,6 @@ void X11SetSink(int32_t panel, int32_t canvas, int32_t window, DesktopSink sink)
 void X11Activate(int32_t panel);
 int32_t X11Active();
 
+bool X11HasManager();
+
 }  // namespace zel

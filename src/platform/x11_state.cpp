@@ -1,15 +1,22 @@
 // Finding panels, and losing them.
 #include "platform/x11_state.h"
 
+#include <new>
+
 namespace zel {
 
 X11State* x11 = nullptr;
 
 namespace {
 
+// Those that there is no memory to tell of are lost again at the next turn: nothing that needs the
+// server may fail for them, discarding least of all.
 void PanelsLose() {
-  for (auto& [number, panel] : x11->panels) {
-    if (panel.window != 0) X11PanelLose(number, &panel);
+  try {
+    for (auto& [number, panel] : x11->panels) {
+      if (panel.window != 0) X11PanelLose(number, &panel);
+    }
+  } catch (const std::bad_alloc&) {
   }
   x11->active = 0;
 }
@@ -17,14 +24,14 @@ void PanelsLose() {
 }  // namespace
 
 void X11PanelLose(int32_t number, X11Panel* panel) {
-  panel->window = 0;
-  panel->picture = 0;
-  panel->attributes[PANEL_VISIBLE] = 0;
-  if (x11->active == number) x11->active = 0;
   X11Deed deed;
   deed.panel = number;
   deed.event.kind = DesktopEventKind::CLOSE;
   x11->deeds.push_back(deed);
+  panel->window = 0;
+  panel->picture = 0;
+  panel->attributes[PANEL_VISIBLE] = 0;
+  if (x11->active == number) x11->active = 0;
 }
 
 X11Panel* X11PanelOf(int32_t panel) {

@@ -12,11 +12,25 @@
 
 namespace zel {
 
+constexpr uint32_t X11_WISHES = 32;
 constexpr int32_t X11_MOST_SIDE = 32767;  // of windows and pictures, in pixels of the server
 
 // In pixels of the server. Place and size are those of the inside of the window.
 struct X11Place {
   int32_t left, top, width, height;
+};
+
+// A place that the program asked for, and when.
+struct X11Wish {
+  X11Place place{};
+  uint32_t ticks = 0;
+};
+
+// A position, or a size, that may be a late answer to a former wish, or all that the window manager
+// grants: what comes next tells.
+struct X11Doubt {
+  bool isOne = false;
+  int32_t x = 0, y = 0;
 };
 
 struct X11Click {
@@ -34,10 +48,10 @@ struct X11Panel {
   bool isPlacing = false;                 // the server has not answered yet
   uint32_t placedAt = 0;                  // the number of the request that asked for it
   uint32_t placedTicks = 0;
-  bool isFramed = false;  // by a window manager
-  // A size that may be a late answer to a former wish, or all that the window manager grants.
-  bool isDoubtful = false;
-  int32_t doubtfulWidth = 0, doubtfulHeight = 0;
+  bool isFramed = false;       // by a window manager
+  X11Wish wishes[X11_WISHES];  // the last ones, in a ring
+  uint32_t wishCount = 0;
+  X11Doubt position, size;
   X11Click lastClick;
   int32_t number = 0;  // that came with the sink
   DesktopSink sink = nullptr;

@@ -3,6 +3,7 @@
 #include <new>
 
 #include "platform/memory_desktop.h"
+#include "platform/x11_state.h"
 #include "x_server.h"
 
 namespace {
@@ -63,6 +64,7 @@ void ExpectToGoOn(void (*use)(const TestImage&)) {
     const bool wasRefused = requestsLeft == 0;
     requestsLeft = NONE;
     ZEL_CloseSys();
+    ASSERT_TRUE(!zel::x11 || zel::x11->panels.empty()) << "request " << request;
     if (!wasRefused) return;
   }
   FAIL() << "there is no end of requests";
@@ -72,7 +74,9 @@ class RefusedMemory : public testing::Test {
  protected:
   RefusedMemory() { zel::DesktopUse(nullptr); }
   ~RefusedMemory() override {
+    server_.Kill();  // with it goes the connection that a copied picture keeps
     ZEL_CloseSys();
+    EXPECT_EQ(zel::x11, nullptr);
     zel::DesktopUse(&zel::MEMORY_DESKTOP);
     zel::MemoryDesktopReset();
   }

@@ -167,6 +167,48 @@ TEST_F(Windows, KeepTheLastOfManySizes) {
   EXPECT_EQ(client_.Place(window), last);
 }
 
+// The panel of the one window that there is, made older.
+zel::X11Panel* PanelOf(uint32_t age) {
+  zel::X11Panel& panel = zel::x11->panels.begin()->second;
+  panel.placedTicks -= age;
+  for (zel::X11Wish& wish : panel.wishes) wish.ticks -= age;
+  return &panel;
+}
+
+// A window manager that has much to do answers one wish after the other when the last one is long
+// made, and leaves a window that it puts elsewhere at first where it was asked to be.
+TEST_F(Windows, TakeLateAnswersForNoPersonsDoing) {
+  const TestImage image(IMAGE_U8, 64, 64);
+  const xcb_window_t window = Show(image, 0, "late");
+  const auto place = [&](const std::vector<uint32_t>& at) {
+    constexpr uint16_t all = XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
+                             XCB_CONFIG_WINDOW_HEIGHT;
+    client_.Configure(window, all, at);
+    Settle();
+  };
+  for (const int32_t side : {100, 150, 200}) {
+    ASSERT_EQ(ZEL_SetWindow2DAttributes(0, WATTR2_SIZE, side, side), 0);
+    ASSERT_EQ(ZEL_SetWindow2DAttributes(0, WATTR2_POSITION, side, 2 * side), 0);
+  }
+  Settle();
+  PanelOf(1000);
+  for (const uint32_t side : {100U, 150U, 200U}) place({2 * side, side, side, side});
+  EXPECT_EQ(EventOf(0).type, WEVENT_NONE);
+  EXPECT_EQ(client_.Place(window), (std::vector<int32_t>{400, 200, 200, 200}));
+  // Where it stays at a former one it was a person after all.
+  place({300, 150, 150, 150});
+  EXPECT_EQ(EventOf(0).type, WEVENT_NONE);
+  PanelOf(3000);
+  const WindowEvent event = AwaitedEvent(0, WEVENT_MOVE);
+  EXPECT_EQ(event.integers[0], 300);
+  EXPECT_EQ(event.integers[1], 150);
+  EXPECT_EQ(Ask(0, -3, {0, 0, 0})[0], 150);
+  // Where it was asked to be, though it had been put elsewhere at first.
+  PanelOf(0)->place.left = 7;
+  client_.Configure(window, XCB_CONFIG_WINDOW_WIDTH, {170});
+  EXPECT_EQ(AwaitedEvent(0, WEVENT_SIZE).integers[0], 170);
+}
+
 TEST_F(Windows, CloseWhenAPersonAsks) {
   const TestImage image(IMAGE_U8, 64, 64);
   const xcb_window_t window = Show(image, 3, "closed");
