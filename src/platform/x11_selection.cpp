@@ -69,23 +69,26 @@ void WindowEnsure() {
                      XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events);
 }
 
-// The server's time: that of a change that changes nothing.
+xcb_window_t OwnerOf(xcb_atom_t selection) {
+  const X11Connection& at = x11->connection;
+  const Reply<xcb_get_selection_owner_reply_t> reply(
+      at.x->getSelectionOwnerReply(at.link, at.x->getSelectionOwner(at.link, selection), nullptr));
+  return reply ? reply->owner : xcb_window_t{0};
+}
+
+// The server's time: that of a change that changes nothing. What others changed before, as by a
+// late answer, comes no later than an answer of the server, and would tell an older time.
 xcb_timestamp_t TimeNow(const X11Session& session) {
   const X11Connection& at = x11->connection;
   X11Selection& selection = x11->selection;
+  OwnerOf(at.atoms[ATOM_CLIPBOARD]);
+  X11EventsTake(session);
   selection.hasNewValue = false;
   // Of another type, as a late answer may have left it, the server would not append to it.
   at.x->deleteProperty(at.link, selection.window, at.atoms[ATOM_TRANSFER]);
   at.x->changeProperty(at.link, XCB_PROP_MODE_APPEND, selection.window, at.atoms[ATOM_TRANSFER],
                        XCB_ATOM_INTEGER, 32, 0, nullptr);
   return WaitFor(session, &selection.hasNewValue) ? selection.stamp : xcb_timestamp_t{0};
-}
-
-xcb_window_t OwnerOf(xcb_atom_t selection) {
-  const X11Connection& at = x11->connection;
-  const Reply<xcb_get_selection_owner_reply_t> reply(
-      at.x->getSelectionOwnerReply(at.link, at.x->getSelectionOwner(at.link, selection), nullptr));
-  return reply ? reply->owner : xcb_window_t{0};
 }
 
 // ---- reading

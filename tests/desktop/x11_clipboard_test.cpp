@@ -289,6 +289,20 @@ TEST_F(SharedClipboard, StaysWithTheProgramThatClosesTheLibrary) {
   EXPECT_EQ(taken.Pixels(), pixels);
 }
 
+// Of a program that answers when nobody waits any more, just before another one copies something.
+TEST_F(SharedClipboard, TakesNoLateAnswersTimeForNow) {
+  const TestImage image(IMAGE_U8, 9, 9);
+  ASSERT_EQ(ZEL_ImageToClipboard(image, nullptr), 0);
+  const xcb_window_t window = zel::x11->selection.window;
+  EXPECT_EQ(Owner(), window);
+  client_.SetText(window, "ORLUNE_TRANSFER", "late");
+  std::this_thread::sleep_for(20ms);
+  const OtherProgram other(OtherProgram::TEXT_ONLY, {});
+  EXPECT_NE(Owner(), window);
+  ASSERT_EQ(ZEL_ImageToClipboard(image, nullptr), 0);
+  EXPECT_EQ(Owner(), window);
+}
+
 // What a desktop has that keeps pictures of programs that end.
 class Keeper {
  public:
