@@ -200,7 +200,7 @@ void BandOfFloats(const WindowBand& band, const ConvolutionRule& rule, const Con
 }
 
 Status WalkOfFloats(const WindowViews& views, const ConvolutionRule& rule, RowEffort effort) {
-  constexpr int32_t fewestToWiden = 25;  // coefficients
+  constexpr int32_t fewestToWiden = 36;  // coefficients
   const ConvolutionRealRows& routines = convolutionRealRows().For(views.source.type);
   const bool isWidened = rule.tapCount >= fewestToWiden || !routines.ofPixels.one;
   const WindowPlan plan{.memoryBytes = RealSource::MemoryBytes(views.source, rule, isWidened),

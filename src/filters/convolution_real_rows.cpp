@@ -22,7 +22,8 @@ void Widen(const void* pixels, double* __restrict to, int64_t count) {
 // Products of two 32-bit floats are exact; sums are rounded, so their order is kept.
 template <class Number>
 ZEL_INLINE void PlainSums(const Number* const* rows, int64_t first, int64_t count,
-                          const ConvolutionRule& rule, double* __restrict sums) {
+                          const ConvolutionRule& rule, float* __restrict rounded) {
+  double sums[BLOCK];
   for (int64_t x = 0; x < count; x++) sums[x] = 0.0;
   const ConvolutionTap* tap = rule.taps;
   for (int32_t j = 0; j < rule.rows; j++) {
@@ -31,6 +32,7 @@ ZEL_INLINE void PlainSums(const Number* const* rows, int64_t first, int64_t coun
       for (int64_t x = 0; x < count; x++) sums[x] += tap->real * double{pixels[x]};
     }
   }
+  for (int64_t x = 0; x < count; x++) rounded[x] = static_cast<float>(sums[x]);
 }
 
 #if defined(ZEL_VECTORS)
@@ -51,10 +53,10 @@ ZEL_INLINE Doubles AsDoubles(const double* from) {
 }
 
 // Most pixels lie in the windows of all rows of results: each is loaded once for these, whose sums
-// are put BLOCK numbers apart.
+// go to results of their own.
 template <int32_t results, class Number>
 ZEL_INLINE void SumGroup(const Number* const* rows, int64_t x, const ConvolutionRule& rule,
-                         double* to) {
+                         float* const* to, int64_t column) {
   constexpr size_t vectors = VECTORS<results>;
   Doubles sums[static_cast<size_t>(results)][vectors] = {};
   for (int32_t j = 0; j < rule.rows + results - 1; j++) {
@@ -81,7 +83,8 @@ ZEL_INLINE void SumGroup(const Number* const* rows, int64_t x, const Convolution
     }
   }
   for (int32_t r = 0; r < results; r++) {
-    for (size_t v = 0; v < vectors; v++) Store(to + r * BLOCK + v * DOUBLE_LANES, sums[r][v]);
+    for (size_t v = 0; v < vectors; v++)
+      StoreRounded(to[r] + column + v * DOUBLE_LANES, sums[r][v]);
   }
 }
 
@@ -89,12 +92,12 @@ ZEL_INLINE void SumGroup(const Number* const* rows, int64_t x, const Convolution
 // columns than a group has. Not inlined, so that the sums have all registers to themselves.
 template <int32_t results, class Number>
 [[gnu::noinline]] bool GroupSums(const Number* const* rows, int64_t first, int64_t count,
-                                 const ConvolutionRule& rule, double* sums) {
+                                 const ConvolutionRule& rule, float* const* sums) {
   constexpr int64_t columns = COLUMNS<results>;
   if (count < columns) return false;
   for (int64_t next = 0; next < count; next += columns) {
     const int64_t x = next < count - columns ? next : count - columns;
-    SumGroup<results>(rows, first + x, rule, sums + x);
+    SumGroup<results>(rows, first + x, rule, sums, x);
   }
   return true;
 }
@@ -102,7 +105,8 @@ template <int32_t results, class Number>
 #else
 
 template <int32_t results, class Number>
-ZEL_INLINE bool GroupSums(const Number* const*, int64_t, int64_t, const ConvolutionRule&, double*) {
+ZEL_INLINE bool GroupSums(const Number* const*, int64_t, int64_t, const ConvolutionRule&,
+                          float* const*) {
   return false;
 }
 
@@ -113,27 +117,35 @@ ZEL_INLINE bool GroupSums(const Number* const*, int64_t, int64_t, const Convolut
 // Of a sum that is no number, 0. By way of whole numbers in 32 bits: the compiler has no good
 // vectors for steps from 64 bits to 8.
 template <class Pixel>
-ZEL_INLINE void Finish(const double* sums, Pixel* __restrict results, int64_t count,
+ZEL_INLINE void Finish(const float* sums, Pixel* __restrict results, int64_t count,
                        const ConvolutionRule& rule) {
   const double reciprocal = rule.reciprocal;
   int32_t whole[BLOCK];
   for (int64_t x = 0; x < count; x++) {
-    const double quotient = static_cast<double>(static_cast<float>(sums[x])) * reciprocal;
+    const double quotient = static_cast<double>(sums[x]) * reciprocal;
     whole[x] = LimitedQuotient<Pixel>(quotient == quotient ? quotient : 0.0);
   }
   for (int64_t x = 0; x < count; x++) results[x] = static_cast<Pixel>(whole[x]);
 }
 
-// The 64-bit quotient of two 32-bit floats, rounded to 32 bits, is their 32-bit quotient: as it is
-// no closer to the middle between two of these than 2^-49 of its size, or lies there, rounding to
-// 53 bits before doesn't carry it across.
-ZEL_INLINE void Finish(const double* sums, float* __restrict results, int64_t count,
-                       const ConvolutionRule& rule) {
+// The sums lie in the results already. The 64-bit quotient of two 32-bit floats, rounded to 32
+// bits, is their 32-bit quotient: as it is no closer to the middle between two of these than 2^-49
+// of its size, or lies there, rounding to 53 bits before doesn't carry it across.
+ZEL_INLINE void Finish(const float*, float* results, int64_t count, const ConvolutionRule& rule) {
   const float divider = rule.divider;
-  if (divider == 1.0f) {
-    for (int64_t x = 0; x < count; x++) results[x] = static_cast<float>(sums[x]);
-  } else {
-    for (int64_t x = 0; x < count; x++) results[x] = static_cast<float>(sums[x]) / divider;
+  if (divider == 1.0f) return;
+  for (int64_t x = 0; x < count; x++) results[x] /= divider;
+}
+
+// Where the sums of a block go: those of floats are results already, but for the divider.
+template <class Pixel, int32_t results>
+ZEL_INLINE void SumsPlace(float (*sums)[BLOCK], void* const* to, int64_t first, float** places) {
+  for (int32_t r = 0; r < results; r++) {
+    if constexpr (sizeof(Pixel) == sizeof(float)) {
+      places[r] = static_cast<float*>(to[r]) + first;
+    } else {
+      places[r] = sums[r];
+    }
   }
 }
 
@@ -142,16 +154,17 @@ template <class Pixel, class Number, int32_t results>
 void RealRows(const void* const* places, void* const* to, int32_t width,
               const ConvolutionRule& rule) {
   const auto* rows = reinterpret_cast<const Number* const*>(places);
-  alignas(64) double sums[static_cast<size_t>(results * BLOCK)];
+  alignas(64) float held[static_cast<size_t>(results)][BLOCK];
   const int64_t count = width < BLOCK ? width : BLOCK;
   for (int64_t next = 0; next < width; next += count) {
     const int64_t first = next < width - count ? next : width - count;
+    float* sums[static_cast<size_t>(results)];
+    SumsPlace<Pixel, results>(held, to, first, sums);
     if (!GroupSums<results>(rows, first, count, rule, sums)) {
-      for (int32_t r = 0; r < results; r++)
-        PlainSums(rows + r, first, count, rule, sums + r * BLOCK);
+      for (int32_t r = 0; r < results; r++) PlainSums(rows + r, first, count, rule, sums[r]);
     }
     for (int32_t r = 0; r < results; r++) {
-      Finish(sums + r * BLOCK, static_cast<Pixel*>(to[r]) + first, count, rule);
+      Finish(sums[r], static_cast<Pixel*>(to[r]) + first, count, rule);
     }
   }
 }
