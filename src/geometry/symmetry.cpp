@@ -11,6 +11,11 @@ namespace {
 
 constexpr int64_t CACHE_LINE = 64;
 
+// Pixels of more bytes have left the caches of one core by the time that all are transposed. The
+// lines of the result follow no order that processors foresee, so that stores that read them before
+// take most of the time then, from a shared cache as well.
+constexpr int64_t STREAMED_BYTES = int64_t{1} << 20;
+
 PixelView UpsideDown(const PixelView& view) {
   PixelView turned = view;
   turned.origin += (int64_t{view.height} - 1) * view.pitch;
@@ -37,7 +42,9 @@ void RowsReverse(const PixelView& from, const PixelView& to) {
 
 // Columns of the source are rows of the result: bands of them share no result.
 void RowsToColumns(const PixelView& from, const PixelView& to) {
-  const TransposeRoutine transpose = symmetryRows().transpose.For(to.pixelBytes);
+  const SymmetryRows& rows = symmetryRows();
+  const auto& routines = to.Bytes() < STREAMED_BYTES ? rows.transpose : rows.transposeStreaming;
+  const TransposeRoutine transpose = routines.For(to.pixelBytes);
   BandsRun({.units = from.width, .bytes = 4 * to.Bytes(), .alignment = CACHE_LINE},
            [&](const Band& band) {
              transpose({.from = from.origin + band.begin * from.pixelBytes,

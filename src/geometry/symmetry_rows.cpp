@@ -1,6 +1,7 @@
 // Row routines of mirrored and transposed images.
 #include "geometry/symmetry_rows.h"
 
+#include <cstring>
 #include <utility>
 
 #include "core/numbers.h"
@@ -106,10 +107,103 @@ void TransposePixels(const TransposeBlock& of) {
   }
 }
 
+// Columns of the source at once whose pixels are held until they fill a cache line of their result.
+constexpr int64_t HELD_COLUMNS = 112;
+struct alignas(CACHE_LINE) HeldColumn {
+  uint8_t before[CACHE_LINE];  // the line that was transposed before
+  uint8_t last[CACHE_LINE];
+};
+
+template <class T>
+TransposeBlock PartOf(const TransposeBlock& block, int64_t left, int64_t top, int64_t width,
+                      int64_t height) {
+  constexpr auto bytes = static_cast<int64_t>(sizeof(T));
+  return {.from = block.from + top * block.fromPitch + left * bytes,
+          .fromPitch = block.fromPitch,
+          .to = block.to + left * block.toPitch + top * bytes,
+          .toPitch = block.toPitch,
+          .width = width,
+          .height = height};
+}
+
+// Stores the last line of held pixels: what of it ends a cache line of the result goes there with
+// what was left of the line before.
+ZEL_INLINE void StreamHeld(HeldColumn* held, uint8_t* to, bool isFirst) {
+  const auto left = static_cast<int64_t>(reinterpret_cast<uintptr_t>(to) % CACHE_LINE);
+  const uint8_t* line = held->last - left;
+  if (isFirst) {
+    std::memcpy(to, held->last, static_cast<size_t>(CACHE_LINE - left));
+  } else {
+    for (int64_t at = 0; at < CACHE_LINE; at += VECTOR_BYTES) {
+      Stream(to - left + at, Load<Bytes>(line + at));
+    }
+  }
+  std::memcpy(held->before, held->last, sizeof held->before);
+}
+
+// Fetches rows of a block: processors foresee no runs that are as short as these.
+template <class T>
+ZEL_INLINE void FetchRows(const TransposeBlock& block) {
+  const int64_t bytes = block.width * static_cast<int64_t>(sizeof(T));
+  for (int64_t y = 0; y < block.height; y++) {
+    const uint8_t* from = block.from + y * block.fromPitch;
+    for (int64_t at = 0; at < bytes; at += CACHE_LINE) __builtin_prefetch(from + at, 0, 2);
+    __builtin_prefetch(from + bytes - 1, 0, 2);
+  }
+}
+
+// At most HELD_COLUMNS columns, in whole tiles, of rows that make whole lines.
+template <class T>
+void StreamColumns(const TransposeBlock& block) {
+  using Tiles = Tile<T>;
+  constexpr int64_t lineRows = CACHE_LINE / static_cast<int64_t>(sizeof(T));
+  HeldColumn held[HELD_COLUMNS];
+  for (int64_t y = 0; y < block.height; y += lineRows) {
+    TransposeBlock rows = PartOf<T>(block, 0, y, block.width, lineRows);
+    uint8_t* to = rows.to;
+    rows.to = held[0].last;
+    rows.toPitch = sizeof(HeldColumn);
+    const int64_t next = y + lineRows;
+    if (next < block.height) FetchRows<T>(PartOf<T>(block, 0, next, block.width, lineRows));
+    for (int64_t x = 0; x < block.width; x += Tiles::SIDE) {
+      for (int64_t top = 0; top < lineRows; top += Tiles::ROWS) Tiles::Move(rows, x, top);
+    }
+    for (int64_t x = 0; x < block.width; x++, to += block.toPitch) {
+      StreamHeld(&held[x], to, y == 0);
+    }
+  }
+  for (int64_t x = 0; x < block.width; x++) {
+    uint8_t* end = block.to + x * block.toPitch + block.height * static_cast<int64_t>(sizeof(T));
+    const size_t left = reinterpret_cast<uintptr_t>(end) % CACHE_LINE;
+    std::memcpy(end - left, held[x].last + CACHE_LINE - left, left);
+  }
+}
+
+template <class T>
+void TransposeStreaming(const TransposeBlock& of) {
+  constexpr int64_t lineRows = CACHE_LINE / static_cast<int64_t>(sizeof(T));
+  const TransposeBlock block = of;
+  const int64_t width = block.width / Tile<T>::SIDE * Tile<T>::SIDE;
+  const int64_t height = block.height / lineRows * lineRows;
+  if (height != 0) {
+    for (int64_t left = 0; left < width; left += HELD_COLUMNS) {
+      const int64_t columns = left + HELD_COLUMNS < width ? HELD_COLUMNS : width - left;
+      StreamColumns<T>(PartOf<T>(block, left, 0, columns, height));
+    }
+    StreamEnd();
+  }
+  TransposeEach<T>(PartOf<T>(block, width, 0, block.width - width, height));
+  TransposePixels<T>(PartOf<T>(block, 0, height, block.width, block.height - height));
+}
+
 #else
 
 template <class T>
 void TransposePixels(const TransposeBlock& block) {
+  TransposeEach<T>(block);
+}
+template <class T>
+void TransposeStreaming(const TransposeBlock& block) {
   TransposeEach<T>(block);
 }
 
@@ -126,6 +220,10 @@ extern const SymmetryRows symmetryRows = {
                   .two = &TransposePixels<uint16_t>,
                   .four = &TransposePixels<uint32_t>,
                   .eight = &TransposePixels<uint64_t>},
+    .transposeStreaming = {.one = &TransposeStreaming<uint8_t>,
+                           .two = &TransposeStreaming<uint16_t>,
+                           .four = &TransposeStreaming<uint32_t>,
+                           .eight = &TransposeStreaming<uint64_t>},
 };
 
 }  // namespace zel::ZEL_LEVEL

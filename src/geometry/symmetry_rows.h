@@ -25,6 +25,8 @@ using TransposeRoutine = void (*)(const TransposeBlock& block);
 struct SymmetryRows {
   ByPixelBytes<ReverseRow> reverse;
   ByPixelBytes<TransposeRoutine> transpose;
+  // The same, past the caches: in whole lines, which are not read before they are written.
+  ByPixelBytes<TransposeRoutine> transposeStreaming;
 };
 ZEL_ROW_TABLE(SymmetryRows, symmetryRows)
 

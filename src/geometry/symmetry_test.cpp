@@ -152,6 +152,30 @@ TEST(Transpose, MakesRowsOfColumnsOfAllTypesAndSizes) {
   }
 }
 
+// Sizes of a megabyte and more, whose results are stored past the caches: rows begin anywhere in a
+// cache line, and neither columns nor rows fill whole tiles.
+constexpr struct {
+  int32_t type, width, height;
+} STREAMED_SIZES[] = {{IMAGE_U8, 1029, 1045},
+                      {IMAGE_I16, 737, 725},
+                      {IMAGE_SGL, 563, 467},
+                      {IMAGE_COMPLEX, 357, 375}};
+
+TEST(Transpose, PastTheCachesIsTheSame) {
+  for (const auto& size : STREAMED_SIZES) {
+    SCOPED_TRACE(size.type);
+    const TestImage source(size.type, size.width, size.height, 1, 5);
+    test::ExpectMoved(source, Expected(source, 3), TRANSPOSE);
+  }
+}
+
+TEST(Symmetry, PastTheCachesIsTheSameInBothDiagonals) {
+  const TestImage source(IMAGE_SGL, 515, 515, 1, 5);
+  for (const int32_t symmetry : {3, 4}) {
+    test::ExpectMoved(source, Expected(source, symmetry), Call(symmetry));
+  }
+}
+
 TEST(Transpose, OfThreeByFiveIsFiveByThree) {
   const TestImage source(IMAGE_U8, 3, 5, 0, 5);
   const TestImage dest(IMAGE_U8, 0, 0);
