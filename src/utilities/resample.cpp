@@ -8,6 +8,7 @@
 #include "core/pixel_types.h"
 #include "engine/bands.h"
 #include "engine/operands.h"
+#include "engine/stream_rows.h"
 #include "utilities/copying.h"
 #include "utilities/resample_rows.h"
 #include "utilities/resample_spline.h"
@@ -16,6 +17,12 @@ namespace zel {
 namespace {
 
 constexpr int64_t CACHE_LINE = 64;
+
+// Results of more bytes have left the caches of one core before anyone reads them.
+constexpr int64_t STREAMED_BYTES = int64_t{4} << 20;
+bool IsStreamed(const PixelView& result) {
+  return result.Bytes() >= STREAMED_BYTES;
+}
 
 // The pixel that is read for one at or behind an image's last: pixels of the border as they are,
 // and beyond them the nearest of the image.
@@ -55,11 +62,15 @@ void TilesWalk(const ResampleViews& views, const Band& band, int32_t tileColumns
 
 // ---- nearest
 
+// A row of results is repeated as often as it lies on the same source row.
 void NearestBand(const ResampleViews& views, const Band& band) {
+  const bool isStreamed = IsStreamed(views.result);
   const int32_t pixelBytes = views.result.pixelBytes;
   const PickRoutines routines = resampleRows().pick.For(pixelBytes);
+  const StreamRows& stream = streamRows();
   PickColumns columns;
   columns.readable = views.source.width;
+  alignas(CACHE_LINE) uint8_t picked[TILE_NUMBERS * sizeof(float)];
   const void* last = nullptr;
   const uint8_t* lastFrom = nullptr;
   const auto begin = [&](const Tile& tile) {
@@ -73,14 +84,22 @@ void NearestBand(const ResampleViews& views, const Band& band) {
   TilesWalk(views, band, TILE_NUMBERS, begin, [&](const Tile& tile, int32_t y) {
     const auto* from = views.source.Row<uint8_t>(views.y.At(y).pixel);
     uint8_t* to = views.result.Row<uint8_t>(y) + int64_t{tile.begin} * pixelBytes;
-    if (from == lastFrom) {
-      std::memcpy(to, last, static_cast<size_t>(columns.count) * static_cast<size_t>(pixelBytes));
-    } else {
-      routines.pick(from, columns, to);
-    }
-    last = to;
+    const int64_t bytes = int64_t{columns.count} * pixelBytes;
+    const bool isNew = from != lastFrom;
     lastFrom = from;
+    if (isStreamed) {
+      if (isNew) routines.pick(from, columns, picked);
+      stream.store(to, picked, bytes);
+    } else {
+      if (isNew) {
+        routines.pick(from, columns, to);
+      } else {
+        std::memcpy(to, last, static_cast<size_t>(bytes));
+      }
+      last = to;
+    }
   });
+  if (isStreamed) stream.end();
 }
 
 // ---- joined samples
@@ -96,6 +115,7 @@ struct HeldRow {
 struct JoiningTile {
   TileColumns columns;
   HeldRow held[TILE_SAMPLES];
+  alignas(CACHE_LINE) uint8_t results[TILE_NUMBERS * sizeof(float)];  // that are streamed
 };
 
 // Taken before anything is written.
@@ -132,8 +152,10 @@ class JoinedRows {
         canBeEstimated_((views.source.type == IMAGE_U8 || views.source.type == IMAGE_RGB) &&
                         samplesAlong_ == 2 && samplesDown_ == 2),
         rowsRepeat_(views.y.step < 1.5),
+        isStreamed_(views.source.type == IMAGE_SGL && IsStreamed(views.result)),
         columns_(tile->columns),
-        held_(tile->held) {}
+        held_(tile->held),
+        results_(tile->results) {}
 
   int32_t ColumnsATile() const { return TILE_NUMBERS / numbers_; }
 
@@ -156,13 +178,26 @@ class JoinedRows {
   }
 
   void RowTo(const Tile& tile, int32_t y) {
+    uint8_t* to = views_.result.Row<uint8_t>(y) + int64_t{tile.begin} * views_.result.pixelBytes;
+    if (!isStreamed_) return Join(y, to);
+    Join(y, results_);
+    streamRows().store(to, results_, int64_t{tile.Columns()} * views_.result.pixelBytes);
+  }
+
+  void End() {
+    if (isStreamed_) streamRows().end();
+  }
+
+ private:
+  static constexpr int64_t NONE = -1;
+
+  void Join(int32_t y, uint8_t* to) {
     const SourcePosition at = views_.y.At(y);
     const HeldRow* held[TILE_SAMPLES] = {};
     for (int32_t sample = 0; sample < samplesDown_; sample++) {
       held[sample] =
           &Joined(Readable(int64_t{at.pixel} + sample, views_.source.height, views_.border));
     }
-    uint8_t* to = views_.result.Row<uint8_t>(y) + int64_t{tile.begin} * views_.result.pixelBytes;
     const int32_t estimated = columns_.estimated;
     if (estimated != 0) {
       const EstimatedRows rows{
@@ -179,9 +214,6 @@ class JoinedRows {
     const int64_t numberBytes = views_.result.pixelBytes / numbers_;
     down_(rows, at.share, to + estimated * numberBytes, columns_.count - estimated);
   }
-
- private:
-  static constexpr int64_t NONE = -1;
 
   // Where the pixels of a tile stand, of so many numbers each.
   template <int32_t numbers>
@@ -225,8 +257,10 @@ class JoinedRows {
   DownRows down_;
   bool canBeEstimated_;
   bool rowsRepeat_;  // in the next row of results, so that they are worth keeping
+  bool isStreamed_;  // integers take longer to join than to store
   TileColumns& columns_;
   HeldRow* held_;
+  uint8_t* results_;
 };
 
 void JoinedBand(const ResampleViews& views, const Band& band, int32_t method, JoiningTile* tile) {
@@ -234,6 +268,7 @@ void JoinedBand(const ResampleViews& views, const Band& band, int32_t method, Jo
   TilesWalk(
       views, band, rows.ColumnsATile(), [&](const Tile& columns) { rows.Begin(columns); },
       [&](const Tile& columns, int32_t y) { rows.RowTo(columns, y); });
+  rows.End();
 }
 
 // ---- the call

@@ -37,7 +37,7 @@ struct PickColumns {
   int32_t count;
   int32_t readable;  // pixels of a row, from its first one on
   int32_t vectors;
-  int32_t start[TILE_NUMBERS];
+  int32_t start[TILE_NUMBERS / 16];  // no vector has fewer pixels
   alignas(64) uint8_t places[TILE_NUMBERS * 4];
 };
 struct PickRoutines {

@@ -388,6 +388,21 @@ TEST(Resample, OfLargerImagesGivesTheStatedNumbers) {
   }
 }
 
+// So many bytes that they are stored past the caches.
+TEST(Resample, ToManyMegabytesGivesTheStatedNumbers) {
+  constexpr std::pair<int32_t, int32_t> cases[] = {{IMAGE_RGB, RESAMPLE_NEAREST},
+                                                   {IMAGE_SGL, RESAMPLE_BILINEAR}};
+  for (const auto& [type, method] : cases) {
+    const TestImage source(type, 71, 40, 1, 5);
+    const Request r{0, 0, WHOLE, WHOLE, 1029, 1023, method};
+    const TestImage destination(type, 1029, 1023, 3, 8);
+    const auto around = destination.Surroundings();
+    ASSERT_EQ(Call(source, destination, r), 0);
+    ASSERT_EQ(PixelDifference(destination, Resampled(source, r)), "");
+    EXPECT_EQ(destination.Surroundings(), around);
+  }
+}
+
 TEST(Resample, KeepsTheLowBitsOfCurvesThatSwingOut) {
   const TestImage source(IMAGE_U8, 12, 1, 0, 5);
   for (int32_t x = 0; x < 12; x++) source.Set<uint8_t>(x, 0, x / 3 % 2 == 0 ? 255 : 0);
