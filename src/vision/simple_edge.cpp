@@ -80,9 +80,11 @@ bool PlaceOf(const Parabola& parabola, double level, double last, double* place)
   if (c2 != 0.0) {
     const double discriminant = c1 * c1 - 4.0 * c2 * (c0 - level);
     if (discriminant < 0.0) return false;
-    const double root = std::sqrt(discriminant);
-    roots[0] = -(c1 + root) / (2.0 * c2);
-    roots[1] = (root - c1) / (2.0 * c2);
+    // The root whose two terms would cancel comes from the product of both. On a slant line c2 may
+    // be nothing but the rounding of distances, and the digits lost would be all of them.
+    const double sum = -0.5 * (c1 + std::copysign(std::sqrt(discriminant), c1));
+    roots[0] = sum / c2;
+    roots[1] = sum == 0.0 ? 0.0 : (c0 - level) / sum;
   } else {
     if (c1 == 0.0) return false;
     roots[0] = roots[1] = -(c0 - level) / c1;

@@ -181,6 +181,26 @@ TEST(SimpleEdge, ByPartsOfAPixelFollowsTheParabola) {
   EXPECT_EQ(PlacesOf(two, 2, {EDGE_FIRST, 0, 60, 10, 1}), (std::vector<float>{1}));
 }
 
+// Squares of slant distances are rounded: equal steps leave a second power that is only rounding.
+TEST(SimpleEdge, OfEqualStepsOnASlantLineIsExact) {
+  for (const PointInt step : {PointInt{1, 1}, PointInt{1, 2}, PointInt{3, 1}}) {
+    TestImage image(IMAGE_I16, 24, 24);
+    Path path;
+    for (int32_t i = 0; i < 8; i++) {
+      path.push_back({i * step.x, i * step.y});
+      image.Set<int16_t>(path.back().x, path.back().y, static_cast<int16_t>(100 * i - 1300));
+    }
+    for (int32_t threshold = -1299; threshold < -600; threshold++) {
+      Table<PointFloat> edges;
+      ASSERT_EQ(Find(image, path, {EDGE_FIRST, 0, threshold, 0, 1}, &edges), 0);
+      ASSERT_EQ(edges.count, 1);
+      const float steps = static_cast<float>(threshold + 1300) / 100.0f;
+      EXPECT_NEAR(edges[0].x, steps * static_cast<float>(step.x), 1e-5) << threshold;
+      EXPECT_NEAR(edges[0].y, steps * static_cast<float>(step.y), 1e-5) << threshold;
+    }
+  }
+}
+
 TEST(SimpleEdge, InPercentCutsItsLevels) {
   // From 10 to 210: 25 percent are 60, with a hysteresis of 10.
   const TestImage image = RowImage<uint8_t>(IMAGE_U8, {10, 59, 60, 70, 71, 210});
