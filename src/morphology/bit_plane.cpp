@@ -25,11 +25,11 @@ void BitPlane::Take(const PixelView& view) {
   for (int32_t y = 0; y < height_; y++) runRows().bitsU8(view.Row<void>(y), width_, Row(y));
 }
 
-void BitPlane::Write(const PixelView& view) const {
+void BitPlane::Write(const PixelView& view, uint8_t value) const {
   for (int32_t y = 0; y < height_; y++) {
     auto* row = view.Row<uint8_t>(y);
     std::memset(row, 0, static_cast<size_t>(width_));
-    distanceRows().store(row, Row(y), width_, 1);
+    distanceRows().store(row, Row(y), width_, value);
   }
 }
 

@@ -20,8 +20,8 @@ class BitPlane {
   // From the non-zero pixels of a U8 image of this size.
   void Take(const PixelView& view);
 
-  // 1 for set bits and 0 for others, into a U8 image of this size.
-  void Write(const PixelView& view) const;
+  // A value for set bits and 0 for others, into a U8 image of this size.
+  void Write(const PixelView& view, uint8_t value = 1) const;
 
   int32_t width() const { return width_; }
   int32_t height() const { return height_; }

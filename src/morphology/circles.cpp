@@ -7,7 +7,7 @@
 #include "engine/operands.h"
 #include "morphology/distance_planes.h"
 #include "morphology/distance_rows.h"
-#include "morphology/regions.h"
+#include "morphology/whole_images.h"
 #include "particles/particle_scan.h"
 #include "particles/report_table.h"
 #include "utilities/lines.h"

@@ -3,7 +3,7 @@
 
 #include "engine/operands.h"
 #include "morphology/extents.h"
-#include "morphology/regions.h"
+#include "morphology/whole_images.h"
 #include "utilities/lines.h"
 
 namespace zel {

@@ -1,13 +1,22 @@
 // Whole particles kept, removed and filled.
 #include "engine/operands.h"
 #include "engine/point.h"
+#include "morphology/distance_rows.h"
 #include "morphology/erosion.h"
+#include "morphology/flood.h"
 #include "morphology/particle_filters_rows.h"
-#include "morphology/regions.h"
 #include "morphology/structuring_element.h"
+#include "morphology/whole_images.h"
 
 namespace zel {
 namespace {
+
+// Writes a value where bits are set.
+void ValueWrite(const BitPlane& bits, uint8_t value, const PixelView& to) {
+  for (int32_t y = 0; y < to.height; y++) {
+    distanceRows().store(to.Row<uint8_t>(y), bits.Row(y), to.width, value);
+  }
+}
 
 Status FillHole(ImageRef source, ImageRef destination, bool connectivity8) {
   Operands operands;
@@ -16,28 +25,33 @@ Status FillHole(ImageRef source, ImageRef destination, bool connectivity8) {
   if (operands.HasFailed()) return operands.status();
 
   // Background surrounds particles: where these hold together by corners, it does not.
-  Regions background;
-  const Status status = background.Find(operands.From(), RunsOf::ClearPixels, !connectivity8);
-  if (status != STATUS_OK) return status;
-  background.MarkEdge();
+  const PixelView from = operands.From();
+  BitPlane background;
+  Flood flood;
+  if (!ClearPixelsTake(from, &background) ||
+      !flood.Create(from.width, from.height, !connectivity8)) {
+    return STATUS_MEMORY_FULL;
+  }
+  flood.StartFromEdge(background);
+  flood.Run(&background);
+  flood.ReachedRemove(&background);
 
   operands.TakeSize();
   operands.TakeInfo();
   if (operands.HasFailed()) return operands.status();
   PointWalk({.first = operands.From(), .second = {}, .result = operands.To(), .mask = {}},
             particleFilterRows().lowBit, NoRule{});
-  RegionsFill(&background, false, 1, operands.To());
+  ValueWrite(background, 1, operands.To());
   return STATUS_OK;
 }
 
-// Clears in the destination the regions that are marked, or those that are not; all else is the
-// source's.
-Status RegionsRemove(Operands* operands, Regions* regions, bool marked) {
+// Clears some pixels in the destination; all else is the source's.
+Status PixelsRemove(Operands* operands, const BitPlane& pixels) {
   operands->TakeSize();
   operands->TakeInfo();
   if (operands->HasFailed()) return operands->status();
   PixelsCopy(operands->From(), operands->To());
-  RegionsFill(regions, marked, 0, operands->To());
+  ValueWrite(pixels, 0, operands->To());
   return STATUS_OK;
 }
 
@@ -48,21 +62,15 @@ Status RejectBorder(ImageRef source, ImageRef destination, bool connectivity8) {
   operands.Destination(destination);
   if (operands.HasFailed()) return operands.status();
 
-  Regions particles;
-  const Status status = particles.Find(operands.From(), RunsOf::SetPixels, connectivity8);
-  if (status != STATUS_OK) return status;
-  particles.MarkEdge();
-  return RegionsRemove(&operands, &particles, true);
-}
-
-// Marks the particles of which erosions have left something.
-void RegionsMark(Regions* regions, const BitPlane& left) {
-  const RunTable& runs = regions->runs();
-  for (int32_t y = 0; y < runs.height(); y++) {
-    for (uint32_t place = runs.RowBegin(y); place < runs.RowEnd(y); place++) {
-      if (BitsAreSet(left.Row(y), runs[place].start, runs[place].end)) regions->Mark(place);
-    }
+  const PixelView from = operands.From();
+  BitPlane pixels;
+  Flood flood;
+  if (!SetPixelsTake(from, &pixels) || !flood.Create(from.width, from.height, connectivity8)) {
+    return STATUS_MEMORY_FULL;
   }
+  flood.StartFromEdge(pixels);
+  flood.Run(&pixels);
+  return PixelsRemove(&operands, flood.reached());
 }
 
 Status LowHighPass(ImageRef source, ImageRef destination, bool connectivity8, bool removeLarge,
@@ -73,17 +81,24 @@ Status LowHighPass(ImageRef source, ImageRef destination, bool connectivity8, bo
   if (status != STATUS_OK || isDone) return status;
   operands.Border(BORDER_ZERO, 1);
 
+  const PixelView from = operands.From();
   Erosion erosion;
-  Regions particles;
+  BitPlane pixels;
+  Flood flood;
   status = operands.status();
-  if (status == STATUS_OK) status = erosion.Start(operands.From(), *element);
-  if (status == STATUS_OK) {
-    status = particles.Find(operands.From(), RunsOf::SetPixels, connectivity8);
-  }
+  if (status == STATUS_OK) status = erosion.Start(from, *element);
   if (status != STATUS_OK) return status;
+  if (!SetPixelsTake(from, &pixels) || !flood.Create(from.width, from.height, connectivity8)) {
+    return STATUS_MEMORY_FULL;
+  }
   erosion.Run(nbErosions);
-  RegionsMark(&particles, erosion.Left());
-  return RegionsRemove(&operands, &particles, removeLarge);
+  for (int32_t y = 0; y < from.height; y++) {
+    flood.StartFromBits(y, pixels.Row(y), erosion.Left().Row(y));
+  }
+  flood.Run(&pixels);
+  if (removeLarge) return PixelsRemove(&operands, flood.reached());
+  flood.ReachedRemove(&pixels);
+  return PixelsRemove(&operands, pixels);
 }
 
 }  // namespace

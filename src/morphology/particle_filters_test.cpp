@@ -147,6 +147,32 @@ TEST(RejectBorder, RemovesWholeParticlesThatTouchTheEdge) {
   ForLargerSizes(check);
 }
 
+// A way of one pixel's width up and down all columns of an image, which leaves by the first one.
+TestImage WindingImage(int32_t width, int32_t height, bool leaves) {
+  TestImage image(IMAGE_U8, width, height, 2, 1);
+  for (int32_t y = 0; y < height; y++) {
+    for (int32_t x = 0; x < width; x++) {
+      const bool onEdge = x == 0 || y == 0 || x == width - 1 || y == height - 1;
+      const bool isTurn = x % 4 == 0 ? y == 1 : y == height - 2;
+      const bool isSet = onEdge ? leaves && x == 1 : x % 2 == 1 || isTurn;
+      image.Set(x, y, static_cast<uint8_t>(isSet ? 255 : 0));
+    }
+  }
+  return image;
+}
+
+TEST(RejectBorder, FollowsAWayThatTurnsOften) {
+  for (const bool leaves : {true, false}) {
+    for (const uint16_t connectivity : {FOUR, EIGHT}) {
+      const TestImage source = WindingImage(150, 70, leaves);
+      const Bytes expected = BorderRejected(source, connectivity != 0);
+      ASSERT_EQ(ZEL_RejectBorder(source, 0, connectivity), 0);
+      ExpectPixels(source, expected);
+      EXPECT_EQ(source.Get<uint8_t>(75, 35), leaves ? 0 : 255);
+    }
+  }
+}
+
 TEST(RejectBorder, ClearsTheBorderOfTheSource) {
   const TestImage source = SceneImage(5, 9, 7, 3, 5);
   const TestImage destination(IMAGE_U8, 9, 7, 3, 6);

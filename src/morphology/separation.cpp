@@ -6,9 +6,9 @@
 #include "engine/operands.h"
 #include "morphology/element_shape.h"
 #include "morphology/erosion.h"
-#include "morphology/regions.h"
 #include "morphology/separation_rows.h"
 #include "morphology/structuring_element.h"
+#include "morphology/whole_images.h"
 #include "morphology/zones.h"
 #include "particles/particle_scan.h"
 

@@ -2,6 +2,7 @@
 #include "morphology/zones.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 #include "engine/operands.h"
@@ -11,6 +12,12 @@
 
 namespace zel {
 namespace {
+
+// The neighbours of a pixel in raster order: their rows from the one above on, and their columns
+// beside the pixel's.
+constexpr uint32_t NEIGHBOURS = 8;
+constexpr int32_t ROW_OF[NEIGHBOURS] = {0, 0, 0, 1, 1, 2, 2, 2};
+constexpr int32_t COLUMN_OF[NEIGHBOURS] = {-1, 0, 1, -1, 1, -1, 0, 1};
 
 // Bits of the labelled pixels say where a pass finds something to do.
 class ZoneGrowth {
@@ -71,25 +78,33 @@ void ZoneGrowth::RowMarginsSet(uint64_t* bits) const {
   word = last != 0 ? word | beyond : word & ~beyond;
 }
 
-// The neighbours in raster order: the first that has a label gives it.
+// The neighbours in raster order: the first that has a label gives it. Three words keep the number
+// of that neighbour for all pixels of a word, so that each pixel is one copy without a search.
 template <class T>
 void ZoneGrowth::WordGrow(int32_t y, const Rows& rows, int32_t word, uint64_t open) {
-  T* to = view_.Row<T>(y);
-  for (int32_t row = 0; row < 3; row++) {
-    const uint64_t* bits = rows.bits[row] + word;
-    const T* from = view_.Row<T>(rows.numbers[row]);
-    const uint64_t neighbours[3] = {bits[0] << 1 | bits[-1] >> 63, row == 1 ? 0 : bits[0],
-                                    bits[0] >> 1 | bits[1] << 63};
-    for (int32_t column = 0; column < 3; column++) {
-      uint64_t found = open & neighbours[column];
-      if (found == 0) continue;
-      open ^= found;
-      for (; found != 0; found &= found - 1) {
-        const int32_t x = 64 * word + __builtin_ctzll(found);
-        to[x] = from[ColumnOf(x + column - 1)];
-      }
-      if (open == 0) return;
+  uint64_t numbers[3] = {};
+  uint64_t left = open;
+  for (uint32_t i = 0; i < NEIGHBOURS; i++) {
+    const uint64_t* bits = rows.bits[ROW_OF[i]] + word;
+    const int32_t step = COLUMN_OF[i];
+    const uint64_t neighbours = step < 0   ? bits[0] << 1 | bits[-1] >> 63
+                                : step > 0 ? bits[0] >> 1 | bits[1] << 63
+                                           : bits[0];
+    const uint64_t found = left & neighbours;
+    left ^= found;
+    for (uint32_t bit = 0; bit < 3; bit++) {
+      if ((i >> bit & 1) != 0) numbers[bit] |= found;
     }
+  }
+  const T* from[3];
+  for (int32_t row = 0; row < 3; row++) from[row] = view_.Row<T>(rows.numbers[row]);
+  T* to = view_.Row<T>(y);
+  for (; open != 0; open &= open - 1) {
+    const int32_t bit = std::countr_zero(open);
+    const uint64_t i =
+        (numbers[0] >> bit & 1) | (numbers[1] >> bit & 1) << 1 | (numbers[2] >> bit & 1) << 2;
+    const int32_t x = 64 * word + bit;
+    to[x] = from[ROW_OF[i]][ColumnOf(x + COLUMN_OF[i])];
   }
 }
 

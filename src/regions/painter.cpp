@@ -224,7 +224,13 @@ void Painter::PaintPolygon(const FlatContour& contour) {
     fill_->Paint(value_);
   }
   PaintLine(vertices[0], vertices.Last());
-  for (int64_t i = 1; i < vertices.count(); i++) PaintLine(vertices[i - 1], vertices[i]);
+  // Where a vertex follows itself, the line before has ended in it.
+  PointInt from = vertices[0];
+  for (int64_t i = 1; i < vertices.count(); i++) {
+    const PointInt to = vertices[i];
+    if (from.x != to.x || from.y != to.y) PaintLine(from, to);
+    from = to;
+  }
 }
 
 }  // namespace zel

@@ -7,7 +7,7 @@
 #include "core/images.h"
 #include "core/numbers.h"
 #include "morphology/bit_plane.h"
-#include "morphology/regions.h"
+#include "morphology/flood.h"
 #include "regions/descriptors.h"
 #include "regions/flat_builder.h"
 
@@ -44,16 +44,6 @@ class OutlineList {
 };
 
 // ---- planes
-
-// Background that does not reach the image's edge, side by side, is a hole.
-void HolesMark(Regions* background, BitPlane* plane) {
-  const RunTable& runs = background->runs();
-  for (int32_t y = 0; y < runs.height(); y++) {
-    for (uint32_t place = runs.RowBegin(y); place < runs.RowEnd(y); place++) {
-      if (!background->IsMarked(place)) BitsSet(plane->Row(y), runs[place].start, runs[place].end);
-    }
-  }
-}
 
 // Of set pixels those that have a clear one above, below or beside them. Around the image all is
 // clear.
@@ -157,25 +147,24 @@ Status Tracer::TraceAll(int32_t marker) {
 
 Status OutlinesAppend(const PixelView& view, PointInt offset, bool externalOnly,
                       OutlineList* outlines) {
-  Regions background;
-  Status status = background.Find(view, RunsOf::ClearPixels, false);
-  if (status != STATUS_OK) return status;
-  background.MarkEdge();
-  BitPlane plane;
+  BitPlane holes;
+  BitPlane filled;
   BitPlane edges;
-  if (!plane.Create(view.width, view.height, 1) || !edges.Create(view.width, view.height, 1)) {
+  Flood outside;
+  if (!ClearPixelsTake(view, &holes) || !outside.Create(view.width, view.height, false) ||
+      !filled.Create(view.width, view.height, 1) || !edges.Create(view.width, view.height, 1)) {
     return STATUS_MEMORY_FULL;
   }
-  plane.Take(view);
-  HolesMark(&background, &plane);
-  EdgesTake(plane, &edges);
+  // Background that does not reach the image's edge, side by side, is a hole.
+  outside.StartFromEdge(holes);
+  outside.Run(&holes);
+  outside.ReachedRemove(&holes);
+  outside.OthersTake(&filled);
   Tracer tracer(&edges, outlines, offset);
-  status = tracer.TraceAll(ROI_MARKER_EXTERNAL);
+  EdgesTake(filled, &edges);
+  const Status status = tracer.TraceAll(ROI_MARKER_EXTERNAL);
   if (status != STATUS_OK || externalOnly) return status;
-
-  plane.Clear();
-  HolesMark(&background, &plane);
-  EdgesTake(plane, &edges);
+  EdgesTake(holes, &edges);
   return tracer.TraceAll(ROI_MARKER_INTERNAL);
 }
 
