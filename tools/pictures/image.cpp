@@ -211,7 +211,7 @@ Image ImageOf(const Raster& raster, const ReadSettings& settings, Account* accou
 
 Loaded ReadPicture(const std::string& name, const ReadSettings& settings) {
   const Source source = SourceOf(name);
-  const std::vector<uint8_t> bytes = ReadBytes(source);
+  const FileBytes bytes = ReadBytes(source);
   if (IsNative(bytes)) {
     OnlyPage(source.page, "native");
     Loaded loaded = ReadNative(bytes, settings);
@@ -231,7 +231,7 @@ Loaded ReadPicture(const std::string& name, const ReadSettings& settings) {
 
 FileAccount DescribeFile(const std::string& name) {
   const Source source = SourceOf(name);
-  const std::vector<uint8_t> bytes = ReadBytes(source);
+  const FileBytes bytes = ReadBytes(source);
   FileAccount file;
   file.bytes = static_cast<int64_t>(bytes.size());
   if (IsNative(bytes)) {

@@ -51,9 +51,9 @@ size_t ExpectedBytes(int descriptor, bool standardInput) {
   return 0;
 }
 
-std::vector<uint8_t> ReadToEnd(int descriptor, size_t expected) {
+FileBytes ReadToEnd(int descriptor, size_t expected) {
   constexpr size_t STEP = 1 << 16;
-  std::vector<uint8_t> bytes(expected + 1);  // one more, to see the end without another round
+  FileBytes bytes(expected + 1);  // one more, to see the end without another round
   size_t filled = 0;
   for (;;) {
     if (filled == bytes.size()) bytes.resize(bytes.size() + std::max(STEP, bytes.size() / 2));
@@ -82,14 +82,13 @@ Source SourceOf(const std::string& name) {
   return {.path = name.substr(0, mark), .page = page, .pageNamed = true};
 }
 
-std::vector<uint8_t> ReadBytes(const Source& source) {
+FileBytes ReadBytes(const Source& source) {
   const bool standardInput = source.IsStandardInput();
   const Descriptor file(standardInput
                             ? STDIN_FILENO
                             : ::open(source.path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (file.number() < 0) throw BadFile(Reason(errno));
-  std::vector<uint8_t> bytes =
-      ReadToEnd(file.number(), ExpectedBytes(file.number(), standardInput));
+  FileBytes bytes = ReadToEnd(file.number(), ExpectedBytes(file.number(), standardInput));
   if (bytes.empty()) {
     throw BadFile(standardInput ? "nothing comes from standard input" : "the file is empty");
   }

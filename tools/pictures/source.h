@@ -1,6 +1,8 @@
 // Where pictures come from: files, pages of files, the standard input.
 #pragma once
 
+#include <memory>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -22,7 +24,17 @@ struct Source {
 // A text behind the last # is a page only where it is a number, and no file has the whole name.
 Source SourceOf(const std::string& name);
 
+// Bytes begin as they lie in memory: no time goes into zeros that the file's bytes replace.
+struct UnsetBytes : std::allocator<uint8_t> {
+  template <class Other>
+  struct rebind {
+    using other = UnsetBytes;
+  };
+  void construct(uint8_t* byte) { ::new (byte) uint8_t; }
+};
+using FileBytes = std::vector<uint8_t, UnsetBytes>;
+
 // The whole file. Throws BadFile with the reason.
-std::vector<uint8_t> ReadBytes(const Source& source);
+FileBytes ReadBytes(const Source& source);
 
 }  // namespace pictures

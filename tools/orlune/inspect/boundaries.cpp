@@ -14,9 +14,9 @@ struct Ends {
 };
 
 Ends EndsOf(const Image& pixels) {
-  const Extremes extremes = ExtremesOf(pixels);
-  const auto lowest = static_cast<uint8_t>(extremes.low);
-  const auto highest = static_cast<uint8_t>(extremes.high);
+  const Range range = ByteRange(pixels);
+  const auto lowest = static_cast<uint8_t>(range.low);
+  const auto highest = static_cast<uint8_t>(range.high);
   if (lowest == highest) return {lowest, highest, 1};
   const ImageInfo info = pixels.Info();
   for (int32_t y = 0; y < info.height; ++y) {

@@ -65,7 +65,8 @@ void FindLevels(const InspectSettings& settings, const Image* place, const Extre
       place != nullptr ? FindBoundary(PixelsAt(*place, gray), settings.method)
                        : FindBoundary(gray, settings.method);
   if (!boundary) {
-    result->remark = extremes.finite == 0 ? "no pixel has a number" : "the picture has no contrast";
+    const bool noNumbers = result->stretched && extremes.finite == 0;
+    result->remark = noNumbers ? "no pixel has a number" : "the picture has no contrast";
     return;
   }
   result->remark = boundary->remark;
@@ -111,15 +112,16 @@ Image FindByColour(const ColourRanges& ranges, const std::optional<Image>& colou
   return mask;
 }
 
-// Finds the objects, and says by which levels.
+// Finds the objects, and says by which levels. A picture of bytes is stretched, and its extremes
+// are looked for, only where they are used.
 Image FindObjects(const InspectSettings& settings, const std::optional<Image>& colours,
                   Inspection* result) {
   const std::optional<Image> place = PlaceOf(settings.region, settings.mask, result->picture);
-  const Extremes extremes = ExtremesOf(result->picture);
   const int32_t type = result->picture.Info().type;
-  if (type != IMAGE_U8 || LevelsOf(result->account, type).high < 255) {
-    result->stretched = Stretch(result->picture, extremes);
-  }
+  const bool stretches = type != IMAGE_U8 || LevelsOf(result->account, type).high < 255;
+  Extremes extremes;
+  if (stretches || settings.range) extremes = ExtremesOf(result->picture);
+  if (stretches) result->stretched = Stretch(result->picture, extremes);
   const Image* where = place ? &*place : nullptr;
   Image mask = settings.colours.Any() ? FindByColour(settings.colours, colours, result->picture)
                                       : FindByLevels(settings, where, extremes, result);

@@ -2,6 +2,7 @@
 #include "orlune/inspect/labels.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <numeric>
 #include <utility>
@@ -39,9 +40,16 @@ uint64_t GroupAt(const uint8_t* row) {
   return group;
 }
 
-bool HasZero(uint64_t group) {
+// The first zero byte has its highest bit set, and none before it; 0 where there is none.
+uint64_t ZerosOf(uint64_t group) {
   constexpr uint64_t ONES = 0x0101010101010101, HIGH = 0x8080808080808080;
-  return ((group - ONES) & ~group & HIGH) != 0;
+  return (group - ONES) & ~group & HIGH;
+}
+
+// Which byte has the first bit that is set.
+static_assert(std::endian::native == std::endian::little);
+int32_t FirstByte(uint64_t bits) {
+  return std::countr_zero(bits) / 8;
 }
 
 int32_t NextSet(const uint8_t* row, int32_t x, int32_t width) {
@@ -50,13 +58,19 @@ int32_t NextSet(const uint8_t* row, int32_t x, int32_t width) {
             GroupAt(row + at + 3 * GROUP)) == 0;
   };
   while (x + 4 * GROUP <= width && isEmpty(x)) x += 4 * GROUP;
-  while (x + GROUP <= width && GroupAt(row + x) == 0) x += GROUP;
+  for (; x + GROUP <= width; x += GROUP) {
+    const uint64_t group = GroupAt(row + x);
+    if (group != 0) return x + FirstByte(group);
+  }
   while (x < width && row[x] == 0) ++x;
   return x;
 }
 
 int32_t NextZero(const uint8_t* row, int32_t x, int32_t width) {
-  while (x + GROUP <= width && !HasZero(GroupAt(row + x))) x += GROUP;
+  for (; x + GROUP <= width; x += GROUP) {
+    const uint64_t zeros = ZerosOf(GroupAt(row + x));
+    if (zeros != 0) return x + FirstByte(zeros);
+  }
   while (x < width && row[x] != 0) ++x;
   return x;
 }

@@ -94,6 +94,11 @@ Image MaskOfSome(const Image& mask, const Labels& labels, uint32_t first, uint32
 void MeasureByLibrary(const Image& mask, const Labels& labels, bool eight,
                       const std::vector<uint32_t>& asked, int64_t most,
                       std::vector<Particle>* particles) {
+  // A run has one start at most.
+  if (static_cast<int64_t>(labels.runs.size()) <= most) {
+    TakeReports(mask, eight, asked, 0, particles);
+    return;
+  }
   const std::vector<int64_t> starts = StartsOf(labels, eight);
   for (uint32_t first = 0; first < labels.count;) {
     int64_t sum = 0;

@@ -154,11 +154,17 @@ std::string CsvRows(const PictureResult& result) {
   std::string rows =
       file + ",,picture,," + CsvText(result.reason) + ",," + std::string(NameOf(result.verdict));
   rows += '\n';
+  const auto add = [&](std::string_view text, char end) { rows.append(text) += end; };
   for (const StepResult& step : result.steps) {
+    const std::string head = file + CsvText(step.step) + ',';
     for (const StepValue& value : step.values) {
-      rows += file + CsvText(step.step) + ',' + value.object + ',' + CsvText(value.name) + ',' +
-              NumberOf(value) + ',' + CsvText(value.text) + ',' + CsvText(value.unit) + ',' +
-              std::string(NameOf(value.verdict)) + '\n';
+      rows += head;
+      add(value.object, ',');
+      add(CsvText(value.name), ',');
+      add(NumberOf(value), ',');
+      add(CsvText(value.text), ',');
+      add(CsvText(value.unit), ',');
+      add(NameOf(value.verdict), '\n');
     }
   }
   return rows;

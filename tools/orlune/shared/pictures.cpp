@@ -64,21 +64,34 @@ int64_t SumOf(const T* row, int32_t width) {
   return sum;
 }
 
+// The ends of whole numbers.
+template <class T>
+struct Ends {
+  T low = std::numeric_limits<T>::max(), high = std::numeric_limits<T>::lowest();
+
+  void Take(const T* row, int32_t width) {
+    T lowest = low, highest = high;
+    for (int32_t x = 0; x < width; ++x) {
+      lowest = std::min(lowest, row[x]);
+      highest = std::max(highest, row[x]);
+    }
+    low = lowest;
+    high = highest;
+  }
+};
+
 template <class T>
 Extremes ExtremesOfWhole(const ImageInfo& info) {
-  T low = std::numeric_limits<T>::max(), high = std::numeric_limits<T>::lowest();
+  Ends<T> ends;
   int64_t sum = 0;
   for (int32_t y = 0; y < info.height; ++y) {
     const T* row = Row<T>(info, y);
-    for (int32_t x = 0; x < info.width; ++x) {
-      low = std::min(low, row[x]);
-      high = std::max(high, row[x]);
-    }
+    ends.Take(row, info.width);
     sum += SumOf(row, info.width);
   }
   const int64_t pixels = int64_t{info.width} * info.height;
   if (pixels == 0) return {};
-  return {static_cast<double>(low), static_cast<double>(high),
+  return {static_cast<double>(ends.low), static_cast<double>(ends.high),
           static_cast<double>(sum) / static_cast<double>(pixels), pixels, 0};
 }
 
@@ -118,6 +131,14 @@ Extremes ExtremesOf(const Image& image) {
       return ExtremesOfWhole<T>(info);
     }
   });
+}
+
+Range ByteRange(const Image& image) {
+  const ImageInfo info = image.Info();
+  Ends<uint8_t> ends;
+  for (int32_t y = 0; y < info.height; ++y) ends.Take(Row<uint8_t>(info, y), info.width);
+  if (int64_t{info.width} * info.height == 0) return {};
+  return {static_cast<double>(ends.low), static_cast<double>(ends.high)};
 }
 
 Image Stretch(const Image& gray, const Extremes& extremes) {

@@ -29,6 +29,9 @@ struct Extremes {
 };
 // Of an image of type U8, I16 or SGL.
 Extremes ExtremesOf(const Image& image);
+// The darkest and the brightest pixel of an image of type U8, for less than the mean takes; 0 and 0
+// where there is none.
+Range ByteRange(const Image& image);
 
 // An 8-bit copy of a gray image: its darkest finite pixel becomes 0, its brightest 255.
 Image Stretch(const Image& gray, const Extremes& extremes);

@@ -1,6 +1,8 @@
 // Names of files as texts that others can read.
 #include "orlune/shared/readable.h"
 
+#include <algorithm>
+
 namespace front {
 
 size_t CharacterLength(std::string_view text) {
@@ -24,6 +26,8 @@ size_t CharacterLength(std::string_view text) {
 }
 
 std::string ReadableText(std::string_view text) {
+  const auto isPlain = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+  if (std::all_of(text.begin(), text.end(), isPlain)) return std::string(text);
   std::string readable;
   while (!text.empty()) {
     const size_t length = CharacterLength(text);

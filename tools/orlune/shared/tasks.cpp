@@ -38,7 +38,7 @@ struct Batch {
   size_t first = 0, count = 0;
 };
 constexpr size_t LARGEST_BATCH = 64;
-constexpr Seconds BATCH_TIME{0.002};
+constexpr Seconds BATCH_TIME{0.01};
 
 bool ReadAll(int descriptor, void* to, size_t bytes) {
   auto* at = static_cast<char*>(to);
@@ -64,9 +64,11 @@ bool WriteAll(int descriptor, const void* from, size_t bytes) {
   return true;
 }
 
-// What a task has given back the next one takes: it need not come from the system for each of them.
+// What a task has given back the next one takes: it need not come from the system for each of them,
+// nor are small blocks gathered whenever a picture is given back.
 void KeepMemory() {
 #ifdef __GLIBC__
+  ::mallopt(M_MXFAST, 0);
   ::mallopt(M_MMAP_THRESHOLD, 1 << 25);
   ::mallopt(M_TRIM_THRESHOLD, 1 << 28);
 #endif
