@@ -618,4 +618,42 @@ run 2 match "$shafts/shaft1.bmp"
 run 0 match --dark --scales 0.9:1.1 --quiet "$shafts/shaft1.bmp" "$shafts/shaft4.bmp"
 silent out
 
+# ---- what a script leaves empty, and what is no number
+
+for option in --csv --json --annotate --labels --mask; do
+  run 2 inspect $option "" "$scenes/washers.bmp"
+  in_err "$option: the name is empty"
+done
+run 2 inspect "" "$scenes/washers.bmp"
+run 2 filter --steps "median 3" --out "" "$scenes/washers.bmp"
+in_err "--out: the name is empty"
+run 2 convert "$scenes/washers.bmp" ""
+for rows in -3 1e30 2.5 nan; do
+  run 2 inspect --rows $rows "$scenes/washers.bmp"
+  in_err "--rows: '$rows' is"
+done
+run 2 inspect --measures "" "$scenes/washers.bmp"
+in_err "a name is missing"
+run 2 filter --steps "shift 0.5 0" -o shifted.bmp "$scenes/washers.bmp"
+in_err "-1000000 to 1000000"
+
+# A name neither begins a line of its own nor moves the terminal.
+odd=$(printf 'line\n\033[31mred\177.bmp')
+cp "$scenes/washers.bmp" "$odd"
+plain='line??[31mred?.bmp'
+run 0 inspect "$odd"
+in_out "$plain: BMP"
+run 0 info "$odd"
+in_out "$plain: BMP"
+run 0 filter --steps "median 3" --out odd "$odd"
+in_out "$plain: BMP"
+in_out "filtered: odd/$plain"
+run 0 match "$odd" "$odd"
+in_out "$plain: "
+run 1 gauge --line 1,1,50,50 --object any "$odd"
+in_out "$plain: "
+rm "$odd"
+run 1 info "$odd"
+in_err "$plain: there is no such file"
+
 tell_failures

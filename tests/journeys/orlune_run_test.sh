@@ -589,4 +589,45 @@ else
 fi
 chmod 755 closed
 
+# ---- nothing that is read is written over, and what is asked for is not passed over
+
+: >empty.bmp
+run 2 run one.toml empty.bmp --db empty.bmp
+in_err "that is a picture to be looked at"
+[ ! -s empty.bmp ] || fail "$what: made a database of the picture"
+mkdir -p watching
+run 2 run one.toml --watch watching --db watching/run.db
+[ ! -e watching/run.db ] || fail "$what: made a database in the folder"
+run 0 run one.toml --explain-on scenes/washers.bmp --out explained
+for kept in 00-original 01-inspect; do
+  cp scenes/washers.bmp explained/$kept.bmp
+  run 2 run one.toml --explain-on explained/$kept.bmp --out explained
+  in_err "that is the picture to be looked at"
+  same explained/$kept.bmp scenes/washers.bmp
+done
+run 3 run one.toml --explain-on missing.bmp --out explained
+! grep -q explained out || fail "$what: tells of pictures that are not there"
+sed 's/^do = .*/&\nname = "a\/b"/' one.toml >slash.toml
+run 0 run slash.toml --explain-on scenes/washers.bmp --out slashed
+[ -s slashed/01-a-b.bmp ] || fail "$what: no slashed/01-a-b.bmp"
+for option in --db --csv --json-lines --html --annotate --watch --verdicts --call; do
+  run 2 run one.toml scenes/washers.bmp $option ""
+  in_err "$option: the name is empty"
+done
+for option in --time-limit --call-limit; do
+  for limit in -1 nan 1e7 soon; do
+    run 2 run one.toml scenes/washers.bmp $option $limit
+    in_err "$option: "
+  done
+done
+# Who waits for verdicts does not take it for one that they cannot be told.
+if [ -c /dev/full ]; then
+  "$orlune" run one.toml scenes/washers.bmp >/dev/full 2>err
+  [ $? -eq 3 ] || fail "orlune run >/dev/full: another status than 3"
+fi
+odd=$(printf 'washers.bmp: passed\nother.bmp')
+cp scenes/washers.bmp "$odd"
+run 0 run one.toml "$odd"
+in_out "washers.bmp: passed?other.bmp: passed"
+
 tell_failures

@@ -2,11 +2,13 @@
 #include "orlune/command/command_line.h"
 
 #include <algorithm>
+#include <cmath>
 #include <iomanip>
 #include <iostream>
 #include <sstream>
 
 #include "orlune/command/help_texts.h"
+#include "orlune/shared/numbers.h"
 #include "orlune/shared/tasks.h"
 #include "orlune/shared/words.h"
 
@@ -29,6 +31,44 @@ CLI::Option* AddParsed(CLI::App* command, const std::string& name, const std::st
                        Take take, const std::string& help) {
   return command->add_option_function<std::string>(
       name, [=](const std::string& text) { Parse(option, [&] { take(text); }); }, help);
+}
+
+double ParseLimit(const std::string& text) {
+  constexpr double MOST = 1000000;
+  const double seconds = ParseNumber(text);
+  if (seconds >= 0 && seconds <= MOST) return seconds;
+  throw std::invalid_argument("a limit is 0 to 1000000 seconds, not " + Quoted(text));
+}
+
+void AddLimit(CLI::App* command, const std::string& name, double* limit, const std::string& help,
+              const std::string& group) {
+  AddParsed(
+      command, name, name, [=](const std::string& text) { *limit = ParseLimit(text); }, help)
+      ->type_name("SECONDS")
+      ->default_str(Short(*limit))
+      ->group(group);
+}
+
+size_t ParseCount(const std::string& text) {
+  constexpr double MOST = 1000000000;
+  const double count = ParseNumber(text);
+  if (count >= 0 && count <= MOST && count == std::floor(count)) return static_cast<size_t>(count);
+  throw std::invalid_argument(Quoted(text) + " is no whole number of 0 or more");
+}
+
+// What a script leaves empty by mistake would be taken as not said at all.
+void RefuseEmptyNames(CLI::App* command) {
+  constexpr std::string_view NAMES[] = {"DIGESTS", "FILE",    "FOLDER",  "IN",
+                                        "OUT",     "PICTURE", "PIPE",    "PROGRAM",
+                                        "RECIPE",  "SETUP",   "TEMPLATE"};
+  const auto refuse = [](const std::string& name) {
+    return name.empty() ? std::string("the name is empty") : std::string();
+  };
+  for (CLI::Option* option : command->get_options()) {
+    const bool isName =
+        std::find(std::begin(NAMES), std::end(NAMES), option->get_type_name()) != std::end(NAMES);
+    if (isName) option->check(refuse);
+  }
 }
 
 template <class Value>
@@ -184,9 +224,12 @@ void CommandLine::AddReporting(CLI::App* inspect) {
                    "write a TIFF of each whose pixels are the kept particles' numbers")
       ->type_name("FOLDER")
       ->group(group);
-  inspect->add_option("--rows", inspect_.rows, "list at most so many particles a picture; 0 is all")
+  AddParsed(
+      inspect, "--rows", "--rows",
+      [this](const std::string& text) { inspect_.rows = ParseCount(text); },
+      "list at most so many particles a picture; 0 is all")
       ->type_name("N")
-      ->capture_default_str()
+      ->default_str(std::to_string(inspect_.rows))
       ->group(group);
   AddWorkers(inspect, &inspect_.workers, group);
   inspect->add_flag("--quiet", inspect_.quiet, "print no table and no summary")->group(group);
@@ -340,11 +383,7 @@ void CommandLine::AddRun() {
   run->add_option("--watch", run_.watch, "take the pictures that come into this folder, too")
       ->type_name("FOLDER")
       ->group(working);
-  run->add_option("--time-limit", run_.limit, "what a picture may take; 0 is no limit")
-      ->type_name("SECONDS")
-      ->check(CLI::Range(0.0, 1e6).description(""))
-      ->capture_default_str()
-      ->group(working);
+  AddLimit(run, "--time-limit", &run_.limit, "what a picture may take; 0 is no limit", working);
   run->add_option("--db", run_.database, "record the run in this SQLite file")
       ->type_name("FILE")
       ->group(working);
@@ -361,11 +400,7 @@ void CommandLine::AddRun() {
   run->add_option("--call", run_.call, "call this program with each verdict and its picture")
       ->type_name("PROGRAM")
       ->group(line);
-  run->add_option("--call-limit", run_.callLimit, "what a call may take; 0 is no limit")
-      ->type_name("SECONDS")
-      ->check(CLI::Range(0.0, 1e6).description(""))
-      ->capture_default_str()
-      ->group(line);
+  AddLimit(run, "--call-limit", &run_.callLimit, "what a call may take; 0 is no limit", line);
   run->footer(RUN_FOOTER);
 }
 
@@ -534,6 +569,7 @@ CommandLine::CommandLine()
   AddView();
   AddSelfcheck();
   AddOthers();
+  for (CLI::App* command : app_.get_subcommands({})) RefuseEmptyNames(command);
   app_.footer(PROGRAM_FOOTER);
 }
 

@@ -6,6 +6,7 @@
 #include "orlune/command/commands.h"
 #include "orlune/shared/interrupts.h"
 #include "orlune/shared/numbers.h"
+#include "orlune/shared/readable.h"
 #include "orlune/shared/reports.h"
 
 namespace front {
@@ -110,8 +111,8 @@ void PrintPage(std::ostream& out, const Page& page) {
 
 std::string TableOf(const std::string& name, const File& file) {
   std::ostringstream out;
-  out << name << ": " << file.pages.front().account.format << ", " << Count(file.bytes, "byte")
-      << '\n';
+  out << LineText(name) << ": " << file.pages.front().account.format << ", "
+      << Count(file.bytes, "byte") << '\n';
   for (const Page& page : file.pages) PrintPage(out, page);
   if (!file.complaint.empty()) out << "  not read   " << file.complaint << '\n';
   return out.str();

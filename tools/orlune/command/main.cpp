@@ -22,7 +22,7 @@ int main(int argc, char** argv) {
   if (!output.Finish() && front::Interrupted() == 0) {
     std::cerr << "orlune: standard output cannot be written: " << std::strerror(output.reason())
               << '\n';
-    status = front::SOME_FAILED;
+    if (status == front::ALL_WELL) status = front::SOME_FAILED;
   }
   return front::Interrupted() != 0 ? front::InterruptStatus() : status;
 }

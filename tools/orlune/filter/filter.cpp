@@ -9,6 +9,7 @@
 #include "orlune/shared/numbers.h"
 #include "orlune/shared/parcel.h"
 #include "orlune/shared/progress.h"
+#include "orlune/shared/readable.h"
 #include "orlune/shared/tasks.h"
 #include "pictures/source.h"
 
@@ -157,8 +158,8 @@ class FilterRun {
       result.writing = clock.Lap();
       const ImageInfo info = picture.image.Info();
       result.pixels = 1.0 * info.width * info.height;
-      result.line =
-          file + ": " + HeadLine(picture.account) + "; filtered: " + output.path.string() + '\n';
+      result.line = LineText(file) + ": " + HeadLine(picture.account) +
+                    "; filtered: " + LineText(output.path.string()) + '\n';
       for (const std::string& loss : picture.account.losses) {
         result.line += "  note: " + loss + '\n';
       }

@@ -301,12 +301,11 @@ std::string RangeText(const Parameter& parameter) {
   if (parameter.kind == Kind::Choice) return ListOf(WordsOf(parameter));
   if (parameter.kind == Kind::Hues) return "MIN:MAX in degrees, as 200:260 or 340:20";
   if (parameter.kind == Kind::Percents) return "MIN:MAX of 0 to 100, MIN: or :MAX";
-  std::string range = Short(parameter.low);
-  if (parameter.high >= UNLIMITED) {
-    range += " or more";
-  } else {
-    range += " to " + Fixed(parameter.high, parameter.high == std::floor(parameter.high) ? 0 : 2);
-  }
+  const auto end = [](double value) {
+    return value == std::floor(value) ? Fixed(value, 0) : Short(value);
+  };
+  std::string range = end(parameter.low);
+  range += parameter.high >= UNLIMITED ? " or more" : " to " + end(parameter.high);
   return parameter.kind == Kind::Window ? range + ", or WIDTHxHEIGHT" : range;
 }
 

@@ -123,7 +123,7 @@ std::string_view VerdictOf(const GaugeResult& result) {
 }
 
 void PrintTable(std::ostream& out, const Gauging& gauging, const GaugeSetup& setup) {
-  out << ReadableText(gauging.path) << ": " << (gauging.Passed() ? "passed" : "failed");
+  out << LineText(gauging.path) << ": " << (gauging.Passed() ? "passed" : "failed");
   if (gauging.part) {
     out << "; the part is at " << Fixed(gauging.part->at.x, 2) << ','
         << Fixed(gauging.part->at.y, 2) << ", turned to " << Fixed(gauging.part->degrees, 2)
@@ -136,7 +136,7 @@ void PrintTable(std::ostream& out, const Gauging& gauging, const GaugeSetup& set
     const LineGauge& gauge = setup.gauges[i];
     const GaugeResult& result = gauging.results[i];
     const std::string unit = UnitOf(gauge, gauging.unit);
-    out << "  " << std::left << std::setw(static_cast<int>(names)) << ReadableText(gauge.name)
+    out << "  " << std::left << std::setw(static_cast<int>(names)) << LineText(gauge.name)
         << std::right << std::setw(12) << ValueText(gauge, result.value) << ' ' << unit;
     if (gauge.limits.Any() || !result.value) out << "  " << VerdictOf(result);
     if (gauge.limits.Any()) out << " (" << LimitsText(gauge.limits) << ")";
@@ -200,7 +200,7 @@ void PrintSpreads(std::ostream& out, const GaugeSetup& setup,
     const LineGauge& gauge = setup.gauges[i];
     const ValueSpread& spread = spreads[i];
     if (spread.count() < 2) continue;
-    out << "  " << ReadableText(gauge.name) << ": mean " << ValueText(gauge, spread.mean()) << ' '
+    out << "  " << LineText(gauge.name) << ": mean " << ValueText(gauge, spread.mean()) << ' '
         << UnitOf(gauge, unit) << ", deviation " << Fixed(spread.Deviation(), 4) << ", from "
         << ValueText(gauge, spread.low()) << " to " << ValueText(gauge, spread.high()) << '\n';
   }

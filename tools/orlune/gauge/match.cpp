@@ -33,7 +33,7 @@ std::string TableOf(const Matching& matching) {
   const auto column = [&](int width, const std::string& text) {
     out << "  " << std::setw(width) << text;
   };
-  out << ReadableText(matching.inspection.path) << ": " << MatchesText(matching.matches.size())
+  out << LineText(matching.inspection.path) << ": " << MatchesText(matching.matches.size())
       << " among " << Plural(matching.inspection.particles.size(), "object") << '\n';
   if (matching.matches.empty()) return out.str();
   column(4, "No"), column(9, "X"), column(9, "Y"), column(7, "Scale"), column(6, "Score");

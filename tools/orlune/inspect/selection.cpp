@@ -78,7 +78,7 @@ Scale ParseScale(std::string_view text) {
   const Scale scale{static_cast<float>(ParseNumber(sides.front())),
                     static_cast<float>(ParseNumber(sides.back()))};
   if (!(scale.x > 0 && scale.y > 0 && std::isfinite(scale.x) && std::isfinite(scale.y))) {
-    throw std::invalid_argument("the size of a pixel is above 0");
+    throw std::invalid_argument("the size of a pixel is above 0, and a 32-bit float holds it");
   }
   return scale;
 }
@@ -106,7 +106,10 @@ std::vector<const Measure*> ParseMeasures(std::string_view text) {
     }
     return measures;
   }
-  for (const std::string_view piece : Split(text, ',')) measures.push_back(&FindMeasure(piece));
+  for (const std::string_view piece : Split(text, ',')) {
+    if (piece.empty()) throw std::invalid_argument("a name is missing: write A,B,C");
+    measures.push_back(&FindMeasure(piece));
+  }
   return measures;
 }
 

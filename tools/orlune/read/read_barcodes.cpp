@@ -131,7 +131,7 @@ FileResult ReadFile(const std::string& path, const std::string& marked,
     const Image gray = GrayOf(path, settings.swapBytes);
     const std::optional<BarcodeReading> reading = FindBarcode(gray, settings);
     result.read = reading.has_value();
-    result.line = ReadableText(path) + ": " + (reading ? Shown(reading->text) : "no code read");
+    result.line = LineText(path) + ": " + (reading ? Shown(reading->text) : "no code read");
     result.csv = CsvRow(path, settings.kind, reading);
     result.json = JsonRow(path, settings.kind, reading);
     WriteMarkedOf(gray, reading, marked, &result);

@@ -13,6 +13,7 @@
 #include "orlune/shared/json_values.h"
 #include "orlune/shared/numbers.h"
 #include "orlune/shared/progress.h"
+#include "orlune/shared/readable.h"
 #include "orlune/shared/reports.h"
 #include "orlune/shared/words.h"
 #include "pictures/source.h"
@@ -197,7 +198,7 @@ class ReadRun {
       if (csv_) PutCsv(path, reading);
       if (!command_.quiet && &tableOut_ != &std::cerr) {
         progress_.Hide();
-        std::cout << path << ": " << reading.text << '\n';
+        std::cout << LineText(path) << ": " << reading.text << '\n';
         if (!std::cout) NoteClosedPipe();
       }
       if (!marked_.empty()) WriteMarkedOf(task, gray, reading);

@@ -598,6 +598,19 @@ std::vector<Mistake> RecipeRun::Prepare() {
   return mistakes;
 }
 
+std::vector<std::string> RecipeRun::StepFiles(const std::string& folder) const {
+  std::vector<std::string> files;
+  const auto add = [&](const std::string& name) {
+    const std::string number = std::to_string(files.size());
+    std::string file = (number.size() < 2 ? "0" : "") + number + "-" + name + ".bmp";
+    std::replace(file.begin(), file.end(), '/', '-');
+    files.push_back((std::filesystem::path(folder) / file).string());
+  };
+  add(ORIGINAL);
+  for (const RecipeStep& step : recipe_.steps) add(step.name);
+  return files;
+}
+
 PictureResult RecipeRun::Run(const std::string& file, const PictureOutputs& outputs) const {
   Clock clock;
   PictureResult result;
@@ -613,13 +626,8 @@ PictureResult RecipeRun::Run(const std::string& file, const PictureOutputs& outp
   const bool drawn = !outputs.annotated.empty() || outputs.thumbnail;
   std::optional<Image> page;
   if (drawn) page = PageOf(run->Last());
-  const auto stepFile = [&](size_t number, const std::string& name) {
-    const std::string digits = std::to_string(number);
-    return (std::filesystem::path(outputs.stepsFolder) /
-            (std::string(digits.size() < 2 ? "0" : "") + digits + "-" + name + ".bmp"))
-        .string();
-  };
-  if (!outputs.stepsFolder.empty()) WritePage(run->Last(), {}, stepFile(0, ORIGINAL));
+  const std::vector<std::string> stepFiles = StepFiles(outputs.stepsFolder);
+  if (!outputs.stepsFolder.empty()) WritePage(run->Last(), {}, stepFiles[0]);
   for (size_t i = 0; i < recipe_.steps.size(); i++) {
     const RecipeStep& step = recipe_.steps[i];
     const size_t marked = run->marks().size();
@@ -629,7 +637,7 @@ PictureResult RecipeRun::Run(const std::string& file, const PictureOutputs& outp
     if (!outputs.stepsFolder.empty()) {
       const std::vector<Mark> own(run->marks().begin() + static_cast<std::ptrdiff_t>(marked),
                                   run->marks().end());
-      WritePage(run->Last(), own, stepFile(i + 1, step.name));
+      WritePage(run->Last(), own, stepFiles[i + 1]);
     }
     if (broken) break;
     if (drawn && MovesPixels(step)) {

@@ -70,6 +70,9 @@ class RecipeRun {
   // The files that Prepare reads.
   std::vector<std::string> ReadToo() const;
 
+  // Where the pictures go that Run leaves in a folder: as it was read, and after each step.
+  std::vector<std::string> StepFiles(const std::string& folder) const;
+
   // Never throws for what is wrong with the picture; WriteFailure for one of the outputs.
   PictureResult Run(const std::string& file, const PictureOutputs& outputs) const;
 

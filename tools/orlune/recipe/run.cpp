@@ -84,7 +84,8 @@ class RecipeRunner {
     if (database_ && whole) database_->Finish();
     if (!command_.quiet) TellSummary(whole);
     if (!ended.empty()) std::cerr << "orlune: " << ended << '\n';
-    const bool well = whole && counts_.errors == 0 && failedCalls_ == 0 && ended.empty();
+    const bool heard = out_.flush().good() || Interrupted() != 0;
+    const bool well = whole && counts_.errors == 0 && failedCalls_ == 0 && ended.empty() && heard;
     return !well ? NO_VERDICT : counts_.failed > 0 ? SOME_FAILED : ALL_WELL;
   }
 
@@ -92,6 +93,9 @@ class RecipeRunner {
   // The pictures of the run, and which of them are done.
   void TakeFiles() {
     files_ = WithAllPages(command_.files);
+    RefuseWatched();
+    // Before an empty file becomes a database.
+    PlanFor(files_);
     if (!command_.database.empty()) {
       database_ = std::make_unique<RunDatabase>(command_.database);
       const bool resumed = command_.resume && database_->Resume(recipe_, files_);
@@ -115,17 +119,23 @@ class RecipeRunner {
     }
   }
 
-  void Plan() {
-    for (const std::string& file : files_) plan_.Reads(file, "a picture to be looked at");
-    for (const std::string& file : run_.ReadToo()) plan_.Reads(file, "read for the recipe");
+  // Of all but the annotated pictures.
+  FilePlan PlanFor(const std::vector<std::string>& files) const {
+    FilePlan plan;
+    for (const std::string& file : files) plan.Reads(file, "a picture to be looked at");
+    for (const std::string& file : run_.ReadToo()) plan.Reads(file, "read for the recipe");
     const auto writes = [&](const std::string& file, const std::string& what) {
-      if (!file.empty()) plan_.Writes(file, what);
+      if (!file.empty()) plan.Writes(file, what);
     };
     writes(command_.csv, "the CSV report");
     writes(command_.json, "the JSON lines");
     writes(command_.html, "the HTML report");
     writes(command_.database, "the database");
-    RefuseWatched();
+    return plan;
+  }
+
+  void Plan() {
+    plan_ = PlanFor(files_);
     for (const std::string& file : files_) PlanAnnotated(file);
   }
 
@@ -236,8 +246,8 @@ class RecipeRunner {
     if (failure.empty()) return;
     failedCalls_++;
     progress_->Hide();
-    std::cerr << "orlune: " << command_.call << " for " << ReadableText(result.file) << ": "
-              << failure << '\n';
+    std::cerr << "orlune: " << command_.call << " for " << LineText(result.file) << ": " << failure
+              << '\n';
   }
 
   void TellDoneBefore(size_t picture) {
@@ -307,11 +317,17 @@ void PrintMistakes(const std::string& file, const std::vector<Mistake>& mistakes
 }
 
 int Explain(const RunCommand& command, const RecipeRun& run) {
+  FilePlan plan;
+  plan.Reads(command.explainOn, "the picture to be looked at");
+  for (const std::string& file : run.ReadToo()) plan.Reads(file, "read for the recipe");
+  for (const std::string& file : run.StepFiles(command.out)) plan.Writes(file, "what a step left");
   MakeFolder(command.out);
   const PictureResult result =
       run.Run(command.explainOn, {.annotated = "", .thumbnail = false, .stepsFolder = command.out});
   PrintResult(std::cout, result);
-  std::cout << "A picture after each step is in " << command.out << '\n';
+  if (!result.steps.empty()) {
+    std::cout << "A picture after each step is in " << command.out << '\n';
+  }
   if (result.verdict == Verdict::Error) return NO_VERDICT;
   return result.verdict == Verdict::Failed ? SOME_FAILED : ALL_WELL;
 }

@@ -20,7 +20,7 @@ std::string NumberOf(const StepValue& value) {
 std::string TextOf(const StepValue& value) {
   std::string text = value.name + ' ';
   if (!value.text.empty()) {
-    text += ReadableText(value.text);
+    text += LineText(value.text);
   } else if (value.number) {
     text += Short(*value.number) + (value.unit.empty() ? "" : " " + value.unit);
   } else {
@@ -132,8 +132,8 @@ void RunCounts::Add(Verdict verdict) {
 }
 
 void PrintVerdict(std::ostream& out, const PictureResult& result) {
-  out << ReadableText(result.file) << ": " << NameOf(result.verdict);
-  if (!result.reason.empty()) out << ": " << ReadableText(result.reason);
+  out << LineText(result.file) << ": " << NameOf(result.verdict);
+  if (!result.reason.empty()) out << ": " << LineText(result.reason);
   out << '\n';
 }
 
@@ -141,7 +141,7 @@ void PrintResult(std::ostream& out, const PictureResult& result) {
   PrintVerdict(out, result);
   for (const StepResult& step : result.steps) {
     const std::string values = ValuesText(step);
-    if (!values.empty()) out << "  " << ReadableText(step.step) << ": " << values << '\n';
+    if (!values.empty()) out << "  " << LineText(step.step) << ": " << values << '\n';
   }
 }
 

@@ -5,7 +5,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <stdexcept>
@@ -15,15 +14,8 @@
 namespace front {
 
 std::string VerdictLine(const PictureResult& result) {
-  const auto field = [](const std::string& text) {
-    std::string plain = ReadableText(text);
-    std::replace_if(
-        plain.begin(), plain.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; },
-        '?');
-    return plain;
-  };
   std::string line(NameOf(result.verdict));
-  line += '\t' + field(result.file) + '\t' + field(result.reason);
+  line += '\t' + LineText(result.file) + '\t' + LineText(result.reason);
   // A pipe takes so much at once or not at all; of more, a reader could see a part.
   constexpr size_t CUT_CHARACTER = 9;  // three bytes of one, each replaced by three
   constexpr size_t MOST = PIPE_BUF - CUT_CHARACTER - 1;

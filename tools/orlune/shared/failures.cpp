@@ -2,6 +2,7 @@
 #include <iostream>
 
 #include "orlune/command/commands.h"
+#include "orlune/shared/readable.h"
 
 namespace front {
 namespace {
@@ -17,7 +18,7 @@ std::string Hint(const LibraryFailure& failure) {
 }  // namespace
 
 std::string FailureText(const std::string& file, const std::exception& failure) {
-  std::string text = file + ": ";
+  std::string text = LineText(file) + ": ";
   if (dynamic_cast<const std::bad_alloc*>(&failure) != nullptr) return text + "not enough memory";
   text += failure.what();
   if (const auto* reported = dynamic_cast<const LibraryFailure*>(&failure)) {

@@ -37,4 +37,11 @@ std::string ReadableText(std::string_view text) {
   return readable;
 }
 
+std::string LineText(std::string_view text) {
+  std::string line = ReadableText(text);
+  const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' ' || c == 0x7F; };
+  std::replace_if(line.begin(), line.end(), isControl, '?');
+  return line;
+}
+
 }  // namespace front

@@ -12,4 +12,7 @@ size_t CharacterLength(std::string_view text);
 // Bytes that are no UTF-8 become the replacement character.
 std::string ReadableText(std::string_view text);
 
+// The same in a line that others read: what would begin another one, or move a terminal, becomes ?.
+std::string LineText(std::string_view text);
+
 }  // namespace front

@@ -5,6 +5,7 @@
 #include <iomanip>
 
 #include "orlune/shared/numbers.h"
+#include "orlune/shared/readable.h"
 #include "orlune/shared/reports.h"
 
 namespace front {
@@ -127,7 +128,7 @@ std::string ExactValue(const Measure& measure, double value) {
 
 void PrintTable(std::ostream& out, const Inspection& inspection, const InspectSettings& settings,
                 const MeasureList& measures, size_t maxRows) {
-  out << inspection.path << ": " << HeadLine(inspection.account) << '\n';
+  out << LineText(inspection.path) << ": " << HeadLine(inspection.account) << '\n';
   for (const std::string& loss : inspection.account.losses) out << "  note: " << loss << '\n';
   out << "  objects: " << LevelsText(inspection, settings) << "; ";
   for (const std::string& name : NamesOf(settings.refinement)) out << name << "; ";
