@@ -55,7 +55,9 @@ class InspectRun {
         measures_(MeasuresOf(command)),
         tableOut_(command.csv == STANDARD_STREAM || command.json == STANDARD_STREAM ? std::cerr
                                                                                     : std::cout),
-        progress_(command.files.size()) {}
+        progress_(command.files.size()) {
+    settings_.measured = SetOf(measures_);
+  }
 
   // Throws std::invalid_argument where a file would be written that is read, or written twice.
   void Plan() {

@@ -113,4 +113,10 @@ std::vector<const Measure*> ParseMeasures(std::string_view text) {
   return measures;
 }
 
+MeasureSet SetOf(const std::vector<const Measure*>& measures) {
+  MeasureSet set;
+  for (const Measure* measure : measures) set.set(measure->number);
+  return set;
+}
+
 }  // namespace front

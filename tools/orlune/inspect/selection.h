@@ -39,4 +39,6 @@ std::vector<Condition> ParseConditions(std::string_view text);
 // std::invalid_argument.
 std::vector<const Measure*> ParseMeasures(std::string_view text);
 
+MeasureSet SetOf(const std::vector<const Measure*>& measures);
+
 }  // namespace front

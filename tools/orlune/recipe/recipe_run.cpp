@@ -167,8 +167,7 @@ std::optional<FoundPart> BestOf(const std::vector<ShapeMatch>& matches) {
 }
 
 MeasureSet MeasuredFor(const InspectStep& inspect, const MeasureList& measures) {
-  MeasureSet wanted;
-  for (const Measure* measure : measures) wanted.set(measure->number);
+  MeasureSet wanted = SetOf(measures);
   for (const Requirement& each : inspect.required) wanted.set(each.condition.measure->number);
   return wanted;
 }
