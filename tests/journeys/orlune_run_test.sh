@@ -630,4 +630,18 @@ cp scenes/washers.bmp "$odd"
 run 0 run one.toml "$odd"
 in_out "washers.bmp: passed?other.bmp: passed"
 
+# A recipe may come from a pipe, and one that nobody writes keeps the program only until it is ended.
+mkfifo recipe.pipe
+cat one.toml >recipe.pipe &
+run 0 run recipe.pipe scenes/washers.bmp
+"$orlune" run recipe.pipe scenes/washers.bmp >out 2>err &
+program=$!
+sleep 0.3
+kill -TERM $program
+ended() { ! kill -0 $program; }
+until_true ended || fail "orlune run: does not end while it waits for its recipe"
+kill -KILL $program 2>/dev/null
+wait $program
+[ $? -eq 143 ] || fail "orlune run: another exit status than 143"
+
 tell_failures

@@ -1,10 +1,14 @@
 // JSON objects of set-up files: texts without escapes but those of quotes, no null.
 #include "orlune/shared/json_values.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
-#include <fstream>
+#include <cerrno>
 #include <stdexcept>
 
+#include "orlune/shared/interrupts.h"
 #include "orlune/shared/words.h"
 
 namespace front {
@@ -12,6 +16,22 @@ namespace {
 
 constexpr size_t MOST_BYTES_OF_SETUP = 1 << 20;
 constexpr int DEEPEST = 8;  // lists and objects inside each other
+
+// A file that is open to be read. Throws std::invalid_argument.
+class FileNumber {
+ public:
+  explicit FileNumber(const std::string& path)
+      : number_(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {
+    if (number_ < 0) throw std::invalid_argument("cannot be read");
+  }
+  ~FileNumber() { ::close(number_); }
+  FileNumber(const FileNumber&) = delete;
+  FileNumber& operator=(const FileNumber&) = delete;
+  int number() const { return number_; }
+
+ private:
+  int number_;
+};
 
 class Parser {
  public:
@@ -172,14 +192,27 @@ void Members::RefuseOthers() const {
   }
 }
 
+// Never waits where an interrupt could not end it: a pipe may have no writer for ever.
 std::string ReadSetupFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
+  const FileNumber file(path);
+  std::vector<pollfd> files{{.fd = file.number(), .events = POLLIN, .revents = 0}};
   std::string text(MOST_BYTES_OF_SETUP, '\0');
-  file.read(text.data(), static_cast<std::streamsize>(text.size()));
-  if (file.bad() || (!file.eof() && !file)) throw std::invalid_argument("cannot be read");
-  if (!file.eof()) throw std::invalid_argument("too long for a set-up");
-  text.resize(static_cast<size_t>(file.gcount()));
-  return text;
+  size_t filled = 0;
+  bool waits = true;  // an empty pipe without a writer reads as an end, also before its first one
+  while (filled < text.size()) {
+    if (waits) PollUntilInterrupted(&files, -1);
+    if (Interrupted() != 0) throw std::invalid_argument("was not read: interrupted");
+    const ssize_t count = ::read(file.number(), text.data() + filled, text.size() - filled);
+    waits = count < 0 && errno == EAGAIN;
+    if (waits || (count < 0 && errno == EINTR)) continue;
+    if (count < 0) throw std::invalid_argument("cannot be read");
+    if (count == 0) {
+      text.resize(filled);
+      return text;
+    }
+    filled += static_cast<size_t>(count);
+  }
+  throw std::invalid_argument("too long for a set-up");
 }
 
 }  // namespace front
