@@ -41,6 +41,8 @@ void WatchInterrupts() {
     if (former.sa_handler != SIG_IGN) Handle(signal, Note);
   }
   Handle(SIGPIPE, SIG_IGN);
+  // A file that may not grow any more fails to be written, as on a full disk.
+  Handle(SIGXFSZ, SIG_IGN);
 }
 
 int Interrupted() {
