@@ -657,13 +657,13 @@ run 1 info "$odd"
 in_err "$plain: there is no such file"
 
 # A file that may not grow as far as it should is told, and nothing of it stays.
-mkdir small
+mkdir may-not-grow
 (
   ulimit -f 8
-  exec "$orlune" filter --steps "median 3" -o small/out.bmp "$scenes/washers.bmp"
+  exec "$orlune" filter --steps "median 3" -o may-not-grow/out.bmp "$scenes/washers.bmp"
 ) >out 2>err
 [ $? -eq 1 ] || fail "orlune filter with a limit on files: another status than 1"
-in_err "small/out.bmp: cannot be written"
-[ -z "$(ls small)" ] || fail "orlune filter with a limit on files: leaves $(ls small)"
+in_err "may-not-grow/out.bmp: cannot be written"
+[ -z "$(ls may-not-grow)" ] || fail "orlune filter with a limit on files: leaves $(ls may-not-grow)"
 
 tell_failures
