@@ -46,7 +46,7 @@ const char* FaultOfFailure(test::CallModel* model, const Session& session, const
   for (const ImageRef image :
        {session.u8, session.other, session.mask, session.i16, session.sgl, session.complex,
         session.rgb, session.target, session.target16, session.targetFloat}) {
-    model->Names(image, test::BORDER);
+    model->Names(image, 0);
   }
   return model->Fault(true, test::LeftoversOf(test::CallNamed(step.name), result));
 }
