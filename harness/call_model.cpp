@@ -137,7 +137,8 @@ void CallModel::Names(ImageRef image, Changes allowed) {
   if (image == 0 && !named_.empty()) {
     named_.front().allowed |= allowed;
   } else {
-    named_.push_back({image, allowed});
+    constexpr Changes frame = BORDER | MIRRORED;
+    named_.push_back({image, allowed, (allowed & ~frame) == 0 ? allowed : Changes{0}});
   }
 }
 
@@ -172,13 +173,10 @@ const char* CallModel::Fault(bool failed, Changes leftovers) {
 
 Changes CallModel::AllowedOf(const State& state, bool failed, Changes leftovers) const {
   Changes allowed = 0;
-  bool isNamed = false;
   for (const Named& one : named_) {
     if (one.reference != state.reference) continue;
-    allowed |= one.allowed;
-    isNamed = true;
+    allowed |= failed ? one.beforeFailures | leftovers : one.allowed;
   }
-  if (failed) allowed = (allowed & (BORDER | MIRRORED)) | (isNamed ? leftovers : Changes{0});
   const bool isSmall =
       state.record && std::min(state.copy.width, state.copy.height) < state.copy.border;
   if ((allowed & MIRRORED) != 0) allowed |= isSmall ? BORDER | PIXELS : BORDER;

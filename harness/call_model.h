@@ -35,7 +35,8 @@ class CallModel {
   void Begin();
 
   // An image that the call names. A reference of 0 stands for the first image named, whose place
-  // the result takes then.
+  // the result takes then. A border that alone may change is filled before the call can fail; one
+  // that is part of a result changes with it.
   void Names(ImageRef image, Changes allowed);
   void AllImagesMayGo() { allMayGo_ = true; }
 
@@ -63,6 +64,7 @@ class CallModel {
   struct Named {
     ImageRef reference;
     Changes allowed;
+    Changes beforeFailures;
   };
   struct CallerArray {
     uint8_t* place;

@@ -69,7 +69,7 @@ build_release() {
   build "build/deep-release" "$1" -DCMAKE_BUILD_TYPE=Release
 }
 
-readers=(read_native read_tiff read_bmp read_raw dials)
+readers=(read_native read_tiff read_bmp read_raw front_bmp barcode dials)
 sequences=(chain api)
 
 # fuzz SANITIZER RUNS TARGET...
@@ -184,7 +184,10 @@ stage_coverage() {
   check "all tests, coverage build" "1 round" cmake --workflow --preset coverage
   local folder
   for folder in core files; do gate "$folder" 100 95; done
-  for folder in platform engine utilities statistics particles point filters; do gate "$folder" 98 90; done
+  for folder in platform engine utilities statistics particles point filters geometry morphology colour frequency \
+    regions vision barcode dials display; do
+    gate "$folder" 98 90
+  done
 }
 
 stage_soak() {

@@ -17,7 +17,8 @@ enum CallAnswer {
 };
 
 // What a failing call has changed by then of the images that it names, or of the caller's outputs,
-// as its header tells. Of a framed source the border is always among it.
+// as its header tells. Of a framed source the border is always among it, of a framed destination it
+// is not.
 struct Leftovers {
   int32_t result;  // ANY_FAILURE, or the one that it holds for
   Changes changes;

@@ -17,7 +17,7 @@ int32_t EdgeMethodAnywhere(Playground& play) {
 }
 
 // Under a mask the border comes along where both are of one width.
-constexpr Leftovers OF_FILTERS[] = {{-101, CALIBRATION | SIZE | PIXELS | BORDER}};
+constexpr Leftovers OF_FILTERS[] = {{-101, CALIBRATION | SIZE | PIXELS | BORDER}, {-102, BORDER}};
 
 // Of any shape that a border of the playground serves, and any coefficients.
 int32_t Convolute(Playground& play) {

@@ -31,28 +31,47 @@ TEST(Widths, TheRowWithMostElementsInCommonMatchesAndOfEqualsTheFirst) {
   EXPECT_EQ(zel::Match(0xFFFF, rows), 0);
 }
 
+// The widths along all of an image, and which are wide, are those of the rule to the bit.
+void ExpectTheRule(const TestImage& image) {
+  const reference::Corners c = test::WholeOf(image);
+  zel::ScopedVector region;
+  ASSERT_EQ(region.Create(), 0);
+  ASSERT_EQ(zel::VectorResize(region.handle(), sizeof(int32_t), 10), 0);
+  const int32_t flat[] = {0, 0, 0, 0, ROI_MARKER_EXTERNAL, ROI_RECT, c.x1, c.y1, c.x2, c.y2};
+  std::copy(std::begin(flat), std::end(flat), zel::VectorData<int32_t>(region.handle()));
+  zel::BarWidths widths;
+  ASSERT_EQ(widths.Measure(image, region.handle()), 0);
+  const reference::Runs runs = reference::RunsOf(*reference::Profile(image, c));
+  ASSERT_EQ(widths.Bars(), runs.bars.size());
+  ASSERT_EQ(widths.Spaces(), runs.spaces.size());
+  for (int64_t k = 0; k <= widths.Elements(); k++) {
+    EXPECT_EQ(widths[k], k % 2 == 0 ? runs.bars[k / 2] : runs.spaces[k / 2]);
+  }
+  const zel::TwoWidths classes(widths);
+  const reference::List bars = reference::Classes(runs.bars);
+  for (int64_t k = 0; k < bars.size() + 2; k++) EXPECT_EQ(classes.IsWide(2 * k), bars[k] == 1);
+}
+
 TEST(Widths, AreTheListsOfTheRuleToTheBit) {
   test::Random random(3);
   for (int i = 0; i < 300; i++) {
-    const TestImage image(random.Between(IMAGE_U8, IMAGE_SGL), random.Between(2, 90),
-                          random.Between(1, 12), 0, static_cast<uint64_t>(i));
-    const reference::Corners c = test::WholeOf(image);
-    zel::ScopedVector region;
-    ASSERT_EQ(region.Create(), 0);
-    ASSERT_EQ(zel::VectorResize(region.handle(), sizeof(int32_t), 10), 0);
-    const int32_t flat[] = {0, 0, 0, 0, ROI_MARKER_EXTERNAL, ROI_RECT, c.x1, c.y1, c.x2, c.y2};
-    std::copy(std::begin(flat), std::end(flat), zel::VectorData<int32_t>(region.handle()));
-    zel::BarWidths widths;
-    ASSERT_EQ(widths.Measure(image, region.handle()), 0);
-    const reference::Runs runs = reference::RunsOf(*reference::Profile(image, c));
-    ASSERT_EQ(widths.Bars(), runs.bars.size());
-    ASSERT_EQ(widths.Spaces(), runs.spaces.size());
-    for (int64_t k = 0; k <= widths.Elements(); k++) {
-      EXPECT_EQ(widths[k], k % 2 == 0 ? runs.bars[k / 2] : runs.spaces[k / 2]);
+    ExpectTheRule({random.Between(IMAGE_U8, IMAGE_SGL), random.Between(2, 90),
+                   random.Between(1, 12), 0, static_cast<uint64_t>(i)});
+  }
+}
+
+// A slope of the light crosses pixels of one value: there is nothing between them to divide.
+TEST(Widths, AreThoseOfTheRuleWhereTheLightCrossesEvenPixels) {
+  test::Random random(4);
+  for (int i = 0; i < 100; i++) {
+    const TestImage image(IMAGE_U8, random.Between(6, 90), 1);
+    const int32_t step = random.Between(2, 7);
+    uint8_t value = 0;
+    for (int32_t x = 0; x < image.width(); x++) {
+      if (x % step == 0) value = static_cast<uint8_t>(2 * x + random.Between(0, 40));
+      image.Set<uint8_t>(x, 0, value);
     }
-    const zel::TwoWidths classes(widths);
-    const reference::List bars = reference::Classes(runs.bars);
-    for (int64_t k = 0; k < bars.size() + 2; k++) EXPECT_EQ(classes.IsWide(2 * k), bars[k] == 1);
+    ExpectTheRule(image);
   }
 }
 

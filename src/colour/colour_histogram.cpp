@@ -51,20 +51,21 @@ void CountRow(const RGBValue* pixels, const uint8_t* mask, int64_t width,
 }
 
 Status CountPixels(const Region& region, int32_t mode, ColourCounts* counts) {
-  const auto workers = static_cast<uint64_t>(BandWorkers());
+  const PixelView& view = region.view;
+  constexpr int64_t workAPixel = 64;
+  const BandPlan plan{.units = view.height, .bytes = workAPixel * view.width * view.height};
+  // A small image is counted by few, however many processors there are.
+  const auto workers =
+      static_cast<uint64_t>(std::clamp<int64_t>(plan.bytes / bandBytesAWorker, 1, BandWorkers()));
   WorkArray<ComponentCounts> ofWorkers;
   if (!ofWorkers.AllocateZeroed(workers)) return STATUS_MEMORY_FULL;
-  const PixelView& view = region.view;
   const ComponentSet components = ComponentsOf(mode);
-  constexpr int64_t workAPixel = 64;
-  BandsRun({.units = view.height, .bytes = workAPixel * view.width * view.height},
-           [&](const Band& band) {
-             ComponentCounts* own = &ofWorkers[static_cast<size_t>(band.worker)];
-             for (int64_t y = band.begin; y < band.end; y++) {
-               CountRow(view.Row<const RGBValue>(y), region.mask.Row(y), view.width, components,
-                        own);
-             }
-           });
+  BandsRun(plan, [&](const Band& band) {
+    ComponentCounts* own = &ofWorkers[static_cast<size_t>(band.worker)];
+    for (int64_t y = band.begin; y < band.end; y++) {
+      CountRow(view.Row<const RGBValue>(y), region.mask.Row(y), view.width, components, own);
+    }
+  });
   const int32_t length = TableLength(!region.mask.SelectsAll());
   for (uint64_t worker = 0; worker < workers; worker++) {
     for (int32_t p = 0; p < COLOUR_PLANES; p++) {

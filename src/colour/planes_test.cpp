@@ -246,6 +246,15 @@ TEST(ColorPlanes, ReplaceFailsInItsOrder) {
   EXPECT_EQ(ZEL_ReplaceColorPlanes(source, destination, words, small, plane, 0),
             ZEL_ERR_SIZE_DIFFERS);
   EXPECT_EQ(destination.Info().unit, 7);  // taken by then
+  const TestImage low(IMAGE_U8, 9, 4);
+  for (const TestImage* other : {&small, &low}) {
+    EXPECT_EQ(ZEL_ReplaceColorPlanes(source, destination, plane, *other, plane, 0),
+              ZEL_ERR_SIZE_DIFFERS);
+    EXPECT_EQ(ZEL_ReplaceColorPlanes(source, destination, plane, plane, *other, 0),
+              ZEL_ERR_SIZE_DIFFERS);
+    EXPECT_EQ(ZEL_ReplaceColorPlanes(source, destination, plane, *other, 0, 0),
+              ZEL_ERR_SIZE_DIFFERS);
+  }
   EXPECT_EQ(ZEL_ReplaceColorPlanes(source, destination, plane, words, plane, 0), ZEL_ERR_BAD_TYPE);
   EXPECT_EQ(ZEL_ReplaceColorPlanes(0, plane, plane, plane, plane, 0), ZEL_ERR_BAD_TYPE);
   EXPECT_EQ(ZEL_ReplaceColorPlanes(plane, destination, plane, 0, 0, 0), ZEL_ERR_BAD_TYPE);

@@ -436,6 +436,36 @@ TEST(ReadSingleDigit, WithoutMemoryChangesNothing) {
   EXPECT_STREQ(text.data, "4");
 }
 
+// A sign is looked for as far left as the digit is wide.
+TEST(ReadLCDDisplay, LooksForASignOneWidthToTheLeft) {
+  for (const int32_t gap : {20, 21}) {
+    const TestImage image(IMAGE_U8, 100, 60);
+    ZEL_ClearPixels(image);
+    for (int32_t y = 10; y <= 40; y++) {
+      for (int32_t x = 68; x <= 70; x++) image.Set<uint8_t>(x, y, 200);  // a 1
+    }
+    for (int32_t y = 24; y <= 26; y++) image.Set<uint8_t>(50 - gap, y, 200);
+    const RegionRecord digit({{ROI_RECT, {50, 10, 70, 40}}});
+    const Reading reading = ReadDisplay(image, digit, {.isLight = true, .sign = true});
+    EXPECT_EQ(reading.text, gap == 20 ? "-1" : " 1") << gap;
+  }
+}
+
+// Of a foot without width a point is looked for two pixels to the right.
+TEST(ReadSingleDigit, LooksForAPointBesideAFootOfNoWidth) {
+  for (const int32_t x : {33, 34}) {
+    const TestImage image(IMAGE_U8, 60, 60);
+    ZEL_ClearPixels(image);
+    for (const auto& [right, y] : {std::pair{37, 20}, {34, 30}}) {
+      for (int32_t i = 0; i < 3; i++) image.Set<uint8_t>(right - i, y, 200);  // a 1
+    }
+    image.Set<uint8_t>(x, 33, 200);
+    const RegionRecord digit({{ROI_POLYGON, {20, 10, 40, 10, 30, 40, 30, 40}}});
+    const Reading reading = ReadDigit(image, digit, {.isLight = true, .point = true});
+    EXPECT_EQ(reading.text, x == 34 ? "1." : "1") << x;
+  }
+}
+
 class Displays : public testing::TestWithParam<DisplayLook> {};
 
 TEST_P(Displays, AreRead) {

@@ -229,10 +229,28 @@ TEST_F(Tools, MoveARegionWithControl) {
   EXPECT_EQ(Ask(0, -1), (Numbers{25, 20, 65, 60, 40, 40}));
 }
 
+// The first row and column of the region's bounds belong to it, those at their ends do not.
+TEST_F(Tools, MoveARegionFromWithinItsBoundsAlone) {
+  Open(WTOOL_RECT);
+  Drag(0, {{20, 10}, {60, 50}});
+  EventOf(0);
+  int32_t beeps = 0;
+  for (const auto& [x, y] : {std::pair{60, 30}, {30, 50}, {19, 30}, {30, 9}}) {
+    Drag(0, {{x, y}, {x + 5, y + 5}}, zel::MODIFIER_CONTROL);
+    EXPECT_EQ(EventOf(0).type, WEVENT_NONE) << x << ' ' << y;
+    EXPECT_EQ(zel::MemoryDesktopBeeps(), ++beeps) << x << ' ' << y;
+  }
+  Drag(0, {{59, 49}, {60, 51}}, zel::MODIFIER_CONTROL);
+  EXPECT_EQ(Integers(EventOf(0)), (Numbers{21, 12, 61, 52}));
+  Drag(0, {{21, 12}, {20, 10}}, zel::MODIFIER_CONTROL);
+  EXPECT_EQ(Integers(EventOf(0)), (Numbers{20, 10, 60, 50}));
+}
+
 TEST_F(Tools, ZoomStepByStep) {
   Open(WTOOL_ZOOM);
+  // On the image at every zoom: the canvas becomes 192 x 128 at 32.
   const auto click = [](int32_t modifiers) {
-    Post(0, DesktopEventKind::LEFT_PRESS, 50, 50, modifiers);
+    Post(0, DesktopEventKind::LEFT_PRESS, 96, 64, modifiers);
     const WindowEvent event = EventOf(0);
     return event.type == WEVENT_CLICK ? event.floats[0] : 0.0F;
   };
@@ -240,11 +258,26 @@ TEST_F(Tools, ZoomStepByStep) {
   for (const float zoom : {16.0F, 8.0F, 4.0F, 2.0F, 1.0F, -2.0F, -4.0F}) {
     EXPECT_EQ(click(zel::MODIFIER_SHIFT), zoom);
   }
+  for (const float zoom : {-8.0F, -16.0F, 0.0F}) EXPECT_EQ(click(zel::MODIFIER_SHIFT), zoom);
+  for (const float zoom : {-8.0F, -4.0F, -2.0F, 1.0F}) EXPECT_EQ(click(0), zoom);
+  Do(0, 5, {-1, 0, 0});
+  EXPECT_EQ(click(0), 2.0F) << "-1 is 1";
   Do(0, 5, {-3, 0, 0});
   Post(0, DesktopEventKind::LEFT_PRESS, 80, 60);
   const WindowEvent event = EventOf(0);
   EXPECT_EQ(event.tool, WTOOL_ZOOM);
   EXPECT_EQ(event.floats[1], -1.0F);
+}
+
+TEST_F(Tools, ZoomWithoutChangingTheCanvasBesideScrollBars) {
+  Do(0, 100, {120, 80});
+  Do(0, -9, {1});
+  Open(WTOOL_ZOOM);
+  Do(0, 100, {120, 80});
+  ASSERT_EQ(Ask(0, -3), (Numbers{136, 96, 1}));
+  Post(0, DesktopEventKind::LEFT_PRESS, 50, 40);
+  EXPECT_EQ(EventOf(0).floats[0], 2.0F);
+  EXPECT_EQ(Ask(0, -3), (Numbers{136, 96, 1}));
 }
 
 TEST_F(Tools, FollowTheScrollBars) {
@@ -269,6 +302,53 @@ TEST_F(Tools, FollowTheScrollBars) {
   event = EventOf(0);
   EXPECT_EQ(event.integers[1], 500);
   EXPECT_EQ(zel::RecordOf(0).originY, 400);
+}
+
+// The bars of a canvas of 200 x 200 have a track from 16 to 184 in the one, from 112 to 184 in the
+// other; a view of a third of the image gives thumbs of 56 and 24 pixels.
+TEST_F(Tools, ScrollByTheirPartsOfTheBars) {
+  const TestImage large(IMAGE_U8, 600, 600);
+  Do(0, 100, {200, 200});
+  Do(0, -9, {1});
+  ASSERT_EQ(ZEL_WindDraw(large, 0, nullptr, 0), 0);
+  // Where the view begins after a press at the origin that is held for a look.
+  const auto pressed = [](int32_t x, int32_t y) {
+    zel::RecordOf(0).originX = zel::RecordOf(0).originY = 100;
+    Drag(0, {{x, y}});
+    EventOf(0);
+    return Numbers{zel::RecordOf(0).originX, zel::RecordOf(0).originY};
+  };
+  constexpr int32_t thumb = 44;  // its first pixel at 100: 16 + 100 * 112 / 400
+  EXPECT_EQ(pressed(208, 0), (Numbers{100, 92}));
+  EXPECT_EQ(pressed(208, 15), (Numbers{100, 92}));
+  EXPECT_EQ(pressed(208, 16), (Numbers{100, 0})) << "by the panel's height, up to the end";
+  EXPECT_EQ(pressed(208, thumb - 1), (Numbers{100, 0}));
+  EXPECT_EQ(pressed(208, thumb), (Numbers{100, 100}));
+  EXPECT_EQ(pressed(208, thumb + 55), (Numbers{100, 100}));
+  EXPECT_EQ(pressed(208, thumb + 56), (Numbers{100, 316}));
+  EXPECT_EQ(pressed(208, 183), (Numbers{100, 316}));
+  EXPECT_EQ(pressed(208, 184), (Numbers{100, 108}));
+  EXPECT_EQ(pressed(208, 199), (Numbers{100, 108}));
+  EXPECT_EQ(pressed(208, 200), (Numbers{100, 100})) << "the corner";
+  EXPECT_EQ(pressed(95, 208), (Numbers{100, 100})) << "the band beside the bar";
+  EXPECT_EQ(pressed(96, 208), (Numbers{92, 100}));
+  EXPECT_EQ(pressed(112, 208), (Numbers{0, 100}));
+  EXPECT_EQ(pressed(183, 208), (Numbers{316, 100}));
+  EXPECT_EQ(pressed(199, 208), (Numbers{108, 100}));
+  EXPECT_EQ(pressed(200, 208), (Numbers{100, 100}));
+}
+
+TEST_F(Tools, DoNotScrollAnImageThatFits) {
+  const TestImage small(IMAGE_U8, 100, 100);
+  Do(0, 100, {200, 200});
+  Do(0, -9, {1});
+  ASSERT_EQ(ZEL_WindDraw(small, 0, nullptr, 0), 0);
+  for (const auto& [x, y] : {std::pair{208, 195}, {195, 208}, {208, 100}, {150, 208}}) {
+    Drag(0, {{x, y}, {x, y}});
+    EventOf(0);
+    EXPECT_EQ(zel::RecordOf(0).originX, 0);
+    EXPECT_EQ(zel::RecordOf(0).originY, 0);
+  }
 }
 
 TEST_F(Tools, EraseTheRegionByKey) {
@@ -423,6 +503,30 @@ TEST_F(Tools, CallBackAndLetItselfBeCalled) {
   Post(3, DesktopEventKind::GOT_FOCUS);
   EXPECT_EQ(EventOf(3).type, WEVENT_ACTIVATE);
   EXPECT_EQ(calls, 2);
+}
+
+TEST_F(Tools, CallBackForAllImageWindowsAndNoOthers) {
+  Do(3, 10);
+  ASSERT_EQ(ZEL_InstallWCallback(-1, &CloseIt, 5), 0);
+  for (int32_t window = 0; window < zel::WINDOW_COUNT; window++) {
+    const zel::PanelBinding& binding = zel::display.bindings[window];
+    EXPECT_EQ(binding.callback, window < zel::IMAGE_WINDOWS ? &CloseIt : nullptr) << window;
+  }
+  ASSERT_EQ(ZEL_RemoveWCallback(-1), 0);
+}
+
+TEST_F(Tools, LetSomeAttributesOfTheirWindowBeSet) {
+  Do(16, 10);
+  const auto set = [](int32_t attribute, intptr_t value) {
+    return ZEL_SetWindToolsAttribute(attribute, value);
+  };
+  EXPECT_EQ(set(WATTR_TITLE, reinterpret_cast<intptr_t>("Tools")), 0);
+  for (const int32_t attribute : {WATTR_LEFT, WATTR_TOP, WATTR_VISIBLE}) {
+    EXPECT_EQ(set(attribute, 1), 0) << attribute;
+  }
+  for (const int32_t attribute : {WATTR_WIDTH, WATTR_HEIGHT, WATTR_ZOOM_X, WATTR_SCROLLBARS}) {
+    EXPECT_EQ(set(attribute, 1), -699) << attribute;
+  }
 }
 
 void EndAll(WindowEvent*, uintptr_t) {

@@ -259,6 +259,27 @@ TEST_F(Windows, HaveScrollBarsBesideTheCanvas) {
   EXPECT_EQ(Ask(0, -9), (Numbers{200, 200, 0}));
 }
 
+// The band is wide from a canvas of 160 columns on, and tells a zoom that both axes have.
+TEST_F(Windows, TellSizeAndZoomWhereThereIsRoom) {
+  const TestImage image = Ramp(300, 250);
+  const auto texts = [&](int32_t window, int32_t width, int32_t zoomX) {
+    EXPECT_EQ(ZEL_SetWindow2DAttributes(window, WATTR2_SIZE, 200, width), 0);
+    EXPECT_EQ(ZEL_SetWindowAttribute(window, WATTR_SCROLLBARS, 1), 0);
+    EXPECT_EQ(ZEL_SetWindowAttribute(window, WATTR_ZOOM_X, zoomX), 0);
+    EXPECT_EQ(ZEL_WindDraw(image, window, nullptr, 0), 0);
+    int32_t canvas = 0;
+    ZEL_GetWindowIDs(window, nullptr, &canvas);
+    return std::string(zel::MemoryDesktopTexts(canvas));
+  };
+  const std::string narrow = texts(0, 159, 1);
+  EXPECT_NE(narrow.find("1/1"), std::string::npos);
+  EXPECT_EQ(narrow.find("300x250"), std::string::npos);
+  const std::string wide = texts(1, 160, 1);
+  EXPECT_NE(wide.find("1/1"), std::string::npos);
+  EXPECT_NE(wide.find("300x250"), std::string::npos);
+  EXPECT_EQ(texts(2, 160, 2).find("2/1"), std::string::npos);
+}
+
 TEST_F(Windows, MoveShowAndActivateByDigits) {
   EXPECT_EQ(Ask(0, 200, {100, 50}), (Numbers{100, 50}));
   EXPECT_EQ(Ask(0, 200, {7}), (Numbers{20, 40}));

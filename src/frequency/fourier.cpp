@@ -60,14 +60,25 @@ int32_t GroupsOfColumns(const PixelView& image) {
                     std::min(GROUPS_AT_MOST, image.width / FOURIER_SIGNALS));
 }
 
+// What is computed on a pixel in one pass, beside an addition of bytes.
+constexpr int64_t BYTES_A_PIXEL = 128;
+
+// What a pass over an image is worth in bytes.
+int64_t BytesOfPass(const PixelView& image) {
+  return BYTES_A_PIXEL * image.width * image.height;
+}
+
 // The work memory of a transform: factors, and signals for each worker.
 class FourierWork {
  public:
   Status Allocate(const PixelView& image) {
     const int64_t ofColumns = int64_t{GroupsOfColumns(image)} * StrideOf(image.height);
     perWorker_ = std::max(ofColumns, StrideOf(image.width));
+    // A small image is transformed by few, however many processors there are.
+    const int64_t workers =
+        std::clamp<int64_t>(BytesOfPass(image) / bandBytesAWorker, 1, BandWorkers());
     // One more, to begin on a boundary of cache lines.
-    const auto elements = static_cast<uint64_t>(perWorker_ * BandWorkers() + 1);
+    const auto elements = static_cast<uint64_t>(perWorker_ * workers + 1);
     const auto factors = static_cast<uint64_t>(std::max(image.width, image.height) / 2);
     const bool isHad = twiddles_.Allocate(factors) && elements_.Allocate(elements);
     return isHad ? STATUS_OK : STATUS_MEMORY_FULL;
@@ -97,9 +108,6 @@ class FourierWork {
   int32_t prepared_ = 0;  // the length that there are factors for
 };
 
-// What is computed on a pixel in one pass, beside an addition of bytes.
-constexpr int64_t BYTES_A_PIXEL = 128;
-
 // A pass over all rows or columns: groups of signals are gathered from `from`, transformed and
 // scattered to `to`.
 struct FourierPass {
@@ -114,8 +122,7 @@ void PassRun(FourierWork* work, const FourierPass& pass, int64_t signals,
              const PixelsOf& pixelsOf) {
   const auto transform = fourierRows().transform;
   const int64_t signalsTogether = int64_t{FOURIER_SIGNALS} * pass.groups;
-  BandsRun({.units = signals / signalsTogether,
-            .bytes = BYTES_A_PIXEL * pass.from.width * pass.from.height},
+  BandsRun({.units = signals / signalsTogether, .bytes = BytesOfPass(pass.from)},
            [&](const Band& band) {
              const FourierSignals mine = work->SignalsOf(band.worker, pass.groups);
              for (int64_t unit = band.begin; unit < band.end; unit++) {

@@ -1,6 +1,6 @@
 // Every allocation of a whole session fails once, alone and with all that follow in its step: the
 // step reports no memory, nothing is lost or leaked or changed but what the header tells, and the
-// same call succeeds afterwards.
+// same call succeeds afterwards. And what a call needs does not grow with the processors.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -8,10 +8,12 @@
 
 #include "core/heap.h"
 #include "core/world.h"
+#include "engine/bands.h"
 #include "harness/call_model.h"
 #include "harness/calls/calls.h"
 #include "harness/memory_files.h"
 #include "harness/session/whole_session.h"
+#include "harness/test_image.h"
 
 namespace {
 
@@ -46,7 +48,7 @@ const char* FaultOfFailure(test::CallModel* model, const Session& session, const
   for (const ImageRef image :
        {session.u8, session.other, session.mask, session.i16, session.sgl, session.complex,
         session.rgb, session.target, session.target16, session.targetFloat}) {
-    model->Names(image, test::BORDER);
+    model->Names(image, 0);
   }
   return model->Fault(true, test::LeftoversOf(test::CallNamed(step.name), result));
 }
@@ -114,6 +116,23 @@ TEST(MemoryFaults, EveryAllocationFailingWithAllThatFollowIsSurvived) {
   uint64_t k = 1;
   while (!HasFailure() && !RunWithFault(k, true, digests)) k++;
   EXPECT_GT(k, Steps().size());
+}
+
+TEST(MemoryFaults, SmallImagesNeedNoMoreMemoryOnManyProcessors) {
+  const test::TestImage colours(IMAGE_RGB, 20, 10);
+  const test::TestImage bytes(IMAGE_U8, 64, 32);
+  const test::TestImage spectrum(IMAGE_COMPLEX, 64, 32);
+  const test::TestImage larger(IMAGE_U8, 150, 70);
+  zel::BandsForce(256, 0);
+  zel::HeapHooksGet()->blockBudget = 150 * 1000;
+  uint32_t counts[8];
+  EXPECT_EQ(ZEL_ColorHistogram(colours, 0, 8, MODE_RGB, counts, counts, counts, nullptr, nullptr,
+                               nullptr),
+            0);
+  EXPECT_EQ(ZEL_FFT(bytes, spectrum), 0);
+  EXPECT_EQ(ZEL_Resample(bytes, larger, 0, 0, 32, 64, 150, 70, RESAMPLE_SPLINE), 0);
+  zel::HeapHooksGet()->blockBudget = 0;
+  zel::BandsForce(0, 0);
 }
 
 }  // namespace
