@@ -54,9 +54,7 @@ Status CountPixels(const Region& region, int32_t mode, ColourCounts* counts) {
   const PixelView& view = region.view;
   constexpr int64_t workAPixel = 64;
   const BandPlan plan{.units = view.height, .bytes = workAPixel * view.width * view.height};
-  // A small image is counted by few, however many processors there are.
-  const auto workers =
-      static_cast<uint64_t>(std::clamp<int64_t>(plan.bytes / bandBytesAWorker, 1, BandWorkers()));
+  const auto workers = static_cast<uint64_t>(BandWorkersFor(plan.bytes));
   WorkArray<ComponentCounts> ofWorkers;
   if (!ofWorkers.AllocateZeroed(workers)) return STATUS_MEMORY_FULL;
   const ComponentSet components = ComponentsOf(mode);

@@ -80,6 +80,10 @@ int32_t BandWorkers() {
   return workers;
 }
 
+int32_t BandWorkersFor(int64_t bytes) {
+  return static_cast<int32_t>(std::clamp<int64_t>(bytes / bandBytesAWorker, 1, BandWorkers()));
+}
+
 void BandsForce(int32_t workers, int64_t bytesAWorker) {
   WorkersJoin();  // their numbers may be too high from now on
   bandWorkers.store(workers);
@@ -88,7 +92,7 @@ void BandsForce(int32_t workers, int64_t bytesAWorker) {
 
 void BandsShare(const BandPlan& plan, BandWork run, const void* work) {
   if (plan.units <= 0) return;
-  const int64_t workers = std::min<int64_t>(BandWorkers(), plan.bytes / bandBytesAWorker);
+  const int64_t workers = BandWorkersFor(plan.bytes);
   const int64_t bandUnits = workers > 1 ? BandUnits(plan, workers) : plan.units;
   const int64_t bands = CeilDivide(plan.units, bandUnits);
   if (workers < 2 || bands < 2) {

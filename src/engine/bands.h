@@ -11,7 +11,7 @@ namespace zel {
 // for any number of workers.
 struct Band {
   int64_t begin, end;  // units
-  int32_t worker;      // below BandWorkers(); two bands of the same worker never run at once
+  int32_t worker;  // below BandWorkersFor(bytes); two bands of the same worker never run at once
 };
 
 struct BandPlan {
@@ -24,9 +24,12 @@ struct BandPlan {
 };
 
 // The number of threads that compute, the caller among them: what ORLUNE_PTK_THREADS said at first
-// use, or all processors that the process may use. Memory that each worker needs is allocated for
-// so many before the pass; nothing is allocated inside a band.
+// use, or all processors that the process may use.
 int32_t BandWorkers();
+
+// How many of them a pass of so many bytes gets at most, 1 or more. Memory that each worker needs
+// is allocated for so many before the pass; nothing is allocated inside a band.
+int32_t BandWorkersFor(int64_t bytes);
 
 // For tests: the number of workers (0 asks the environment again) and the least bytes for each (0:
 // the measured ones).

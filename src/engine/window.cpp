@@ -76,7 +76,7 @@ Status WindowMemory::Allocate(const WindowViews& views, const WindowPlan& plan,
   spareBytes_ = views.mask.SelectsAll() ? 0 : OnCacheLines(views.result.RowBytes());
   workerBytes_ = spareBytes_ + OnCacheLines(plan.memoryBytes);
   if (workerBytes_ == 0) return STATUS_OK;
-  const int64_t workers = std::clamp<int64_t>(bands.bytes / bandBytesAWorker, 1, BandWorkers());
+  const int64_t workers = BandWorkersFor(bands.bytes);
   const auto bytes = static_cast<uint64_t>(workers * workerBytes_ + CACHE_LINE);
   return block_.Allocate(bytes) ? STATUS_OK : STATUS_MEMORY_FULL;
 }

@@ -74,9 +74,7 @@ class FourierWork {
   Status Allocate(const PixelView& image) {
     const int64_t ofColumns = int64_t{GroupsOfColumns(image)} * StrideOf(image.height);
     perWorker_ = std::max(ofColumns, StrideOf(image.width));
-    // A small image is transformed by few, however many processors there are.
-    const int64_t workers =
-        std::clamp<int64_t>(BytesOfPass(image) / bandBytesAWorker, 1, BandWorkers());
+    const int64_t workers = BandWorkersFor(BytesOfPass(image));
     // One more, to begin on a boundary of cache lines.
     const auto elements = static_cast<uint64_t>(perWorker_ * workers + 1);
     const auto factors = static_cast<uint64_t>(std::max(image.width, image.height) / 2);

@@ -122,8 +122,7 @@ struct JoiningTile {
 class JoiningMemory {
  public:
   Status Allocate(int64_t bytesTouched) {
-    const int64_t workers =
-        std::clamp<int64_t>(JOINING_EFFORT * bytesTouched / bandBytesAWorker, 1, BandWorkers());
+    const int32_t workers = BandWorkersFor(JOINING_EFFORT * bytesTouched);
     const auto bytes = static_cast<uint64_t>(workers) * sizeof(JoiningTile) + CACHE_LINE;
     return block_.Allocate(bytes) ? STATUS_OK : STATUS_MEMORY_FULL;
   }

@@ -90,11 +90,10 @@ Status SplineMemory::Allocate(const ResampleAxis& x, const ResampleAxis& y, int3
   results_ = std::max(x.results, y.results);
   pitch_ = GroupsOf(int64_t{x.results} * numbersAPixel) * LANES;
   const auto rowNumbers = static_cast<uint64_t>(pitch_) * static_cast<uint64_t>(y.size);
-  // Small images are computed by few, however many processors there are.
   const int64_t bytes = EFFORT * numbersAPixel *
                         std::max(int64_t{y.size} * (int64_t{x.size} + x.results),
                                  int64_t{x.results} * (int64_t{y.size} + y.results));
-  const int64_t workers = std::clamp<int64_t>(bytes / bandBytesAWorker, 1, BandWorkers());
+  const int64_t workers = BandWorkersFor(bytes);
   const auto laneNumbers = static_cast<uint64_t>((2 * samples_ + results_) * LANES * workers);
   if (!pivots_.Allocate(static_cast<uint64_t>(samples_)) || !rows_.AllocateZeroed(rowNumbers) ||
       !lanes_.AllocateZeroed(laneNumbers)) {
