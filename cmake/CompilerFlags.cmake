@@ -34,7 +34,11 @@ endif()
 # Callers have threads with stacks of 64 KB. Sanitizers make frames of their own size.
 set(PTK_FRAME_FLAGS)
 if(PTK_SANITIZE STREQUAL "" AND NOT PTK_FUZZ)
-  set(PTK_FRAME_FLAGS -Werror=frame-larger-than=16384)
+  if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    set(PTK_FRAME_FLAGS -Wframe-larger-than=16384 -Werror=frame-larger-than)
+  else()
+    set(PTK_FRAME_FLAGS -Werror=frame-larger-than=16384)
+  endif()
 endif()
 
 if(PTK_FUZZ)

@@ -30,8 +30,8 @@ for word; do
   [ "$word" != --resume ] && [ "$word" != --only-list ] || exec "{orlune}" "$@"
 done
 if mkdir stalled 2>/dev/null; then
-  echo $PPID >stalled/worker.part && mv stalled/worker.part stalled/worker
-  sleep 60
+  echo $PPID $$ >stalled/worker.part && mv stalled/worker.part stalled/worker
+  exec sleep 60
 fi
 exec "{orlune}" "$@"
 """
@@ -66,10 +66,11 @@ def same(first: str, second: str) -> None:
     check(Path(first).read_bytes() == Path(second).read_bytes(), f"{first} and {second} differ")
 
 
-def worker_that_stalls() -> int:
+def worker_that_stalls() -> list[int]:
+    """The processes of the worker and of what it waits for."""
     for _ in range(600):
         if Path("stalled/worker").exists():
-            return int(Path("stalled/worker").read_text())
+            return [int(word) for word in Path("stalled/worker").read_text().split()]
         time.sleep(0.05)
     sys.exit("FAILED: no worker began a chunk within half a minute")
 
@@ -110,7 +111,9 @@ def main() -> None:
          "parts.toml", *files],
         env=environment(),
     )  # fmt: skip
-    os.kill(worker_that_stalls(), signal.SIGKILL)
+    # What the worker waits for outlives it, and whoever reads the output of this test would wait for that.
+    for process in worker_that_stalls():
+        os.kill(process, signal.SIGKILL)
     check(spread.wait(timeout=120) == 3, f"status {spread.returncode} of the run on the cluster")
     check(None not in [row[2] for row in contents("collected.db")[1]], "the dead worker's chunk was not repeated")
     for ending in ("csv", "json", "html"):
