@@ -15,7 +15,8 @@ endif()
 set(PTK_WARNING_FLAGS -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wcast-align
                       -Wdouble-promotion)
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
-  list(APPEND PTK_WARNING_FLAGS -Wno-unknown-pragmas)  # "GCC ivdep" above same-place loops
+  list(APPEND PTK_WARNING_FLAGS -Wno-unknown-pragmas   # "GCC ivdep" above same-place loops
+       -Wno-double-promotion)  # of double{value}, which asks for it: g++ tells of the others
 endif()
 if(PTK_WARNINGS_AS_ERRORS)
   list(APPEND PTK_WARNING_FLAGS -Werror)
