@@ -15,8 +15,9 @@ endif()
 set(PTK_WARNING_FLAGS -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wcast-align
                       -Wdouble-promotion)
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
-  list(APPEND PTK_WARNING_FLAGS -Wno-unknown-pragmas   # "GCC ivdep" above same-place loops
-       -Wno-double-promotion)  # of double{value}, which asks for it: g++ tells of the others
+  # "GCC ivdep" above same-place loops; double{value}, which asks for a double (g++ tells of those that nothing
+  # asks for); and & where both sides shall be computed.
+  list(APPEND PTK_WARNING_FLAGS -Wno-unknown-pragmas -Wno-double-promotion -Wno-bitwise-instead-of-logical)
 endif()
 if(PTK_WARNINGS_AS_ERRORS)
   list(APPEND PTK_WARNING_FLAGS -Werror)
