@@ -21,7 +21,7 @@ for argument in "$@"; do
   case $argument in
     --benchmarks) needed="$needed libopencv-core-dev libopencv-imgproc-dev libopencv-imgcodecs-dev libleptonica-dev libzxing-dev" ;;
     --scorecard) needed="$needed libzxing-dev libzbar-dev" ;;
-    --deep-check) needed="$needed clang-19 libclang-rt-19-dev valgrind gcovr" ;;
+    --deep-check) needed="$needed clang-14 clang-19 libclang-rt-19-dev valgrind gcovr" ;;
     --site) needed="$needed mkdocs python3-pygments" ;;
     --check-tools) needed="$needed abigail-tools clang-format clang-tidy cppcheck mypy" ;;
     --arm64) needed="$needed g++-aarch64-linux-gnu qemu-user googletest" ;;
