@@ -15,7 +15,9 @@ endif()
 set(PTK_WARNING_FLAGS -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wcast-align
                       -Wdouble-promotion)
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
-  list(APPEND PTK_WARNING_FLAGS -Wno-unknown-pragmas)  # "GCC ivdep" above same-place loops
+  # "GCC ivdep" above same-place loops; double{value}, which asks for a double (g++ tells of those that nothing
+  # asks for); and & where both sides shall be computed.
+  list(APPEND PTK_WARNING_FLAGS -Wno-unknown-pragmas -Wno-double-promotion -Wno-bitwise-instead-of-logical)
 endif()
 if(PTK_WARNINGS_AS_ERRORS)
   list(APPEND PTK_WARNING_FLAGS -Werror)
@@ -34,7 +36,11 @@ endif()
 # Callers have threads with stacks of 64 KB. Sanitizers make frames of their own size.
 set(PTK_FRAME_FLAGS)
 if(PTK_SANITIZE STREQUAL "" AND NOT PTK_FUZZ)
-  set(PTK_FRAME_FLAGS -Werror=frame-larger-than=16384)
+  if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    set(PTK_FRAME_FLAGS -Wframe-larger-than=16384 -Werror=frame-larger-than)
+  else()
+    set(PTK_FRAME_FLAGS -Werror=frame-larger-than=16384)
+  endif()
 endif()
 
 if(PTK_FUZZ)

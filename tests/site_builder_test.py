@@ -12,6 +12,7 @@ ROOT = Path(__file__).resolve().parent.parent
 sys.path[:0] = [str(ROOT / "tools" / "site"), str(ROOT / "tools"), str(ROOT / "python")]
 sys.dont_write_bytecode = True
 
+from build_site import with_sources  # noqa: E402
 from check_links import check  # noqa: E402
 from comparison import Comparison, agreement, read_row  # noqa: E402
 from functions import Reference, python_functions, runs  # noqa: E402
@@ -75,6 +76,18 @@ class Pages(InFolder):
         self.assertTrue((self.folder / "docs/made/tutorial/one/made.png").is_file())
         with self.assertRaisesRegex(PageError, "made other.png"):
             self.built("![a](other.png)\n")
+
+
+class PagesOfTheRepository(InFolder):
+    def test_files_that_they_name_are_copied(self) -> None:
+        text = with_sources("[one](../examples/shaft.json): and ([all](../examples/recipes))\n", self.folder)
+        self.assertEqual(text, "[one](sources/examples/shaft.json): and ([all](sources/examples/recipes/index.md))\n")
+        self.assertTrue((self.folder / "sources/examples/shaft.json").is_file())
+        self.assertTrue((self.folder / "sources/examples/recipes/tray.toml").is_file())
+
+    def test_how_their_blocks_are_tried_is_left_out(self) -> None:
+        page = with_sources("words\n\n<!-- run: cd x\ntrue -->\n```sh\ntrue\n```\n", self.folder)
+        self.assertEqual(page, "words\n\n```sh\ntrue\n```\n")
 
 
 class Links(InFolder):

@@ -152,12 +152,15 @@ digests() {
 }
 
 stage_digests() {
+  local version
   rm -f "$work/digest.txt"
   digests g++-O3 -DCMAKE_BUILD_TYPE=Release
   digests g++-O2 -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS_RELEASE=-O2 -DPTK_ROW_OPTIMISATION=-O2
   digests g++-O0 -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-O0
   digests g++-march=native -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS=-march=native
-  digests clang -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_COMPILER=clang++-19 -DCMAKE_C_COMPILER=clang-19
+  for version in 14 19; do
+    digests clang-$version -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_COMPILER=clang++-$version -DCMAKE_C_COMPILER=clang-$version
+  done
 }
 
 # covered FOLDER LINES BRANCHES: the sources of src/FOLDER, tests left out.

@@ -3,7 +3,7 @@
 # there. The library itself needs no more than the compiler; libfreetype and libfontconfig, of which the
 # build takes the headers, draw text, and its tests draw with one family of fonts; libcli11, libtiff,
 # libpng, libjpeg, libsqlite3 and libtomlplusplus are for the command-line front, imagemagick and its like make the pictures that its
-# tests read, and windows on the screen are built with libxcb1-dev and tested with the last packages.
+# tests read, sqlite3 looks into its records, and windows on the screen are built with libxcb1-dev and tested with the last packages.
 # With --benchmarks also what the benchmarks compare with, with --check-tools also what checks the
 # sources, with --scorecard what the scorecard of readers compares with, with --deep-check also the
 # fuzzers and what tools/check_deep.sh runs, with --site also what builds the site, with --packages what makes
@@ -15,13 +15,13 @@ needed="make g++ cmake ninja-build pkgconf libgtest-dev"
 needed="$needed libfreetype-dev libfontconfig-dev fonts-dejavu-core"
 needed="$needed libcli11-dev libtiff-dev libpng-dev libjpeg-dev"
 needed="$needed libsqlite3-dev libtomlplusplus-dev"
-needed="$needed imagemagick netpbm libtiff-tools python3-pil"
+needed="$needed imagemagick netpbm libtiff-tools python3-pil sqlite3"
 needed="$needed libxcb1-dev libxcb-xtest0-dev xvfb xclip xdotool openbox"
 for argument in "$@"; do
   case $argument in
     --benchmarks) needed="$needed libopencv-core-dev libopencv-imgproc-dev libopencv-imgcodecs-dev libleptonica-dev libzxing-dev" ;;
     --scorecard) needed="$needed libzxing-dev libzbar-dev" ;;
-    --deep-check) needed="$needed clang-19 libclang-rt-19-dev valgrind gcovr" ;;
+    --deep-check) needed="$needed clang-14 clang-19 libclang-rt-19-dev valgrind gcovr" ;;
     --site) needed="$needed mkdocs python3-pygments" ;;
     --check-tools) needed="$needed abigail-tools clang-format clang-tidy cppcheck mypy" ;;
     --arm64) needed="$needed g++-aarch64-linux-gnu qemu-user googletest" ;;

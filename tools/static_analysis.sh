@@ -35,4 +35,5 @@ cppcheck --std=c++20 --language=c++ --enable=warning,performance,portability --i
 # The Python package, with the modules that are made from the headers, and what makes pages from these.
 python3 python/generate.py "$build/python"
 MYPYPATH=python:tools:tools/site mypy --cache-dir "$build/mypy" "$build/python/orlune_ptk" python/generate.py python/build_wheel.py \
-  python/orlune_run.py tools/recipe_speed.py tools/python_call_cost.py tools/manual_pages.py tools/site/*.py tests/site_builder_test.py
+  python/orlune_run.py tools/recipe_speed.py tools/python_call_cost.py tools/manual_pages.py tools/site/*.py tests/site_builder_test.py \
+  tests/journeys/page_blocks_test.py

@@ -85,7 +85,7 @@ def get_color_pixel(image: ImageLike, x: int, y: int) -> Color:
 @wraps("ZEL_SetColorPixel")
 def set_color_pixel(image: Image, x: int, y: int, color: Sequence[int]) -> None:
     """Writes a pixel."""
-    lowlevel.ZEL_SetColorPixel(image, x, y, int(from_rgb(color)))
+    lowlevel.ZEL_SetColorPixel(image, x, y, from_rgb(color).item())
 
 
 @wraps("ZEL_GetColorLine")

@@ -194,7 +194,8 @@ class Image:
     for colours: red, green and blue.
 
     pixels: an array, or what NumPy makes one of; bool becomes 0 and 1.
-    dtype:  what pixels are converted to; by default they must be of such a type already.
+    dtype:  what pixels are converted to; by default they must be of such a type already. With RGB the array must be
+            one of colours.
     border: pixels around the image, which functions on neighbourhoods use.
     """
 
@@ -205,9 +206,14 @@ class Image:
         self, pixels: ArrayLike, dtype: DTypeLike | None = None, border: int = DEFAULT_BORDER
     ) -> None:
         array = np.asarray(pixels)
-        if dtype is not None and dtype != RGB:
+        only_colour = isinstance(dtype, str) and dtype == RGB
+        if dtype is not None and not only_colour:
             array = array.astype(np.dtype(dtype), copy=False)
         colour = array.ndim == 3 and array.shape[2] == 3 and array.dtype == np.uint8
+        if only_colour and not colour:
+            raise TypeError(
+                f"colours are an array of (height, width, 3) of uint8, not of {array.shape} of {array.dtype}"
+            )
         if array.ndim != 2 and not colour:
             raise TypeError(
                 "an image is made of an array of two dimensions, or of (height, width, 3) of uint8, not of "

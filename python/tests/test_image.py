@@ -39,6 +39,13 @@ def test_colours_come_back_as_they_were(rng):
     assert ptk.get_color_pixel(image, 3, 2) == tuple(array[2, 3])
 
 
+@pytest.mark.parametrize("shape, dtype", [((5, 6), np.uint8), ((5, 6, 4), np.uint8), ((5, 6, 3), np.int16)])
+def test_no_colours_are_made_of_what_has_none(shape, dtype):
+    assert ptk.Image(np.zeros((5, 6, 3), np.uint8), dtype=ptk.RGB).type == ptk.constants.ImageType.RGB
+    with pytest.raises(TypeError, match="colours are"):
+        ptk.Image(np.zeros(shape, dtype), dtype=ptk.RGB)
+
+
 @pytest.mark.parametrize("layout", [np.s_[::-1, ::2], np.s_[:, ::-1], np.s_[3:, 5:]])
 def test_arrays_of_any_layout_are_taken(gray, layout):
     assert np.array_equal(ptk.Image(gray[layout]), gray[layout])

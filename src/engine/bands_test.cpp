@@ -29,20 +29,23 @@ using namespace std::chrono_literals;
 
 constexpr int64_t LARGE = 100000000;  // bytes that are worth any number of workers
 
-// The thread sanitizer has a thread of its own, from the first one of the program on, and loses
-// count when a forked child starts threads.
-#if defined(__SANITIZE_THREAD__)
-constexpr int32_t THREADS_WITHOUT_WORKERS = 2;
-constexpr bool CHILD_MAY_START_THREADS = false;
-#else
-constexpr int32_t THREADS_WITHOUT_WORKERS = 1;
-constexpr bool CHILD_MAY_START_THREADS = true;
-#endif
-
 int32_t Tasks() {
   const std::filesystem::directory_iterator tasks("/proc/self/task");
   return static_cast<int32_t>(std::distance(begin(tasks), end(tasks)));
 }
+
+// The thread sanitizer has a thread of its own, from the first one of the program on, and loses
+// count when a forked child starts threads. An emulator of another processor has one from the begin
+// on, ends such a child, and keeps the last signal for itself.
+#if defined(__SANITIZE_THREAD__)
+constexpr int32_t THREADS_WITHOUT_WORKERS = 2;
+constexpr bool IS_EMULATED = false;
+constexpr bool CHILD_MAY_START_THREADS = false;
+#else
+const int32_t THREADS_WITHOUT_WORKERS = Tasks();
+const bool IS_EMULATED = THREADS_WITHOUT_WORKERS > 1;
+const bool CHILD_MAY_START_THREADS = !IS_EMULATED;
+#endif
 
 // A joined thread may be listed a moment longer.
 bool WorkersBecome(int32_t count) {
@@ -297,7 +300,7 @@ TEST_F(Bands, WorkersComputeInTheCallersFloatingPointEnvironment) {
   const auto compute = [&](int32_t worker) { results[static_cast<size_t>(worker)] = quotients(); };
   const auto usual = quotients();
 
-  std::fesetround(FE_UPWARD);
+  std::fesetround(FE_DOWNWARD);  // the nearest float to a third is above it
 #if defined(__SSE__)
   const unsigned former = __builtin_ia32_stmxcsr();
   __builtin_ia32_ldmxcsr(former | 0x8000);  // flush to zero
@@ -317,7 +320,7 @@ TEST_F(Bands, WorkersComputeInTheCallersFloatingPointEnvironment) {
 }
 
 TEST_F(Bands, ACallerWithTrapsComputesAlone) {
-  feenableexcept(FE_DIVBYZERO);
+  if (feenableexcept(FE_DIVBYZERO) == -1) GTEST_SKIP() << "this processor has no traps";
   std::atomic<int32_t> strangers{0};
   BandsRun({.units = 1000, .bytes = LARGE}, [&](const Band& band) {
     if (band.worker != 0) strangers++;
@@ -335,6 +338,7 @@ TEST_F(Bands, WorkersBlockAllSignalsAndTheCallerKeepsItsMask) {
     pthread_sigmask(SIG_SETMASK, nullptr, &masks[static_cast<size_t>(worker)]);
   }));
   for (int32_t number : {SIGINT, SIGTERM, SIGALRM, SIGPROF, SIGUSR1, SIGCHLD, SIGRTMIN, SIGRTMAX}) {
+    if (number == SIGRTMAX && IS_EMULATED) continue;
     EXPECT_EQ(sigismember(&masks[0], number), sigismember(&before, number)) << number;
     EXPECT_EQ(sigismember(&masks[1], number), 1) << number;
     EXPECT_EQ(sigismember(&masks[2], number), 1) << number;

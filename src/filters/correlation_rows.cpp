@@ -13,7 +13,7 @@ namespace zel::ZEL_LEVEL {
 namespace {
 
 constexpr size_t TILE_ROWS = CORRELATION_TILE_ROWS;
-constexpr int64_t TILE_COLUMNS = CORRELATION_TILE_COLUMNS;
+[[maybe_unused]] constexpr int64_t TILE_COLUMNS = CORRELATION_TILE_COLUMNS;
 
 void Bias(const uint8_t* pixels, CorrelationPixel* to, int64_t count) {
   for (int64_t x = 0; x < count; x++) {

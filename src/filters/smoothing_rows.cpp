@@ -73,7 +73,7 @@ struct LongMean {
     const int32_t limit =
         (scale * toleranceHigh + ((scale * toleranceLow) >> TOLERANCE_HALF_BITS)) >> toleranceShift;
     const int32_t distance = 100 * (m > c ? m - c : c - m);
-    return static_cast<Pixel>((distance > limit) & (m >= 0) ? m : c);
+    return static_cast<Pixel>(((distance > limit) & (m >= 0)) ? m : c);
   }
 };
 

@@ -44,7 +44,7 @@ ZEL_INLINE void JoinParts(const FourierElements& from, ComplexValue* to) {
   for (int64_t s = 0; s < SIGNALS; s++) to[s] = {from.real[s], from.imaginary[s]};
 }
 
-ZEL_INLINE ComplexValue ComplexOf(ComplexValue pixel, float scale) {
+[[maybe_unused]] ZEL_INLINE ComplexValue ComplexOf(ComplexValue pixel, float scale) {
   return {pixel.real * scale, pixel.imaginary * scale};
 }
 template <class Number>

@@ -16,7 +16,6 @@ namespace zel {
 namespace {
 
 constexpr int32_t WINDOW = 2;  // pixels around one that a maximum is the largest of
-constexpr uint8_t IS_MAXIMUM = 255;
 
 // Marks the pixels that are not below any within two rows and columns, but for those nearer to the
 // image's edge.

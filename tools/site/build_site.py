@@ -57,9 +57,10 @@ def with_sources(text: str, docs: Path) -> str:
         listing.write_text(f"# {match[1]}\n\n{entries}\n")
         return f"](sources/{match[1]}/index.md)"
 
+    text = re.sub(r"^<!-- (?:(?!-->).)* -->\n", "", text, flags=re.MULTILINE | re.DOTALL)  # how its blocks are tried
     # On a narrow screen a spread stays with its value, and the figures of a group stay together.
     text = re.sub(r" \u00b1 |(?<=\d) (?=\d\b)", lambda match: match[0].replace(" ", "\u00a0"), text)
-    return re.sub(r"\]\(\.\./([^)#]+)(?=\))", link, text)
+    return re.sub(r"\]\(\.\./([^)#]+)\)", link, text)
 
 
 def compared(text: str, comparison: Comparison) -> str:
