@@ -22,6 +22,9 @@ constexpr int64_t BYTES_A_WORKER = 262144;
 // waiting; large enough that taking one (50 ns) costs little beside it.
 constexpr int64_t BYTES_A_BAND = 65536;
 constexpr int64_t BANDS_A_WORKER = 16;
+// Bands are so many times as long as their start, where that leaves one for each worker; as few
+// bands are, each worker gets as many.
+constexpr int64_t UNITS_A_START_UNIT = 8;
 
 std::atomic<int32_t> bandWorkers{0};  // 0: not yet asked for
 
@@ -62,8 +65,12 @@ int64_t CeilDivide(int64_t number, int64_t by) {
 
 int64_t BandUnits(const BandPlan& plan, int64_t workers) {
   const int64_t bytesABand = std::min(BYTES_A_BAND, bandBytesAWorker);
-  const int64_t bands = std::clamp(plan.bytes / bytesABand, workers, workers * BANDS_A_WORKER);
-  const int64_t units = std::max(CeilDivide(plan.units, bands), plan.leastUnits);
+  int64_t bands = std::clamp(plan.bytes / bytesABand, workers, workers * BANDS_A_WORKER);
+  if (plan.startUnits > 0) {
+    const int64_t rounds = plan.units / (UNITS_A_START_UNIT * plan.startUnits * workers);
+    bands = std::min(bands, workers * std::max<int64_t>(rounds, 1));
+  }
+  const int64_t units = std::max(CeilDivide(plan.units, bands), plan.startUnits);
   return CeilDivide(units, plan.alignment) * plan.alignment;
 }
 

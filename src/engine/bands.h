@@ -20,7 +20,7 @@ struct BandPlan {
   // counts them several times: 10,000 are some 0.3 us.
   int64_t bytes;
   int64_t alignment = 1;   // bands begin at multiples of it: 64 for columns
-  int64_t leastUnits = 1;  // in a band: a pass with a running state pays a start for each
+  int64_t startUnits = 0;  // a band of a pass with a running state starts with the work of so many
 };
 
 // The number of threads that compute, the caller among them: what ORLUNE_PTK_THREADS said at first

@@ -114,9 +114,9 @@ INSTANTIATE_TEST_SUITE_P(Workers, BandsOfWorkers, testing::Values(1, 2, 3, 8, 64
 TEST_P(BandsOfWorkers, CoverEachUnitOnce) {
   for (const int64_t units : {0, 1, 2, 3, 7, 63, 64, 65, 1000, 1001, 99991}) {
     for (const int64_t alignment : {1, 64}) {
-      for (const int64_t leastUnits : {1, 5, 900}) {
-        EXPECT_TRUE(CoversEachUnitOnce({units, LARGE, alignment, leastUnits}))
-            << units << " units, alignment " << alignment << ", at least " << leastUnits;
+      for (const int64_t startUnits : {0, 1, 5, 900}) {
+        EXPECT_TRUE(CoversEachUnitOnce({units, LARGE, alignment, startUnits}))
+            << units << " units, alignment " << alignment << ", start " << startUnits;
       }
     }
   }
@@ -125,7 +125,7 @@ TEST_P(BandsOfWorkers, CoverEachUnitOnce) {
 TEST_P(BandsOfWorkers, BeginAtTheAlignmentAndHaveTheLeastUnits) {
   std::atomic<int32_t> wrong{0};
   std::atomic<int32_t> bands{0};
-  BandsRun({.units = 10001, .bytes = LARGE, .alignment = 64, .leastUnits = 100},
+  BandsRun({.units = 10001, .bytes = LARGE, .alignment = 64, .startUnits = 100},
            [&](const Band& band) {
              bands++;
              if (band.begin % 64 != 0) wrong++;

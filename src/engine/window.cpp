@@ -68,7 +68,7 @@ BandPlan WindowBandPlan(const WindowViews& views, const WindowPlan& plan) {
   const int64_t imageBytes = views.result.RowBytes() * views.result.height;
   return {.units = views.result.height,
           .bytes = imageBytes * rowsOfAnAddition * plan.effort,
-          .leastUnits = plan.leastRows};
+          .startUnits = plan.startRows};
 }
 
 Status WindowMemory::Allocate(const WindowViews& views, const WindowPlan& plan,

@@ -91,7 +91,7 @@ int32_t WindowGroupedColumns(const WindowViews& views, int32_t groupColumns);
 struct WindowPlan {
   int64_t memoryBytes = 0;  // for each worker
   RowEffort effort = 1;
-  int32_t leastRows = 1;  // in a band, as each has to begin anew
+  int32_t startRows = 0;  // a band begins with the work of so many rows
 };
 
 class WindowBand {

@@ -305,7 +305,7 @@ TEST(Window, GivesEachBandMemoryOfItsOwnAndRowsOnce) {
         EXPECT_TRUE(std::all_of(band.memory, band.memory + bytes,
                                 [mark](uint8_t byte) { return byte == mark; }));
       };
-      ASSERT_EQ(WindowBandsRun(views, {.memoryBytes = bytes, .leastRows = 5}, negative), STATUS_OK);
+      ASSERT_EQ(WindowBandsRun(views, {.memoryBytes = bytes, .startRows = 5}, negative), STATUS_OK);
       for (int32_t y = 0; y < 40; y++) {
         for (int32_t x = 0; x < 37; x++) {
           const auto pixel = source.Get<int16_t>(x, y);

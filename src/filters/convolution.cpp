@@ -205,7 +205,7 @@ Status WalkOfFloats(const WindowViews& views, const ConvolutionRule& rule, RowEf
   const bool isWidened = rule.tapCount >= fewestToWiden || !routines.ofPixels.one;
   const WindowPlan plan{.memoryBytes = RealSource::MemoryBytes(views.source, rule, isWidened),
                         .effort = effort,
-                        .leastRows = rule.rows};
+                        .startRows = 1};
   return WindowBandsRun(views, plan, [&](const WindowBand& band) {
     RealSource source(band, rule, routines, isWidened);
     BandOfFloats(band, rule, isWidened ? routines.ofWidened : routines.ofPixels, &source);
@@ -222,7 +222,7 @@ Status Walk(const WindowViews& views, const ConvolutionMatrix& matrix, Convoluti
   const WindowPlan windowPlan{
       .memoryBytes = matrix.height * ConvolutionSumsBytes(views.source.width),
       .effort = matrix.height,
-      .leastRows = matrix.height};
+      .startRows = matrix.height};
   return WindowBandsRun(views, windowPlan,
                         [&](const WindowBand& band) { BandByFactors(band, *plan, routine); });
 }

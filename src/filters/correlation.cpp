@@ -235,7 +235,7 @@ Status PassRun(const CorrelationPass& pass, const PixelView& result) {
   const int64_t pixels = int64_t{pattern.width} * pattern.height;
   const WindowPlan plan{.memoryBytes = CorrelationMemory<Sums>(result.width, pattern.width).Bytes(),
                         .effort = std::min<int64_t>(10 + pixels / productsOfAnEffort, INT16_MAX),
-                        .leastRows = CORRELATION_TILE_ROWS};
+                        .startRows = 1};
   const WindowViews views{result, result, {}};
   return WindowBandsRun(views, plan,
                         [&](const WindowBand& band) { BandCorrelate<Sums>(pass, band); });

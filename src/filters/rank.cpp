@@ -27,7 +27,7 @@ const RankRoutine* RoutineOf(const RankWindow& window) {
 Status NetworkFilter(const WindowViews& views, const RankNetwork& network, RowEffort effort) {
   const WindowPlan plan{.memoryBytes = RankNetworkBytes(network, views.source),
                         .effort = effort,
-                        .leastRows = network.window.height};
+                        .startRows = network.window.height};
   return WindowBandsRun(views, plan,
                         [&](const WindowBand& band) { RankNetworkRun(network, band); });
 }
@@ -38,7 +38,7 @@ Status LargeFilter(const WindowViews& views, RankWindow window) {
   const WindowPlan plan{.memoryBytes = bytes ? RankHistogramBytes(views.source, window)
                                              : RankTilesBytes(views.source, window),
                         .effort = bytes ? HISTOGRAM_EFFORT : TILE_EFFORT,
-                        .leastRows = window.height};
+                        .startRows = window.height};
   return WindowBandsRun(views, plan, [&](const WindowBand& band) {
     if (bytes) {
       RankHistogramRun(window, band);

@@ -112,7 +112,7 @@ Status IntegersSmooth(const WindowViews& views, SmoothingRule rule) {
   constexpr int64_t arraysOfSums = 4;
   const WindowPlan plan{.memoryBytes = arraysOfSums * count * mean.sumBytes,
                         .effort = mean.sumBytes,
-                        .leastRows = rule.rows};
+                        .startRows = rule.rows};
   return WindowBandsRun(views, plan, [&](const WindowBand& band) { BandSmooth(band, mean, rule); });
 }
 

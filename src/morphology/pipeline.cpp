@@ -333,7 +333,7 @@ void BandRun(const WindowBand& band, int32_t border, const PassPlan& plan) {
 void CostAdd(const PassChain& chain, WindowPlan* cost) {
   for (int32_t i = 0; i < chain.count; i++) {
     cost->effort += chain.passes[i]->effort;
-    cost->leastRows += chain.passes[i]->reach.Rows();
+    cost->startRows += chain.passes[i]->reach.Rows();
   }
 }
 

@@ -283,11 +283,11 @@ void NearestRun(const ResampleViews& views, int64_t bytesTouched) {
 
 void JoinedRun(const ResampleViews& views, int32_t method, int64_t bytesTouched,
                JoiningMemory* memory) {
-  constexpr int64_t leastRows = 64;  // a band begins with the places of all columns
+  constexpr int64_t startRows = 8;  // a band begins with the places of all columns
   BandsRun(
       {.units = views.result.height,
        .bytes = JOINING_EFFORT * bytesTouched,
-       .leastUnits = leastRows},
+       .startUnits = startRows},
       [&](const Band& band) { JoinedBand(views, band, method, memory->OfWorker(band.worker)); });
 }
 

@@ -1,4 +1,4 @@
-/* The same work as the recipe of tools/recipe_speed.sh, as calls in a loop: what a recipe may cost
+/* The same work as the recipe of tools/recipe_speed.py, as calls in a loop: what a recipe may cost
  * beyond its functions is measured against this. Prints how many particles it kept, and the seconds
  * that it computed. usage: recipe_loop FILE... */
 #include <orlune_ptk.h>
