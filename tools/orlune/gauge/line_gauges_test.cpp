@@ -1,6 +1,7 @@
 // Line gauges: edges on rendered lines with known places, set-ups, and lines that follow a part.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <functional>
@@ -304,6 +305,41 @@ TEST(ValueSpreads, TellMeanAndDeviation) {
   EXPECT_EQ(spread.low(), 2);
   EXPECT_EQ(spread.high(), 9);
   EXPECT_NEAR(spread.Deviation(), std::sqrt(32.0 / 7), 1e-12);
+}
+
+// White pixels, which are those of texts, after lines with these names were drawn at these columns.
+int64_t TextPixels(const std::vector<std::pair<std::string, double>>& lines) {
+  GaugeSetup setup;
+  Gauging gauging{.path = {},
+                  .account = {},
+                  .picture = Image(IMAGE_U8),
+                  .scale = {},
+                  .unit = {},
+                  .part = {},
+                  .results = {}};
+  for (const auto& [name, x] : lines) {
+    LineGauge& gauge = setup.gauges.emplace_back();
+    gauge.name = name;
+    gauging.results.emplace_back().line = {{x, 20}, {x, 60}};
+  }
+  const Image picture(IMAGE_RGB, 0, 200, 200);
+  Check(ZEL_ClearPixels(picture));
+  const Canvas canvas(picture);
+  DrawGauged(gauging, setup, canvas);
+  int64_t white = 0;
+  for (int32_t y = 0; y < canvas.height(); y++) {
+    white += std::count(canvas.RowAt(y), canvas.RowAt(y) + canvas.width(), RGBValue{0xFFFFFF});
+  }
+  return white;
+}
+
+TEST(DrawnGauges, HaveTheirTextsBesideEachOther) {
+  const int64_t first = TextPixels({{"BODY", 80}}), second = TextPixels({{"SEAT", 90}});
+  const int64_t third = TextPixels({{"GROOVE", 100}});
+  EXPECT_GT(first, 0);
+  EXPECT_EQ(TextPixels({{"BODY", 80}, {"SEAT", 90}, {"GROOVE", 100}}), first + second + third);
+  // On one and the same place too.
+  EXPECT_EQ(TextPixels({{"BODY", 80}, {"BODY", 80}}), 2 * first);
 }
 
 // ------------------------------------------------------------------------------------- pictures

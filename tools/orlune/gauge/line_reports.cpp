@@ -77,18 +77,46 @@ void DrawResult(const Canvas& canvas, const GaugeResult& result, const LineGauge
   }
 }
 
-// Beyond the line's end.
-void DrawText(const Canvas& canvas, const GaugeResult& result, const LineGauge& gauge) {
+struct TextBox {
+  double left, top, right, bottom;
+
+  bool Meets(const TextBox& other, double gap) const {
+    return left < other.right + gap && other.left < right + gap && top < other.bottom + gap &&
+           other.top < bottom + gap;
+  }
+};
+
+// Where a text lies that is so far beyond the line's end.
+TextBox BoxBeyond(const Line& line, double distance, double width, double height) {
+  const double length = line.Length();
+  const Place at = line.At(length + distance);
+  const bool rightwards = line.to.x - line.from.x > length / 2;
+  const bool leftwards = line.from.x - line.to.x > length / 2;
+  const double left = rightwards ? at.x : leftwards ? at.x - width : at.x - width / 2;
+  const double top = at.y - height / 2;
+  return {left, top, left + width, top + height};
+}
+
+// Beyond the line's end, farther out where another text lies.
+void DrawText(const Canvas& canvas, const GaugeResult& result, const LineGauge& gauge,
+              std::vector<TextBox>* drawn) {
+  constexpr int32_t FARTHEST_LINE = 8;
   const std::string text = gauge.name + " " + ValueText(gauge, result.value);
   const int32_t size = canvas.TextSize();
-  const int32_t width = TextWidth(text, size), height = TextHeight(size);
-  const double length = result.line.Length();
-  const Place at = result.line.At(length + height);
-  const bool rightwards = result.line.to.x - result.line.from.x > length / 2;
-  const bool leftwards = result.line.from.x - result.line.to.x > length / 2;
-  const double left = rightwards ? at.x : leftwards ? at.x - width : at.x - width / 2.0;
-  if (!(std::abs(left) < FARTHEST * 2 && std::abs(at.y) < FARTHEST * 2)) return;
-  canvas.Text(static_cast<int32_t>(left), static_cast<int32_t>(at.y - height / 2.0), text);
+  const double width = TextWidth(text, size), height = TextHeight(size);
+  const auto isFree = [&](const TextBox& box) {
+    return std::none_of(drawn->begin(), drawn->end(),
+                        [&](const TextBox& other) { return box.Meets(other, 3.0 * size); });
+  };
+  TextBox box = BoxBeyond(result.line, height, width, height);
+  const TextBox nearest = box;
+  for (int32_t line = 2; line <= FARTHEST_LINE && !isFree(box); line++) {
+    box = BoxBeyond(result.line, line * height, width, height);
+  }
+  if (!isFree(box)) box = nearest;
+  if (!(std::abs(box.left) < FARTHEST * 2 && std::abs(box.top) < FARTHEST * 2)) return;
+  canvas.Text(static_cast<int32_t>(box.left), static_cast<int32_t>(box.top), text);
+  drawn->push_back(box);
 }
 
 void DrawPart(const Canvas& canvas, const Pose& part) {
@@ -211,8 +239,9 @@ void DrawGauged(const Gauging& gauging, const GaugeSetup& setup, const Canvas& c
     DrawResult(canvas, gauging.results[i], setup.gauges[i]);
   }
   if (gauging.part) DrawPart(canvas, *gauging.part);
+  std::vector<TextBox> drawn;
   for (size_t i = 0; i < setup.gauges.size(); i++) {
-    DrawText(canvas, gauging.results[i], setup.gauges[i]);
+    DrawText(canvas, gauging.results[i], setup.gauges[i], &drawn);
   }
 }
 
