@@ -26,6 +26,11 @@ using Connect = void*(const char* display, int* screen);
 using HasError = int(void* connection);
 using GetDescriptor = int(void* connection);
 using Disconnect = void(void* connection);
+struct Request {
+  unsigned int number;
+};
+using AskFocus = Request(void* connection);
+using AwaitFocus = void*(void* connection, Request request, void** error);
 
 // The address at the other end; empty where there is none.
 std::string PeerOf(int descriptor) {
@@ -53,6 +58,15 @@ DisplayWatch::DisplayWatch() : library_(dlopen("libxcb.so.1", RTLD_NOW | RTLD_LO
 DisplayWatch::~DisplayWatch() {
   if (connection_ != nullptr) Find<Disconnect>(library_, "xcb_disconnect")(connection_);
   if (library_ != nullptr) dlclose(library_);
+}
+
+bool DisplayWatch::Answers() const {
+  const auto ask = Find<AskFocus>(library_, "xcb_get_input_focus");
+  const auto await = Find<AwaitFocus>(library_, "xcb_get_input_focus_reply");
+  if (connection_ == nullptr || ask == nullptr || await == nullptr) return false;
+  void* reply = await(connection_, ask(connection_), nullptr);
+  std::free(reply);
+  return reply != nullptr;
 }
 
 int DisplayWatch::Descriptor() const {

@@ -16,6 +16,8 @@ class DisplayWatch {
 
   // That the environment names, and that answers.
   bool IsThere() const { return connection_ != nullptr; }
+  // Whether it still answers.
+  bool Answers() const;
   // Sleeps until the display has something for the program's windows, a signal asks the program to
   // end, or the time is over; below 0 there is no end to it. False at once when the display goes.
   bool Wait(int milliseconds);

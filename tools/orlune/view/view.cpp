@@ -17,20 +17,26 @@ constexpr int UNTIL_SOMETHING_HAPPENS = -1;
 
 constexpr char DISPLAY_GONE[] = "the display is gone";
 
+int TellGone() {
+  std::cerr << "orlune: " << DISPLAY_GONE << '\n';
+  return SOME_FAILED;
+}
+
 int View(const ViewSettings& settings, DisplayWatch* display) {
   Viewer viewer(settings, std::cout, std::cerr);
   if (!viewer.Open()) return SOME_FAILED;
   int sleeps = 0;
   while (Interrupted() == 0) {
     const Viewer::Turn turn = viewer.Look();
-    if (turn == Viewer::Turn::DONE) break;
+    if (turn == Viewer::Turn::DONE) {
+      // The windows also end with the display, and the viewer may be the first to see it.
+      if (!display->Answers()) return TellGone();
+      break;
+    }
     const bool isBusy = turn == Viewer::Turn::BUSY;
     const int sleep = isBusy ? 0 : sleeps < SHORT_SLEEPS ? SHORT_SLEEP : UNTIL_SOMETHING_HAPPENS;
     sleeps = isBusy ? 0 : sleeps + 1;
-    if (!display->Wait(sleep)) {
-      std::cerr << "orlune: " << DISPLAY_GONE << '\n';
-      return SOME_FAILED;
-    }
+    if (!display->Wait(sleep)) return TellGone();
   }
   return viewer.HasFailed() ? SOME_FAILED : ALL_WELL;
 }
