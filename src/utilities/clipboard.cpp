@@ -44,7 +44,9 @@ void RowPut(const uint8_t* from, int32_t type, int32_t width, uint8_t* to) {
     std::memcpy(to, from, static_cast<size_t>(width));
     return;
   }
-  for (int32_t x = 0; x < width; x++, from += 4, to += 3) std::copy_n(from, 3, to);
+  // The fourth byte is overwritten by the next pixel.
+  for (int32_t x = 1; x < width; x++, from += 4, to += 3) std::memcpy(to, from, 4);
+  std::memcpy(to, from, 3);
 }
 
 Status ImageToClipboard(ImageRef reference, const RGBValue* palette) {
