@@ -184,11 +184,10 @@ bool ClearPixelsTake(const PixelView& view, BitPlane* plane) {
   if (!SetPixelsTake(view, plane)) return false;
   if (view.IsEmpty()) return true;
   const int32_t last = (view.width - 1) / 64;
-  const uint64_t used = ~uint64_t{0} >> (-view.width & 63);
   for (int32_t y = 0; y < view.height; y++) {
     uint64_t* row = plane->Row(y);
     for (int32_t i = 0; i <= last; i++) row[i] = ~row[i];
-    row[last] &= used;
+    plane->RowCut(y);
   }
   return true;
 }

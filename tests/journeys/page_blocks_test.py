@@ -12,6 +12,7 @@ usage: page_blocks_test.py BUILD SCENES WORK_FOLDER
 """
 
 import re
+import shutil
 import subprocess
 import sys
 import unittest
@@ -143,6 +144,9 @@ class Pages(unittest.TestCase):
 def main() -> None:
     if len(sys.argv) != 4:
         sys.exit("usage: page_blocks_test.py BUILD SCENES WORK_FOLDER")
+    if shutil.which("sqlite3") is None:
+        print("skipped: there is no program sqlite3")
+        sys.exit(77)
     build, scenes, work = (Path(argument).resolve() for argument in sys.argv[1:])
     subprocess.run(["rm", "-rf", str(work)], check=True)
     work.mkdir(parents=True)

@@ -13,28 +13,17 @@
 #include "pictures/source.h"
 #include "pictures/whole_file.h"
 #include "pictures/writers.h"
+#include "tests/support/complaints.h"
 
 namespace {
 
 using namespace pictures;  // NOLINT: these are its tests
+using test::Complaint;
+using test::Has;
 
 namespace fs = std::filesystem;
 
 using Pixels = std::vector<uint8_t>;
-
-template <class Function>
-std::string Complaint(Function function) {
-  try {
-    function();
-  } catch (const std::exception& failure) {
-    return failure.what();
-  }
-  return "no complaint";
-}
-
-bool Has(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
-}
 
 // ----------------------------------------------------------------------------------------- BMP
 

@@ -10,15 +10,17 @@
 
 #include "orlune/gauge/line_reports.h"
 #include "orlune/gauge/line_setup.h"
-#include "orlune/shared/complaints.h"
 #include "orlune/shared/json_values.h"
 #include "orlune/shared/output.h"
 #include "scenes/random.h"
 #include "scenes/shafts.h"
+#include "tests/support/complaints.h"
 
 namespace {
 
 using namespace front;  // NOLINT: these are its tests
+using test::Complaint;
+using test::Has;
 
 Image Painted(int32_t width, int32_t height, const std::function<double(Place)>& light,
               int32_t type = IMAGE_U8) {

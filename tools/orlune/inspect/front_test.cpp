@@ -8,16 +8,18 @@
 
 #include "core/errors.h"
 #include "orlune/shared/annotation.h"
-#include "orlune/shared/complaints.h"
 #include "orlune/shared/numbers.h"
 #include "orlune/shared/output.h"
 #include "orlune/shared/progress.h"
 #include "orlune/shared/reports.h"
 #include "pictures/writers.h"
+#include "tests/support/complaints.h"
 
 namespace {
 
 using namespace front;  // NOLINT: these are its tests
+using test::Complaint;
+using test::Has;
 
 namespace fs = std::filesystem;
 

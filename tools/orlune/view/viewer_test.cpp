@@ -10,17 +10,18 @@
 #include <limits>
 #include <sstream>
 
-#include "orlune/shared/complaints.h"
 #include "orlune/shared/output.h"
 #include "orlune/view/text_panel.h"
 #include "platform/built_in_face.h"
 #include "platform/canvases.h"
 #include "platform/memory_desktop.h"
+#include "tests/support/complaints.h"
 #include "tests/support/no_fonts.h"
 
 namespace {
 
 using namespace front;  // NOLINT: these are its tests
+using test::Has;
 
 namespace fs = std::filesystem;
 using zel::DesktopEventKind;

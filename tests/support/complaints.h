@@ -1,10 +1,10 @@
-// What the front's tests ask of failures: the words of an exception, and texts within texts.
+// What tests ask of failures: the words of an exception, and texts within texts.
 #pragma once
 
 #include <exception>
 #include <string>
 
-namespace front {
+namespace test {
 
 template <class Function>
 std::string Complaint(Function function) {
@@ -20,4 +20,4 @@ inline bool Has(const std::string& text, const std::string& part) {
   return text.find(part) != std::string::npos;
 }
 
-}  // namespace front
+}  // namespace test
