@@ -10,7 +10,7 @@ using bench::Images;
 using bench::Mats;
 
 constexpr char NOTES[] = R"(
-Colours become grey by weights in OpenCV; the mean of three is its `transform`, beside which
+Colours become gray by weights in OpenCV; the mean of three is its `transform`, beside which
 `rgb_to_u8_mean` and the other casts of colour stand. Magnitudes of complex pixels are split off and
 taken in single precision there.
 )";

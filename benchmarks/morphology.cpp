@@ -1,4 +1,4 @@
-// Binary and grey morphology.
+// Binary and gray morphology.
 #include <leptonica/allheaders.h>
 
 #include <memory>
@@ -15,7 +15,7 @@ using bench::Mats;
 using bench::Scene;
 
 constexpr char NOTES[] = R"(
-Binary operations are measured on blobs of 0 and 255, grey ones on random pixels. OpenCV continues the
+Binary operations are measured on blobs of 0 and 255, gray ones on random pixels. OpenCV continues the
 image by what changes nothing, ours by copies of its outermost pixels; its `open`, `close` and `gradient`
 are `morphologyEx`, and its auto-median is made of `erode`, `dilate` and bitwise operations. Disks have
 the same members on both sides. The peer of `hit_miss` is Leptonica's `pixHMT` of a picture that is

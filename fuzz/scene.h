@@ -14,7 +14,7 @@ struct Scene {
 
   explicit Scene(bool hasBudget) { test::SetBudget(hasBudget); }
 
-  // An image of a grey type; false where there is no memory for it.
+  // An image of a gray type; false where there is no memory for it.
   bool MakeImage(int32_t choice, int32_t width, int32_t height) {
     return ZEL_Create(&image, static_cast<int16_t>(choice % 3), 0) == 0 &&
            ZEL_SetImageSize(image, width, height) == 0 && ZEL_GetImageInfo(image, &info) == 0;

@@ -12,12 +12,12 @@
  *   drawing.h     lines, rectangles and ovals drawn into images
  *   operators.h   two images, or an image and a constant, pixel by pixel
  *   casts.h       from one pixel type to another
- *   thresholds.h  ranges of grey levels, given or found
- *   lookups.h     grey levels through tables and laws
+ *   thresholds.h  ranges of gray levels, given or found
+ *   lookups.h     gray levels through tables and laws
  *   convolution.h a pixel's neighbours, weighted by a matrix; templates found
  *   filters.h     a pixel and its neighbours: edges, smoothing, ranks
  *   geometry.h    images turned, shifted, mirrored, transposed, seen in relief
- *   morphology.h  shapes and grey levels changed by structuring elements
+ *   morphology.h  shapes and gray levels changed by structuring elements
  *   colours.h     colour images: planes, pixels, conversion, histogram, threshold, lookup
  *   frequency.h   the Fourier transform; spectra combined, filtered, taken apart
  *   statistics.h  histograms, regions, centroids, profiles

@@ -98,7 +98,7 @@ def read_bmp(path):
 
 
 def write_png(path, rows):
-    """Rows of red, green, blue; as one byte a pixel where all are grey."""
+    """Rows of red, green, blue; as one byte a pixel where all are gray."""
     def chunk(name, content):
         return (
             struct.pack(">I", len(content))

@@ -21,7 +21,7 @@ extern "C" {
 /* Puts a copy of an image into the clipboard: IMAGE_U8 as a bitmap of 8 bits with 256 colours,
  * IMAGE_RGB as one of 24 bits. An image without pixels leaves what lies there.
  * image:   IMAGE_U8 or IMAGE_RGB.
- * palette: 256 colours of an IMAGE_U8 image, whose fourth bytes are not looked at; NULL: grey levels.
+ * palette: 256 colours of an IMAGE_U8 image, whose fourth bytes are not looked at; NULL: gray levels.
  * Failures: -200; -301 for another type; -101 no memory. The clipboard is as it was then. Reported as
  * of "ZEL_ClipboardToImage". */
 int32_t ZEL_ImageToClipboard(ImageRef image, const RGBValue* palette);
@@ -31,7 +31,7 @@ int32_t ZEL_ImageToClipboard(ImageRef image, const RGBValue* palette);
  * IMAGE_U8 image as the mean of their three bytes, cut. Fourth bytes are 0.
  * image:     IMAGE_U8 or IMAGE_RGB; takes the size of the picture, 0 x 0 for one without pixels. The
  *            border is left as it is.
- * palette:   receives 256 colours: those of the picture, and grey levels where it has none; or NULL.
+ * palette:   receives 256 colours: those of the picture, and gray levels where it has none; or NULL.
  * available: receives 1 if there is a picture, 0 if not, and then the image is left alone. It is
  *            written also when the call fails.
  * Failures: -3009 for available; -200; -301 for another type; -101 no memory; -1 the picture has

@@ -5,7 +5,7 @@
  * What holds for all of them:
  *
  * - Components are bytes. Hue is a circle of 256 steps with red at 0, green at 85 and blue at 170;
- *   a grey has hue 0 and saturation 0. The saturation is the same number in HSL and HSV. Results
+ *   a gray has hue 0 and saturation 0. The saturation is the same number in HSL and HSV. Results
  *   are exact integers; the way from a colour to HSL or HSV and back may change a byte by some
  *   steps.
  * - Inside a function that changes some components, the others keep 16 bits on their way, where it

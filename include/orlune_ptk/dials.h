@@ -85,7 +85,7 @@ int32_t ZEL_ReadMeter(ImageRef image, float baseX, float baseY, const PointFloat
  *                failures are not shown.
  * lightSegments: 0 for dark segments on a light ground; any other number for light ones on a dark
  *                ground.
- * threshold:     grey levels; a line with a smaller standard deviation has no strokes.
+ * threshold:     gray levels; a line with a smaller standard deviation has no strokes.
  * outputRoi:     address of a pointer to a record or NULL, as told with RoiDescriptor; receives one
  *                external ROI_RECT a digit. NULL shows the message "output_ROI not provided".
  * Failures: -201 for an image of 0; -1200 for a
@@ -115,7 +115,7 @@ typedef struct DigitSegments {
  *                when failures are not shown.
  * lightSegments: 0 for dark segments on a light ground; any other number for light ones on a dark
  *                ground.
- * threshold:     grey levels.
+ * threshold:     gray levels.
  * decimalPoint:  0, or looks for a point behind the digit: contrast on one of five short lines across
  *                the height of its foot, from 2 pixels beyond its right edge on, a twentieth of its
  *                width apart.
@@ -138,7 +138,7 @@ int32_t ZEL_ReadSingleDigit(ImageRef image, const RoiDescriptor* roi, int32_t li
  *                "ROI not provided", also when failures are not shown.
  * lightSegments: 0 for dark segments on a light ground; any other number for light ones on a dark
  *                ground.
- * threshold:     grey levels.
+ * threshold:     gray levels.
  * sign:          0, or looks for a minus left of the first digit: contrast on one of twenty lines
  *                over the middle third of its height, from its left edge on a twentieth of its width
  *                apart (where that is less than a pixel, the first lie on the edge, which then has to

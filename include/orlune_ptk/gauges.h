@@ -2,7 +2,7 @@
  * hold for all functions are told in orlune_ptk.h.
  *
  * A path is an array of points, one a pixel; where it leaves the image, the nearest pixel is read.
- * The signal of a path are the grey levels of its pixels as floats. Only IMAGE_U8, IMAGE_I16 and
+ * The signal of a path are the gray levels of its pixels as floats. Only IMAGE_U8, IMAGE_I16 and
  * IMAGE_SGL have one: with an image of another type ZEL_SimpleEdge fails, and for the other functions
  * the signal is 0 everywhere.
  *
@@ -52,7 +52,7 @@ typedef enum SimpleEdgeProcess {
  * pointCount:         below 1 there are no crossings.
  * processType:        a SimpleEdgeProcess. EDGE_FIRST_AND_LAST reports one crossing twice, from
  *                     either side, if it is the only one.
- * thresholdInPercent: 0: threshold and hysteresis are grey levels. Any other number: they are
+ * thresholdInPercent: 0: threshold and hysteresis are gray levels. Any other number: they are
  *                     percents, limited to 0..100, of the range from the lowest to the highest
  *                     sample, the threshold counted from the lowest; both are cut to whole levels.
  * threshold:          the level.
@@ -71,7 +71,7 @@ int32_t ZEL_SimpleEdge(ImageRef image, const PointInt* points, int32_t pointCoun
 /* An edge along a path. */
 typedef struct EdgeRecord {
   float position; /* along the path: 0 is its first point, 1 the second one */
-  float contrast; /* grey levels: what the windows differ by, divided by their width; cut to a whole
+  float contrast; /* gray levels: what the windows differ by, divided by their width; cut to a whole
                        sum of a rising edge, and of a falling one taken at the value before it */
   int32_t polarity; /* 1 rising, -1 falling */
   float reserved;   /* 0 */
@@ -83,7 +83,7 @@ typedef struct EdgeRecord {
  * pointCount:   at least 5.
  * method:       an InterpolationMethod. Not looked at without oversampling.
  * oversampling: values between two samples; 0 or below for none.
- * threshold:    grey levels by which the means of the windows have to differ. With 0 or below every
+ * threshold:    gray levels by which the means of the windows have to differ. With 0 or below every
  *               value belongs to an edge.
  * edgeWidth:    samples of each window; below 1 it is 2.
  * gap:          samples between the windows; below 0 it is 0.

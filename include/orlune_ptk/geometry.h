@@ -96,7 +96,7 @@ typedef struct View3DOptions {
 
 /* Draws an image in relief: each sample stands as a bar on an oblique grid, and nearer bars cover
  * those behind them. A bar is as long as the sample is light, up to maxHeight pixels for 255, and its
- * grey rises from 0 at the foot to the sample's. Of a complex image, bars show a part divided by a
+ * gray rises from 0 at the foot to the sample's. Of a complex image, bars show a part divided by a
  * number that grows with the image; negative ones hang down, and all but those of magnitudes have room
  * for maxHeight more rows. Its quadrants are seen exchanged so that
  * low frequencies stand in the middle. The drawing is an image of its own size, calibrated as source

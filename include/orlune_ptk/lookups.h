@@ -1,4 +1,4 @@
-/* Grey levels through tables and laws. The rules that hold for all functions are told in
+/* Gray levels through tables and laws. The rules that hold for all functions are told in
  * orlune_ptk.h.
  *
  * What holds for all of them:

@@ -1,4 +1,4 @@
-/* Morphology: shapes and grey levels changed by structuring elements. The rules that hold for all
+/* Morphology: shapes and gray levels changed by structuring elements. The rules that hold for all
  * functions are told in orlune_ptk.h.
  *
  * Neighbours beyond the image are copies of its outermost pixels: a set pixel at the edge is not
@@ -72,7 +72,7 @@ typedef enum MorphologyOperation {
 int32_t ZEL_Morphology(ImageRef source, ImageRef dest, int32_t operation,
                        const StructuringElement* element);
 
-/* Changes grey levels: dilated is the largest pixel among the members of the element, eroded the
+/* Changes gray levels: dilated is the largest pixel among the members of the element, eroded the
  * smallest. The pixel itself takes part if the element's middle is a member. The element lies as in
  * ZEL_Morphology, but of an even width the last column is not looked at, and the middle is the left one
  * of the two columns there. And and or are the smaller and the larger pixel. MORPHOLOGY_GRADIENT,

@@ -1,4 +1,4 @@
-/* Thresholds: ranges of grey levels, given by the caller or found from the image. The rules that
+/* Thresholds: ranges of gray levels, given by the caller or found from the image. The rules that
  * hold for all functions are told in orlune_ptk.h. */
 #ifndef ORLUNE_PTK_THRESHOLDS_H
 #define ORLUNE_PTK_THRESHOLDS_H

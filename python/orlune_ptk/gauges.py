@@ -37,7 +37,7 @@ def simple_edges(
     which: Choice = "all",
     sub_pixel: bool = True,
 ) -> NDArray[np.float32]:
-    """Where the grey levels of a path cross a threshold: rows of x and y."""
+    """Where the gray levels of a path cross a threshold: rows of x and y."""
     points, found, count = integer_points(path), Table(POINT_FLOAT), c_int32()
     lowlevel.ZEL_SimpleEdge(
         as_image(image),
@@ -164,7 +164,7 @@ def line_gauge(
 def interpolate_path(
     image: ImageLike, path: ArrayLike, oversampling: int = 0, method: Choice = "linear"
 ) -> NDArray[np.float32]:
-    """The grey levels of a path, with values between its pixels."""
+    """The gray levels of a path, with values between its pixels."""
     points, values, count = integer_points(path), Table(np.float32), c_int32()
     lowlevel.ZEL_Interpolate1D(
         as_image(image),

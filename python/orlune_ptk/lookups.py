@@ -1,4 +1,4 @@
-"""Grey levels through tables and laws."""
+"""Gray levels through tables and laws."""
 
 from __future__ import annotations
 

@@ -1,4 +1,4 @@
-"""Shapes and grey levels changed by structuring elements.
+"""Shapes and gray levels changed by structuring elements.
 
 An element is a number for a square of so many pixels a side, or an array whose elements other than 0 are members.
 A source whose border is narrower than an element needs is copied into one with a wider border first."""
@@ -42,7 +42,7 @@ def gray_morphology(
     hexagonal: bool = False,
     out: Image | None = None,
 ) -> Image:
-    """Changes grey levels: "erode", "dilate", "open", "close", ..."""
+    """Changes gray levels: "erode", "dilate", "open", "close", ..."""
     image, shape = as_image(source), Element(element, hexagonal)
     destination = target(out, image)
     bordered = image.with_border(shape.border)

@@ -1,4 +1,4 @@
-"""Ranges of grey levels, given or found."""
+"""Ranges of gray levels, given or found."""
 
 from __future__ import annotations
 

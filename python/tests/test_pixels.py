@@ -123,7 +123,9 @@ def test_text():
     try:
         drawn = np.asarray(ptk.draw_text(ground, "Ab\nc", 5, 5, 20))
     except ptk.PtkError as error:
-        pytest.skip(str(error))  # neither fonts nor what draws them are on the machine
+        if error.number not in (-7, -2):  # neither what draws fonts nor fonts are on the machine
+            raise
+        pytest.skip(str(error))
     assert set(np.unique(drawn)) == {0, 255}
     rows, columns = np.nonzero(drawn)
     assert rows.min() >= 5 and columns.min() >= 4

@@ -194,7 +194,7 @@ TEST(Barcodes, MutilatedCodesGiveWhatTheRuleGives) {
   EXPECT_EQ(answers.size(), 4u);  // 0, -3003, -3004, -3030
 }
 
-// Wild pictures: noise, few grey levels, codes in part, odd floats, and regions anywhere.
+// Wild pictures: noise, few gray levels, codes in part, odd floats, and regions anywhere.
 TEST(Barcodes, AnyPictureGivesWhatTheRuleGives) {
   test::Random random(11);
   const auto& codes = PrintedCodes();
@@ -250,10 +250,10 @@ TEST(Barcodes, ColumnsOfNaNAndInfinityAreLight) {
 }
 
 TEST(Barcodes, AnEvenPictureHasNoBars) {
-  // Around this grey the fit meets the profile, or lies above it by a rounding: any text of no
+  // Around this gray the fit meets the profile, or lies above it by a rounding: any text of no
   // check may come, but the same as by the rule.
-  for (const double grey : {0.0, 128.0, 77.0}) {
-    const TestImage image = Printed("", {.margin = 30, .light = grey});
+  for (const double gray : {0.0, 128.0, 77.0}) {
+    const TestImage image = Printed("", {.margin = 30, .light = gray});
     const auto runs = reference::RunsOf(*reference::Profile(image, WholeOf(image)));
     for (const Reader& reader : Readers()) {
       for (const bool validate : {false, true}) {

@@ -158,9 +158,9 @@ inline TestImage Printed(const std::string& widths, const Print& print = {}) {
   for (int32_t y = 0; y < print.height; y++) {
     for (int32_t x = 0; x < width; x++) {
       const double share = dark[static_cast<size_t>(x)];
-      const double grey = print.light + print.slope * x;
+      const double gray = print.light + print.slope * x;
       const double noise = print.noise > 0 ? random.Between(-print.noise, print.noise) : 0;
-      SetPixel(image, x, y, grey + share * (print.dark - print.light) + noise);
+      SetPixel(image, x, y, gray + share * (print.dark - print.light) + noise);
     }
   }
   return image;

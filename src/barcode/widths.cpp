@@ -1,4 +1,4 @@
-// From the grey values of a region to the widths of bars and spaces, and to symbols.
+// From the gray values of a region to the widths of bars and spaces, and to symbols.
 #include "barcode/widths.h"
 
 #include <cmath>

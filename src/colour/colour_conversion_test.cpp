@@ -41,11 +41,11 @@ TEST(ColorConversion, KnownColours) {
   EXPECT_EQ(Converted(MODE_HSV, {0, 255, 128}, MODE_HSL), (Color{0, 255, 64}));
 }
 
-TEST(ColorConversion, AGreyHasNeitherHueNorSaturationAndComesBack) {
+TEST(ColorConversion, AGrayHasNeitherHueNorSaturationAndComesBack) {
   for (int64_t level = 0; level < 256; level++) {
-    const Color grey{level, level, level};
+    const Color gray{level, level, level};
     for (const int32_t mode : {MODE_HSL, MODE_HSV}) {
-      ASSERT_EQ(Converted(MODE_RGB, grey, mode), (Color{0, 0, level}));
+      ASSERT_EQ(Converted(MODE_RGB, gray, mode), (Color{0, 0, level}));
     }
   }
   EXPECT_EQ(Converted(MODE_HSL, Converted(MODE_RGB, {128, 128, 128}, MODE_HSL), MODE_RGB),

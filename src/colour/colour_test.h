@@ -99,7 +99,7 @@ inline RGBValue StatedPixel(const Color& bytes, int32_t mode, RGBValue fourth = 
                          fourth);
 }
 
-// Random colours, with greys and pure colours among them.
+// Random colours, with grays and pure colours among them.
 inline TestImage ColorImage(int32_t width, int32_t height, int32_t border, uint64_t seed) {
   TestImage image(IMAGE_RGB, width, height, border, seed);
   Random random(seed + 5);

@@ -63,7 +63,7 @@ ZEL_INLINE int32_t Hue16(const Channels& pixel) {
                              : greenLeads ? pixel.blue - pixel.red
                                           : pixel.red - pixel.green;
   const int32_t start = redLeads ? 0 : greenLeads ? HUE_GREEN : HUE_BLUE;
-  const int32_t divisor = spread > 1 ? spread : 1;  // of a grey: the difference is 0
+  const int32_t divisor = spread > 1 ? spread : 1;  // of a gray: the difference is 0
   const int32_t hue = start + static_cast<int32_t>(static_cast<float>(HUE_SIXTH * difference) /
                                                    static_cast<float>(divisor));
   return hue < 0 ? hue + HUE_CIRCLE : hue;

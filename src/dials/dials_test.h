@@ -59,7 +59,7 @@ struct Place {
   double x, y;
 };
 
-// Grey levels, painted with soft edges.
+// Gray levels, painted with soft edges.
 class Canvas {
  public:
   Canvas(int32_t width, int32_t height, double level)

@@ -296,7 +296,7 @@ TEST(ReadSingleDigit, ChecksWhatItIsGivenInOrder) {
   EXPECT_EQ(segments.count, 1);
 }
 
-TEST(ReadSingleDigit, TakesEveryGreyType) {
+TEST(ReadSingleDigit, TakesEveryGrayType) {
   for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
     const PaintedDisplay display({}, "5");
     const Reading reading =

@@ -1,4 +1,4 @@
-// Grey levels along a line: read, smoothed, and looked at for contrast.
+// Gray levels along a line: read, smoothed, and looked at for contrast.
 #include "dials/line_samples.h"
 
 #include <algorithm>

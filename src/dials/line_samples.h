@@ -1,4 +1,4 @@
-// Grey levels along a line, smoothed, as displays are read by.
+// Gray levels along a line, smoothed, as displays are read by.
 #pragma once
 
 #include "core/handles.h"

@@ -17,7 +17,7 @@ constexpr uint32_t GrayOf(uint8_t level) {
   return level * uint32_t{0x010101};
 }
 
-// The part that both images have; grey levels become colours.
+// The part that both images have; gray levels become colours.
 void CopyPart(const PixelView& from, const PixelView& to, const KernelRect& part) {
   const int32_t left = std::max(part.left, 0);
   const int32_t right = std::min({part.right, from.width, to.width});

@@ -1,4 +1,4 @@
-// The relief view: pixels as bars of grey on an oblique grid.
+// The relief view: pixels as bars of gray on an oblique grid.
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -123,7 +123,7 @@ class Grid {
 
 // ---- bars
 
-// The grey of a bar rises by this in 256 steps.
+// The gray of a bar rises by this in 256 steps.
 int32_t StepOf(const ReliefRequest& request) {
   return 0x10000 / request.maxHeight;
 }

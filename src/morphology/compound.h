@@ -1,4 +1,4 @@
-// Operations on images, made of elementary passes: what binary and grey morphology have in common.
+// Operations on images, made of elementary passes: what binary and gray morphology have in common.
 #pragma once
 
 #include <cstdint>

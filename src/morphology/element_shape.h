@@ -25,7 +25,7 @@ struct RunList {
 // Where the middle of an even width lies.
 enum class EvenWidth {
   EXTRA_COLUMN_LEFT,  // binary operations look at one column more to the left than to the right
-  LAST_COLUMN_UNUSED  // those on grey levels at as many on both sides
+  LAST_COLUMN_UNUSED  // those on gray levels at as many on both sides
 };
 
 // In a hexagonal frame, positions in odd rows from the pixel lie one column further to the right

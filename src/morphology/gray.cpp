@@ -1,4 +1,4 @@
-// Grey morphology: the largest and the smallest pixels around each one.
+// Gray morphology: the largest and the smallest pixels around each one.
 #include "core/pixel_types.h"
 #include "morphology/compound.h"
 #include "morphology/structuring_element.h"
@@ -15,7 +15,7 @@ bool HasMembers(const StructuringElement& element) {
   return false;
 }
 
-// What has no meaning for grey levels does what stands next in the list of operations.
+// What has no meaning for gray levels does what stands next in the list of operations.
 MorphologyOperation GrayOperationOf(int32_t number) {
   switch (MorphologyOperationOf(number)) {
     case MORPHOLOGY_GRADIENT:
@@ -38,7 +38,7 @@ void Combine(const CompareRoutines& routines, const PixelView& first, const Pixe
 }
 
 constexpr Combinations COMBINATIONS = {
-    .gradient = nullptr,  // none of grey levels
+    .gradient = nullptr,  // none of gray levels
     .autoMedian =
         [](const CombinedRows& rows) {
           Combine(compareRows().minimum, rows.source, rows.first, rows.first);

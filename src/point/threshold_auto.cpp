@@ -1,4 +1,4 @@
-// Automatic thresholds: boundaries between classes of grey levels, found from the histogram.
+// Automatic thresholds: boundaries between classes of gray levels, found from the histogram.
 #include <cmath>
 #include <cstring>
 

@@ -1,4 +1,4 @@
-// The grey profile along a line and its statistics.
+// The gray profile along a line and its statistics.
 #include "statistics/line_profile.h"
 
 #include <cmath>

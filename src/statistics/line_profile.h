@@ -1,4 +1,4 @@
-// Grey profiles along lines, for other rooms that read images through them.
+// Gray profiles along lines, for other rooms that read images through them.
 #pragma once
 
 #include "core/handles.h"

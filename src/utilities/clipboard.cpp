@@ -18,7 +18,7 @@ constexpr int64_t SIZE_BYTES = 12;  // the header up to the height
 // A bitmap that lacks more than this is not worth an image of the size that it claims.
 constexpr int64_t MOST_MISSING = 1 << 20;
 
-void GreyLevels(RGBValue* colours) {
+void GrayLevels(RGBValue* colours) {
   for (uint32_t i = 0; i < BITMAP_COLOURS; i++) colours[i] = i * 0x010101;
 }
 
@@ -63,9 +63,9 @@ Status ImageToClipboard(ImageRef reference, const RGBValue* palette) {
   if (!bitmap.AllocateZeroed(static_cast<uint64_t>(size))) return STATUS_MEMORY_FULL;
   HeaderPut(*image, bitmap.data());
   if (tableBytes > 0) {
-    RGBValue grey[BITMAP_COLOURS];
-    GreyLevels(grey);
-    const RGBValue* colours = palette ? palette : grey;
+    RGBValue gray[BITMAP_COLOURS];
+    GrayLevels(gray);
+    const RGBValue* colours = palette ? palette : gray;
     uint8_t* table = bitmap.data() + BITMAP_HEADER_BYTES;
     for (int32_t i = 0; i < BITMAP_COLOURS; i++)
       PutLowFirst(table + 4 * i, colours[i] & 0xFFFFFF, 4);
@@ -81,9 +81,9 @@ Status ImageToClipboard(ImageRef reference, const RGBValue* palette) {
 
 // ---- into an image
 
-// Grey levels go on where the bitmap's colours end.
+// Gray levels go on where the bitmap's colours end.
 void ColoursOf(const ClipboardBitmap& bitmap, const BitmapHeader& header, RGBValue* colours) {
-  GreyLevels(colours);
+  GrayLevels(colours);
   if (!header.IsReadable() || header.bits != 8) return;
   const int64_t room = (static_cast<int64_t>(bitmap.size) - header.bytes) / 4;
   const int64_t count =

@@ -80,7 +80,7 @@ TEST_F(Clipboard, WithoutAPictureLeavesTheImage) {
   EXPECT_EQ(available, 0);
 }
 
-TEST_F(Clipboard, KeepsGreyImagesOfAllWidths) {
+TEST_F(Clipboard, KeepsGrayImagesOfAllWidths) {
   for (const int32_t width : {1, 2, 3, 4, 5, 31, 32, 33}) {
     const TestImage image(IMAGE_U8, width, 7, 3, static_cast<uint64_t>(width));
     ASSERT_EQ(ZEL_ImageToClipboard(image, nullptr), 0);
@@ -135,7 +135,7 @@ TEST_F(Clipboard, HoldsColoursWithoutATable) {
   EXPECT_EQ(Content(), expected);
 }
 
-TEST_F(Clipboard, GivesTheMeanOfColoursToGreyImages) {
+TEST_F(Clipboard, GivesTheMeanOfColoursToGrayImages) {
   Bytes bitmap = HeaderBytes({.width = 1, .height = 1, .bits = 24});
   Append(&bitmap, Bytes{255, 255, 253, 0});
   Put(bitmap);
@@ -144,7 +144,7 @@ TEST_F(Clipboard, GivesTheMeanOfColoursToGreyImages) {
   EXPECT_EQ(image.Get<uint8_t>(0, 0), 254);
 }
 
-TEST_F(Clipboard, FillsAShortTableWithGreyLevelsFromItsEnd) {
+TEST_F(Clipboard, FillsAShortTableWithGrayLevelsFromItsEnd) {
   Bytes bitmap = HeaderBytes({.width = 2, .height = 1, .colours = 2});
   Append(&bitmap, Bytes{1, 2, 3, 99, 4, 5, 6, 99});
   Append(&bitmap, Bytes{1, 2, 0, 0});

@@ -9,14 +9,14 @@
 namespace zel {
 
 struct EdgeRule {
-  int32_t threshold;  // grey levels
+  int32_t threshold;  // gray levels
   int32_t width;      // samples of each window; below 1 counts as 2
   int32_t gap;        // samples between them; below 0 counts as 0
 };
 
 struct ScannedEdge {
   float position;  // along the path, in samples
-  float contrast;  // grey levels
+  float contrast;  // gray levels
   int32_t polarity;
   PointFloat at;
 };

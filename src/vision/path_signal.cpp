@@ -1,4 +1,4 @@
-// Grey levels along paths, and ZEL_Interpolate1D, which tells the values between them.
+// Gray levels along paths, and ZEL_Interpolate1D, which tells the values between them.
 #include "vision/path_signal.h"
 
 #include <algorithm>

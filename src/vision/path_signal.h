@@ -1,4 +1,4 @@
-// Signals along paths: the grey levels of an image's pixels, and values interpolated between them.
+// Signals along paths: the gray levels of an image's pixels, and values interpolated between them.
 #pragma once
 
 #include <cstdint>

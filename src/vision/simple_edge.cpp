@@ -1,4 +1,4 @@
-// ZEL_SimpleEdge: where grey levels along a path cross a threshold.
+// ZEL_SimpleEdge: where gray levels along a path cross a threshold.
 #include <algorithm>
 #include <cmath>
 

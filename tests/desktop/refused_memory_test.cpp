@@ -65,7 +65,10 @@ void ExpectToGoOn(void (*use)(const TestImage&)) {
     requestsLeft = NONE;
     ZEL_CloseSys();
     ASSERT_TRUE(!zel::x11 || zel::x11->panels.empty()) << "request " << request;
-    if (!wasRefused) return;
+    if (!wasRefused) {
+      EXPECT_GT(request, 0) << "nothing was asked for";
+      return;
+    }
   }
   FAIL() << "there is no end of requests";
 }

@@ -154,7 +154,7 @@ class SharedClipboard : public test::Screen {
         client_.link(), xcb_get_selection_owner(client_.link(), clipboard), nullptr));
     return reply ? reply->owner : xcb_window_t{0};
   }
-  // A file of a small grey picture.
+  // A file of a small gray picture.
   Bytes SmallFile(const TestImage& image) const {
     EXPECT_EQ(ZEL_ImageToClipboard(image, nullptr), 0);
     Paste();

@@ -381,9 +381,9 @@ TEST_F(Windows, AreAsManyTimesLargerAsTheScale) {
   const TestImage image(IMAGE_U8, 70, 64);
   const xcb_window_t window = Show(image, 0, "scaled");
   EXPECT_EQ(client_.Place(window), (std::vector<int32_t>{40, 80, 140, 128}));
-  Palette grey;
-  for (uint32_t i = 0; i < 256; i++) grey[i] = i * 0x010101;
-  EXPECT_TRUE(client_.Pixels(window) == Mapped(image, grey, 2));
+  Palette gray;
+  for (uint32_t i = 0; i < 256; i++) gray[i] = i * 0x010101;
+  EXPECT_TRUE(client_.Pixels(window) == Mapped(image, gray, 2));
   EXPECT_EQ(Ask(0, -39, {0, 0, 0, 0})[0], 640);
   ASSERT_EQ(ZEL_SetActiveTool(WTOOL_POINT), 0);
   person_.Move(window, 41, 61);

@@ -440,7 +440,7 @@ cat >told.sh <<'END'
 printf '%s|%s|%s|%s|%s|%s\n' $# "$1" "$2" "$ORLUNE_VERDICT" "$ORLUNE_FILE" "$ORLUNE_RECIPE" >>told
 case $2 in
   *p2*) exit 4 ;;
-  *p4*) sleep 61 & sleep 61 ;;
+  *p4*) sleep 61 & echo $! >>naps; sleep 61 & echo $! >>naps; wait ;;
   *p5*) kill -9 $$ ;;
 esac
 cat # nothing to be read
@@ -456,7 +456,10 @@ in_err "orlune: ./told.sh for pictures/p2.bmp: ended with status 4"
 in_err "pictures/p4.bmp: took longer than 1 seconds, and was ended"
 in_err "pictures/p5.bmp: was ended by signal 9"
 in_out "3 calls of ./told.sh failed"
-if pgrep -x sleep -a | grep -q 'sleep 61$'; then fail "$what: what the call started goes on"; fi
+[ "$(wc -l <naps)" = 2 ] || fail "$what: not two naps"
+for nap in $(cat naps); do
+  if grep -aq sleep "/proc/$nap/cmdline" 2>/dev/null; then fail "$what: what the call started goes on"; fi
+done
 run 3 run one.toml --call ./none pictures/p1.bmp
 in_err "./none for pictures/p1.bmp: cannot be called: No such file"
 run 0 run one.toml --call true --call-limit 0 pictures/p1.bmp

@@ -13,7 +13,7 @@ struct Point {
 // Shares of red, green and blue that a surface sends back.
 struct Tint {
   double red = 1, green = 1, blue = 1;
-  const char* name = "grey";
+  const char* name = "gray";
 };
 
 enum class Shape { Washer, Nut, Pin, Chip };

@@ -180,7 +180,7 @@ bool Near(const Part& part, Point at, double margin) {
   return dx * dx + dy * dy <= reach * reach;
 }
 
-// The tray is grey.
+// The tray is gray.
 double Light(const Setup& setup, const std::vector<const Part*>& parts, Point at,
              const double Tint::*share) {
   const Part* top = nullptr;

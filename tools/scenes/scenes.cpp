@@ -100,7 +100,7 @@ constexpr Tint RED{1.0, 0.16, 0.13, "red"};
 constexpr Tint YELLOW{1.0, 0.85, 0.12, "yellow"};
 constexpr Tint GREEN{0.12, 0.75, 0.25, "green"};
 constexpr Tint BLUE{0.1, 0.3, 1.0, "blue"};
-constexpr Tint GREY{};
+constexpr Tint GRAY{};
 
 }  // namespace
 
@@ -199,7 +199,7 @@ Scene Mixed() {
 Scene Tokens() {
   Scene scene;
   scene.name = "tokens";
-  scene.subject = "plastic parts of four colours and grey ones, with touching ones; in colour";
+  scene.subject = "plastic parts of four colours and gray ones, with touching ones; in colour";
   scene.file = "tokens.bmp";
   scene.setup = {
       .width = 480,
@@ -217,7 +217,7 @@ Scene Tokens() {
   layout.Lean(tinted(ChipOf(56, 30, 0), BLUE));
   layout.Drop(tinted(NutOf(30, 15), GREEN));
   layout.Lean(tinted(WasherOf(24, 9), YELLOW));
-  for (const Tint& tint : {RED, YELLOW, GREEN, BLUE, GREY}) {
+  for (const Tint& tint : {RED, YELLOW, GREEN, BLUE, GRAY}) {
     layout.Drop(tinted(WasherOf(24, 9), tint));
     layout.Drop(tinted(ChipOf(48, 28, 0), tint));
     layout.Drop(tinted(NutOf(20, 10), tint));

@@ -26,7 +26,7 @@ Scene Chips();
 // Washers, nuts, pins and chips together, with touching ones. 1024 x 768, 8 bits.
 Scene Mixed();
 
-// Plastic washers, nuts and chips of four colours and grey ones on a grey tray, in colour. 480 x
+// Plastic washers, nuts and chips of four colours and gray ones on a gray tray, in colour. 480 x
 // 360; parts of different colours touch.
 Scene Tokens();
 

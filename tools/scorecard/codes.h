@@ -25,8 +25,8 @@ std::vector<Code> CodesIn(const std::string& table);
 struct Look {
   double module = 3;      // pixels
   double blur = 0.3;      // deviation, modules
-  double noise = 3;       // deviation, grey levels
-  double contrast = 150;  // grey levels between bars and spaces
+  double noise = 3;       // deviation, gray levels
+  double contrast = 150;  // gray levels between bars and spaces
   double tilt = 0;        // degrees
   double quiet = 10;      // modules from the bars to the picture's edge
   double bend = 0;        // degrees from the middle of a can to the end of the bars

@@ -22,7 +22,7 @@ using pictures::Image;
 constexpr double DIAL_DEGREES = 270;
 
 struct Spoil {
-  double contrast, noise;  // a share of the picture's own; grey levels
+  double contrast, noise;  // a share of the picture's own; gray levels
 };
 constexpr Spoil SPOILS[] = {{1, 0}, {1, 10}, {1, 30}, {0.3, 2}, {0.1, 2}, {0.05, 2}};
 

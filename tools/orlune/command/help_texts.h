@@ -30,7 +30,7 @@ Examples:
 
 constexpr char INSPECT_FOOTER[] = R"(
 How objects are found:
-  Every pixel whose grey level lies in the range is object, all others are background. Without
+  Every pixel whose gray level lies in the range is object, all others are background. Without
   --range, --method finds the boundary in each picture, and objects are the pixels at or above it,
   with --dark those below it. Colour pictures are inspected by the mean of their colours.
   --range is in the values that the file's pixels have for its viewer, whatever their depth: 0 is
@@ -39,7 +39,7 @@ How objects are found:
   pixel. A boundary at an end of the levels is told. With --region or --mask the levels are those
   of that part, and objects are only there. Touching objects form one particle.
   With --hue, --saturation or --lightness objects are the pixels whose colour lies in all of these
-  ranges. A grey has no hue; a colour that is near to black, white or grey has a hue by chance, so
+  ranges. A gray has no hue; a colour that is near to black, white or gray has a hue by chance, so
   that a least saturation goes with most ranges of hues.
 
 How objects are refined:
@@ -241,7 +241,7 @@ Examples:
   orlune calibrate lcd --region 40,30,220,90 --points eights.png -o scales.json)";
 
 constexpr char VIEW_FOOTER[] = R"(
-A picture is shown with a window of tools beside it. What is drawn with a tool is measured at once: grey
+A picture is shown with a window of tools beside it. What is drawn with a tool is measured at once: gray
 levels and particles of an area, the profile and the edges of a line. The tools window shows the value
 under the pointer. Marked copies are named after the picture: part-marked.png.
 

@@ -66,7 +66,7 @@ Option RangeOption(const std::string& group, InspectSettings* settings) {
   return {.name = "range",
           .type = "LEVELS",
           .group = group,
-          .help = "grey levels of objects: MIN:MAX, MIN: or :MAX",
+          .help = "gray levels of objects: MIN:MAX, MIN: or :MAX",
           .take = [=](const std::string& text) { settings->range = ParseRange(text); }};
 }
 
@@ -89,7 +89,7 @@ Options ColourOptions(const std::string& group, ColourRanges* colours) {
           {.name = "saturation",
            .type = "PERCENT",
            .group = group,
-           .help = "how far from grey the colours of objects are: MIN:MAX or MIN:",
+           .help = "how far from gray the colours of objects are: MIN:MAX or MIN:",
            .take = [=](const std::string& text) { colours->saturation = ParsePercents(text); },
            .excludes = levels},
           {.name = "lightness",
@@ -266,7 +266,7 @@ Options LineOptions(LineGauge* line) {
       {.name = "threshold",
        .type = "LEVELS|PERCENT%",
        .group = LINES_GROUP,
-       .help = "least contrast of an edge in grey levels, or as part of the range\non the "
+       .help = "least contrast of an edge in gray levels, or as part of the range\non the "
                "line, as 30% (usual)",
        .take = [=](const std::string& text) { ParseEdgeThreshold(text, &line->search); }},
       PixelsOption("edge-width", "pixels on either side of an edge that are looked at; usual is 3",

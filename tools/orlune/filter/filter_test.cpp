@@ -592,7 +592,7 @@ TEST_F(FilteredFiles, ThatCannotBeReadAreNamedAndTheOthersGoOn) {
 
 // ------------------------------------------------------------------------------------- colours
 
-// One pixel each of red, green, blue and grey, after a chain.
+// One pixel each of red, green, blue and gray, after a chain.
 Image Coloured(const std::string& chain, ImageRef mask = 0) {
   const RGBValue colours[] = {0xC00000, 0x00C000, 0x0000C0, 0x646464};
   Image image(IMAGE_RGB, BorderOf(ParseChain(chain)));

@@ -1,4 +1,4 @@
-// The steps of filter chains that change shapes and grey levels by a structuring element.
+// The steps of filter chains that change shapes and gray levels by a structuring element.
 #pragma once
 
 #include <vector>

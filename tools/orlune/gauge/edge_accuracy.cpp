@@ -32,8 +32,8 @@ constexpr int32_t OVERSAMPLING = 15;
 // A light bar across a line, as a lens and a sensor give it.
 struct Bar {
   double blur = 1;        // deviation, pixels
-  double noise = 2;       // deviation, grey levels
-  double contrast = 100;  // grey levels of the first edge
+  double noise = 2;       // deviation, gray levels
+  double contrast = 100;  // gray levels of the first edge
   double second = 1;      // contrast of the second edge by that of the first
   double degrees = 0;     // of the line
 };

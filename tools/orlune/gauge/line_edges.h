@@ -17,7 +17,7 @@ struct Line {
 };
 
 struct EdgeSearch {
-  std::optional<double> threshold;  // grey levels that an edge differs by; none: by the share
+  std::optional<double> threshold;  // gray levels that an edge differs by; none: by the share
   double share = 0.3;               // of the range from the darkest to the lightest on the line
   int32_t edgeWidth = 3;            // pixels on either side of an edge that are looked at
   int32_t band = 5;                 // pixels across the line whose mean is looked at
@@ -29,7 +29,7 @@ constexpr double FARTHEST = 65535;  // coordinates of lines, either sign
 struct LineEdge {
   double along = 0;     // pixels from the line's start
   bool rises = false;   // from dark to light
-  double contrast = 0;  // grey levels from one side to the other
+  double contrast = 0;  // gray levels from one side to the other
 };
 
 // In the order of the line. The picture is an IMAGE_U8, IMAGE_I16 or IMAGE_SGL; beyond its sides

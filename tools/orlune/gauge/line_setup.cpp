@@ -249,7 +249,7 @@ void ParseEdgeThreshold(std::string_view text, EdgeSearch* search) {
   if (isShare) text.remove_suffix(1);
   const double number = ParseNumber(text);
   if (!(number > 0 && number <= (isShare ? 100 : 1e30))) {
-    throw std::invalid_argument("a threshold is a number of grey levels, or 1% to 100%");
+    throw std::invalid_argument("a threshold is a number of gray levels, or 1% to 100%");
   }
   search->threshold = isShare ? std::nullopt : std::optional(number);
   if (isShare) search->share = number / 100;

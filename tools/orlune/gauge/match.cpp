@@ -24,17 +24,14 @@ std::string AngleText(const ShapeMatch& match) {
          (match.hasFront ? "" : " or " + Fixed(Turned(*match.degrees + 180), 2));
 }
 
-std::string MatchesText(size_t count) {
-  return std::to_string(count) + (count == 1 ? " match" : " matches");
-}
-
 std::string TableOf(const Matching& matching) {
   std::ostringstream out;
   const auto column = [&](int width, const std::string& text) {
     out << "  " << std::setw(width) << text;
   };
-  out << LineText(matching.inspection.path) << ": " << MatchesText(matching.matches.size())
-      << " among " << Plural(matching.inspection.particles.size(), "object") << '\n';
+  out << LineText(matching.inspection.path) << ": "
+      << Plural(matching.matches.size(), "match", "es") << " among "
+      << Plural(matching.inspection.particles.size(), "object") << '\n';
   if (matching.matches.empty()) return out.str();
   column(4, "No"), column(9, "X"), column(9, "Y"), column(7, "Scale"), column(6, "Score");
   out << "  Angle\n";
@@ -124,7 +121,8 @@ int Run(const MatchCommand& command) {
     matches += ParcelReader(findings).Get<size_t>();
   };
   run.tell = [&](std::ostream& out) {
-    out << Plural(pictures, "picture") << " searched; " << MatchesText(matches) << " found\n";
+    out << Plural(pictures, "picture") << " searched; " << Plural(matches, "match", "es")
+        << " found\n";
   };
   run.summary = [&] {
     return "\"searched\": " + std::to_string(pictures) +

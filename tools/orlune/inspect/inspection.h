@@ -16,7 +16,7 @@
 namespace front {
 
 struct InspectSettings {
-  std::optional<Range> range;  // grey levels of objects, in the file's own values
+  std::optional<Range> range;  // gray levels of objects, in the file's own values
   Method method = Method::Clustering;
   bool dark = false;     // objects are darker than their surroundings
   ColourRanges colours;  // any: of objects, instead of levels
@@ -41,7 +41,7 @@ struct Timing {
 struct Inspection {
   std::string path;
   Account account;
-  std::optional<Range> objects;  // grey levels of objects, in the file's own values
+  std::optional<Range> objects;  // gray levels of objects, in the file's own values
   std::string remark;            // on these levels, or why there are none; empty for nothing
   Scale scale;
   std::string unit;  // of lengths: the caller's, or "px" without a scale

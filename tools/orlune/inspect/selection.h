@@ -1,4 +1,4 @@
-// Conditions on measures: which particles are kept, and which grey levels are objects.
+// Conditions on measures: which particles are kept, and which gray levels are objects.
 #pragma once
 
 #include <limits>

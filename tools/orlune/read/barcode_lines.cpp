@@ -11,7 +11,7 @@ namespace front {
 namespace {
 
 constexpr size_t NEIGHBOURHOOD = 48;       // samples to either side that tell light from dark
-constexpr double LEAST_SWING = 3.0;        // grey levels between a bar and a space
+constexpr double LEAST_SWING = 3.0;        // gray levels between a bar and a space
 constexpr double SWING_OF_CONTRAST = 0.2;  // of what there is around
 
 // By how much levels have to swing around each sample for a bar.

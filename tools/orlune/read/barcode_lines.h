@@ -11,7 +11,7 @@
 
 namespace front {
 
-// Places of the changes between light and dark along a line of grey levels, in samples.
+// Places of the changes between light and dark along a line of gray levels, in samples.
 struct Edges {
   std::vector<double> places;
   bool beginsDark = false;  // behind the first of them it is dark

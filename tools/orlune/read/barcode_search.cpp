@@ -209,7 +209,7 @@ Image PartOf(const Image& gray, const Region& region) {
   return part;
 }
 
-// The grey level that a tenth of the pixels reach.
+// The gray level that a tenth of the pixels reach.
 uint8_t LightOf(const Image& gray) {
   uint32_t counts[256] = {};
   HistogramReport report{};

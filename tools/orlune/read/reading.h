@@ -26,7 +26,7 @@ struct Stroke {
   int32_t x1, y1, x2, y2;
 };
 
-// The picture in grey with green lines, as BMP. Throws as WritePicture.
+// The picture in gray with green lines, as BMP. Throws as WritePicture.
 void WriteMarked(const Image& picture, const std::vector<Stroke>& strokes, const std::string& path);
 
 // Runs a command and tells why it could not: BAD_USE for std::invalid_argument, else SOME_FAILED.

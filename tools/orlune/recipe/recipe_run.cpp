@@ -99,10 +99,6 @@ std::string CountText(const Range& range) {
   return end(range.low) + ":" + end(range.high);
 }
 
-std::string MatchesText(size_t count) {
-  return std::to_string(count) + (count == 1 ? " match" : " matches");
-}
-
 // The reasons of a step that does not pass: the first one, and how many more there are.
 class Judgement {
  public:
@@ -342,7 +338,7 @@ class PictureRun {
     Judgement judgement(result);
     const Range usual{1, EVERYTHING.high};
     TakeCount(found->matches.size(), match.count.value_or(usual),
-              MatchesText(found->matches.size()), result, &judgement);
+              Plural(found->matches.size(), "match", "es"), result, &judgement);
     for (const ShapeMatch& each : found->matches) {
       const auto add = [&](const char* name, std::optional<double> number, const char* unit) {
         result->values.push_back({.object = std::to_string(each.number),

@@ -27,7 +27,7 @@ Range ParsePercents(std::string_view text);
 std::vector<std::string> TextsOf(const ColourRanges& ranges);
 
 // 1 where the colour of an IMAGE_RGB lies in the ranges, 0 elsewhere: an IMAGE_U8 with this border.
-// A grey has no hue: one in a range of hues is none, unless the range is the whole circle. Throws
+// A gray has no hue: one in a range of hues is none, unless the range is the whole circle. Throws
 // LibraryFailure.
 Image ObjectsByColour(ImageRef colours, const ColourRanges& ranges, int32_t border);
 

@@ -39,8 +39,8 @@ std::string Milliseconds(Seconds time) {
   return Fixed(value, value < 10 ? 1 : 0) + " ms";
 }
 
-std::string Plural(size_t count, const std::string& one) {
-  return std::to_string(count) + " " + one + (count == 1 ? "" : "s");
+std::string Plural(size_t count, const std::string& one, const std::string& ending) {
+  return std::to_string(count) + " " + one + (count == 1 ? "" : ending);
 }
 
 }  // namespace front

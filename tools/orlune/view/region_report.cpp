@@ -85,7 +85,7 @@ Profile ProfileOf(const Image& image, const RoiDescriptor& roi) {
   return profile;
 }
 
-// Edges are looked for in 8 bits: their steps are whole grey levels.
+// Edges are looked for in 8 bits: their steps are whole gray levels.
 void AddEdges(const Image& bytes, const RoiDescriptor& roi, RegionReport* report) {
   const Profile profile = ProfileOf(bytes, roi);
   if (profile.count < LEAST_SAMPLES) return;

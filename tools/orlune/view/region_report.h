@@ -1,4 +1,4 @@
-// What a person wants to know of a region of a picture at once: grey levels, objects, edges.
+// What a person wants to know of a region of a picture at once: gray levels, objects, edges.
 #pragma once
 
 #include <memory>
@@ -18,9 +18,9 @@ using WindowRegion = std::unique_ptr<RoiDescriptor, FreeRegion>;
 // A picture that is looked at.
 struct ViewedPicture {
   std::string path;
-  Loaded loaded;               // its grey levels, and its colours where it has some
-  Extremes extremes;           // of the grey levels
-  std::optional<Image> bytes;  // the grey levels in 8 bits, where they have another depth
+  Loaded loaded;               // its gray levels, and its colours where it has some
+  Extremes extremes;           // of the gray levels
+  std::optional<Image> bytes;  // the gray levels in 8 bits, where they have another depth
 
   const Image& Shown() const { return loaded.colours ? *loaded.colours : loaded.image; }
   const Image& Bytes() const { return bytes ? *bytes : loaded.image; }
@@ -30,7 +30,7 @@ ViewedPicture ReadViewed(const std::string& path, bool swapBytes);
 
 struct RegionReport {
   std::vector<std::string> lines;        // of text
-  std::vector<float> profile;            // grey levels along a line; empty for an area
+  std::vector<float> profile;            // gray levels along a line; empty for an area
   std::vector<float> edges;              // places along it, in samples
   std::optional<Inspection> inspection;  // of an area
 };

@@ -91,7 +91,7 @@ class Viewer {
   std::ostream& complaints_;
   size_t at_ = 0;  // of the files
   std::optional<ViewedPicture> picture_;
-  std::optional<double> threshold_;  // grey level; none: found by the method
+  std::optional<double> threshold_;  // gray level; none: found by the method
   WindowRegion region_;              // never null while a picture is shown
   RegionReport report_;
   std::optional<Image> marked_, reportPanel_, helpPanel_;  // what windows show

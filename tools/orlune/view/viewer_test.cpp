@@ -187,7 +187,7 @@ TEST_F(View, GoesThroughThePicturesAndPassesBrokenOnesOver) {
   EXPECT_TRUE(Title().starts_with("[2/3] two.tif"));
   EXPECT_EQ(Press('n'), Viewer::Turn::BUSY);
   EXPECT_TRUE(Title().starts_with("[3/3] other.orln")) << Title();
-  EXPECT_EQ(Pixel(1, 1), 0xFEFEFEu) << "spread over the greys";
+  EXPECT_EQ(Pixel(1, 1), 0xFEFEFEu) << "spread over the grays";
   Press('n');
   EXPECT_TRUE(Title().starts_with("[2/3]")) << Title();
   Press('p');
