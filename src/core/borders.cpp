@@ -1,6 +1,7 @@
 // The three ways to fill an image's border from its pixels.
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <type_traits>
 
 #include "core/images.h"
@@ -81,15 +82,26 @@ void ColumnsMirror(const BorderFrame& frame) {
   });
 }
 
+// In stores of 8 bytes where there are as many; the last one may cover some again.
+template <class T, class Count>
+void SideFill(T* to, Count columns, T value) {
+  using Group = T[8 / sizeof(T)];
+  constexpr auto lanes = static_cast<int64_t>(std::extent_v<Group>);
+  if (columns < lanes) {
+    for (int64_t k = 0; k < columns; k++) to[k] = value;
+    return;
+  }
+  Group group;
+  std::fill(std::begin(group), std::end(group), value);
+  for (int64_t k = 0; k + lanes < columns; k += lanes) std::memcpy(to + k, group, sizeof group);
+  std::memcpy(to + columns - lanes, group, sizeof group);
+}
+
 template <class T>
 void ColumnsReplicate(const BorderFrame& frame) {
   ColumnsFill<T>(frame, [](T* first, T* last, auto columns) {
-    const T left = *first;
-    const T right = *last;
-    for (int64_t k = 0; k < columns; k++) {
-      first[-1 - k] = left;
-      last[1 + k] = right;
-    }
+    SideFill(first - columns, columns, *first);
+    SideFill(last + 1, columns, *last);
   });
 }
 
@@ -115,10 +127,11 @@ void ColumnsZero(const BorderFrame& frame) {
     default:
       break;
   }
+  const auto bytes = static_cast<int64_t>(sideBytes);
   for (int64_t y = 0; y < frame.height; y++) {
     uint8_t* row = frame.Line(y) + frame.leftPad * frame.pixelBytes;
-    std::memset(row - sideBytes, 0, sideBytes);
-    std::memset(row + frame.width * frame.pixelBytes, 0, sideBytes);
+    SideFill<uint8_t>(row - bytes, bytes, 0);
+    SideFill<uint8_t>(row + frame.width * frame.pixelBytes, bytes, 0);
   }
 }
 

@@ -9,9 +9,11 @@
 
 namespace zel {
 
-bool BitPlane::Create(int32_t width, int32_t height, int32_t reach) {
+bool BitPlane::Create(int32_t width, int32_t height, int32_t reach, int32_t frameRows) {
   width_ = width;
   height_ = height;
+  frameRows_ = frameRows;
+  reachWords_ = reach / 64 + 1;
   constexpr int64_t groupPixels = 64 * BIT_GROUP_WORDS;
   words_ = static_cast<int32_t>((width + groupPixels - 1) / groupPixels * BIT_GROUP_WORDS);
   // A shift by whole words reads one more. Whole rows are groups too.
@@ -49,14 +51,25 @@ void BitPlane::RowCut(int32_t y) {
 
 void BitPlane::RowReplicate(int32_t y) {
   uint64_t* row = Row(y);
-  const uint64_t first = row[0] & 1 ? ~uint64_t{0} : 0;
-  std::fill_n(row - marginWords_, marginWords_, first);
+  uint64_t* lastWord = row + (width_ - 1) / 64;
   const int32_t lastBit = (width_ - 1) % 64;
   const uint64_t used = ~uint64_t{0} >> (63 - lastBit);
-  uint64_t* lastWord = row + (width_ - 1) / 64;
+  const uint64_t first = row[0] & 1 ? ~uint64_t{0} : 0;
   const uint64_t last = *lastWord >> lastBit & 1 ? ~uint64_t{0} : 0;
   *lastWord = (*lastWord & used) | (last & ~used);
-  std::fill(lastWord + 1, row + words_ + marginWords_, last);
+  for (int32_t i = 1; i <= reachWords_; i++) {
+    row[-i] = first;
+    lastWord[i] = last;
+  }
+}
+
+void BitPlane::FrameReplicate() {
+  if (height_ == 0) return;
+  const auto rowBytes = static_cast<size_t>(pitch_) * sizeof(uint64_t);
+  for (int64_t i = 0; i < frameRows_; i++) {
+    std::memcpy(Row(-1 - i) - marginWords_, Row(0) - marginWords_, rowBytes);
+    std::memcpy(Row(height_ + i) - marginWords_, Row(height_ - 1) - marginWords_, rowBytes);
+  }
 }
 
 }  // namespace zel

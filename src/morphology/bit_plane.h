@@ -12,11 +12,12 @@ namespace zel {
 constexpr int32_t BIT_GROUP_WORDS = 8;
 
 // Set bits where pixels are set. Rows have words before and behind them, for operations that look
-// to the sides, and one row above and one below are there. A frame is clear until it is written.
+// to the sides, and so have the rows above and below. A frame is clear until it is written.
 class BitPlane {
  public:
-  // `reach`: columns to both sides that can be read. False when there is no memory.
-  [[nodiscard]] bool Create(int32_t width, int32_t height, int32_t reach);
+  // `reach`: columns to both sides that can be read; `frameRows`: rows above and below. False when
+  // there is no memory.
+  [[nodiscard]] bool Create(int32_t width, int32_t height, int32_t reach, int32_t frameRows = 1);
   // From the non-zero pixels of a U8 image of this size.
   void Take(const PixelView& view);
 
@@ -28,19 +29,24 @@ class BitPlane {
   int32_t words() const { return words_; }              // of a row: whole groups
   int32_t marginWords() const { return marginWords_; }  // on each side
   int64_t pitch() const { return pitch_; }
-  int64_t size() const { return (int64_t{height_} + 2) * pitch_; }
+  int64_t size() const { return (int64_t{height_} + 2 * int64_t{frameRows_}) * pitch_; }
+  int32_t usedWords() const { return (width_ + 63) / 64; }  // of a row, that have pixels
 
-  // The word that starts with column 0; rows from -1 to height.
-  uint64_t* Row(int64_t y) { return bits_.data() + (y + 1) * pitch_ + marginWords_; }
-  const uint64_t* Row(int64_t y) const { return bits_.data() + (y + 1) * pitch_ + marginWords_; }
+  // The word that starts with column 0; also of the rows in the frame.
+  uint64_t* Row(int64_t y) { return bits_.data() + (y + frameRows_) * pitch_ + marginWords_; }
+  const uint64_t* Row(int64_t y) const {
+    return bits_.data() + (y + frameRows_) * pitch_ + marginWords_;
+  }
 
   void Clear();
   // The same pixels and surroundings; of a plane of the same size and reach.
   void CopyFrom(const BitPlane& plane);
   // Clears the bits behind a row's last pixel.
   void RowCut(int32_t y);
-  // Continues a row beyond both ends by its first and its last pixel.
+  // Continues a row beyond both ends by its first and its last pixel, as far as the reach goes.
   void RowReplicate(int32_t y);
+  // The rows of the frame become the first and the last row, margins included.
+  void FrameReplicate();
 
  private:
   WorkArray<uint64_t> bits_;
@@ -49,6 +55,8 @@ class BitPlane {
   int32_t height_ = 0;
   int32_t words_ = 0;
   int32_t marginWords_ = 0;
+  int32_t reachWords_ = 0;  // that have the reach, beyond one with pixels
+  int32_t frameRows_ = 1;
 };
 
 // Whether any of the bits from start to end, without that, is set. At least one is asked for.

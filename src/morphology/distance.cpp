@@ -48,7 +48,7 @@ void CountAll(const BitPlane& plane, const PixelView& to) {
 
 // Stores how many steps they have survived in the pixels that the last one took away.
 void StoreLost(const Erosion& erosion, int32_t steps, uint64_t* lost, const PixelView& to) {
-  const int32_t words = erosion.Left().words();
+  const int32_t words = erosion.Left().usedWords();
   for (int32_t y = 0; y < to.height; y++) {
     const uint64_t* before = erosion.LeftBefore().Row(y);
     const uint64_t* after = erosion.Left().Row(y);

@@ -11,14 +11,25 @@ namespace zel {
 
 constexpr uint16_t FAR_AWAY = 0xFFFF;
 
+template <class Work>
+void DistancePlanes::EachStretch(int32_t y, const Work& work) const {
+  constexpr int64_t columnsOfACall = 16;
+  const uint32_t begin = runs_.RowBegin(y);
+  const uint32_t end = runs_.RowEnd(y);
+  if ((end - begin) * columnsOfACall > width_) {
+    work(Run{runs_[begin].start, runs_[end - 1].end});
+    return;
+  }
+  for (uint32_t i = begin; i < end; i++) work(runs_[i]);
+}
+
 void DistancePlanes::RowImprove(int32_t y, int32_t from) {
   const DistanceRows& rows = distanceRows();
-  for (uint32_t i = runs_.RowBegin(y); i < runs_.RowEnd(y); i++) {
-    const Run run = runs_[i];
-    rows.improveFromRow(Row(y), Row(from), run.start, run.end);
-    rows.improveFromLeft(Row(y), std::max(run.start, 1), run.end);
-    rows.improveFromRight(Row(y), run.start, std::min(run.end, width_ - 1));
-  }
+  EachStretch(y, [&](const Run& stretch) {
+    rows.improveFromRow(Row(y), Row(from), stretch.start, stretch.end);
+    rows.improveFromLeft(Row(y), std::max(stretch.start, 1), stretch.end);
+    rows.improveFromRight(Row(y), stretch.start, std::min(stretch.end, width_ - 1));
+  });
 }
 
 Status DistancePlanes::Find(const PixelView& view) {
@@ -40,9 +51,9 @@ void DistancePlanes::Write(const PixelView& to) const {
   for (int32_t y = 0; y < height_; y++) {
     auto* row = to.Row<uint8_t>(y);
     std::memset(row, 0, static_cast<size_t>(width_));
-    for (uint32_t i = runs_.RowBegin(y); i < runs_.RowEnd(y); i++) {
-      distanceRows().lengths(row, Row(y), runs_[i].start, runs_[i].end);
-    }
+    EachStretch(y, [&](const Run& stretch) {
+      distanceRows().lengths(row, Row(y), stretch.start, stretch.end);
+    });
   }
 }
 

@@ -23,6 +23,10 @@ class DistancePlanes {
  private:
   uint16_t* Row(int32_t y) { return steps_.data() + int64_t{y} * width_; }
   const uint16_t* Row(int32_t y) const { return steps_.data() + int64_t{y} * width_; }
+  // Calls work(Run) for the runs of a row or, where these are short, for all between the first and
+  // the last at once: it does nothing to the background, which has no steps.
+  template <class Work>
+  void EachStretch(int32_t y, const Work& work) const;
   void RowImprove(int32_t y, int32_t from);
 
   RunTable runs_;              // the background is never changed

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "core/numbers.h"
 
@@ -30,23 +31,29 @@ void ImproveFromRow(uint16_t* row, const uint16_t* from, int32_t start, int32_t 
   }
 }
 
-// What is known of the neighbour is kept in registers: its steps and their square.
+// The square of the distance that a pixel takes from a neighbour beside it is kept in a register
+// and goes on by differences; so do the steps, whose columns don't reach the next byte but here:
+// 256 of them are kept as 0.
 ZEL_INLINE void ImproveAlong(uint16_t* row, int32_t start, int32_t count, int32_t step) {
-  uint32_t columns = row[start - step] & 255u;
-  uint32_t rows = row[start - step] & 0xFF00u;
-  int32_t square = SquareOf(row[start - step]);
+  constexpr int32_t mostColumns = 255;
+  uint32_t steps = row[start - step];
+  int32_t growth = 2 * static_cast<int32_t>(steps & 255) + 1;
+  int32_t next = SquareOf(static_cast<uint16_t>(steps)) + growth;
   for (int32_t i = 0, x = start; i < count; i++, x += step) {
-    const uint16_t own = row[x];
-    const int32_t ownSquare = SquareOf(own);
-    const int32_t next = square + 2 * static_cast<int32_t>(columns) + 1;
+    const uint32_t own = row[x];
+    const int32_t ownSquare = SquareOf(static_cast<uint16_t>(own));
+    const int32_t ownGrowth = 2 * static_cast<int32_t>(own & 255) + 1;
     const bool nearer = ownSquare > next;
-    const uint32_t more = (columns + 1) & 255;
-    // 256 columns are kept as 0.
-    const int32_t kept = more == 0 ? next - 65536 : next;
-    columns = nearer ? more : own & 255u;
-    rows = nearer ? rows : own & 0xFF00u;
-    square = nearer ? kept : ownSquare;
-    row[x] = static_cast<uint16_t>(rows | columns);
+    if (growth == 2 * mostColumns + 1 && nearer) [[unlikely]] {
+      steps &= 0xFF00u;
+      growth = 1;
+      next = SquareOf(static_cast<uint16_t>(steps)) + growth;
+    } else {
+      steps = nearer ? steps + 1 : own;
+      next = nearer ? next + growth + 2 : ownSquare + ownGrowth;
+      growth = nearer ? growth + 2 : ownGrowth;
+    }
+    row[x] = static_cast<uint16_t>(steps);
   }
 }
 
@@ -82,6 +89,10 @@ void Store(uint8_t* to, const uint64_t* bits, int32_t width, uint8_t value) {
 #if defined(ZEL_LEVEL_v4)
     _mm512_mask_storeu_epi8(pixels, word, _mm512_set1_epi8(static_cast<char>(value)));
 #else
+    if (word == ~uint64_t{0}) {
+      std::memset(pixels, value, 64);
+      return;
+    }
     for (; word != 0; word &= word - 1) pixels[__builtin_ctzll(word)] = value;
 #endif
   });

@@ -23,9 +23,10 @@ struct Frame {
   int32_t LastColumnOf(int32_t row) const {
     return isHexagonal ? HexagonHalf(row) - (row & 1) : lastColumn;
   }
-  bool IsMember(int32_t row, int32_t column) const {
+  // A row's numbers, not 0 for members, by column from the pixel.
+  const int32_t* RowOf(int32_t row) const {
     const int64_t elementRow = int64_t{row} + (element.height - 1) / 2;
-    return element.elements[elementRow * element.width + column + middleColumn] != 0;
+    return element.elements + elementRow * element.width + middleColumn;
   }
 
  private:
@@ -44,37 +45,40 @@ Frame FrameOf(const StructuringElement& element, EvenWidth evenWidth) {
   return {element, false, reach, element.width / 2, half};
 }
 
-// Calls visit(run) for all runs of members, or of other positions, in raster order.
-template <class Visit>
-void EachRun(const Frame& frame, bool members, const Visit& visit) {
-  for (int32_t row = -frame.reach; row <= frame.reach; row++) {
-    const int32_t end = frame.LastColumnOf(row) + 1;
-    int32_t column = frame.FirstColumnOf(row);
-    while (column < end) {
-      const int32_t first = column;
-      while (column < end && frame.IsMember(row, column) == members) column++;
-      if (column > first) visit(ElementRun{row, first, column - first});
-      while (column < end && frame.IsMember(row, column) != members) column++;
-    }
-  }
+// The end of the run that begins at a column.
+int32_t RunEnd(const int32_t* row, int32_t first, int32_t end) {
+  const bool isMember = row[first] != 0;
+  const auto differs = [isMember](int32_t number) { return (number != 0) != isMember; };
+  return static_cast<int32_t>(std::find_if(row + first, row + end, differs) - row);
 }
 
 }  // namespace
 
+bool ElementShape::Runs::Append(const ElementRun& run) {
+  if (count == capacity) {
+    const int32_t grown = 2 * capacity + 32;
+    if (!array.Resize(static_cast<uint64_t>(grown))) return false;
+    capacity = grown;
+  }
+  array[static_cast<size_t>(count++)] = run;
+  return true;
+}
+
 Status ElementShape::Make(const StructuringElement& element, EvenWidth evenWidth) {
   const Frame frame = FrameOf(element, evenWidth);
   hexagonal_ = frame.isHexagonal;
-  hasCentre_ = frame.IsMember(0, 0);
-  for (const bool isMembers : {true, false}) {
-    Runs& runs = isMembers ? members_ : others_;
-    uint64_t count = 0;
-    EachRun(frame, isMembers, [&](const ElementRun&) { count++; });
-    if (!runs.array.Allocate(count)) return STATUS_MEMORY_FULL;
-    runs.count = 0;
-    EachRun(frame, isMembers, [&](const ElementRun& run) {
-      runs.array[static_cast<size_t>(runs.count)] = run;
-      runs.count++;
-    });
+  hasCentre_ = frame.RowOf(0)[0] != 0;
+  members_.count = 0;
+  others_.count = 0;
+  for (int32_t row = -frame.reach; row <= frame.reach; row++) {
+    const int32_t* numbers = frame.RowOf(row);
+    const int32_t end = frame.LastColumnOf(row) + 1;
+    for (int32_t column = frame.FirstColumnOf(row); column < end;) {
+      const int32_t first = column;
+      column = RunEnd(numbers, first, end);
+      Runs& runs = numbers[first] != 0 ? members_ : others_;
+      if (!runs.Append({row, first, column - first})) return STATUS_MEMORY_FULL;
+    }
   }
   return STATUS_OK;
 }

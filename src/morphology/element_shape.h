@@ -50,7 +50,9 @@ class ElementShape {
   struct Runs {
     WorkArray<ElementRun> array;
     int32_t count = 0;
+    int32_t capacity = 0;
 
+    bool Append(const ElementRun& run);  // false when there is no memory
     RunList List() const { return {array.data(), count}; }
   };
 

@@ -2,10 +2,10 @@
 #include "morphology/erosion.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <utility>
 
-#include "core/numbers.h"
 #include "morphology/structuring_element.h"
 
 namespace zel {
@@ -14,15 +14,18 @@ namespace {
 // Members side by side that are looked at one by one; more are combined by doubling.
 constexpr int32_t SINGLE_MEMBERS = 3;
 
-bool RowIsClear(const BitPlane& plane, int32_t y) {
-  return !BitsAreSet(plane.Row(y), 0, plane.width());
-}
+// Rows are eroded in blocks of about so many words: in a small image, calls for each row would take
+// longer than the work in them; in a large one, blocks without pixels are passed over.
+constexpr int64_t BLOCK_WORDS = 256;
 
-void RowClear(BitPlane* plane, int32_t y) {
-  std::fill_n(plane->Row(y) - plane->marginWords(), plane->pitch(), 0);
+// Rows that members reach up or down.
+int32_t RowReach(const RunList& members) {
+  int32_t reach = 0;
+  for (int32_t i = 0; i < members.count; i++) {
+    reach = std::max(reach, std::abs(members.runs[i].row));
+  }
+  return reach;
 }
-
-constexpr int32_t NO_ROWS = -1;
 
 }  // namespace
 
@@ -62,133 +65,146 @@ Status Erosion::Start(const PixelView& view, const StructuringElement& element) 
   looksAtPixel_ = !isSmall && !shape_.hasCentre();
   isRectangle_ = IsRectangle();
   const int32_t reach = shape_.MemberReach();
+  // One row more, which shifts of the last one read and don't need.
+  const int32_t frameRows = RowReach(shape_.members()) + 1;
   const int32_t planes = Shrinks() ? 2 : 3;
   for (int32_t i = 0; i < planes; i++) {
-    if (!planes_[i].Create(view.width, view.height, reach)) return STATUS_MEMORY_FULL;
+    if (!planes_[i].Create(view.width, view.height, reach, frameRows)) return STATUS_MEMORY_FULL;
   }
-  const int32_t ringRows = isRectangle_ ? shape_.members().count : 0;
-  if (!ring_.Create(view.width, ringRows, reach)) return STATUS_MEMORY_FULL;
+  if (isRectangle_ && !alongRows_.Create(view.width, view.height, reach, frameRows)) {
+    return STATUS_MEMORY_FULL;
+  }
   turns_[2] = Shrinks() ? 1 : 2;
-  // A row with its margins, and behind it as much as a shift can reach beyond.
-  windowWords_ = ring_.pitch() + ring_.marginWords() + BIT_GROUP_WORDS;
+  // Members of odd rows change their places from row to row in a hexagonal frame.
+  const int64_t pitch = planes_[0].pitch();
+  blockRows_ =
+      shape_.hexagonal() ? 1 : static_cast<int32_t>(std::max(BLOCK_WORDS / pitch, int64_t{1}));
+  // Behind a block as much as a shift can reach beyond.
+  windowWords_ = blockRows_ * pitch + 2 * int64_t{planes_[0].marginWords()};
   const int64_t mostShifted = int64_t{SINGLE_MEMBERS} * shape_.members().count + 2;
-  if (!windows_.Allocate(2 * static_cast<uint64_t>(windowWords_)) ||
+  if (!windows_.AllocateZeroed(2 * static_cast<uint64_t>(windowWords_)) ||
       !shifted_.Allocate(static_cast<uint64_t>(mostShifted))) {
     return STATUS_MEMORY_FULL;
   }
   planes_[0].Take(view);
   for (int32_t y = 0; y < view.height; y++) planes_[0].RowReplicate(y);
+  planes_[0].FrameReplicate();
   return STATUS_OK;
 }
 
-int32_t Erosion::Clip(int64_t y) const {
-  return Clamped(y, 0, planes_[0].height() - 1);
+template <class Work>
+void Erosion::EachBlock(const Work& work) const {
+  const int32_t height = planes_[0].height();
+  for (int32_t y = 0; y < height; y += std::min(blockRows_, height - y)) {
+    work(Block{y, y + std::min(blockRows_, height - y)});
+  }
 }
 
-// A row whose bits tell whether so many from there on are set.
-const uint64_t* Erosion::Window(const uint64_t* from, int32_t length) {
-  const auto all = erosionRows().all;
-  const int64_t margin = ring_.marginWords();
-  const int64_t rowEnd = ring_.words() + margin;
-  uint64_t* window = windows_.data() + margin;
-  uint64_t* other = window + windowWords_;
-  std::copy(from - margin, from + rowEnd, window - margin);
-  for (uint64_t* each : {window, other}) {
-    std::fill(each + rowEnd, each - margin + windowWords_, from[rowEnd - 1]);
+// From the first pixel to the end of the last row, with the margins between.
+int32_t Erosion::WordsOf(const Block& block) const {
+  const int64_t before = (int64_t{block.end} - block.begin - 1) * planes_[0].pitch();
+  return static_cast<int32_t>(before) + planes_[0].words();
+}
+
+bool Erosion::IsClear(const Block& block) const {
+  for (int32_t y = block.begin; y < block.end; y++) {
+    if (BitsAreSet(Left().Row(y), 0, Left().width())) return false;
   }
+  return true;
+}
+
+void Erosion::Clear(const Block& block, BitPlane* plane) const {
+  const int64_t margin = plane->marginWords();
+  std::fill_n(plane->Row(block.begin) - margin, WordsOf(block) + 2 * margin, 0);
+}
+
+// Rows whose bits tell whether so many from there on are set: those of a block, this far from the
+// element's middle.
+const uint64_t* Erosion::Window(const Block& block, int32_t row, int32_t length) {
+  const int64_t margin = planes_[0].marginWords();
+  const auto words = static_cast<int32_t>(WordsOf(block) + 2 * margin);
+  const uint64_t* window = Left().Row(int64_t{block.begin} + row) - margin;
+  uint64_t* to = windows_.data();
+  uint64_t* other = to + windowWords_;
   for (int32_t done = 1; done < length;) {
     const int32_t step = std::min(done, length - done);
-    const ShiftedRow rows[] = {{window - margin, 0}, ShiftedBy(window - margin, step)};
-    all(other - margin, rows, 2, static_cast<int32_t>(ring_.pitch()));
-    std::swap(window, other);
+    const ShiftedRow rows[] = {{window, 0}, ShiftedBy(window, step)};
+    erosionRows().all(to, rows, 2, words);
+    window = to;
+    std::swap(to, other);
     done += step;
   }
-  return window;
+  return window + margin;
 }
 
-// Erodes a row by the members of a rectangle that lie side by side.
-void Erosion::AlongRow(int32_t y, uint64_t* to) {
-  const auto all = erosionRows().all;
-  const BitPlane& from = Left();
+// Erodes by the members of a rectangle that lie side by side.
+void Erosion::AlongRows(const Block& block) {
+  if (IsClear(block)) return Clear(block, &alongRows_);
   const ElementRun& run = shape_.members().runs[0];
-  if (RowIsClear(from, y)) {
-    std::fill_n(to, from.words(), 0);
-  } else if (run.length > SINGLE_MEMBERS) {
-    const ShiftedRow window = ShiftedBy(Window(from.Row(y), run.length), run.column);
-    all(to, &window, 1, from.words());
+  const uint64_t* from = Left().Row(block.begin);
+  int32_t count = 1;
+  if (run.length > SINGLE_MEMBERS) {
+    shifted_[0] = ShiftedBy(Window(block, 0, run.length), run.column);
   } else {
-    for (int32_t i = 0; i < run.length; i++) {
-      shifted_[static_cast<size_t>(i)] = ShiftedBy(from.Row(y), run.column + i);
+    count = run.length;
+    for (int32_t i = 0; i < count; i++) {
+      shifted_[static_cast<size_t>(i)] = ShiftedBy(from, run.column + i);
     }
-    all(to, shifted_.data(), run.length, from.words());
   }
+  erosionRows().all(alongRows_.Row(block.begin), shifted_.data(), count, WordsOf(block));
 }
 
-// Along rows, then along columns.
-void Erosion::StepByRows() {
-  const auto all = erosionRows().all;
-  const BitPlane& from = Left();
-  BitPlane& to = planes_[turns_[2]];
+void Erosion::AcrossRows(const Block& block, BitPlane* to) {
   const RunList members = shape_.members();
-  const auto ringRow = [&](int32_t y) { return ring_.Row(y % members.count); };
-  int32_t done = NO_ROWS;
-  for (int32_t y = 0; y < to.height(); y++) {
-    const int32_t last = Clip(int64_t{y} + members.runs[members.count - 1].row);
-    while (done < last) {
-      done++;
-      AlongRow(done, ringRow(done));
-    }
-    if (Shrinks() && RowIsClear(from, y)) {
-      RowClear(&to, y);
-      continue;
-    }
-    for (int32_t i = 0; i < members.count; i++) {
-      shifted_[static_cast<size_t>(i)] = {ringRow(Clip(int64_t{y} + members.runs[i].row)), 0};
-    }
-    all(to.Row(y), shifted_.data(), members.count, from.words());
-    to.RowReplicate(y);
+  for (int32_t i = 0; i < members.count; i++) {
+    const int64_t y = int64_t{block.begin} + members.runs[i].row;
+    shifted_[static_cast<size_t>(i)] = {alongRows_.Row(y), 0};
   }
+  erosionRows().all(to->Row(block.begin), shifted_.data(), members.count, WordsOf(block));
 }
 
-void Erosion::StepByMembers() {
+void Erosion::ByMembers(const Block& block, BitPlane* to) {
   const auto all = erosionRows().all;
-  const BitPlane& from = Left();
-  BitPlane& to = planes_[turns_[2]];
+  const int32_t words = WordsOf(block);
+  uint64_t* result = to->Row(block.begin);
+  std::fill_n(result, words, ~uint64_t{0});
+  shifted_[0] = {result, 0};  // what long runs have left of it
+  shifted_[1] = {Left().Row(block.begin), 0};
+  int32_t count = looksAtPixel_ ? 2 : 1;
   const RunList members = shape_.members();
-  for (int32_t y = 0; y < to.height(); y++) {
-    uint64_t* row = to.Row(y);
-    if (Shrinks() && RowIsClear(from, y)) {
-      RowClear(&to, y);
+  for (int32_t i = 0; i < members.count; i++) {
+    const ElementRun& run = members.runs[i];
+    const int32_t column = shape_.ColumnAt(run, block.begin);
+    if (run.length > SINGLE_MEMBERS) {
+      const ShiftedRow rows[] = {{result, 0},
+                                 ShiftedBy(Window(block, run.row, run.length), column)};
+      all(result, rows, 2, words);
       continue;
     }
-    std::fill_n(row, to.words(), ~uint64_t{0});
-    shifted_[0] = {row, 0};  // what long runs have left of it
-    shifted_[1] = {from.Row(y), 0};
-    int32_t count = looksAtPixel_ ? 2 : 1;
-    for (int32_t i = 0; i < members.count; i++) {
-      const ElementRun& run = members.runs[i];
-      const uint64_t* at = from.Row(Clip(int64_t{y} + run.row));
-      const int32_t column = shape_.ColumnAt(run, y);
-      if (run.length > SINGLE_MEMBERS) {
-        const ShiftedRow rows[] = {{row, 0}, ShiftedBy(Window(at, run.length), column)};
-        all(row, rows, 2, to.words());
-        continue;
-      }
-      for (int32_t m = 0; m < run.length; m++) {
-        shifted_[static_cast<size_t>(count++)] = ShiftedBy(at, column + m);
-      }
+    const uint64_t* from = Left().Row(int64_t{block.begin} + run.row);
+    for (int32_t m = 0; m < run.length; m++) {
+      shifted_[static_cast<size_t>(count++)] = ShiftedBy(from, column + m);
     }
-    all(row, shifted_.data(), count, to.words());
-    to.RowReplicate(y);
   }
+  all(result, shifted_.data(), count, words);
 }
 
 void Erosion::Step() {
+  BitPlane& to = planes_[turns_[2]];
   if (isRectangle_) {
-    StepByRows();
-  } else {
-    StepByMembers();
+    EachBlock([this](const Block& block) { AlongRows(block); });
+    alongRows_.FrameReplicate();
   }
+  EachBlock([this, &to](const Block& block) {
+    if (Shrinks() && IsClear(block)) return Clear(block, &to);
+    if (isRectangle_) {
+      AcrossRows(block, &to);
+    } else {
+      ByMembers(block, &to);
+    }
+    for (int32_t y = block.begin; y < block.end; y++) to.RowReplicate(y);
+  });
+  to.FrameReplicate();
   if (Shrinks()) {
     std::swap(turns_[0], turns_[1]);
     turns_[2] = turns_[1];
@@ -203,7 +219,7 @@ bool Erosion::IsLikeBefore(int32_t steps) const {
   const BitPlane& now = Left();
   const BitPlane& before = planes_[turns_[steps]];
   for (int32_t y = 0; y < now.height(); y++) {
-    if (std::memcmp(now.Row(y), before.Row(y), static_cast<size_t>(now.words()) * 8) != 0) {
+    if (std::memcmp(now.Row(y), before.Row(y), static_cast<size_t>(now.usedWords()) * 8) != 0) {
       return false;
     }
   }

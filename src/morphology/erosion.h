@@ -40,21 +40,30 @@ class Erosion {
   bool Shrinks() const { return looksAtPixel_ || shape_.hasCentre(); }
 
  private:
+  struct Block {
+    int32_t begin, end;  // rows
+  };
+
   bool IsRectangle() const;
-  void StepByRows();
-  void AlongRow(int32_t y, uint64_t* to);
-  void StepByMembers();
-  const uint64_t* Window(const uint64_t* from, int32_t length);
-  int32_t Clip(int64_t y) const;
+  template <class Work>
+  void EachBlock(const Work& work) const;
+  int32_t WordsOf(const Block& block) const;
+  bool IsClear(const Block& block) const;
+  void Clear(const Block& block, BitPlane* plane) const;
+  void AlongRows(const Block& block);
+  void AcrossRows(const Block& block, BitPlane* to);
+  void ByMembers(const Block& block, BitPlane* to);
+  const uint64_t* Window(const Block& block, int32_t row, int32_t length);
 
   ElementShape shape_;
   bool looksAtPixel_ = false;     // also where it is no member
   bool isRectangle_ = false;      // eroded along rows first, then along columns
   BitPlane planes_[3];            // the third only where steps can go back to what was before
-  BitPlane ring_;                 // rows eroded along rows, as many as the element has
+  BitPlane alongRows_;            // of a rectangle: what the first half of a step leaves
   int32_t turns_[3] = {0, 1, 2};  // the planes of now, before one step, before two steps
   int32_t steps_ = 0;             // not counted beyond two
-  WorkArray<uint64_t> windows_;
+  int32_t blockRows_ = 1;
+  WorkArray<uint64_t> windows_;  // two for a block
   int64_t windowWords_ = 0;
   WorkArray<ShiftedRow> shifted_;
 };

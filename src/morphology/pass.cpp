@@ -15,8 +15,8 @@ int32_t DoublingsOf(int32_t length) {
 
 // Spans of 2^doublings pixels and shorter ones that cover a run, with overlaps.
 int64_t PlacesOf(const ElementRun& run, int32_t doublings) {
-  const int32_t span = 1 << std::min(doublings, DoublingsOf(run.length));
-  return (run.length + span - 1) / span;
+  const int32_t most = std::min(doublings, DoublingsOf(run.length));
+  return (int64_t{run.length} + (1 << most) - 1) >> most;
 }
 
 // Making spans twice as long costs about two places for each pixel.
@@ -75,11 +75,12 @@ MorphologyPass ExtremePass(const ElementShape& shape, int32_t type, Extreme extr
                       .pixelBytes = PixelBytesOf(type),
                       .hexagonal = shape.hexagonal(),
                       .reach = ReachOf(shape.members(), shape.hexagonal()),
-                      .members = PlanOf(shape.members()),
+                      .members = {},
                       .others = {},
                       .extremes = &morphologyRows().For(type, extreme),
                       .finish = finish};
   pass.isRectangle = !pass.hexagonal && FillsItsReach(shape.members(), pass.reach);
+  if (!pass.isRectangle) pass.members = PlanOf(shape.members());
   const int64_t places = pass.isRectangle ? pass.reach.Rows() : pass.members.places;
   pass.effort = 1 + std::min<int64_t>(places, 1000) / PLACES_OF_AN_EFFORT;
   return pass;
@@ -89,6 +90,7 @@ MorphologyPass MatchPass(const ElementShape& shape, Finish finish) {
   MorphologyPass pass = ExtremePass(shape, IMAGE_U8, SMALLEST, finish);
   if (shape.others().count == 0) return pass;
   pass.isRectangle = false;
+  pass.members = PlanOf(shape.members());
   pass.others = PlanOf(shape.others());
   pass.otherExtremes = &morphologyRows().For(IMAGE_U8, LARGEST);
   if (shape.members().count == 0) pass.reach = ReachOf(shape.others(), shape.hexagonal());

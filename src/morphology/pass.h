@@ -36,7 +36,7 @@ struct MorphologyPass {
   bool hexagonal = false;
   bool isRectangle = false;  // all members and nothing else between the ends of the reach
   PassReach reach{};
-  RunPlan members, others;
+  RunPlan members, others;                         // rectangles need none
   const ExtremeRoutines* extremes = nullptr;       // of the members
   const ExtremeRoutines* otherExtremes = nullptr;  // of the other positions, where they count
   Finish finish = FINISH_VALUE;

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <iterator>
+#include <type_traits>
 
 namespace zel {
 namespace {
@@ -18,11 +20,21 @@ int64_t RowsKeptFor(const MorphologyPass& reader) {
   return above + std::max(reach.bottom, 0) + 1;
 }
 
+// Margins are filled in stores of so many bytes, which rings have room for on both sides: usual
+// ones take a single store.
+constexpr int32_t STORE_BYTES = 8;
+
 template <class T>
 void Replicate(uint8_t* row, int32_t width, int32_t left, int32_t right) {
-  T* pixels = reinterpret_cast<T*>(row);
-  std::fill_n(pixels - left, left, pixels[0]);
-  std::fill_n(pixels + width, right, pixels[width - 1]);
+  using Group = T[STORE_BYTES / sizeof(T)];
+  constexpr auto lanes = static_cast<int32_t>(std::extent_v<Group>);
+  T* const pixels = reinterpret_cast<T*>(row);
+  Group group;
+  std::fill(std::begin(group), std::end(group), pixels[0]);
+  for (int32_t i = 0; i < left; i += lanes) std::memcpy(pixels - i - lanes, group, sizeof group);
+  T* const behind = pixels + width;
+  std::fill(std::begin(group), std::end(group), behind[-1]);
+  for (int32_t i = 0; i < right; i += lanes) std::memcpy(behind + i, group, sizeof group);
 }
 
 }  // namespace
@@ -43,8 +55,8 @@ void PassInput::TakeRing(const MorphologyPass& reader, Arena* arena) {
   isRing_ = true;
   left_ = std::max(-reader.reach.left, 0);
   right_ = std::max(reader.reach.right, 0);
-  ring_.Take(arena, RowsKeptFor(reader), -left_, int64_t{left_} + image_.width + right_,
-             reader.pixelBytes);
+  ring_.Take(arena, RowsKeptFor(reader), -left_,
+             int64_t{left_} + image_.width + right_ + STORE_BYTES, reader.pixelBytes);
 }
 
 void PassInput::TakeCopies(const PixelView& image, const MorphologyPass& reader, Arena* arena) {
@@ -106,6 +118,7 @@ void SpanRows::Take(const MorphologyPass& pass, const RunPlan& plan,
 }
 
 void SpanRows::MakeUpTo(int64_t row, PassInput* input) {
+  if (plan_->doublings == 0) return;
   const int64_t last = input->Inside(row);
   const int64_t left = int64_t{pass_->reach.left} * pass_->pixelBytes;
   for (; next_ <= last; next_++) {
@@ -124,7 +137,25 @@ void SpanRows::MakeUpTo(int64_t row, PassInput* input) {
   }
 }
 
-PixelList SpanRows::PlacesAround(int64_t row, const PassInput& input) const {
+PixelList SpanRows::PlacesAround(int64_t row, const PassInput& input) {
+  const PassReach& reach = pass_->reach;
+  const bool areInImage = plan_->doublings == 0 && !pass_->hexagonal;
+  const auto count = static_cast<int32_t>(plan_->places);
+  if (areInImage && row == around_ + 1 &&
+      input.FollowInImage(row + reach.top, row + reach.bottom)) {
+    const int64_t pitch = input.pitch();
+    const void** places = places_;
+    for (int32_t i = 0; i < count; i++) {
+      places[i] = static_cast<const uint8_t*>(places[i]) + pitch;
+    }
+  } else {
+    PlacesFind(row, input);
+  }
+  around_ = row;
+  return {places_, count};
+}
+
+void SpanRows::PlacesFind(int64_t row, const PassInput& input) {
   int32_t count = 0;
   const bool shifts = pass_->hexagonal && (row & 1) != 0;
   for (int32_t i = 0; i < plan_->list.count; i++) {
@@ -140,7 +171,6 @@ PixelList SpanRows::PlacesAround(int64_t row, const PassInput& input) const {
       places_[count++] = pixels + int64_t{column} * pass_->pixelBytes;
     }
   }
-  return {places_, count};
 }
 
 // ---- tall rectangles
@@ -225,6 +255,7 @@ void PassStage::Begin(int64_t row) {
   members_.Begin(nextSpans_);
   others_.Begin(nextSpans_);
   blocks_.Begin();
+  hasRows_ = false;
 }
 
 void PassStage::MakeSpansUpTo(int64_t row) {
@@ -240,11 +271,16 @@ void PassStage::MakeSpansUpTo(int64_t row) {
 
 PixelList PassStage::RectangleAround(int64_t row) {
   const PassReach& reach = pass_->reach;
+  const int32_t count = reach.Rows();
   MakeSpansUpTo(row + reach.bottom);
-  for (int32_t i = 0; i < reach.Rows(); i++) {
+  // From one row to the next they move up, and one comes in.
+  int32_t known = 0;
+  for (; hasRows_ && known < count - 1; known++) rows_[known] = rows_[known + 1];
+  for (int32_t i = known; i < count; i++) {
     rows_[i] = spans_.Row(input_->Inside(row + reach.top + i));
   }
-  return {rows_, reach.Rows()};
+  hasRows_ = true;
+  return {rows_, count};
 }
 
 PixelList PassStage::PlacesAround(int64_t row) {

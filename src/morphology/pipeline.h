@@ -65,6 +65,11 @@ class PassInput {
     return row < 0 ? 0 : row < image_.height ? row : image_.height - 1;
   }
   int32_t width() const { return image_.width; }
+  // Whether these rows and the one above them lie in the image, one after the other in memory.
+  bool FollowInImage(int64_t first, int64_t last) const {
+    return !isRing_ && first > 0 && last < image_.height;
+  }
+  int64_t pitch() const { return image_.pitch; }
 
  private:
   void TakeRing(const MorphologyPass& reader, Arena* arena);
@@ -84,12 +89,18 @@ class SpanRows {
  public:
   void Take(const MorphologyPass& pass, const RunPlan& plan, const ExtremeRoutines& extremes,
             int32_t width, Arena* arena);
-  void Begin(int64_t row) { next_ = row; }
+  void Begin(int64_t row) {
+    next_ = row;
+    around_ = NO_ROW;
+  }
   void MakeUpTo(int64_t row, PassInput* input);
   // The places of the list around a row.
-  PixelList PlacesAround(int64_t row, const PassInput& input) const;
+  PixelList PlacesAround(int64_t row, const PassInput& input);
 
  private:
+  static constexpr int64_t NO_ROW = -2;
+  void PlacesFind(int64_t row, const PassInput& input);
+
   const MorphologyPass* pass_ = nullptr;
   const RunPlan* plan_ = nullptr;
   const ExtremeRoutines* extremes_ = nullptr;
@@ -97,6 +108,7 @@ class SpanRows {
   RowRing* rings_ = nullptr;  // of spans of 2, 4, 8...
   int64_t columns_ = 0;
   int64_t next_ = 0;
+  int64_t around_ = NO_ROW;  // the row that the places are around
 };
 
 // Rectangles of many rows: the rows of spans lie in blocks as high as the rectangle, so that one
@@ -144,8 +156,9 @@ class PassStage {
   RowRing spans_;  // of rectangles
   ColumnBlocks blocks_;
   void* spanMemory_ = nullptr;
-  const void** rows_ = nullptr;
+  const void** rows_ = nullptr;  // of spans, around a row
   int64_t nextSpans_ = 0;
+  bool hasRows_ = false;  // of the row before
 };
 
 // The stages of one chain.

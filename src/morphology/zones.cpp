@@ -131,26 +131,29 @@ bool ZoneGrowth::Pass() {
   const int32_t last = view_.height - 1;
   const auto pitch = static_cast<size_t>(labelled_.pitch());
   const int32_t margin = labelled_.marginWords();
-  uint64_t* above = before_.data();
-  uint64_t* self = above + pitch;
+  uint64_t* self = before_.data();
+  uint64_t* other = self + pitch;
+  const uint64_t* above = nullptr;  // as it was before the pass
   uint8_t* changing = changed_.data();
   const uint8_t* changed = changing + view_.height;
   bool any = false;
   for (int32_t y = 0; y <= last; y++) {
     uint64_t* bits = labelled_.Row(y);
-    std::memcpy(self, bits - margin, pitch * sizeof(uint64_t));
-    if (y == 0) std::memcpy(above, self, pitch * sizeof(uint64_t));
     const int32_t below = std::min(y + 1, last);
     const bool isLive = (changed[std::max(y - 1, 0)] | changed[y] | changed[below]) != 0;
     changing[y] = 0;
+    const uint64_t* before = bits;
     if (isLive) {
-      const uint64_t* belowBits = below == y ? self + margin : labelled_.Row(below);
-      const Rows rows{{above + margin, self + margin, belowBits}, {std::max(y - 1, 0), y, below}};
+      std::memcpy(self, bits - margin, pitch * sizeof(uint64_t));
+      before = self + margin;
+      const uint64_t* belowBits = below == y ? before : labelled_.Row(below);
+      const Rows rows{{y == 0 ? before : above, before, belowBits}, {std::max(y - 1, 0), y, below}};
       changing[y] = RowGrow(y, rows, bits);
       if (changing[y] != 0) RowMarginsSet(bits);
       any |= changing[y] != 0;
+      std::swap(self, other);
     }
-    std::swap(above, self);
+    above = before;
   }
   std::memcpy(changing + view_.height, changing, static_cast<size_t>(view_.height));
   return any;

@@ -18,14 +18,17 @@ class FlatBuilder {
   FlatBuilder(Handle vector, int64_t limit) : vector_(vector), limit_(limit) {}
 
   bool IsFull() const { return count_ == limit_; }
-  // STATUS_MEMORY_FULL.
-  Status Append(int32_t first, int32_t second) {
+  int64_t count() const { return count_; }
+  PointInt operator[](int64_t place) const { return pairs_[place]; }
+  // One that is not kept is overwritten by the next. STATUS_MEMORY_FULL.
+  Status Append(int32_t first, int32_t second, bool isKept = true) {
     if (IsFull()) return STATUS_OK;
     if (count_ == capacity_) {
       const Status status = Grow();
       if (status != STATUS_OK) return status;
     }
-    pairs_[count_++] = {first, second};
+    pairs_[count_] = {first, second};
+    count_ += isKept ? 1 : 0;
     return STATUS_OK;
   }
   // Puts the rectangle in front and gives the vector its size. STATUS_MEMORY_FULL.

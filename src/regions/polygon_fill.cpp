@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "morphology/distance_rows.h"
+
 namespace zel {
 namespace {
 
@@ -22,12 +24,27 @@ struct FloorQuotient {
   }
 };
 
+// Of a row of so many columns.
+size_t WordsOf(int32_t columns) {
+  return (static_cast<size_t>(columns) + 63) / 64;
+}
+
+// Each bit becomes whether an odd number of bits up to it is set.
+uint64_t OddUpTo(uint64_t bits) {
+  for (int32_t step = 1; step < 64; step *= 2) bits ^= bits << step;
+  return bits;
+}
+
+// Rows of more crossings are not sorted.
+constexpr int32_t MOST_SORTED = 16;
+
 }  // namespace
 
-Status PolygonFill::Prepare(int64_t points, int32_t rows) {
+Status PolygonFill::Prepare(int64_t points, int32_t rows, int32_t columns) {
   const auto crossings = 2 * static_cast<uint64_t>(points);
   const bool hasMemory = crossings_.Allocate(crossings) && active_.Allocate(crossings) &&
-                         beginning_.Allocate(static_cast<uint64_t>(std::max(rows, 0)));
+                         beginning_.Allocate(static_cast<uint64_t>(std::max(rows, 0))) &&
+                         columns_.Allocate(2 * WordsOf(std::max(columns, 0)));
   return hasMemory ? STATUS_OK : STATUS_MEMORY_FULL;
 }
 
@@ -131,39 +148,37 @@ void PolygonFill::Add(int64_t first, const Crossing& crossing) {
   lists[row] = crossingCount_++;
 }
 
-void PolygonFill::Insert(const Crossing& crossing) {
-  Crossing* place = active_.data() + activeCount_++;
-  for (; place > active_.data() && place[-1].x > crossing.x && shiftsLeft_ > 0; place--) {
-    place[0] = place[-1];
-    shiftsLeft_--;
-  }
-  *place = crossing;
-}
-
-// From the crossings of the row before to those of this one, in order. Edges hardly change places
-// from row to row, so that each is inserted near where it was.
+// From the crossings of the row before to those of this one.
 void PolygonFill::Advance(int32_t y) {
+  Crossing* active = active_.data();
   const int32_t before = activeCount_;
-  shiftsLeft_ = 8 * int64_t{before} + 64;
-  activeCount_ = 0;
+  int32_t count = 0;
   for (int32_t i = 0; i < before; i++) {
-    Crossing crossing = active_[static_cast<size_t>(i)];
-    if (crossing.last < y) continue;
-    crossing.GoOn();
-    Insert(crossing);
+    if (active[i].last < y) continue;
+    active[count] = active[i];
+    active[count++].GoOn();
   }
   for (int32_t index = beginning_[static_cast<size_t>(y)]; index != NONE;) {
-    const Crossing& crossing = crossings_[static_cast<size_t>(index)];
-    Insert(crossing);
-    index = crossing.next;
+    active[count] = crossings_[static_cast<size_t>(index)];
+    index = active[count++].next;
   }
-  if (shiftsLeft_ == 0) {
-    std::sort(active_.data(), active_.data() + activeCount_,
-              [](const Crossing& a, const Crossing& b) { return a.x < b.x; });
+  activeCount_ = count;
+}
+
+// Edges hardly change places from row to row, so that each is inserted near where it was.
+void PolygonFill::SortActive() {
+  Crossing* active = active_.data();
+  for (int32_t i = 1; i < activeCount_; i++) {
+    const Crossing crossing = active[i];
+    int32_t place = i;
+    for (; place > 0 && active[place - 1].x > crossing.x; place--) {
+      active[place] = active[place - 1];
+    }
+    active[place] = crossing;
   }
 }
 
-void PolygonFill::PaintRow(int32_t y, uint8_t value) const {
+void PolygonFill::PaintSorted(int32_t y, uint8_t value) const {
   auto* row = view_.Row<uint8_t>(y);
   for (int32_t i = 0; i + 1 < activeCount_; i += 2) {
     const int32_t first = std::max(active_[static_cast<size_t>(i)].x, 0);
@@ -172,10 +187,45 @@ void PolygonFill::PaintRow(int32_t y, uint8_t value) const {
   }
 }
 
+// A pixel is painted where a crossing is, and where an odd number of them lies before it: that
+// needs no order. Of an odd number in all, the last one has no other to go with.
+void PolygonFill::PaintByColumns(int32_t y, uint8_t value) {
+  const Crossing* active = active_.data();
+  const Crossing* end = active + activeCount_;
+  const auto isBefore = [](const Crossing& a, const Crossing& b) { return a.x < b.x; };
+  const Crossing* alone = activeCount_ % 2 != 0 ? std::max_element(active, end, isBefore) : end;
+  const size_t words = WordsOf(view_.width);
+  uint64_t* any = columns_.data();
+  uint64_t* odd = any + words;
+  std::fill_n(any, 2 * words, 0);
+  uint64_t before = 0;  // all bits, of the words so far
+  for (const Crossing* crossing = active; crossing < end; crossing++) {
+    if (crossing == alone || crossing->x >= view_.width) continue;
+    if (crossing->x < 0) {
+      before = ~before;
+      continue;
+    }
+    const uint64_t bit = uint64_t{1} << (crossing->x % 64);
+    any[crossing->x / 64] |= bit;
+    odd[crossing->x / 64] ^= bit;
+  }
+  for (size_t i = 0; i < words; i++) {
+    const uint64_t upTo = OddUpTo(odd[i]);
+    any[i] |= upTo << 1 ^ before;
+    if (upTo >> 63 != 0) before = ~before;
+  }
+  distanceRows().store(view_.Row<uint8_t>(y), any, view_.width, value);
+}
+
 void PolygonFill::Paint(uint8_t value) {
   for (int32_t y = firstRow_; y < endRow_; y++) {
     Advance(y);
-    PaintRow(y, value);
+    if (activeCount_ <= MOST_SORTED) {
+      SortActive();
+      PaintSorted(y, value);
+    } else {
+      PaintByColumns(y, value);
+    }
   }
 }
 

@@ -16,8 +16,9 @@ namespace zel {
 // goes on in the same vertical direction is one crossing so, and one at which it turns is two.
 class PolygonFill {
  public:
-  // For polygons of at most so many points. STATUS_MEMORY_FULL.
-  Status Prepare(int64_t points, int32_t rows);
+  // For polygons of at most so many points, in views of at most so many rows and columns.
+  // STATUS_MEMORY_FULL.
+  Status Prepare(int64_t points, int32_t rows, int32_t columns);
 
   // A polygon that is not seen beyond `frameHeight` rows, of which the view has the first ones.
   // Begin, then all edges in their order, the one back to the first point last, then Paint.
@@ -45,9 +46,10 @@ class PolygonFill {
   void Add(int64_t first, const Crossing& crossing);
   void AddPoint(PointInt point);
   void AddSlope(PointInt from, PointInt to);
-  void Insert(const Crossing& crossing);
   void Advance(int32_t y);
-  void PaintRow(int32_t y, uint8_t value) const;
+  void SortActive();
+  void PaintSorted(int32_t y, uint8_t value) const;
+  void PaintByColumns(int32_t y, uint8_t value);
 
   PixelView view_;
   int64_t frameHeight_ = 0;
@@ -55,10 +57,10 @@ class PolygonFill {
   int32_t firstRow_ = 0, endRow_ = 0;  // with crossings
   int32_t crossingCount_ = 0;
   int32_t activeCount_ = 0;
-  int64_t shiftsLeft_ = 0;  // of insertions in this row, beyond which it is sorted as a whole
   WorkArray<Crossing> crossings_;
-  WorkArray<Crossing> active_;    // those of the row at hand, by their x
+  WorkArray<Crossing> active_;    // those of the row at hand
   WorkArray<int32_t> beginning_;  // in a row: the first crossing of a list
+  WorkArray<uint64_t> columns_;   // of a row: two bits for each
 };
 
 }  // namespace zel

@@ -90,8 +90,10 @@ Status MaskFromRoi(ImageRef reference, ImageRef model, Handle vector, uint8_t va
 
   const auto storedHeight =
       static_cast<int32_t>(std::clamp<int64_t>(plan.frame.height, 0, plan.mask.height));
+  const auto storedWidth =
+      static_cast<int32_t>(std::clamp<int64_t>(plan.frame.width, 0, plan.mask.width));
   PolygonFill fill;
-  status = fill.Prepare(LargestPolygon(vector), storedHeight);
+  status = fill.Prepare(LargestPolygon(vector), storedHeight, storedWidth);
   if (status == STATUS_OK) {
     status = ImageLayoutSize(mask, static_cast<int32_t>(plan.mask.width),
                              static_cast<int32_t>(plan.mask.height), true);
@@ -108,10 +110,8 @@ Status MaskFromRoi(ImageRef reference, ImageRef model, Handle vector, uint8_t va
     mask->offsetX = plan.left;
     mask->offsetY = plan.top;
   }
-  const auto storedWidth =
-      static_cast<int32_t>(std::clamp<int64_t>(plan.frame.width, 0, view.width));
-  const PixelView stored =
-      view.Columns(0, storedWidth).Rows(0, std::min(storedHeight, view.height));
+  const PixelView stored = view.Columns(0, std::min(storedWidth, view.width))
+                               .Rows(0, std::min(storedHeight, view.height));
   if (stored.IsEmpty()) return STATUS_OK;
   const Painter::Frame frame{static_cast<int32_t>(plan.frame.width),
                              static_cast<int32_t>(plan.frame.height), plan.left, plan.top};

@@ -23,25 +23,29 @@ class OutlineList {
   bool IsFull() const { return pairs_.IsFull(); }
   // Each is dropped at the limit. STATUS_MEMORY_FULL.
   Status AppendMarker(int32_t marker, int32_t type) { return pairs_.Append(marker, type); }
-  Status AppendVertex(PointInt point) {
-    // One that could be taken for a marker is not looked at.
-    if (!IsFull() && point.x >= 0) {
-      rect_.left = std::min(rect_.left, point.x);
-      rect_.top = std::min(rect_.top, point.y);
-      rect_.right = std::max(rect_.right, point.x);
-      rect_.bottom = std::max(rect_.bottom, point.y);
-    }
-    return pairs_.Append(point.x, point.y);
+  Status AppendVertex(PointInt point, bool isKept) {
+    return pairs_.Append(point.x, point.y, isKept);
   }
-  Status Finish() {
-    return pairs_.Finish(
-        {rect_.left, rect_.top, SumWrapped(rect_.right, 1), SumWrapped(rect_.bottom, 1)});
-  }
+  Status Finish();
 
  private:
   FlatBuilder pairs_;
-  KernelRect rect_{32000, 32000, 0, 0};
 };
+
+Status OutlineList::Finish() {
+  KernelRect rect{32000, 32000, 0, 0};
+  for (int64_t i = FlatBuilder::RECT_PAIRS; i < pairs_.count(); i++) {
+    const PointInt point = pairs_[i];
+    // Markers, and what could be taken for one, are not looked at.
+    if (point.x < 0) continue;
+    rect.left = std::min(rect.left, point.x);
+    rect.top = std::min(rect.top, point.y);
+    rect.right = std::max(rect.right, point.x);
+    rect.bottom = std::max(rect.bottom, point.y);
+  }
+  return pairs_.Finish(
+      {rect.left, rect.top, SumWrapped(rect.right, 1), SumWrapped(rect.bottom, 1)});
+}
 
 // ---- planes
 
@@ -53,7 +57,7 @@ void EdgesTake(const BitPlane& plane, BitPlane* edges) {
     const uint64_t* above = plane.Row(y - 1);
     const uint64_t* below = plane.Row(y + 1);
     uint64_t* to = edges->Row(y);
-    for (int32_t i = 0; i < plane.words(); i++) {
+    for (int32_t i = 0; i < plane.usedWords(); i++) {
       const uint64_t left = row[i] << 1 | row[i - 1] >> 63;
       const uint64_t right = row[i] >> 1 | row[i + 1] << 63;
       to[i] = row[i] & ~(left & right & above[i] & below[i]);
@@ -76,65 +80,68 @@ class Tracer {
 
  private:
   Status Trace(PointInt at, int32_t marker);
-  uint32_t Neighbours(PointInt at) const;
-  uint32_t ThreeBits(const uint64_t* row, int32_t x) const;
-  Status AppendVertex(PointInt at);
+  Status AppendVertex(PointInt at, bool isKept);
+  void Clear(PointInt at) { edges_->Row(at.y)[at.x / 64] &= ~(uint64_t{1} << at.x % 64); }
 
   BitPlane* edges_;
   OutlineList* outlines_;
   PointInt offset_;
 };
 
-// Pixels x - 1 to x + 1 of a row, from the lowest bit on.
-uint32_t Tracer::ThreeBits(const uint64_t* row, int32_t x) const {
-  const int32_t first = x + 63;  // of x - 1, from the word before the row on
-  const uint64_t* words = row - 1 + first / 64;
-  const int32_t shift = first % 64;
+// Three pixels of a row, from the lowest bit on. The first is bit `shift` of a word.
+uint32_t ThreeBits(const uint64_t* words, uint32_t shift) {
   return static_cast<uint32_t>(words[0] >> shift | words[1] << 1 << (63 - shift)) & 7;
 }
 
 // Which of the eight directions lead to a set pixel.
-uint32_t Tracer::Neighbours(PointInt at) const {
-  const uint32_t above = ThreeBits(edges_->Row(at.y - 1), at.x);
-  const uint32_t beside = ThreeBits(edges_->Row(at.y), at.x);
-  const uint32_t below = ThreeBits(edges_->Row(at.y + 1), at.x);
+uint32_t Neighbours(const BitPlane& plane, PointInt at) {
+  const auto first = static_cast<uint32_t>(at.x) + 63;  // from the word before the row on
+  const uint64_t* row = plane.Row(at.y) - 1 + first / 64;
+  const uint32_t above = ThreeBits(row - plane.pitch(), first % 64);
+  const uint32_t beside = ThreeBits(row, first % 64);
+  const uint32_t below = ThreeBits(row + plane.pitch(), first % 64);
   return above | (beside & 4) << 1 | (below & 4) << 2 | (below & 2) << 4 | (below & 1) << 6 |
          (beside & 1) << 7;
 }
 
-Status Tracer::AppendVertex(PointInt at) {
-  return outlines_->AppendVertex({SumWrapped(at.x, offset_.x), SumWrapped(at.y, offset_.y)});
+Status Tracer::AppendVertex(PointInt at, bool isKept) {
+  return outlines_->AppendVertex({SumWrapped(at.x, offset_.x), SumWrapped(at.y, offset_.y)},
+                                 isKept);
 }
 
-// Follows set pixels from one to the next, as far to the left as they go on, and clears them. Only
-// where the direction changes is there a vertex.
+constexpr int32_t NO_WAY = -1;
+constexpr int32_t NO_DIRECTION = -5;  // odd: a contour begins to the right or below
+
+// As far to the left as set pixels go on.
+int32_t NextDirection(const BitPlane& plane, PointInt at, int32_t previous) {
+  const bool isOdd = (previous & 1) != 0;
+  const int32_t first = (previous - (isOdd ? 1 : 2)) & 7;
+  const uint32_t all = Neighbours(plane, at);
+  const uint32_t tried = (all | all << 8) >> first & (isOdd ? 31 : 63);
+  return tried == 0 ? NO_WAY : (first + std::countr_zero(tried)) & 7;
+}
+
+// Follows set pixels from one to the next and clears them. Only where the direction changes is
+// there a vertex; as that is a matter of chance, all pixels are stored, and those kept.
 Status Tracer::Trace(PointInt at, int32_t marker) {
-  constexpr int32_t none = -5;  // odd: a contour begins to the right or below
-  int32_t previous = none;
-  while (true) {
-    edges_->Row(at.y)[at.x / 64] &= ~(uint64_t{1} << at.x % 64);
-    const bool isOdd = (previous & 1) != 0;
-    const int32_t first = (previous - (isOdd ? 1 : 2)) & 7;
-    const uint32_t all = Neighbours(at);
-    const uint32_t tried = (all | all << 8) >> first & (isOdd ? 31 : 63);
-    if (tried == 0) break;
-    const int32_t direction = (first + std::countr_zero(tried)) & 7;
-    if (direction != previous) {
-      Status status = previous == none ? outlines_->AppendMarker(marker, ROI_POLYGON) : STATUS_OK;
-      if (status == STATUS_OK) status = AppendVertex(at);
-      if (status != STATUS_OK) return status;
-      previous = direction;
-    }
+  int32_t previous = NO_DIRECTION;
+  int32_t direction = NextDirection(*edges_, at, previous);
+  Status status = outlines_->AppendMarker(marker, direction == NO_WAY ? ROI_POINT : ROI_POLYGON);
+  while (status == STATUS_OK && direction != NO_WAY) {
+    status = AppendVertex(at, direction != previous);
+    Clear(at);
+    previous = direction;
     at = {at.x + STEPS[direction].x, at.y + STEPS[direction].y};
+    direction = NextDirection(*edges_, at, previous);
   }
-  const Status status = previous == none ? outlines_->AppendMarker(marker, ROI_POINT) : STATUS_OK;
-  return status != STATUS_OK ? status : AppendVertex(at);
+  Clear(at);
+  return status != STATUS_OK ? status : AppendVertex(at, true);
 }
 
 Status Tracer::TraceAll(int32_t marker) {
   for (int32_t y = 0; y < edges_->height(); y++) {
     const uint64_t* row = edges_->Row(y);
-    for (int32_t i = 0; i < edges_->words(); i++) {
+    for (int32_t i = 0; i < edges_->usedWords(); i++) {
       while (row[i] != 0) {
         if (outlines_->IsFull()) return STATUS_OK;  // all that follows is dropped
         const Status status = Trace({64 * i + std::countr_zero(row[i]), y}, marker);
