@@ -9,18 +9,32 @@
 
 namespace zel {
 
-bool BitPlane::Create(int32_t width, int32_t height, int32_t reach, int32_t frameRows) {
+bool BitPlane::Create(int32_t width, int32_t height, int32_t reach) {
+  width_ = width;
+  height_ = height;
+  frameRows_ = 1;
+  reachWords_ = reach / 64 + 1;
+  words_ = (usedWords() + BIT_GROUP_WORDS - 1) / BIT_GROUP_WORDS * BIT_GROUP_WORDS;
+  // A shift by whole words reads one more. Whole rows are groups too.
+  marginWords_ = (reachWords_ + 1 + 3) / 4 * 4;
+  static_assert(BIT_GROUP_WORDS == 2 * 4);
+  return Allocate(0);
+}
+
+bool BitPlane::CreatePacked(int32_t width, int32_t height, int32_t reach, int32_t frameRows) {
   width_ = width;
   height_ = height;
   frameRows_ = frameRows;
   reachWords_ = reach / 64 + 1;
-  constexpr int64_t groupPixels = 64 * BIT_GROUP_WORDS;
-  words_ = static_cast<int32_t>((width + groupPixels - 1) / groupPixels * BIT_GROUP_WORDS);
-  // A shift by whole words reads one more. Whole rows are groups too.
-  marginWords_ = (reach / 64 + 2 + 3) / 4 * 4;
-  static_assert(BIT_GROUP_WORDS == 2 * 4);
+  words_ = usedWords();
+  marginWords_ = reachWords_;
+  // What is begun in the last row is read as far as a shift goes, and a group and a word beyond.
+  return Allocate(2 * int64_t{marginWords_} + 2 * BIT_GROUP_WORDS);
+}
+
+bool BitPlane::Allocate(int64_t slackWords) {
   pitch_ = int64_t{words_} + 2 * int64_t{marginWords_};
-  return bits_.AllocateZeroed(static_cast<uint64_t>(size()));
+  return bits_.AllocateZeroed(static_cast<uint64_t>(size() + slackWords));
 }
 
 void BitPlane::Take(const PixelView& view) {
@@ -49,17 +63,23 @@ void BitPlane::RowCut(int32_t y) {
   std::fill(Row(y) + last + 1, Row(y) + words_, 0);
 }
 
-void BitPlane::RowReplicate(int32_t y) {
-  uint64_t* row = Row(y);
-  uint64_t* lastWord = row + (width_ - 1) / 64;
+void BitPlane::RowsReplicate(int32_t begin, int32_t end) {
+  if (begin >= end) return;
+  const int64_t pitch = pitch_;
+  const int32_t reachWords = reachWords_;
+  const int32_t lastPlace = (width_ - 1) / 64;
   const int32_t lastBit = (width_ - 1) % 64;
   const uint64_t used = ~uint64_t{0} >> (63 - lastBit);
-  const uint64_t first = row[0] & 1 ? ~uint64_t{0} : 0;
-  const uint64_t last = *lastWord >> lastBit & 1 ? ~uint64_t{0} : 0;
-  *lastWord = (*lastWord & used) | (last & ~used);
-  for (int32_t i = 1; i <= reachWords_; i++) {
-    row[-i] = first;
-    lastWord[i] = last;
+  uint64_t* row = Row(begin);
+  for (int32_t y = begin; y < end; y++, row += pitch) {
+    uint64_t* lastWord = row + lastPlace;
+    const uint64_t first = ~(row[0] & 1) + 1;
+    const uint64_t last = ~(*lastWord >> lastBit & 1) + 1;
+    *lastWord = (*lastWord & used) | (last & ~used);
+    for (int32_t i = 1; i <= reachWords; i++) {
+      row[-i] = first;
+      lastWord[i] = last;
+    }
   }
 }
 

@@ -17,7 +17,11 @@ class BitPlane {
  public:
   // `reach`: columns to both sides that can be read; `frameRows`: rows above and below. False when
   // there is no memory.
-  [[nodiscard]] bool Create(int32_t width, int32_t height, int32_t reach, int32_t frameRows = 1);
+  [[nodiscard]] bool Create(int32_t width, int32_t height, int32_t reach);
+  // Rows without more words than that needs, for routines that take many rows as one: what they do
+  // in whole groups goes on into the next row, and behind the last one there is room for it.
+  // `frameRows`: rows above and below.
+  [[nodiscard]] bool CreatePacked(int32_t width, int32_t height, int32_t reach, int32_t frameRows);
   // From the non-zero pixels of a U8 image of this size.
   void Take(const PixelView& view);
 
@@ -26,7 +30,7 @@ class BitPlane {
 
   int32_t width() const { return width_; }
   int32_t height() const { return height_; }
-  int32_t words() const { return words_; }              // of a row: whole groups
+  int32_t words() const { return words_; }              // of a row: whole groups, if not packed
   int32_t marginWords() const { return marginWords_; }  // on each side
   int64_t pitch() const { return pitch_; }
   int64_t size() const { return (int64_t{height_} + 2 * int64_t{frameRows_}) * pitch_; }
@@ -43,12 +47,14 @@ class BitPlane {
   void CopyFrom(const BitPlane& plane);
   // Clears the bits behind a row's last pixel.
   void RowCut(int32_t y);
-  // Continues a row beyond both ends by its first and its last pixel, as far as the reach goes.
-  void RowReplicate(int32_t y);
+  // Continues rows beyond both ends by their first and their last pixel, as far as the reach goes.
+  void RowsReplicate(int32_t begin, int32_t end);
   // The rows of the frame become the first and the last row, margins included.
   void FrameReplicate();
 
  private:
+  [[nodiscard]] bool Allocate(int64_t slackWords);
+
   WorkArray<uint64_t> bits_;
   int64_t pitch_ = 0;
   int32_t width_ = 0;

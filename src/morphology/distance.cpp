@@ -105,7 +105,7 @@ Status Distance(ImageRef source, ImageRef destination, const StructuringElement*
   WorkArray<uint64_t> lost;
   status = erosion.Start(operands.From(), *element);
   if (status != STATUS_OK) return status;
-  if (!lost.Allocate(static_cast<uint64_t>(erosion.Left().words()))) return STATUS_MEMORY_FULL;
+  if (!lost.Allocate(static_cast<uint64_t>(erosion.Left().usedWords()))) return STATUS_MEMORY_FULL;
   operands.TakeSize();
   operands.TakeInfo();
   if (operands.HasFailed()) return operands.status();

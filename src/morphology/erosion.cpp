@@ -18,6 +18,10 @@ constexpr int32_t SINGLE_MEMBERS = 3;
 // longer than the work in them; in a large one, blocks without pixels are passed over.
 constexpr int64_t BLOCK_WORDS = 256;
 
+int32_t Groups(int64_t words) {
+  return static_cast<int32_t>((words + BIT_GROUP_WORDS - 1) / BIT_GROUP_WORDS * BIT_GROUP_WORDS);
+}
+
 // Rows that members reach up or down.
 int32_t RowReach(const RunList& members) {
   int32_t reach = 0;
@@ -65,13 +69,12 @@ Status Erosion::Start(const PixelView& view, const StructuringElement& element) 
   looksAtPixel_ = !isSmall && !shape_.hasCentre();
   isRectangle_ = IsRectangle();
   const int32_t reach = shape_.MemberReach();
-  // One row more, which shifts of the last one read and don't need.
-  const int32_t frameRows = RowReach(shape_.members()) + 1;
-  const int32_t planes = Shrinks() ? 2 : 3;
-  for (int32_t i = 0; i < planes; i++) {
-    if (!planes_[i].Create(view.width, view.height, reach, frameRows)) return STATUS_MEMORY_FULL;
-  }
-  if (isRectangle_ && !alongRows_.Create(view.width, view.height, reach, frameRows)) {
+  const int32_t frameRows = RowReach(shape_.members());
+  const auto create = [&](BitPlane* plane) {
+    return plane->CreatePacked(view.width, view.height, reach, frameRows);
+  };
+  if (!create(&planes_[0]) || !create(&planes_[1]) || (!Shrinks() && !create(&planes_[2])) ||
+      (isRectangle_ && !create(&alongRows_))) {
     return STATUS_MEMORY_FULL;
   }
   turns_[2] = Shrinks() ? 1 : 2;
@@ -79,15 +82,15 @@ Status Erosion::Start(const PixelView& view, const StructuringElement& element) 
   const int64_t pitch = planes_[0].pitch();
   blockRows_ =
       shape_.hexagonal() ? 1 : static_cast<int32_t>(std::max(BLOCK_WORDS / pitch, int64_t{1}));
-  // Behind a block as much as a shift can reach beyond.
-  windowWords_ = blockRows_ * pitch + 2 * int64_t{planes_[0].marginWords()};
+  // Behind a block as much as in a plane: a shift and a group are read beyond.
+  windowWords_ = blockRows_ * pitch + 2 * int64_t{planes_[0].marginWords()} + 2 * BIT_GROUP_WORDS;
   const int64_t mostShifted = int64_t{SINGLE_MEMBERS} * shape_.members().count + 2;
   if (!windows_.AllocateZeroed(2 * static_cast<uint64_t>(windowWords_)) ||
       !shifted_.Allocate(static_cast<uint64_t>(mostShifted))) {
     return STATUS_MEMORY_FULL;
   }
   planes_[0].Take(view);
-  for (int32_t y = 0; y < view.height; y++) planes_[0].RowReplicate(y);
+  planes_[0].RowsReplicate(0, view.height);
   planes_[0].FrameReplicate();
   return STATUS_OK;
 }
@@ -100,10 +103,11 @@ void Erosion::EachBlock(const Work& work) const {
   }
 }
 
-// From the first pixel to the end of the last row, with the margins between.
+// From the first pixel to the end of the last row, with the margins between. The words that make
+// these whole groups belong to rows that are still to be done, or to none.
 int32_t Erosion::WordsOf(const Block& block) const {
-  const int64_t before = (int64_t{block.end} - block.begin - 1) * planes_[0].pitch();
-  return static_cast<int32_t>(before) + planes_[0].words();
+  const int64_t rowsBefore = int64_t{block.end} - block.begin - 1;
+  return Groups(rowsBefore * planes_[0].pitch() + planes_[0].words());
 }
 
 bool Erosion::IsClear(const Block& block) const {
@@ -114,15 +118,15 @@ bool Erosion::IsClear(const Block& block) const {
 }
 
 void Erosion::Clear(const Block& block, BitPlane* plane) const {
-  const int64_t margin = plane->marginWords();
-  std::fill_n(plane->Row(block.begin) - margin, WordsOf(block) + 2 * margin, 0);
+  const int64_t rows = int64_t{block.end} - block.begin;
+  std::fill_n(plane->Row(block.begin) - plane->marginWords(), rows * plane->pitch(), 0);
 }
 
 // Rows whose bits tell whether so many from there on are set: those of a block, this far from the
 // element's middle.
 const uint64_t* Erosion::Window(const Block& block, int32_t row, int32_t length) {
   const int64_t margin = planes_[0].marginWords();
-  const auto words = static_cast<int32_t>(WordsOf(block) + 2 * margin);
+  const int32_t words = Groups((int64_t{block.end} - block.begin) * planes_[0].pitch());
   const uint64_t* window = Left().Row(int64_t{block.begin} + row) - margin;
   uint64_t* to = windows_.data();
   uint64_t* other = to + windowWords_;
@@ -202,7 +206,7 @@ void Erosion::Step() {
     } else {
       ByMembers(block, &to);
     }
-    for (int32_t y = block.begin; y < block.end; y++) to.RowReplicate(y);
+    to.RowsReplicate(block.begin, block.end);
   });
   to.FrameReplicate();
   if (Shrinks()) {
