@@ -246,6 +246,29 @@ TEST_F(Tools, MoveARegionFromWithinItsBoundsAlone) {
   EXPECT_EQ(Integers(EventOf(0)), (Numbers{20, 10, 60, 50}));
 }
 
+// What was told before the key is forgotten with the region, what is told after it stays.
+TEST_F(Tools, LeaveARegionAloneThatIsErasedWhileItIsMoved) {
+  Open(WTOOL_RECT);
+  Drag(0, {{20, 10}, {60, 50}});
+  EventOf(0);
+  Post(0, DesktopEventKind::LEFT_PRESS, 30, 30, zel::MODIFIER_CONTROL);
+  zel::MemoryDesktopPointer(30, 30, true);
+  zel::MemoryDesktopPointer(35, 40, true);
+  zel::DesktopEvent key;
+  key.kind = DesktopEventKind::KEY_PRESS;
+  key.key = 512;
+  zel::MemoryDesktopPost(key);
+  Post(0, DesktopEventKind::GOT_FOCUS);
+  zel::MemoryDesktopPointer(50, 60, true);
+  zel::MemoryDesktopPointer(50, 60, false);
+  EXPECT_EQ(EventOf(0).type, WEVENT_ACTIVATE);
+  EXPECT_EQ(Ask(0, -1), Numbers{});
+  EXPECT_EQ(Ask(0, -30), (Numbers{0, 0, 200, 150, ROI_MARKER_EXTERNAL, 0}));
+  for (const auto& [x, y] : {std::pair{20, 10}, {40, 40}, {79, 79}}) {
+    EXPECT_EQ(Pixel(0, x, y), image_.Get<uint8_t>(x, y) * 0x010101u) << x << ' ' << y;
+  }
+}
+
 TEST_F(Tools, ZoomStepByStep) {
   Open(WTOOL_ZOOM);
   // On the image at every zoom: the canvas becomes 192 x 128 at 32.
