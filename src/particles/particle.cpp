@@ -53,7 +53,7 @@ class ParticleSweep {
   bool AddRow(int32_t y);
   void NotePassed(uint32_t above, uint32_t place) {
     uint32_t& first = neighbours_.firstBelow[above];
-    if (first == 0) first = place;
+    first = first == 0 ? place : first;
   }
   uint32_t NewParticle(int32_t x, int32_t y);
   uint32_t Merge(uint32_t a, uint32_t b);
@@ -215,7 +215,8 @@ bool ParticleSweep::AddHole(uint32_t particle, int32_t y, uint32_t place) {
   report.nbHoles++;
   report.holesArea += hole.area;
   const double perimeter =
-      ContourPerimeter(bits_, hole.x - 1, hole.y, Contour::Hole, xStep_, yStep_);
+      hole.isGap ? GapPerimeter(hole.area, xStep_, yStep_)
+                 : ContourPerimeter(bits_, hole.x - 1, hole.y, Contour::Hole, xStep_, yStep_);
   report.holesPerimeter =
       static_cast<float>(static_cast<double>(report.holesPerimeter) + perimeter);
   const double least = 2.0 * std::sqrt(report.holesArea * PI);

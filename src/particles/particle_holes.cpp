@@ -60,23 +60,36 @@ bool HoleFinder::PushNeighbours(int32_t y, uint32_t from, int32_t start, int32_t
     const uint32_t next = WallAtOrBehind(left + 1);
     const int32_t nextStart = runs_[next].start;
     if (nextStart == RUN_SENTINEL.start) break;
-    if (nextStart > start && seen_[left] != holes_ && !Push({left, y})) return false;
+    if (nextStart > start && seen_[left] != holes_ && !Push({left, nextStart, y})) return false;
     left = next;
   }
   return true;
 }
 
+// A run that spans all columns of a gap below it touches the runs beside the gap: it is of their
+// particle, and a wall.
+bool HoleFinder::IsCoveredFromAbove(int32_t start, int32_t end, uint32_t from) const {
+  while (runs_[from].end <= start) from++;
+  return runs_[from].start <= start && runs_[from].end >= end;
+}
+
 bool HoleFinder::Find(int32_t y, uint32_t place, HoleShape* hole) {
+  const int32_t left = runs_[place].end;
+  const int32_t right = runs_[place + 1].start;
+  if (IsCoveredFromAbove(left - reach_, right + reach_, neighbours_->firstAbove[place])) {
+    *hole = {.area = right - left, .x = left, .y = y, .isGap = true};
+    return true;
+  }
   if (holes_ == 0 && !Prepare()) return false;
   holes_++;
   wallRow_ = y;
   stackSize_ = 0;
-  *hole = {0, 0, INT32_MAX};
-  if (!Push({place, y})) return false;
+  *hole = {.area = 0, .x = 0, .y = INT32_MAX, .isGap = false};
+  if (!Push({place, right, y})) return false;
   while (stackSize_ != 0) {
     const Gap gap = stack_[--stackSize_];
     const int32_t start = runs_[gap.left].end;
-    const int32_t end = runs_[WallAtOrBehind(gap.left + 1)].start;
+    const int32_t end = gap.end;
     hole->area += end - start;
     if (gap.y < hole->y || (gap.y == hole->y && start < hole->x)) {
       hole->x = start;

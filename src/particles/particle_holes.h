@@ -10,6 +10,7 @@ namespace zel {
 struct HoleShape {
   int32_t area;  // pixels, particles inside the hole included
   int32_t x, y;  // its first pixel in raster order
+  bool isGap;    // it is in one row
 };
 
 // By place: where to look from, on the row above and on the row below, for runs that end beyond
@@ -40,16 +41,18 @@ class HoleFinder {
         reach_(connectivity8 ? 0 : 1) {}
 
   // The hole that touches the gap behind the run at `place`, on row y. Of that row only the gaps
-  // up to there belong to it. False when there is no memory.
+  // up to there belong to it. No run lies in the gap. False when there is no memory.
   [[nodiscard]] bool Find(int32_t y, uint32_t place, HoleShape* hole);
 
  private:
   // A stretch of background between two runs of incomplete particles.
   struct Gap {
     uint32_t left;  // the place of the run on its left
+    int32_t end;    // where the run on its right starts
     int32_t y;
   };
 
+  bool IsCoveredFromAbove(int32_t start, int32_t end, uint32_t from) const;
   bool Prepare();
   bool Push(Gap gap);
   bool PushNeighbours(int32_t y, uint32_t from, int32_t start, int32_t end, uint32_t lastPlace);
