@@ -55,8 +55,7 @@ bool HoleFinder::PushNeighbours(int32_t y, uint32_t from, int32_t start, int32_t
     const uint32_t next = WallAtOrBehind(left + 1);
     const int32_t nextStart = At(next).run.start;
     if (nextStart == RUN_SENTINEL.start) break;
-    if (nextStart > start && At(left).seenFor != holes_ && !Push({left, nextStart, y}))
-      return false;
+    if (nextStart > start && At(left).seenFor != holes_ && !Push({left, next, y})) return false;
     left = next;
   }
   return true;
@@ -80,11 +79,14 @@ bool HoleFinder::Find(int32_t y, uint32_t place, HoleShape* hole) {
   wallRow_ = y;
   stackSize_ = 0;
   *hole = {.area = 0, .x = 0, .y = INT32_MAX, .isGap = false};
-  if (!Push({place, right, y})) return false;
+  if (!Push({place, place + 1, y})) return false;
   while (stackSize_ != 0) {
     const Gap gap = stack_[--stackSize_];
     const int32_t start = At(gap.left).run.end;
-    const int32_t end = gap.end;
+    const int32_t end = At(gap.right).run.start;
+    // What comes next on the right is far from what comes next on the left.
+    __builtin_prefetch(&At(At(gap.right).firstAbove));
+    __builtin_prefetch(&At(At(gap.right).firstBelow));
     hole->area += end - start;
     if (gap.y < hole->y || (gap.y == hole->y && start < hole->x)) {
       hole->x = start;

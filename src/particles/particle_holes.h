@@ -50,8 +50,7 @@ class HoleFinder {
  private:
   // A stretch of background between two runs of incomplete particles.
   struct Gap {
-    uint32_t left;  // the place of the run on its left
-    int32_t end;    // where the run on its right starts
+    uint32_t left, right;  // the places of these runs
     int32_t y;
   };
 
