@@ -74,15 +74,12 @@ void* HeapAllocateZeroed(size_t size) {
 void* HeapResize(void* block, size_t size) {
   if (!block) return HeapAllocate(size);
   const size_t former = HeapSize(block);
-  if (Refused(size, former)) {
-    hooks.refusals++;
-    return nullptr;
-  }
-  if (size == 0) {
+  const bool isRefused = Refused(size, former);
+  if (size == 0 && !isRefused) {
     HeapFree(block);
     return nullptr;
   }
-  void* moved = std::realloc(HeadOf(block), HEAD_BYTES + size);
+  void* moved = isRefused ? nullptr : std::realloc(HeadOf(block), HEAD_BYTES + size);
   if (!moved) {
     hooks.refusals++;
     return nullptr;

@@ -169,6 +169,19 @@ TEST(Images, ARefusedResizeLeavesTheImageAsItWas) {
   EXPECT_EQ(image.Block(), block);
 }
 
+// Bytes count, with the rows' padding: they decide whether memory is always had.
+TEST(Images, ShrinkToASizeWhoseBlockHasFewerBytes) {
+  const TestImage image(IMAGE_U8, 16, 5);
+  Image* record = nullptr;
+  ASSERT_EQ(ImageLookup(image, &record), 0);
+  EXPECT_TRUE(ImageShrinksTo(*record, 16, 4));
+  EXPECT_TRUE(ImageShrinksTo(*record, 8, 5));
+  EXPECT_FALSE(ImageShrinksTo(*record, 16, 5));
+  EXPECT_FALSE(ImageShrinksTo(*record, 9, 5)) << "the same bytes in a row";
+  EXPECT_FALSE(ImageShrinksTo(*record, 16, 6));
+  EXPECT_FALSE(ImageShrinksTo(*record, INT32_MAX, INT32_MAX));
+}
+
 TEST(Images, PixelAddressesReachTheBorderAndNoFurther) {
   const TestImage image(IMAGE_U8, 10, 4, 3);
   void* address = nullptr;

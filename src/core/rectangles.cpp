@@ -23,8 +23,10 @@ void RectToApi(const KernelRect* corners, ApiRect* rect) {
   }
   const auto [left, right] = std::minmax(corners->left, corners->right);
   const auto [top, bottom] = std::minmax(corners->top, corners->bottom);
-  *rect = {top, left, Clamped(int64_t{bottom} - top, 0, INT32_MAX),
-           Clamped(int64_t{right} - left, 0, INT32_MAX)};
+  const auto size = [](int64_t low, int64_t high) {
+    return static_cast<int32_t>(std::min(high - low, int64_t{INT32_MAX}));
+  };
+  *rect = {top, left, size(top, bottom), size(left, right)};
 }
 
 void LineFromPoints(const ApiPoint* start, const ApiPoint* end, KernelLine* line) {
@@ -54,7 +56,7 @@ void RectClip(const PlacedRect& first, const PlacedRect& second, PlacedRect* cli
   };
   const Span columns = clip(first.x, first.width, second.x, second.width);
   const Span rows = clip(first.y, first.height, second.y, second.height);
-  *clipped = {Clamped(columns.low, INT32_MIN, INT32_MAX), Clamped(rows.low, INT32_MIN, INT32_MAX),
+  *clipped = {static_cast<int32_t>(columns.low), static_cast<int32_t>(rows.low),
               Clamped(columns.high - columns.low, INT32_MIN, INT32_MAX),
               Clamped(rows.high - rows.low, INT32_MIN, INT32_MAX)};
 }

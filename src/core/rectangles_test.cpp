@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -39,6 +40,51 @@ TEST(Rectangles, SidesAreLimitedAndNotWrapped) {
   EXPECT_EQ(api.height, 2);
 }
 
+TEST(Rectangles, SidesBelowZeroReachAsFarAsNumbersDo) {
+  const ApiRect far{-2147483000, -2147483648, -1000, -2147483647};
+  KernelRect kernel{};
+  RectFromApi(&far, &kernel);
+  EXPECT_EQ(kernel.top, -2147483000);
+  EXPECT_EQ(kernel.left, INT32_MIN);
+  EXPECT_EQ(kernel.bottom, INT32_MIN);
+  EXPECT_EQ(kernel.right, INT32_MIN);
+}
+
+TEST(Rectangles, CornersInAnyOrderGiveTheSameRectangle) {
+  for (const KernelRect& corners :
+       {KernelRect{7, 3, 2, 1}, KernelRect{2, 1, 7, 3}, KernelRect{7, 1, 2, 3}}) {
+    ApiRect api{};
+    RectToApi(&corners, &api);
+    EXPECT_EQ(std::min(corners.left, corners.right), api.left);
+    EXPECT_EQ(api.top, 1);
+    EXPECT_EQ(api.width, 5);
+    EXPECT_EQ(api.height, 2);
+  }
+  const KernelRect all{INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX};
+  ApiRect api{};
+  RectToApi(&all, &api);
+  EXPECT_EQ(api.width, INT32_MAX);
+  EXPECT_EQ(api.height, INT32_MAX);
+}
+
+TEST(Lines, GoFromPointToPointAndBack) {
+  const ApiPoint start{-1, 2};
+  const ApiPoint end{3, -4};
+  KernelLine line{};
+  LineFromPoints(&start, &end, &line);
+  EXPECT_EQ(line.startX, -1);
+  EXPECT_EQ(line.startY, 2);
+  EXPECT_EQ(line.endX, 3);
+  EXPECT_EQ(line.endY, -4);
+  ApiPoint a{};
+  ApiPoint b{};
+  PointsFromLine(&line, &a, &b);
+  EXPECT_EQ(a.x, -1);
+  EXPECT_EQ(a.y, 2);
+  EXPECT_EQ(b.x, 3);
+  EXPECT_EQ(b.y, -4);
+}
+
 TEST(Lines, NullPointsAreTheCorners) {
   KernelLine line{};
   const ApiPoint end{3, 4};
@@ -72,6 +118,11 @@ TEST(RectClip, TakesTheSecondRectanglesEdgesWhereTheyLieInTheFirst) {
   EXPECT_EQ(clipped.x, 10);
   EXPECT_EQ(clipped.width, 30);
   EXPECT_EQ(clipped.height, 40);
+  RectClip(first, {5, 10, 10, 20}, &clipped);  // before it: its own start, the second one's end
+  EXPECT_EQ(clipped.x, 10);
+  EXPECT_EQ(clipped.width, 5);
+  EXPECT_EQ(clipped.y, 20);
+  EXPECT_EQ(clipped.height, 10);
   RectClip({INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX}, {INT32_MAX, 0, INT32_MAX, INT32_MIN},
            &clipped);
   EXPECT_EQ(clipped.x, INT32_MIN);

@@ -1,7 +1,10 @@
 // Tools, events, regions, the tools window and buttons, with a person played by a script.
+#include <array>
 #include <cmath>
 #include <string>
 
+#include "core/heap.h"
+#include "core/world.h"
 #include "display/commands.h"
 #include "display/display_test.h"
 
@@ -121,6 +124,31 @@ TEST_F(Tools, CountTheTicksBetweenClicks) {
   EXPECT_EQ(Ask(0, -30), (Numbers{31, 41, 32, 42, ROI_MARKER_EXTERNAL, 1, 31, 41}));
 }
 
+TEST_F(Tools, TellWhatAPixelOfEachTypeHolds) {
+  const auto clicked = [](const TestImage& image) {
+    EXPECT_EQ(ZEL_WindDraw(image, 0, nullptr, 1), 0);
+    EXPECT_EQ(ZEL_SetActiveTool(WTOOL_POINT), 0);
+    Drag(0, {{3, 2}});
+    const WindowEvent event = EventOf(0);
+    return std::vector<float>{event.floats[0], event.floats[1], event.floats[2]};
+  };
+  const TestImage integers(IMAGE_I16, 90, 70);
+  integers.Set<int16_t>(3, 2, -1234);
+  EXPECT_EQ(clicked(integers)[0], -1234.0F);
+  const TestImage floats(IMAGE_SGL, 90, 70);
+  floats.Set<float>(3, 2, 0.125F);
+  EXPECT_EQ(clicked(floats)[0], 0.125F);
+  const TestImage colours(IMAGE_RGB, 90, 70);
+  colours.Set<uint32_t>(3, 2, 0x00112233);
+  EXPECT_EQ(clicked(colours), (std::vector<float>{0x11, 0x22, 0x33}));
+  const TestImage spectrum(IMAGE_COMPLEX, 90, 70);
+  const float pixel[] = {2.5F, -7.0F};
+  spectrum.Set<std::array<float, 2>>(3, 2, {pixel[0], pixel[1]});
+  const std::vector<float> parts = clicked(spectrum);
+  EXPECT_EQ(parts[0], pixel[0]);
+  EXPECT_EQ(parts[1], pixel[1]);
+}
+
 TEST_F(Tools, SnapToTheGridAndKeepToShift) {
   Open(WTOOL_LINE);
   ASSERT_EQ(ZEL_SetWindow2DAttributes(0, WATTR2_GRID, 10, 8), 0);
@@ -161,6 +189,26 @@ TEST_F(Tools, DrawPolygonsPressByPress) {
   EXPECT_EQ(event.floats[2], 81.0F);
   EXPECT_EQ(Ask(0, -30),
             (Numbers{20, 20, 81, 71, ROI_MARKER_EXTERNAL, 5, 20, 20, 80, 20, 80, 70, 20, 20}));
+}
+
+// Nearer than two image pixels at that zoom, which are eight of the window.
+TEST_F(Tools, ClosePolygonsNearTheirStartInAZoomedWindow) {
+  const auto corners = [](int32_t lastX) {
+    EXPECT_EQ(ZEL_ClearWROI(0), 0);
+    Post(0, DesktopEventKind::LEFT_PRESS, 40, 40);
+    zel::MemoryDesktopPointer(80, 40, false);
+    Post(0, DesktopEventKind::LEFT_PRESS, 120, 40);
+    Post(0, DesktopEventKind::LEFT_PRESS, 120, 120);
+    Post(0, DesktopEventKind::LEFT_PRESS, lastX, 40);
+    Post(0, DesktopEventKind::LEFT_DOUBLE_PRESS, 60, 100);
+    zel::MemoryDesktopPointer(60, 100, false);
+    EventOf(0);
+    return (Ask(0, -30).size() - 6) / 2;
+  };
+  Open(WTOOL_POLYGON);
+  ASSERT_EQ(ZEL_SetWindow2DAttributes(0, WATTR2_ZOOM, 4, 4), 0);
+  EXPECT_EQ(corners(47), 4u) << "closed by the press";
+  EXPECT_EQ(corners(48), 5u) << "closed by the double press";
 }
 
 TEST_F(Tools, EndBrokenLinesAtADoubleClick) {
@@ -244,6 +292,72 @@ TEST_F(Tools, MoveARegionFromWithinItsBoundsAlone) {
   EXPECT_EQ(Integers(EventOf(0)), (Numbers{21, 12, 61, 52}));
   Drag(0, {{21, 12}, {20, 10}}, zel::MODIFIER_CONTROL);
   EXPECT_EQ(Integers(EventOf(0)), (Numbers{20, 10, 60, 50}));
+}
+
+TEST_F(Tools, MoveAllShapesOfARegionTogether) {
+  Open(WTOOL_RECT);
+  Drag(0, {{20, 10}, {60, 50}});
+  Drag(0, {{100, 100}, {120, 120}}, zel::MODIFIER_SHIFT);
+  EventOf(0);
+  Drag(0, {{30, 30}, {33, 25}}, zel::MODIFIER_CONTROL);
+  EXPECT_EQ(EventOf(0).tool, WTOOL_FREEHAND);
+  const int32_t m = ROI_MARKER_EXTERNAL;
+  EXPECT_EQ(Ask(0, -30), (Numbers{23, 5, 124, 116, m, 3, 23, 5, 63, 45, m, 3, 103, 95, 123, 115}));
+}
+
+TEST_F(Tools, LeaveARegionWhereItIsWhenNobodyMovesThePointer) {
+  Open(WTOOL_RECT);
+  Drag(0, {{20, 10}, {60, 50}});
+  EventOf(0);
+  Post(0, DesktopEventKind::LEFT_PRESS, 30, 30, zel::MODIFIER_CONTROL);
+  zel::MemoryDesktopPointer(90, 90, true);
+  EXPECT_EQ(EventOf(0).type, WEVENT_NONE);
+  EXPECT_EQ(Ask(0, -1), (Numbers{20, 10, 60, 50, 40, 40}));
+  EXPECT_EQ(Pixel(0, 80, 80), image_.Get<uint8_t>(80, 80) * 0x010101u);
+}
+
+TEST_F(Tools, TakeAnAddedShapeWholeOrLeaveNoRegionWithoutMemory) {
+  Open(WTOOL_RECT);
+  zel::HeapHooks* hooks = zel::HeapHooksGet();
+  int32_t lost = 0;
+  bool refused = true;
+  for (uint64_t n = 1; refused; n++) {
+    Drag(0, {{20, 10}, {60, 50}});
+    EventOf(0);
+    hooks->requests = 0;
+    hooks->failAt = n;
+    Drag(0, {{100, 100}, {120, 120}}, zel::MODIFIER_SHIFT);
+    const int32_t type = EventOf(0).type;
+    refused = hooks->requests >= n;
+    hooks->failAt = 0;
+    lost += type == WEVENT_NONE ? 1 : 0;
+    EXPECT_EQ(Ask(0, -1), type == WEVENT_NONE ? Numbers{} : (Numbers{6, 20, 10, 121, 121})) << n;
+    EXPECT_EQ(zel::WorldFault(), nullptr);
+  }
+  EXPECT_GE(lost, 1);
+}
+
+// What was told before the key is forgotten with the region, what is told after it stays.
+TEST_F(Tools, LeaveARegionAloneThatIsErasedWhileItIsMoved) {
+  Open(WTOOL_RECT);
+  Drag(0, {{20, 10}, {60, 50}});
+  EventOf(0);
+  Post(0, DesktopEventKind::LEFT_PRESS, 30, 30, zel::MODIFIER_CONTROL);
+  zel::MemoryDesktopPointer(30, 30, true);
+  zel::MemoryDesktopPointer(35, 40, true);
+  zel::DesktopEvent key;
+  key.kind = DesktopEventKind::KEY_PRESS;
+  key.key = 512;
+  zel::MemoryDesktopPost(key);
+  Post(0, DesktopEventKind::GOT_FOCUS);
+  zel::MemoryDesktopPointer(50, 60, true);
+  zel::MemoryDesktopPointer(50, 60, false);
+  EXPECT_EQ(EventOf(0).type, WEVENT_ACTIVATE);
+  EXPECT_EQ(Ask(0, -1), Numbers{});
+  EXPECT_EQ(Ask(0, -30), (Numbers{0, 0, 200, 150, ROI_MARKER_EXTERNAL, 0}));
+  for (const auto& [x, y] : {std::pair{20, 10}, {40, 40}, {79, 79}}) {
+    EXPECT_EQ(Pixel(0, x, y), image_.Get<uint8_t>(x, y) * 0x010101u) << x << ' ' << y;
+  }
 }
 
 TEST_F(Tools, ZoomStepByStep) {
@@ -338,6 +452,55 @@ TEST_F(Tools, ScrollByTheirPartsOfTheBars) {
   EXPECT_EQ(pressed(200, 208), (Numbers{100, 100}));
 }
 
+// Arrows are triangles of 2 to 8 pixels, the grip three slanting lines of 4, 8 and 12.
+TEST_F(Tools, ShowTheirBarsAsActiveWhereTheWindowIs) {
+  const TestImage large(IMAGE_U8, 600, 600);
+  Do(0, 100, {200, 200});
+  Do(0, -9, {1});
+  ASSERT_EQ(ZEL_WindDraw(large, 0, nullptr, 0), 0);
+  // Black pixels in a column or a row of the square at a place, without its frame.
+  const auto black = [](int32_t left, int32_t top, int32_t at, bool inRow) {
+    int32_t count = 0;
+    for (int32_t i = 1; i < 15; i++) {
+      count += Pixel(0, left + (inRow ? i : at), top + (inRow ? at : i)) == 0 ? 1 : 0;
+    }
+    return count;
+  };
+  const auto triangle = [&black](int32_t left, int32_t top, bool inRows) {
+    Numbers counts;
+    for (int32_t at = 5; at <= 10; at++) counts.push_back(black(left, top, at, inRows));
+    return counts;
+  };
+  const auto grip = [&black] {
+    int32_t count = 0;
+    for (int32_t at = 1; at < 15; at++) count += black(200, 200, at, true);
+    return count;
+  };
+  const Numbers growing{0, 2, 4, 6, 8, 0};
+  const Numbers shrinking{0, 8, 6, 4, 2, 0};
+  const Numbers none(6, 0);
+  Do(1, 10);
+  const auto activate = [](int32_t window) {
+    zel::DesktopInUse().activate(zel::display.bindings[window].panel);
+  };
+  for (int32_t round = 0; round < 2; round++) {
+    activate(0);
+    Post(0, DesktopEventKind::GOT_FOCUS);
+    EventOf(0);
+    EXPECT_EQ(triangle(200, 0, true), growing);
+    EXPECT_EQ(triangle(200, 184, true), shrinking);
+    EXPECT_EQ(triangle(96, 200, false), growing);
+    EXPECT_EQ(triangle(184, 200, false), shrinking);
+    EXPECT_EQ(grip(), 4 + 8 + 12);
+    activate(1);
+    Post(0, DesktopEventKind::LOST_FOCUS);
+    EventOf(0);
+    EXPECT_EQ(triangle(200, 0, true), none);
+    EXPECT_EQ(triangle(184, 200, false), none);
+    EXPECT_EQ(grip(), 0);
+  }
+}
+
 TEST_F(Tools, DoNotScrollAnImageThatFits) {
   const TestImage small(IMAGE_U8, 100, 100);
   Do(0, 100, {200, 200});
@@ -417,6 +580,38 @@ TEST_F(Tools, TellOfThePointer) {
   ZEL_GetWindowIDs(16, nullptr, &canvas);
   EXPECT_NE(std::string(zel::MemoryDesktopTexts(canvas)).find("v\n217\nx\n44\ny\n33\n"),
             std::string::npos);
+}
+
+TEST_F(Tools, TellOfTheLineThatIsDrawn) {
+  Open(WTOOL_LINE);
+  ASSERT_EQ(ZEL_WindToolsSetup(1, nullptr, 0, 3), 0);
+  image_.Set<uint8_t>(40, 60, 99);
+  Drag(0, {{10, 20}, {40, 60}});
+  EventOf(0);
+  int32_t canvas = 0;
+  ZEL_GetWindowIDs(16, nullptr, &canvas);
+  EXPECT_NE(std::string(zel::MemoryDesktopTexts(canvas))
+                .find("v\n99\nx\n40\ny\n60\nx0\n10\ny0\n20\nw\n30\nh\n40\nl\n50.5\na\n216.87\n"),
+            std::string::npos)
+      << zel::MemoryDesktopTexts(canvas);
+}
+
+TEST_F(Tools, KeepButtonsDownOnANewSheet) {
+  const TestImage up(IMAGE_U8, 60, 30);
+  const TestImage down(IMAGE_RGB, 60, 30);
+  ASSERT_EQ(WithImage(-100, up, {}), 0);
+  for (int32_t i = 0; i < 60 * 30; i++) down.Set<uint32_t>(i % 60, i / 60, 0x0000FF);
+  ASSERT_EQ(WithImage(-101, down, {0, 0, 0, 20, 20, 1, 30, 0, 50, 20, 9, 9}), 0);
+  Do(17, 12);
+  Post(17, DesktopEventKind::LEFT_PRESS, 5, 5);
+  EXPECT_EQ(EventOf(17).type, WEVENT_BUTTON);
+  const TestImage other(IMAGE_RGB, 60, 30);
+  for (int32_t i = 0; i < 60 * 30; i++) other.Set<uint32_t>(i % 60, i / 60, 0x00FF00);
+  ASSERT_EQ(WithImage(-100, other, {}), 0);
+  Do(17, 12);
+  EXPECT_EQ(Pixel(17, 5, 5), 0x0000FFu) << "it is down";
+  EXPECT_EQ(Pixel(17, 35, 5), 0x00FF00u);
+  EXPECT_EQ(Ask(17, -102), (Numbers{1, 0}));
 }
 
 TEST_F(Tools, PressButtons) {

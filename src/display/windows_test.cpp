@@ -210,6 +210,69 @@ TEST_F(Windows, ScrollTheViewOfLargeImages) {
   EXPECT_EQ(Ask(0, -12), (Numbers{150, 100}));
 }
 
+TEST_F(Windows, KeepTheViewForPointsOutsideTheirImage) {
+  const TestImage image = Ramp(300, 200);
+  ASSERT_EQ(ZEL_SetWindow2DAttributes(0, WATTR2_SIZE, 100, 100), 0);
+  ASSERT_EQ(ZEL_WindDraw(image, 0, nullptr, 0), 0);
+  Do(0, 2, {150, 100});
+  for (const Numbers& point :
+       {Numbers{-1, 60}, {60, -1}, {300, 60}, {60, 200}, {60}, {60, 60, 60}}) {
+    Do(0, 2, point);
+    EXPECT_EQ(Ask(0, -12), (Numbers{150, 100})) << point[0];
+  }
+  Do(0, 2, {249, 149});
+  EXPECT_EQ(Ask(0, -12), (Numbers{249, 149}));
+}
+
+// Four numbers are left, top, right and bottom of a part, which waits for the queue; whatever is no
+// part has the whole window drawn at once.
+TEST_F(Windows, DrawAPartLaterAndAllElseAtOnce) {
+  const TestImage image = Ramp(100, 80);
+  ASSERT_EQ(ZEL_WindDraw(image, 0, nullptr, 1), 0);
+  uint8_t level = 1;
+  const auto isDrawnBy = [&](const Numbers& input) {
+    image.Set<uint8_t>(3, 3, ++level);
+    Do(0, 2, input);
+    return Pixel(0, 3, 3) == Gray(level);
+  };
+  for (const Numbers& part : {Numbers{0, 0, 10, 10}, {5, 0, 5, 0}, {90, 70, 500, 500}}) {
+    EXPECT_FALSE(isDrawnBy(part)) << part[0];
+  }
+  const Numbers others[] = {
+      {},           {0, 0, 10}, {0, 0, 10, 10, 0}, {-1, 0, 10, 10}, {0, -1, 10, 10}, {6, 0, 5, 10},
+      {0, 6, 10, 5}};
+  for (const Numbers& other : others)
+    EXPECT_TRUE(isDrawnBy(other)) << testing::PrintToString(other);
+}
+
+// Numbers that miss something, or that no command takes, change nothing.
+TEST_F(Windows, IgnoreCommandsWithoutTheirNumbers) {
+  Do(0, 100, {120, 90});
+  Do(0, -6, {4, 3});
+  const auto state = [] {
+    Numbers all;
+    for (const int32_t query : {-2, -3, -4, -5, -11, -12, -34}) {
+      for (const int32_t number : Ask(0, query)) all.push_back(number);
+    }
+    return all;
+  };
+  const Numbers before = state();
+  const struct {
+    int32_t command;
+    Numbers input;
+  } commands[] = {{-6, {}},      {-6, {0, 0}},     {-6, {-1}},     {5, {}},
+                  {5, {2, 10}},  {100, {50}},      {100, {0, 50}}, {100, {50, 0}},
+                  {100, {}},     {100, {9, 9, 9}}, {-9, {}},       {-21, {}},
+                  {-33, {1, 2}}, {-35, {1, 2, 3}}, {-9, {0}},      {-777, {1, 2, 3, 4}}};
+  for (const auto& [command, input] : commands) {
+    Do(0, command, input);
+    EXPECT_EQ(state(), before) << command << ' ' << testing::PrintToString(input);
+  }
+  // One number for both.
+  Do(0, -6, {9});
+  EXPECT_EQ(Ask(0, -5), (Numbers{9, 9}));
+}
+
 TEST_F(Windows, KeepTheirOddCentreAttributes) {
   const TestImage image = Ramp(600, 600);
   ASSERT_EQ(ZEL_WindDraw(image, 0, nullptr, 0), 0);

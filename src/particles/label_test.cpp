@@ -185,6 +185,31 @@ TEST(Label, TheScannerLeavesLabelsATableAndClearBorders) {
   }
 }
 
+TEST(Label, TheScannerWithoutMemoryLeavesNoTableAndNoLabels) {
+  const TestImage source = RandomPicture(IMAGE_U8, 60, 20, 45, 1);
+  const TestImage labels(IMAGE_I16, 60, 20, 2, 7);
+  const ImageInfo from = source.Info();
+  const ImageInfo to = labels.Info();
+  const auto pitch = [](const ImageInfo& info) { return static_cast<uint32_t>(info.lineWidth); };
+  const zel::ParticleScanRequest request = {
+      IMAGE_U8, IMAGE_I16, from.firstPixel, to.firstPixel, pitch(from), pitch(to), 60, 20};
+  const int16_t untouched = labels.Get<int16_t>(5, 5);
+  test::RefuseEachAllocation([&] { labels.Set<int16_t>(5, 5, untouched); },
+                             [&] {
+                               zel::Handle table = 0;
+                               int32_t count = 0;
+                               const zel::Status status =
+                                   zel::ParticleScan(request, source, labels, &table, true, &count);
+                               EXPECT_EQ(table != 0, status == 0);
+                               if (status != 0) {
+                                 EXPECT_EQ(labels.Get<int16_t>(5, 5), untouched);
+                                 EXPECT_EQ(count, 0);
+                               }
+                               if (table != 0) zel::HandleFree(table);
+                               return -status;
+                             });
+}
+
 TEST(Label, TheScannerRefusesOtherTypesAndLeavesNoTable) {
   const TestImage image(IMAGE_U8, 4, 4, 2);
   const ImageInfo info = image.Info();

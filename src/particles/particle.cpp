@@ -38,7 +38,7 @@ class ParticleSweep {
  public:
   ParticleSweep(const PixelBits& bits, bool connectivity8, float xStep, float yStep)
       : bits_(bits),
-        holes_(runs_, &labels_, &sets_, &lastRows_, &neighbours_, connectivity8),
+        holes_(table_, &runs_, &sets_, &lastRows_, connectivity8),
         connectivity8_(connectivity8),
         xStep_(xStep),
         yStep_(yStep) {}
@@ -52,18 +52,17 @@ class ParticleSweep {
   bool MakeRoom(uint64_t sets);
   bool AddRow(int32_t y);
   void NotePassed(uint32_t above, uint32_t place) {
-    uint32_t& first = neighbours_.firstBelow[above];
-    if (first == 0) first = place;
+    uint32_t& first = runs_[above].firstBelow;
+    first = first == 0 ? place : first;
   }
   uint32_t NewParticle(int32_t x, int32_t y);
   uint32_t Merge(uint32_t a, uint32_t b);
   bool AddHole(uint32_t particle, int32_t y, uint32_t place);
 
   const PixelBits& bits_;
-  RunTable runs_;
-  WorkArray<uint32_t> labels_;  // by place in the run table: the run's set when it was added
+  RunTable table_;
+  WorkArray<SweptRun> runs_;  // by place in the table
   DisjointSets sets_;
-  RunNeighbours neighbours_;
   HoleFinder holes_;
   bool connectivity8_;
   float xStep_, yStep_;
@@ -112,11 +111,12 @@ bool LongestIsBetter(const ParticleReport& a, const ParticleReport& b) {
 }
 
 bool ParticleSweep::Sweep() {
-  if (!runs_.Extract(bits_) || !labels_.Allocate(runs_.size()) || !sets_.Create(runs_.size()) ||
-      !neighbours_.Create(runs_.size())) {
+  if (!table_.Extract(bits_) || !runs_.AllocateZeroed(table_.size()) ||
+      !sets_.Create(table_.size())) {
     return false;
   }
-  for (int32_t y = 0; y < runs_.height(); y++) {
+  for (uint32_t place = 0; place < table_.size(); place++) runs_[place].run = table_[place];
+  for (int32_t y = 0; y < table_.height(); y++) {
     if (!AddRow(y)) return false;
   }
   return true;
@@ -143,27 +143,27 @@ uint32_t ParticleSweep::NewParticle(int32_t x, int32_t y) {
 // Links are taken from right to left, and a run is added when all its particles are one: the order
 // shows in the last bit of the sums.
 bool ParticleSweep::AddRow(int32_t y) {
-  const uint32_t rowEnd = runs_.RowEnd(y);
-  if (!MakeRoom(uint64_t{sets_.count()} + rowEnd - runs_.RowBegin(y))) return false;
+  const uint32_t rowEnd = table_.RowEnd(y);
+  if (!MakeRoom(uint64_t{sets_.count()} + rowEnd - table_.RowBegin(y))) return false;
   const int32_t reach = connectivity8_ ? 1 : 0;
-  uint32_t above = runs_.RowBegin(y - 1);
-  for (uint32_t place = runs_.RowBegin(y); place < rowEnd; place++) {
-    const Run run = runs_[place];
-    for (; runs_[above].end + reach <= run.start; above++) NotePassed(above, place);
+  uint32_t above = table_.RowBegin(y - 1);
+  for (uint32_t place = table_.RowBegin(y); place < rowEnd; place++) {
+    const Run run = runs_[place].run;
+    for (; runs_[above].run.end + reach <= run.start; above++) NotePassed(above, place);
     const uint32_t first = above;
-    neighbours_.firstAbove[place] = first;
+    runs_[place].firstAbove = first;
     uint32_t set = 0;
     int32_t overlap = 0;
-    if (runs_[first].start >= run.end + reach) {
+    if (runs_[first].run.start >= run.end + reach) {
       set = NewParticle(run.start, y);
     } else {
       NotePassed(above, place);
-      while (runs_[above + 1].start < run.end + reach) NotePassed(++above, place);
-      set = sets_.Find(labels_[above]);
-      overlap = Overlap(runs_[above], run);
+      while (runs_[above + 1].run.start < run.end + reach) NotePassed(++above, place);
+      set = sets_.Find(runs_[above].label);
+      overlap = Overlap(runs_[above].run, run);
       for (uint32_t link = above; link-- > first;) {
-        overlap += Overlap(runs_[link], run);
-        const uint32_t other = sets_.Find(labels_[link]);
+        overlap += Overlap(runs_[link].run, run);
+        const uint32_t other = sets_.Find(runs_[link].label);
         if (other != set) {
           set = Merge(set, other);
         } else if (!AddHole(set, y - 1, link)) {
@@ -171,7 +171,7 @@ bool ParticleSweep::AddRow(int32_t y) {
         }
       }
     }
-    labels_[place] = set;
+    runs_[place].label = set;
     lastRows_[set] = y;
     AddRun(run, y, overlap, &reports_[set]);
   }
@@ -215,7 +215,8 @@ bool ParticleSweep::AddHole(uint32_t particle, int32_t y, uint32_t place) {
   report.nbHoles++;
   report.holesArea += hole.area;
   const double perimeter =
-      ContourPerimeter(bits_, hole.x - 1, hole.y, Contour::Hole, xStep_, yStep_);
+      hole.isGap ? GapPerimeter(hole.area, xStep_, yStep_)
+                 : ContourPerimeter(bits_, hole.x - 1, hole.y, Contour::Hole, xStep_, yStep_);
   report.holesPerimeter =
       static_cast<float>(static_cast<double>(report.holesPerimeter) + perimeter);
   const double least = 2.0 * std::sqrt(report.holesArea * PI);

@@ -69,40 +69,12 @@ constexpr Moves ALL_MOVES = MovesOf(false);
 // How sharp a turn is, by the difference of two directions modulo 8: 0 straight on to 4 back.
 constexpr int32_t SHARPNESS[DIRECTIONS] = {0, 1, 2, 3, 4, 3, 2, 1};
 
-class ContourWalk {
+// What makes up a contour's length.
+class ContourCounts {
  public:
-  ContourWalk(const PixelBits& bits, const Moves& moves)
-      : bytes_(reinterpret_cast<const uint8_t*>(bits.Row(0))),
-        rowBytes_(bits.pitch() * 8),
-        nextMoves_(moves),
-        longest_(8 * (int64_t{bits.width()} + 2) * (int64_t{bits.height()} + 2)) {
-    for (size_t i = 0; i < DIRECTIONS; i++) steps_[i] = STEP_Y[i] * rowBytes_ * 8 + STEP_X[i];
-  }
-
-  uint32_t Neighbourhood(int64_t place) const {
-    const int64_t northWest = place - rowBytes_ * 8 - 1;
-    const uint8_t* byte = bytes_ + (northWest >> 3);
-    const auto shift = static_cast<uint32_t>(northWest & 7);
-    return Triple(byte, shift) | Triple(byte + rowBytes_, shift) << 3 |
-           Triple(byte + 2 * rowBytes_, shift) << 6;
-  }
-  int64_t PlaceOf(int32_t x, int32_t y) const { return y * rowBytes_ * 8 + x; }
-  int64_t Step(int64_t place, uint8_t direction) const { return place + steps_[direction]; }
-
-  void CountMove(uint8_t direction) { moves_[direction]++; }
-  void CountTurn(uint8_t last, uint8_t direction) { turns_[(direction - last) & 7]++; }
-
-  // From a pixel until the start is met again. False when a pixel has no way on.
-  bool Walk(int64_t place, uint8_t last, int64_t start) {
-    for (int64_t moves = 0; place != start; moves++) {
-      const uint8_t next = nextMoves_[Neighbourhood(place)][last];
-      if (next == NO_DIRECTION || moves > longest_) return false;
-      CountTurn(last, next);
-      CountMove(next);
-      place = Step(place, next);
-      last = next;
-    }
-    return true;
+  void CountMove(uint8_t direction, int64_t times = 1) { moves_[direction] += times; }
+  void CountTurn(uint8_t last, uint8_t direction, int64_t times = 1) {
+    turns_[(direction - last) & 7] += times;
   }
 
   // The contour runs through pixel centres; its outside is half a pixel farther out all around,
@@ -123,12 +95,6 @@ class ContourWalk {
   }
 
  private:
-  static uint32_t Triple(const uint8_t* byte, uint32_t shift) {
-    uint16_t pair;
-    std::memcpy(&pair, byte, sizeof pair);
-    return (static_cast<uint32_t>(pair) >> shift) & 7;
-  }
-
   static double CornerCorrection(const int64_t (&turns)[5]) {
     int64_t gentle = turns[1];
     int64_t square = turns[2];
@@ -149,13 +115,55 @@ class ContourWalk {
     return damped(gentle) * 0.275 + damped(square) * 0.5;
   }
 
+  int64_t moves_[DIRECTIONS] = {};  // by direction
+  int64_t turns_[DIRECTIONS] = {};  // by difference of directions
+};
+
+class ContourWalk : public ContourCounts {
+ public:
+  ContourWalk(const PixelBits& bits, const Moves& moves)
+      : bytes_(reinterpret_cast<const uint8_t*>(bits.Row(0))),
+        rowBytes_(bits.pitch() * 8),
+        nextMoves_(moves),
+        longest_(8 * (int64_t{bits.width()} + 2) * (int64_t{bits.height()} + 2)) {
+    for (size_t i = 0; i < DIRECTIONS; i++) steps_[i] = STEP_Y[i] * rowBytes_ * 8 + STEP_X[i];
+  }
+
+  uint32_t Neighbourhood(int64_t place) const {
+    const int64_t northWest = place - rowBytes_ * 8 - 1;
+    const uint8_t* byte = bytes_ + (northWest >> 3);
+    const auto shift = static_cast<uint32_t>(northWest & 7);
+    return Triple(byte, shift) | Triple(byte + rowBytes_, shift) << 3 |
+           Triple(byte + 2 * rowBytes_, shift) << 6;
+  }
+  int64_t PlaceOf(int32_t x, int32_t y) const { return y * rowBytes_ * 8 + x; }
+  int64_t Step(int64_t place, uint8_t direction) const { return place + steps_[direction]; }
+
+  // From a pixel until the start is met again. False when a pixel has no way on.
+  bool Walk(int64_t place, uint8_t last, int64_t start) {
+    for (int64_t moves = 0; place != start; moves++) {
+      const uint8_t next = nextMoves_[Neighbourhood(place)][last];
+      if (next == NO_DIRECTION || moves > longest_) return false;
+      CountTurn(last, next);
+      CountMove(next);
+      place = Step(place, next);
+      last = next;
+    }
+    return true;
+  }
+
+ private:
+  static uint32_t Triple(const uint8_t* byte, uint32_t shift) {
+    uint16_t pair;
+    std::memcpy(&pair, byte, sizeof pair);
+    return (static_cast<uint32_t>(pair) >> shift) & 7;
+  }
+
   const uint8_t* bytes_;
   int64_t rowBytes_;
   const Moves& nextMoves_;
   int64_t longest_;  // no contour has more moves: it would meet its start before
   int64_t steps_[DIRECTIONS];
-  int64_t moves_[DIRECTIONS] = {};  // by direction
-  int64_t turns_[DIRECTIONS] = {};  // by difference of directions
 };
 
 double ParticlePerimeter(ContourWalk* walk, int64_t start, bool keepToAxes, double xStep,
@@ -217,6 +225,29 @@ double ContourPerimeter(const PixelBits& bits, int32_t x, int32_t y, Contour con
   const auto stepY = static_cast<double>(yStep);
   return contour == Contour::Hole ? HolePerimeter(&walk, start, stepX, stepY)
                                   : ParticlePerimeter(&walk, start, keepToAxes, stepX, stepY);
+}
+
+// The walk goes below the hole to its right end and above it back to its left end.
+double GapPerimeter(int32_t width, float xStep, float yStep) {
+  ContourCounts counts;
+  for (const uint8_t corner : {SOUTH_EAST, NORTH_EAST, NORTH_WEST, SOUTH_WEST}) {
+    counts.CountMove(corner);
+  }
+  counts.CountMove(EAST, width - 1);
+  counts.CountMove(WEST, width - 1);
+  counts.CountTurn(NORTH_EAST, NORTH_WEST);
+  if (width == 1) {
+    counts.CountTurn(SOUTH_EAST, NORTH_EAST);
+    counts.CountTurn(NORTH_WEST, SOUTH_WEST);
+  } else {
+    counts.CountTurn(SOUTH_EAST, EAST);
+    counts.CountTurn(EAST, EAST, width - 2);
+    counts.CountTurn(EAST, NORTH_EAST);
+    counts.CountTurn(NORTH_WEST, WEST);
+    counts.CountTurn(WEST, WEST, width - 2);
+    counts.CountTurn(WEST, SOUTH_WEST);
+  }
+  return counts.Perimeter(true, static_cast<double>(xStep), static_cast<double>(yStep));
 }
 
 }  // namespace zel

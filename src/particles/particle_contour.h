@@ -18,5 +18,7 @@ enum class Contour : int32_t {
 // pixels can have a negative one.
 double ContourPerimeter(const PixelBits& bits, int32_t x, int32_t y, Contour contour, float xStep,
                         float yStep);
+// That of a hole of so many pixels in one row, whatever lies around it.
+double GapPerimeter(int32_t width, float xStep, float yStep);
 
 }  // namespace zel

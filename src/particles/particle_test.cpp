@@ -391,6 +391,54 @@ TEST(Particle, NestedRingsAreAsByTheReference) {
   }
 }
 
+// A frame around the shape of a comb, with crumbs in the comb's back.
+TestImage FramedComb() {
+  constexpr int32_t teeth = 150;
+  constexpr int32_t width = 2 * teeth + 1;
+  constexpr int32_t height = 12;
+  constexpr int32_t back = 6;  // the rows from there to the frame's last one
+  TestImage image(IMAGE_U8, width, height, 2);
+  for (int32_t y = 0; y < height; y++) {
+    for (int32_t x = 0; x < width; x++) {
+      const bool isFrame = y == 0 || y == height - 1 || x == 0 || x == width - 1;
+      const bool isBetweenTeeth = y < back && x % 2 == 0;
+      const bool isCrumb = y == back + 2 && x % 20 >= 4 && x % 2 == 0;
+      image.Set<uint8_t>(x, y, isFrame || isBetweenTeeth || isCrumb ? 1 : 0);
+    }
+  }
+  return image;
+}
+
+TEST(Particle, AHoleOfManyGapsInARowIsOneHole) {
+  const TestImage comb = FramedComb();
+  for (const uint16_t connectivity : CONNECTIVITIES) {
+    ExpectAsReference(comb, connectivity, "comb");
+    Reports actual;
+    ASSERT_EQ(ZEL_Particle(comb, connectivity, &actual.reports, &actual.count), 0);
+    EXPECT_EQ(actual[0].nbHoles, 1);
+    EXPECT_EQ(actual[0].holesArea, 150 * 5 + 299 * 5);
+  }
+}
+
+// One pixel to nine in a row, with set and with clear corners.
+TEST(Particle, HolesOfOneRowHaveThePerimetersOfTheirWalks) {
+  const TestImage image(IMAGE_U8, 80, 9, 2);
+  ASSERT_EQ(ZEL_SetImageCalibration(image, 0, 1.25f, 0.7f), 0);
+  for (const bool hasCorners : {true, false}) {
+    ASSERT_EQ(ZEL_FillImage(image, 0, 1.0f, 0, 0, 0), 0);
+    for (int32_t length = 1, x = 3; length <= 9; x += length + 3, length++) {
+      for (int32_t i = 0; i < length; i++) image.Set<uint8_t>(x + i, 4, 0);
+      if (hasCorners) continue;
+      for (const int32_t y : {3, 5}) {
+        image.Set<uint8_t>(x - 1, y, 0);
+        image.Set<uint8_t>(x + length, y, 0);
+      }
+    }
+    ExpectAsReference(image, EIGHT, hasCorners ? "with corners" : "without corners");
+    ExpectAsReference(image, FOUR, hasCorners ? "with corners" : "without corners");
+  }
+}
+
 TEST(Particle, SumsOfLongRunsWrapIn32Bits) {
   const TestImage image(IMAGE_U8, 40000, 4, 2);
   for (int32_t y = 0; y < 4; y++) {
@@ -494,8 +542,7 @@ TEST(Particle, WrongImagesGiveTheirNumbersAndLeaveTheTable) {
   EXPECT_EQ(table[1].rect.left, 2);
 }
 
-TEST(Particle, RefusedMemoryIs101AndNothingIsLost) {
-  const TestImage source = RandomPicture(IMAGE_U8, 200, 300, 55, 3);
+void ExpectNothingLostWithoutMemory(const TestImage& source) {
   Reports whole;
   ASSERT_EQ(ZEL_Particle(source, EIGHT, &whole.reports, &whole.count), 0);
   Reports table;
@@ -517,6 +564,11 @@ TEST(Particle, RefusedMemoryIs101AndNothingIsLost) {
         }
         return result;
       });
+}
+
+TEST(Particle, RefusedMemoryIs101AndNothingIsLost) {
+  ExpectNothingLostWithoutMemory(RandomPicture(IMAGE_U8, 200, 300, 55, 3));
+  ExpectNothingLostWithoutMemory(FramedComb());
 }
 
 TEST(Particle, RowsOfManyGroupsAreMeasuredAsTheReferenceDoes) {

@@ -18,13 +18,6 @@ BitsOfRow BitsOfType(int32_t type) {
   return type == IMAGE_U8 ? runRows().bitsU8 : runRows().bitsI16;
 }
 
-// Bits from `width` on stay clear.
-void BitsInvert(uint64_t* words, int32_t width) {
-  const int64_t count = WordsOfRow(width);
-  for (int64_t i = 0; i < count; i++) words[i] = ~words[i];
-  if (width % 64 != 0) words[count - 1] &= (uint64_t{1} << width % 64) - 1;
-}
-
 }  // namespace
 
 bool PixelBits::Create(const PixelView& view) {
@@ -70,7 +63,7 @@ bool RunTable::AppendRow(const uint64_t* words) {
   return true;
 }
 
-bool RunTable::Extract(const PixelView& view, RunsOf pixels) {
+bool RunTable::Extract(const PixelView& view) {
   WorkArray<uint64_t> words;
   if (!Start(view.width, view.height) ||
       !words.Allocate(static_cast<uint64_t>(WordsOfRow(view.width)))) {
@@ -79,7 +72,6 @@ bool RunTable::Extract(const PixelView& view, RunsOf pixels) {
   const BitsOfRow bitsOfRow = BitsOfType(view.type);
   for (int32_t y = 0; y < view.height; y++) {
     bitsOfRow(view.Row<void>(y), view.width, words.data());
-    if (pixels == RunsOf::ClearPixels) BitsInvert(words.data(), view.width);
     if (!AppendRow(words.data())) return false;
   }
   return true;

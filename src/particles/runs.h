@@ -28,16 +28,12 @@ class PixelBits {
   int32_t height_ = 0;
 };
 
-// Which pixels runs are made of.
-enum class RunsOf { SetPixels, ClearPixels };
-
-// All runs of non-zero pixels of a U8 or I16 image, or of those that are 0, row after row from left
-// to right. Each row ends with RUN_SENTINEL. A place in the table is an index; tables that go with
-// it have `size` places.
+// All runs of non-zero pixels of a U8 or I16 image, row after row from left to right. Each row ends
+// with RUN_SENTINEL. A place in the table is an index; tables that go with it have `size` places.
 class RunTable {
  public:
   // False when there is no memory.
-  [[nodiscard]] bool Extract(const PixelView& view, RunsOf pixels = RunsOf::SetPixels);
+  [[nodiscard]] bool Extract(const PixelView& view);
   [[nodiscard]] bool Extract(const PixelBits& bits);
 
   int32_t height() const { return height_; }
