@@ -95,7 +95,7 @@ ZEL_INLINE void PhaseTermsOf(const ComplexValue* from, PhaseTerms* terms) {
   for (int32_t i = 0; i < ESTIMATED; i++) {
     const float real = from[i].real;
     const float imaginary = from[i].imaginary;
-    const bool isRight = std::fabs(real) < least;
+    const bool isUpright = std::fabs(real) < least;
     const bool isLeft = real < 0;
     const float across = std::fabs(real);
     const float up = std::fabs(imaginary);
@@ -105,10 +105,10 @@ ZEL_INLINE void PhaseTermsOf(const ComplexValue* from, PhaseTerms* terms) {
     const float sign = isLeft ? minus : std::copysign(1.0f, imaginary);
     const float turn = isLeft ? -sign : sign;
     const float low = (isSteep ? across : up) * (isSteep ? -turn : turn);
-    terms->low[i] = isRight ? 0.0f : low;
-    terms->high[i] = isRight ? 1.0f : isSteep ? up : across;
-    terms->quarters[i] = isSteep && !isRight ? turn : 0.0f * turn;
-    terms->degrees[i] = isRight ? 90.0f * minus : isLeft ? 180.0f * sign : 0.0f * sign;
+    terms->low[i] = isUpright ? 0.0f : low;
+    terms->high[i] = isUpright ? 1.0f : isSteep ? up : across;
+    terms->quarters[i] = isSteep && !isUpright ? turn : 0.0f * turn;
+    terms->degrees[i] = isUpright ? 90.0f * minus : isLeft ? 180.0f * sign : 0.0f * sign;
   }
 }
 

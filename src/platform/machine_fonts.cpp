@@ -62,9 +62,10 @@ struct Fonts {
   FT_Library drawing = nullptr;
   Face faces[FACES_KEPT];
   uint64_t uses = 0;
-  KeptLetters kept;
 };
 Fonts fonts;
+// Those of no face are not looked at.
+KeptLetters keptLetters;
 
 // ---- finding a face
 
@@ -191,7 +192,7 @@ int32_t FaceFind(const Style& style, Face** found) {
     if (failure != 0) return failure;
     if (oldest->face) fonts.libraries.faceClose(oldest->face);
     *oldest = opened;
-    fonts.kept.of = nullptr;
+    keptLetters.of = nullptr;
     *found = oldest;
   }
   (*found)->lastUse = ++fonts.uses;
@@ -285,12 +286,12 @@ void LetterKeep(const Line& line, FT_UInt letter, KeptLetter* kept) {
 // Null where letters like it are not kept.
 const KeptLetter* KeptLetterOf(const Line& line, char32_t character) {
   if (character >= KEPT_CHARACTERS || line.height > KEPT_HEIGHT) return nullptr;
-  if (fonts.kept.of != line.from || fonts.kept.height != line.height) {
-    for (KeptLetter& kept : fonts.kept.letters) kept.state = KeptLetter::UNKNOWN;
-    fonts.kept.of = line.from;
-    fonts.kept.height = line.height;
+  if (keptLetters.of != line.from || keptLetters.height != line.height) {
+    for (KeptLetter& kept : keptLetters.letters) kept.state = KeptLetter::UNKNOWN;
+    keptLetters.of = line.from;
+    keptLetters.height = line.height;
   }
-  KeptLetter* kept = &fonts.kept.letters[character];
+  KeptLetter* kept = &keptLetters.letters[character];
   if (kept->state == KeptLetter::UNKNOWN) {
     LetterKeep(line, fonts.libraries.charIndex(line.face, character), kept);
   }
@@ -460,6 +461,7 @@ int32_t Draw(const FontRequest& font, std::string_view text, const TextPixels& p
 __attribute__((destructor)) void Release() {
   if (fonts.drawing) fonts.libraries.drawingEnd(fonts.drawing);  // and its faces
   fonts = {};
+  keptLetters.of = nullptr;
 }
 
 }  // namespace
