@@ -14,9 +14,8 @@ The peers: `inRange` for `range` (it writes bytes for every pixel type), `thresh
 `keep` (one-sided, as OpenCV has no other), `threshold` with Otsu's method for `auto` (another method
 than any of ours; it also applies its threshold). No peer has several classes.
 
-`auto_metric` sums the distances of all levels for every split, some 65,000 of them, whatever the size
-of the image, and the entropy and moments methods have their logarithms and roots: small images are
-dear there.
+`auto_metric` estimates a sum of distances for every split, whatever the size of the image, and the
+entropy and moments methods have their logarithms and roots: small images are dear there.
 )";
 
 struct Limits {

@@ -264,7 +264,7 @@ TEST(MachineFonts, TellNamesApart) {
 }
 
 TEST(MachineFonts, DrawLettersThatAreKeptAsOthers) {
-  for (const int32_t height : {10, 13, 16, 24, 25}) {
+  for (const int32_t height : {10, 13, 16, 24, 25, 48, 49}) {
     const FontRequest font = Font("DejaVu Sans", height);
     const Picture latin = LineOf(MACHINE_FONTS, font, "AEHO");
     EXPECT_EQ(Sketch(LineOf(MACHINE_FONTS, font, "\u0410\u0415\u041D\u041E")), Sketch(latin))

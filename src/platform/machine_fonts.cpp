@@ -37,16 +37,17 @@ struct Face {
 
 constexpr size_t FACES_KEPT = 8;
 
-// Windows draw a few small letters over and over: those of ASCII are kept of the face and height
-// that were used last.
-constexpr int32_t KEPT_HEIGHT = 24;  // of a line, at most
-constexpr int32_t KEPT_ROWS = 32;    // of a letter, and its columns
+// Windows and texts draw a few letters over and over: those of ASCII are kept of the face and
+// height that were used last.
+constexpr int32_t KEPT_HEIGHT = 48;  // of a line, at most
+constexpr int32_t KEPT_ROWS = 64;    // of a letter, and its columns
 constexpr char32_t KEPT_CHARACTERS = 128;
 
 struct KeptLetter {
   enum { UNKNOWN, KEPT, TOO_LARGE } state;
+  FT_UInt letter;
   int32_t advance, left, top, rows;
-  uint32_t bits[KEPT_ROWS];  // a row each, its first column in the highest bit
+  uint64_t bits[KEPT_ROWS];  // a row each, its first column in the highest bit
 };
 
 struct KeptLetters {
@@ -61,9 +62,10 @@ struct Fonts {
   FT_Library drawing = nullptr;
   Face faces[FACES_KEPT];
   uint64_t uses = 0;
-  KeptLetters kept;
 };
 Fonts fonts;
+// Those of no face are not looked at.
+KeptLetters keptLetters;
 
 // ---- finding a face
 
@@ -190,7 +192,7 @@ int32_t FaceFind(const Style& style, Face** found) {
     if (failure != 0) return failure;
     if (oldest->face) fonts.libraries.faceClose(oldest->face);
     *oldest = opened;
-    fonts.kept.of = nullptr;
+    keptLetters.of = nullptr;
     *found = oldest;
   }
   (*found)->lastUse = ++fonts.uses;
@@ -260,9 +262,12 @@ bool IsSet(const FT_Bitmap& bits, int64_t column, int64_t row) {
   return (bits.buffer[row * bits.pitch + (column >> 3)] >> (7 - (column & 7)) & 1) != 0;
 }
 
+constexpr uint64_t FIRST_COLUMN = uint64_t{1} << 63;
+
 void LetterKeep(const Line& line, FT_UInt letter, KeptLetter* kept) {
-  *kept = {
-      .state = KeptLetter::TOO_LARGE, .advance = 0, .left = 0, .top = 0, .rows = 0, .bits = {}};
+  *kept = {};
+  kept->state = KeptLetter::TOO_LARGE;
+  kept->letter = letter;
   if (!LetterLoad(line, letter) || !LetterRender(line.face->glyph)) return;
   const FT_GlyphSlot slot = line.face->glyph;
   if (slot->bitmap.rows > KEPT_ROWS || slot->bitmap.width > KEPT_ROWS) return;
@@ -273,22 +278,24 @@ void LetterKeep(const Line& line, FT_UInt letter, KeptLetter* kept) {
   kept->rows = static_cast<int32_t>(slot->bitmap.rows);
   for (int32_t row = 0; row < kept->rows; row++) {
     for (uint32_t column = 0; column < slot->bitmap.width; column++) {
-      if (IsSet(slot->bitmap, column, row)) kept->bits[row] |= 0x80000000u >> column;
+      if (IsSet(slot->bitmap, column, row)) kept->bits[row] |= FIRST_COLUMN >> column;
     }
   }
 }
 
-// Null for one that is not kept.
-const KeptLetter* KeptLetterOf(const Line& line, char32_t character, FT_UInt letter) {
+// Null where letters like it are not kept.
+const KeptLetter* KeptLetterOf(const Line& line, char32_t character) {
   if (character >= KEPT_CHARACTERS || line.height > KEPT_HEIGHT) return nullptr;
-  if (fonts.kept.of != line.from || fonts.kept.height != line.height) {
-    fonts.kept = {};
-    fonts.kept.of = line.from;
-    fonts.kept.height = line.height;
+  if (keptLetters.of != line.from || keptLetters.height != line.height) {
+    for (KeptLetter& kept : keptLetters.letters) kept.state = KeptLetter::UNKNOWN;
+    keptLetters.of = line.from;
+    keptLetters.height = line.height;
   }
-  KeptLetter* kept = &fonts.kept.letters[character];
-  if (kept->state == KeptLetter::UNKNOWN) LetterKeep(line, letter, kept);
-  return kept->state == KeptLetter::KEPT ? kept : nullptr;
+  KeptLetter* kept = &keptLetters.letters[character];
+  if (kept->state == KeptLetter::UNKNOWN) {
+    LetterKeep(line, fonts.libraries.charIndex(line.face, character), kept);
+  }
+  return kept;
 }
 
 // Lets each letter be seen at its place, kept or loaded. Gives where the next would stand.
@@ -300,14 +307,15 @@ int64_t LettersVisit(const Line& line, std::string_view text, Visit visit) {
   while (!text.empty()) {
     const char32_t character = CharacterNext(&text);
     if (IsControl(character)) continue;
-    const FT_UInt letter = libraries.charIndex(line.face, character);
+    const KeptLetter* kept = KeptLetterOf(line, character);
+    const FT_UInt letter = kept ? kept->letter : libraries.charIndex(line.face, character);
     FT_Vector nearer{};
     if (previous != 0 && letter != 0 && FT_HAS_KERNING(line.face) &&
         libraries.kerning(line.face, previous, letter, FT_KERNING_DEFAULT, &nearer) == 0) {
       x += nearer.x >> 6;
     }
     previous = letter;
-    if (const KeptLetter* kept = KeptLetterOf(line, character, letter)) {
+    if (kept && kept->state == KeptLetter::KEPT) {
       visit(*kept, x);
       x += kept->advance;
     } else if (LetterLoad(line, letter)) {
@@ -359,13 +367,45 @@ void LetterDraw(const TextPixels& to, const Line& line, FT_GlyphSlot letter, int
   }
 }
 
+// A byte for each bit, the highest first: 255 where it is set.
+struct SpreadBits {
+  uint8_t bytes[256][8];
+};
+constexpr SpreadBits SPREAD_BITS = [] {
+  SpreadBits table{};
+  for (uint32_t bits = 0; bits < 256; bits++) {
+    for (uint32_t i = 0; i < 8; i++) table.bytes[bits][i] = (bits << i & 0x80) != 0 ? 255 : 0;
+  }
+  return table;
+}();
+
+// Sets what is wanted of eight pixels.
+void EightSet(const TextPixels& to, uint8_t* row, int64_t column, const uint8_t* eight) {
+  if (column >= 0 && column + 8 <= to.width) {
+    uint64_t pixels = 0;
+    uint64_t set = 0;
+    std::memcpy(&pixels, row + column, sizeof(pixels));
+    std::memcpy(&set, eight, sizeof(set));
+    pixels |= set;
+    std::memcpy(row + column, &pixels, sizeof(pixels));
+    return;
+  }
+  const int64_t first = std::max<int64_t>(-column, 0);
+  const int64_t end = std::min<int64_t>(to.width - column, 8);
+  for (int64_t i = first; i < end; i++) row[column + i] |= eight[i];
+}
+
 void LetterDraw(const TextPixels& to, const Line& line, const KeptLetter& letter, int64_t x) {
-  const int64_t left = x + letter.left;
-  const int64_t top = int64_t{line.baseline} - letter.top;
-  for (int64_t y = 0; y < letter.rows; y++) {
-    uint32_t bits = letter.bits[y];
-    for (int64_t column = left; bits != 0; column++, bits <<= 1) {
-      if ((bits & 0x80000000u) != 0) SpanSet(to, column, column + 1, top + y);
+  const int64_t left = x + letter.left - to.left;
+  const int64_t top = int64_t{line.baseline} - letter.top - to.top;
+  const int64_t first = std::max<int64_t>(-top, 0);
+  const int64_t end = std::min<int64_t>(to.height - top, letter.rows);
+  if (left >= to.width || left <= -KEPT_ROWS) return;
+  for (int64_t y = first; y < end; y++) {
+    uint8_t* row = to.first + (top + y) * to.pitch;
+    uint64_t bits = letter.bits[y];
+    for (int64_t column = left; bits != 0; column += 8, bits <<= 8) {
+      EightSet(to, row, column, SPREAD_BITS.bytes[bits >> 56]);
     }
   }
 }
@@ -421,6 +461,7 @@ int32_t Draw(const FontRequest& font, std::string_view text, const TextPixels& p
 __attribute__((destructor)) void Release() {
   if (fonts.drawing) fonts.libraries.drawingEnd(fonts.drawing);  // and its faces
   fonts = {};
+  keptLetters.of = nullptr;
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 // Automatic thresholds: boundaries between classes of gray levels, found from the histogram.
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -94,22 +95,44 @@ int32_t ThresholdByClustering(const LevelCounts& counts) {
   return static_cast<int32_t>(std::ceil(threshold));
 }
 
+// n log(n) of numbers, of which small ones come again and again.
+class Entropies {
+ public:
+  float Of(double number) {
+    if (number >= KEPT) return Computed(number);
+    float& kept = kept_[static_cast<int32_t>(number)];
+    if (kept < 0.0f) kept = Computed(number);
+    return kept;
+  }
+  Entropies() { std::fill_n(kept_, KEPT, -1.0f); }
+
+ private:
+  static constexpr int32_t KEPT = 256;
+  static float Computed(double number) { return static_cast<float>(number * std::log(number)); }
+  float kept_[KEPT];
+};
+
 // The greatest entropy of the two sides. Every level counts one pixel more than it has, level 0
 // stays on the right-hand side, and level 255 is never tried.
 int32_t ThresholdByEntropy(const LevelCounts& counts) {
+  Entropies entropyOf;
   double numbers[LEVELS_U8];
   float entropies[LEVELS_U8];
   double numberRight = 0.0;
   double entropyRight = 0.0;
   for (int32_t level = 0; level < LEVELS_U8; level++) {
     numbers[level] = static_cast<double>(counts[level]) + 1.0;
-    entropies[level] = static_cast<float>(numbers[level] * std::log(numbers[level]));
+    entropies[level] = entropyOf.Of(numbers[level]);
     numberRight += numbers[level];
     entropyRight += static_cast<double>(entropies[level]);
   }
   double numberLeft = 0.0;
   double entropyLeft = 0.0;
   double best = -1e30;
+  // A product and its logarithm: a tangent there lies above all logarithms.
+  double touched = 1.0;
+  double logarithm = 0.0;
+  constexpr double error = 1e-9;
   int32_t threshold = 0;
   for (int32_t level = 1; level < LEVELS_U8 - 1; level++) {
     const auto entropy = static_cast<double>(entropies[level]);
@@ -117,8 +140,12 @@ int32_t ThresholdByEntropy(const LevelCounts& counts) {
     entropyRight -= entropy;
     numberLeft += numbers[level];
     entropyLeft += entropy;
-    const double value = std::log(numberRight * numberLeft) -
-                         (entropyRight / numberRight + entropyLeft / numberLeft);
+    const double product = numberRight * numberLeft;
+    const double inside = entropyRight / numberRight + entropyLeft / numberLeft;
+    if (logarithm + (product / touched - 1.0) - inside < best - error) continue;
+    touched = product;
+    logarithm = std::log(product);
+    const double value = logarithm - inside;
     if (value > best) {
       best = value;
       threshold = level;
@@ -139,31 +166,66 @@ LevelSpan SpanOf(const LevelCounts& counts) {
   return span;
 }
 
-// The least sum of distances to the means of the two classes.
-int32_t ThresholdByMetric(const LevelCounts& counts, LevelSpan span) {
-  double meansBelow[LEVELS_U8];
-  double meansFrom[LEVELS_U8];
-  Weight below{};
-  Weight from = WeightOf(counts, span.low, span.high + 1);
-  for (int32_t split = span.low; split <= span.high; split++) {
-    meansBelow[split] = below.Mean();
-    meansFrom[split] = from.Mean();
-    below.Add(split, counts[split]);
-    from.Remove(split, counts[split]);
+// The sum of the distances of pixels to the mean of their class, as added level by level.
+double DeviationOf(const LevelCounts& counts, int32_t from, int32_t to, double mean) {
+  double sum = 0.0;
+  for (int32_t level = from; level < to; level++) {
+    if (counts[level] != 0) sum += std::fabs(level - mean) * counts[level];
   }
-  double sumsBelow[LEVELS_U8];
-  double sumsFrom[LEVELS_U8];
-  thresholdRows().deviations({.low = span.low,
-                              .high = span.high,
-                              .counts = counts,
-                              .meansBelow = meansBelow,
-                              .meansFrom = meansFrom,
-                              .sumsBelow = sumsBelow,
-                              .sumsFrom = sumsFrom});
+  return sum;
+}
+
+// Pixels below each level and the sums of their levels; doubles hold all of them.
+struct LevelsBelow {
+  double counts[LEVELS_U8 + 1];
+  double sums[LEVELS_U8 + 1];
+
+  double MeanOf(int32_t from, int32_t to) const {
+    return (sums[to] - sums[from]) / (counts[to] - counts[from]);
+  }
+  // What DeviationOf gives but for its rounding: as far as the lower levels are from the mean, the
+  // others are on the other side of it.
+  double DeviationEstimate(int32_t from, int32_t to) const {
+    if (!(counts[to] > counts[from])) return 0.0;
+    const double mean = MeanOf(from, to);
+    const int32_t middle = static_cast<int32_t>(mean) + 1;
+    return 2.0 * (mean * (counts[middle] - counts[from]) - (sums[middle] - sums[from]));
+  }
+};
+
+LevelsBelow LevelsBelowOf(const LevelCounts& counts) {
+  LevelsBelow below;
+  Weight weight{};
+  for (int32_t level = 0; level <= LEVELS_U8; level++) {
+    below.counts[level] = static_cast<double>(static_cast<int64_t>(weight.count));
+    below.sums[level] = static_cast<double>(static_cast<int64_t>(weight.sum));
+    if (level < LEVELS_U8) weight.Add(level, counts[level]);
+  }
+  return below;
+}
+
+// The least sum of distances to the means of the two classes. Sums are estimated first: a split
+// whose estimate is not near the least one cannot have the least sum.
+int32_t ThresholdByMetric(const LevelCounts& counts, LevelSpan span) {
+  const LevelsBelow below = LevelsBelowOf(counts);
+  const int32_t end = span.high + 1;
+  double estimates[LEVELS_U8];
+  double least = 1e30;
+  for (int32_t split = span.low; split < end; split++) {
+    estimates[split] =
+        below.DeviationEstimate(span.low, split) + below.DeviationEstimate(split, end);
+    least = std::min(least, estimates[split]);
+  }
+  // Each of some 256 additions is rounded by at most 2^-53 of what all distances are together.
+  const double error = 0x1p-42 * LEVELS_U8 * below.counts[LEVELS_U8];
   double best = 1e30;
   int32_t threshold = span.low;
-  for (int32_t split = span.low; split <= span.high; split++) {
-    const double sum = sumsBelow[split] + sumsFrom[split];
+  for (int32_t split = span.low; split < end; split++) {
+    // Without pixels between them two splits are alike, and the first one counts.
+    const bool isLikeFormer = split > span.low && counts[split - 1] == 0;
+    if (isLikeFormer || estimates[split] > least + 2.0 * error) continue;
+    const double sum = DeviationOf(counts, span.low, split, below.MeanOf(span.low, split)) +
+                       DeviationOf(counts, split, end, below.MeanOf(split, end));
     if (sum < best) {
       best = sum;
       threshold = split;

@@ -108,29 +108,6 @@ void SeveralRanges(const PointViews& views, const Ranges& given) {
   }
 }
 
-// Level by level for all splits, not split by split: the additions for one split keep their order,
-// and those of neighbouring splits run side by side.
-void Deviations(const SplitDeviations& splits) {
-  const int32_t high = splits.high;
-  const double* meansBelow = splits.meansBelow;
-  const double* meansFrom = splits.meansFrom;
-  double* sumsBelow = splits.sumsBelow;
-  double* sumsFrom = splits.sumsFrom;
-  for (int32_t split = splits.low; split <= high; split++) sumsBelow[split] = sumsFrom[split] = 0.0;
-  for (int32_t level = splits.low; level <= high; level++) {
-    const double count = splits.counts[level];
-    if (count == 0.0) continue;
-#pragma GCC ivdep
-    for (int32_t split = splits.low; split <= level; split++) {
-      sumsFrom[split] += __builtin_fabs(level - meansFrom[split]) * count;
-    }
-#pragma GCC ivdep
-    for (int32_t split = level + 1; split <= high; split++) {
-      sumsBelow[split] += __builtin_fabs(level - meansBelow[split]) * count;
-    }
-  }
-}
-
 }  // namespace
 
 extern const ThresholdRows thresholdRows = {
@@ -139,7 +116,6 @@ extern const ThresholdRows thresholdRows = {
     .rangeSgl = &RangeSgl,
     .rangesI16 = &SeveralRanges<int16_t, int16_t, WordRanges>,
     .rangesSgl = &SeveralRanges<float, uint32_t, FloatRanges>,
-    .deviations = &Deviations,
 };
 
 }  // namespace zel::ZEL_LEVEL

@@ -15,17 +15,6 @@ struct ThresholdRange {
   bool keep;
 };
 
-// For each level from `low` to `high` as a split of a histogram: the means of the levels below it
-// and of the others, and the sums of all distances to these. There is no mean below `low`.
-struct SplitDeviations {
-  int32_t low, high;
-  const uint32_t* counts;  // LEVELS_U8, as all arrays
-  const double* meansBelow;
-  const double* meansFrom;
-  double* sumsBelow;
-  double* sumsFrom;
-};
-
 // A pixel in several ranges goes by the last of them.
 struct WordRanges {
   const ThresholdRange<int16_t>* ranges;
@@ -44,7 +33,6 @@ struct ThresholdRows {
   PointRoutine<ThresholdRange<float>> rangeSgl;
   PointRoutine<WordRanges> rangesI16;
   PointRoutine<FloatRanges> rangesSgl;
-  void (*deviations)(const SplitDeviations& splits);
 };
 ZEL_ROW_TABLE(ThresholdRows, thresholdRows)
 

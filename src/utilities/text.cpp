@@ -59,12 +59,16 @@ TextInks<T> InksOf(int32_t mode, T white) {
 
 template <class T>
 void BitsDraw(const PixelView& to, const TextPixels& bits, int32_t mode, T white) {
-  const TextInks<T> inks = InksOf<T>(mode, white);
+  const auto [letter, ground] = InksOf<T>(mode, white);
+  const int32_t width = bits.width;
   for (int32_t y = 0; y < bits.height; y++) {
     const uint8_t* row = bits.first + y * bits.pitch;
     T* pixels = to.Row<T>(y);
-    for (int32_t x = 0; x < bits.width; x++) {
-      pixels[x] = row[x] != 0 ? inks.letter.Of(pixels[x]) : inks.ground.Of(pixels[x]);
+#pragma GCC ivdep
+    for (int32_t x = 0; x < width; x++) {
+      const T onLetter = letter.Of(pixels[x]);
+      const T onGround = ground.Of(pixels[x]);
+      pixels[x] = row[x] != 0 ? onLetter : onGround;
     }
   }
 }
