@@ -119,23 +119,22 @@ void BandByFactors(const WindowBand& band, const ConvolutionPlan& plan,
 
 // ---- the pass of floats
 
-// The rows that windows cover, from their first columns on. Pixels become 64-bit floats in a ring
-// of rows where many coefficients meet each; else they are read where they are.
+// The rows that windows cover, from their first columns on. Pixels that are to be read as other
+// numbers become these in a ring of rows.
 class RealSource {
  public:
-  static int64_t MemoryBytes(const PixelView& pixels, const ConvolutionRule& rule, bool isWidened) {
-    const int64_t ring = isWidened ? Count(rule) * RowBytes(pixels, rule) : 0;
-    return ring + Count(rule) * static_cast<int64_t>(sizeof(void*));
+  static int64_t MemoryBytes(const PixelView& pixels, const ConvolutionRule& rule,
+                             const ConvolutionNumbers& numbers) {
+    const int64_t ring = numbers.widen ? Count(rule) * Columns(pixels, rule) * numbers.bytes : 0;
+    return ring + RowsBytes(rule);
   }
 
-  RealSource(const WindowBand& band, const ConvolutionRule& rule,
-             const ConvolutionRealRows& routines, bool isWidened)
+  RealSource(const WindowBand& band, const ConvolutionRule& rule, const ConvolutionNumbers& numbers)
       : pixels_(band.views.source),
         rule_(rule),
-        routines_(routines),
-        isWidened_(isWidened),
+        numbers_(numbers),
         rows_(reinterpret_cast<const void**>(band.memory)),
-        ring_(band.memory + MemoryBytes(pixels_, rule, false)),
+        ring_(band.memory + RowsBytes(rule)),
         first_(int64_t{band.begin} - Above(rule)),
         next_(first_) {}
 
@@ -143,11 +142,11 @@ class RealSource {
   const void* const* Rows(int64_t y, int32_t results) {
     const int64_t begin = y - Above(rule_);
     const int64_t end = begin + rule_.rows + results - 1;
-    for (; isWidened_ && next_ < end; next_++) {
-      routines_.widen(Pixels(next_), Widened(next_), Columns(pixels_, rule_));
+    for (; numbers_.widen && next_ < end; next_++) {
+      numbers_.widen(Pixels(next_), Widened(next_), Columns(pixels_, rule_));
     }
     for (int64_t row = begin; row < end; row++) {
-      rows_[row - begin] = isWidened_ ? Widened(row) : Pixels(row);
+      rows_[row - begin] = numbers_.widen ? Widened(row) : Pixels(row);
     }
     return rows_;
   }
@@ -160,23 +159,22 @@ class RealSource {
   static int64_t Columns(const PixelView& pixels, const ConvolutionRule& rule) {
     return int64_t{pixels.width} + rule.columns - 1;
   }
-  static int64_t RowBytes(const PixelView& pixels, const ConvolutionRule& rule) {
-    return Columns(pixels, rule) * static_cast<int64_t>(sizeof(double));
+  static int64_t RowsBytes(const ConvolutionRule& rule) {
+    return Count(rule) * static_cast<int64_t>(sizeof(void*));
   }
 
   const void* Pixels(int64_t row) const {
     const int64_t left = (rule_.columns - 1) / 2;
     return pixels_.Row<uint8_t>(row) - left * pixels_.pixelBytes;
   }
-  double* Widened(int64_t row) const {
+  void* Widened(int64_t row) const {
     const int64_t place = (row - first_) % Count(rule_);
-    return reinterpret_cast<double*>(ring_ + place * RowBytes(pixels_, rule_));
+    return ring_ + place * Columns(pixels_, rule_) * numbers_.bytes;
   }
 
   const PixelView& pixels_;
   const ConvolutionRule& rule_;
-  const ConvolutionRealRows& routines_;
-  bool isWidened_;
+  const ConvolutionNumbers& numbers_;
   const void** rows_;
   uint8_t* ring_;
   int64_t first_;
@@ -200,15 +198,17 @@ void BandOfFloats(const WindowBand& band, const ConvolutionRule& rule, const Con
 }
 
 Status WalkOfFloats(const WindowViews& views, const ConvolutionRule& rule, RowEffort effort) {
-  constexpr int32_t fewestToWiden = 36;  // coefficients
+  // So many coefficients meet each pixel that it pays to make it a 64-bit float once.
+  constexpr int32_t fewestForDoubles = 36;
   const ConvolutionRealRows& routines = convolutionRealRows().For(views.source.type);
-  const bool isWidened = rule.tapCount >= fewestToWiden || !routines.ofPixels.one;
-  const WindowPlan plan{.memoryBytes = RealSource::MemoryBytes(views.source, rule, isWidened),
+  const ConvolutionNumbers& numbers =
+      rule.tapCount >= fewestForDoubles ? routines.doubles : routines.floats;
+  const WindowPlan plan{.memoryBytes = RealSource::MemoryBytes(views.source, rule, numbers),
                         .effort = effort,
                         .startRows = 1};
   return WindowBandsRun(views, plan, [&](const WindowBand& band) {
-    RealSource source(band, rule, routines, isWidened);
-    BandOfFloats(band, rule, isWidened ? routines.ofWidened : routines.ofPixels, &source);
+    RealSource source(band, rule, numbers);
+    BandOfFloats(band, rule, numbers.rows, &source);
   });
 }
 

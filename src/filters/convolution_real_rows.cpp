@@ -1,6 +1,7 @@
 // Row routines of convolution by fractions and of float images: 64-bit sums, rounded when complete.
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 #include "engine/vectors.h"
 #include "filters/convolution_quotients.h"
@@ -11,9 +12,10 @@ namespace {
 
 constexpr int64_t BLOCK = 256;
 
-template <class Pixel>
-void Widen(const void* pixels, double* __restrict to, int64_t count) {
+template <class Pixel, class Number>
+void Widen(const void* pixels, void* numbers, int64_t count) {
   const auto* from = static_cast<const Pixel*>(pixels);
+  auto* __restrict to = static_cast<Number*>(numbers);
   for (int64_t x = 0; x < count; x++) to[x] = from[x];
 }
 
@@ -22,7 +24,7 @@ void Widen(const void* pixels, double* __restrict to, int64_t count) {
 // Products of two 32-bit floats are exact; sums are rounded, so their order is kept.
 template <class Number>
 ZEL_INLINE void PlainSums(const Number* const* rows, int64_t first, int64_t count,
-                          const ConvolutionRule& rule, float* __restrict rounded) {
+                          const ConvolutionRule& rule, float divider, float* __restrict rounded) {
   double sums[BLOCK];
   for (int64_t x = 0; x < count; x++) sums[x] = 0.0;
   const ConvolutionTap* tap = rule.taps;
@@ -32,7 +34,7 @@ ZEL_INLINE void PlainSums(const Number* const* rows, int64_t first, int64_t coun
       for (int64_t x = 0; x < count; x++) sums[x] += tap->real * double{pixels[x]};
     }
   }
-  for (int64_t x = 0; x < count; x++) rounded[x] = static_cast<float>(sums[x]);
+  for (int64_t x = 0; x < count; x++) rounded[x] = static_cast<float>(sums[x]) / divider;
 }
 
 #if defined(ZEL_VECTORS)
@@ -52,11 +54,20 @@ ZEL_INLINE Doubles AsDoubles(const double* from) {
   return Load<Doubles>(from);
 }
 
+// The 64-bit quotient of two 32-bit floats, rounded to 32 bits, is their 32-bit quotient: as it is
+// no closer to the middle between two of these than 2^-49 of its size, or lies there, rounding to
+// 53 bits before doesn't carry it across.
+using HalfFloats = float __attribute__((vector_size(VECTOR_BYTES / 2)));
+ZEL_INLINE void StoreDivided(float* to, Doubles sums, float divider) {
+  if (divider == 1.0f) return StoreRounded(to, sums);
+  Store(to, __builtin_convertvector(sums, HalfFloats) / divider);
+}
+
 // Most pixels lie in the windows of all rows of results: each is loaded once for these, whose sums
 // go to results of their own.
 template <int32_t results, class Number>
 ZEL_INLINE void SumGroup(const Number* const* rows, int64_t x, const ConvolutionRule& rule,
-                         float* const* to, int64_t column) {
+                         float divider, float* const* to, int64_t column) {
   constexpr size_t vectors = VECTORS<results>;
   Doubles sums[static_cast<size_t>(results)][vectors] = {};
   for (int32_t j = 0; j < rule.rows + results - 1; j++) {
@@ -84,7 +95,7 @@ ZEL_INLINE void SumGroup(const Number* const* rows, int64_t x, const Convolution
   }
   for (int32_t r = 0; r < results; r++) {
     for (size_t v = 0; v < vectors; v++)
-      StoreRounded(to[r] + column + v * DOUBLE_LANES, sums[r][v]);
+      StoreDivided(to[r] + column + v * DOUBLE_LANES, sums[r][v], divider);
   }
 }
 
@@ -92,12 +103,12 @@ ZEL_INLINE void SumGroup(const Number* const* rows, int64_t x, const Convolution
 // columns than a group has. Not inlined, so that the sums have all registers to themselves.
 template <int32_t results, class Number>
 [[gnu::noinline]] bool GroupSums(const Number* const* rows, int64_t first, int64_t count,
-                                 const ConvolutionRule& rule, float* const* sums) {
+                                 const ConvolutionRule& rule, float divider, float* const* sums) {
   constexpr int64_t columns = COLUMNS<results>;
   if (count < columns) return false;
   for (int64_t next = 0; next < count; next += columns) {
     const int64_t x = next < count - columns ? next : count - columns;
-    SumGroup<results>(rows, first + x, rule, sums, x);
+    SumGroup<results>(rows, first + x, rule, divider, sums, x);
   }
   return true;
 }
@@ -105,7 +116,7 @@ template <int32_t results, class Number>
 #else
 
 template <int32_t results, class Number>
-ZEL_INLINE bool GroupSums(const Number* const*, int64_t, int64_t, const ConvolutionRule&,
+ZEL_INLINE bool GroupSums(const Number* const*, int64_t, int64_t, const ConvolutionRule&, float,
                           float* const*) {
   return false;
 }
@@ -119,25 +130,22 @@ ZEL_INLINE bool GroupSums(const Number* const*, int64_t, int64_t, const Convolut
 template <class Pixel>
 ZEL_INLINE void Finish(const float* sums, Pixel* __restrict results, int64_t count,
                        const ConvolutionRule& rule) {
-  const double reciprocal = rule.reciprocal;
   int32_t whole[BLOCK];
-  for (int64_t x = 0; x < count; x++) {
-    const double quotient = static_cast<double>(sums[x]) * reciprocal;
-    whole[x] = LimitedQuotient<Pixel>(quotient == quotient ? quotient : 0.0);
+  if (rule.divider == 1.0f) {
+    for (int64_t x = 0; x < count; x++) {
+      whole[x] = LimitedQuotient<Pixel>(sums[x] == sums[x] ? sums[x] : 0.0f);
+    }
+  } else {
+    const double reciprocal = rule.reciprocal;
+    for (int64_t x = 0; x < count; x++) {
+      const double quotient = static_cast<double>(sums[x]) * reciprocal;
+      whole[x] = LimitedQuotient<Pixel>(quotient == quotient ? quotient : 0.0);
+    }
   }
   for (int64_t x = 0; x < count; x++) results[x] = static_cast<Pixel>(whole[x]);
 }
 
-// The sums lie in the results already. The 64-bit quotient of two 32-bit floats, rounded to 32
-// bits, is their 32-bit quotient: as it is no closer to the middle between two of these than 2^-49
-// of its size, or lies there, rounding to 53 bits before doesn't carry it across.
-ZEL_INLINE void Finish(const float*, float* results, int64_t count, const ConvolutionRule& rule) {
-  const float divider = rule.divider;
-  if (divider == 1.0f) return;
-  for (int64_t x = 0; x < count; x++) results[x] /= divider;
-}
-
-// Where the sums of a block go: those of floats are results already, but for the divider.
+// Where the sums of a block go: those of floats are results already.
 template <class Pixel, int32_t results>
 ZEL_INLINE void SumsPlace(float (*sums)[BLOCK], void* const* to, int64_t first, float** places) {
   for (int32_t r = 0; r < results; r++) {
@@ -155,15 +163,19 @@ void RealRows(const void* const* places, void* const* to, int32_t width,
               const ConvolutionRule& rule) {
   const auto* rows = reinterpret_cast<const Number* const*>(places);
   alignas(64) float held[static_cast<size_t>(results)][BLOCK];
+  constexpr bool ofFloats = sizeof(Pixel) == sizeof(float);
   const int64_t count = width < BLOCK ? width : BLOCK;
   for (int64_t next = 0; next < width; next += count) {
     const int64_t first = next < width - count ? next : width - count;
     float* sums[static_cast<size_t>(results)];
     SumsPlace<Pixel, results>(held, to, first, sums);
-    if (!GroupSums<results>(rows, first, count, rule, sums)) {
-      for (int32_t r = 0; r < results; r++) PlainSums(rows + r, first, count, rule, sums[r]);
+    const float divider = ofFloats ? rule.divider : 1.0f;
+    if (!GroupSums<results>(rows, first, count, rule, divider, sums)) {
+      for (int32_t r = 0; r < results; r++) {
+        PlainSums(rows + r, first, count, rule, divider, sums[r]);
+      }
     }
-    for (int32_t r = 0; r < results; r++) {
+    for (int32_t r = 0; !ofFloats && r < results; r++) {
       Finish(sums[r], static_cast<Pixel*>(to[r]) + first, count, rule);
     }
   }
@@ -175,11 +187,17 @@ constexpr ConvolutionReal REAL_OF = {
     .atOnce = &RealRows<Pixel, Number, CONVOLUTION_ROWS_AT_ONCE>,
 };
 
+template <class Pixel, class Number>
+constexpr ConvolutionNumbers NUMBERS_OF = {
+    .widen = std::is_same_v<Pixel, Number> ? nullptr : &Widen<Pixel, Number>,
+    .bytes = sizeof(Number),
+    .rows = REAL_OF<Pixel, Number>,
+};
+
 template <class Pixel>
 constexpr ConvolutionRealRows ROWS_OF = {
-    .widen = &Widen<Pixel>,
-    .ofWidened = REAL_OF<Pixel, double>,
-    .ofPixels = {},
+    .floats = NUMBERS_OF<Pixel, float>,
+    .doubles = NUMBERS_OF<Pixel, double>,
 };
 
 }  // namespace
@@ -187,8 +205,7 @@ constexpr ConvolutionRealRows ROWS_OF = {
 extern const ConvolutionRealTypes convolutionRealRows = {
     .u8 = ROWS_OF<uint8_t>,
     .i16 = ROWS_OF<int16_t>,
-    .sgl = {.widen = &Widen<float>,
-            .ofWidened = REAL_OF<float, double>,
-            .ofPixels = REAL_OF<float, float>}};
+    .sgl = ROWS_OF<float>,
+};
 
 }  // namespace zel::ZEL_LEVEL

@@ -92,10 +92,15 @@ struct ConvolutionReal {
   ConvolutionRealRow one, atOnce;  // one row of results, and CONVOLUTION_ROWS_AT_ONCE
 };
 
+// What rows of pixels are read as.
+struct ConvolutionNumbers {
+  void (*widen)(const void* pixels, void* to, int64_t count);  // nullptr where they are so already
+  int32_t bytes;                                               // of a number
+  ConvolutionReal rows;
+};
+
 struct ConvolutionRealRows {
-  void (*widen)(const void* pixels, double* to, int64_t count);
-  ConvolutionReal ofWidened;  // of rows whose pixels were made 64-bit floats before
-  ConvolutionReal ofPixels;   // of rows as they are: SGL alone
+  ConvolutionNumbers floats, doubles;
 };
 struct ConvolutionRealTypes {
   ConvolutionRealRows u8, i16, sgl;
