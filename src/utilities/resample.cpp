@@ -219,8 +219,9 @@ class JoinedRows {
       if (columns_.apart == columns_.count) return;
     }
     const HeldRow* held[TILE_SAMPLES] = {};
-    for (int32_t sample = 0; sample < samplesDown_; sample++)
+    for (int32_t sample = 0; sample < samplesDown_; sample++) {
       held[sample] = &Joined(RowAt(at.pixel, sample));
+    }
     const int32_t apart = columns_.apart;
     if (canBeEstimated_ && apart != 0) {
       const EstimatedRows rows{{RowOf(at.pixel, 0), RowOf(at.pixel, 1)},

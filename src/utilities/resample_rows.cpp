@@ -336,6 +336,7 @@ constexpr BySamples<DownRows> DOWN = {.one = &Down<T, 1>, .two = &Down<T, 2>, .t
 
 #if defined(ZEL_WIDE_VECTORS)
 
+// Rows that lie far from each other: the processor does not see which ones are next.
 template <class T>
 ZEL_INLINE void FetchNext(const RowPair& rows, int32_t start) {
   for (const void* next : rows.next) __builtin_prefetch(static_cast<const T*>(next) + start);

@@ -24,8 +24,9 @@ struct TileColumns {
   // The first results are not joined along rows and then down columns of 64-bit floats, but by
   // routines of their own.
   int32_t apart;
-  // The first of all or of the others are found vector by vector, from numbers near each other:
-  // where in a row a vector starts, and the numbers behind that.
+  // The first of those that are joined along rows are taken vector by vector from numbers near each
+  // other, and so are some that are found apart: where in a row a vector starts, and the numbers
+  // behind that.
   int32_t windowed;
   int32_t start[TILE_NUMBERS];
   alignas(64) int32_t place[TILE_SAMPLES][TILE_NUMBERS];
