@@ -260,7 +260,7 @@ TEST(Resample, OfWideImagesGoesInTiles) {
 
 // Of random pixels, but constant ones on the left; those of colours all have the same fourth byte.
 TestImage PartlyConstant(int32_t type, const Size& size, int32_t border) {
-  const TestImage image(type, size.width, size.height, border, 7);
+  TestImage image(type, size.width, size.height, border, 7);
   for (int32_t y = 0; y < size.height; y++) {
     for (int32_t x = 0; x < size.width / 3; x++) {
       for (int32_t channel = 0; channel < Channels(type); channel++) {
