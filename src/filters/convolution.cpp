@@ -119,97 +119,64 @@ void BandByFactors(const WindowBand& band, const ConvolutionPlan& plan,
 
 // ---- the pass of floats
 
-// The rows that windows cover, from their first columns on. Pixels become 64-bit floats in a ring
-// of rows where many coefficients meet each; else they are read where they are.
-class RealSource {
+// What a worker sums up: the rows that windows cover, from their first columns on, and a block of
+// their numbers.
+class RealBand {
  public:
-  static int64_t MemoryBytes(const PixelView& pixels, const ConvolutionRule& rule, bool isWidened) {
-    const int64_t ring = isWidened ? Count(rule) * RowBytes(pixels, rule) : 0;
-    return ring + Count(rule) * static_cast<int64_t>(sizeof(void*));
+  static int64_t MemoryBytes(const ConvolutionRule& rule) {
+    return ConvolutionBlockNumbers(rule) * static_cast<int64_t>(sizeof(double)) +
+           Count(rule) * static_cast<int64_t>(sizeof(void*));
   }
 
-  RealSource(const WindowBand& band, const ConvolutionRule& rule,
-             const ConvolutionRealRows& routines, bool isWidened)
-      : pixels_(band.views.source),
+  RealBand(const WindowBand& band, const ConvolutionRule& rule, const ConvolutionRealRows& routines)
+      : band_(band),
         rule_(rule),
         routines_(routines),
-        isWidened_(isWidened),
-        rows_(reinterpret_cast<const void**>(band.memory)),
-        ring_(band.memory + MemoryBytes(pixels_, rule, false)),
-        first_(int64_t{band.begin} - Above(rule)),
-        next_(first_) {}
+        numbers_(reinterpret_cast<double*>(band.memory)),
+        rows_(reinterpret_cast<const void**>(numbers_ + ConvolutionBlockNumbers(rule))) {}
 
-  // The rows for results from row y on.
-  const void* const* Rows(int64_t y, int32_t results) {
-    const int64_t begin = y - Above(rule_);
-    const int64_t end = begin + rule_.rows + results - 1;
-    for (; isWidened_ && next_ < end; next_++) {
-      routines_.widen(Pixels(next_), Widened(next_), Columns(pixels_, rule_));
+  void Run() {
+    // Under a mask there is a place for one row of results.
+    const bool atOnce = band_.views.mask.SelectsAll();
+    int32_t y = band_.begin;
+    for (; atOnce && band_.end - y >= CONVOLUTION_ROWS_AT_ONCE; y += CONVOLUTION_ROWS_AT_ONCE) {
+      Sum(y, CONVOLUTION_ROWS_AT_ONCE, routines_.atOnce);
     }
-    for (int64_t row = begin; row < end; row++) {
-      rows_[row - begin] = isWidened_ ? Widened(row) : Pixels(row);
-    }
-    return rows_;
+    for (; y < band_.end; y++) Sum(y, 1, routines_.one);
   }
 
  private:
-  static int64_t Above(const ConvolutionRule& rule) { return (rule.rows - 1) / 2; }
   static int64_t Count(const ConvolutionRule& rule) {
     return int64_t{rule.rows} + CONVOLUTION_ROWS_AT_ONCE - 1;
   }
-  static int64_t Columns(const PixelView& pixels, const ConvolutionRule& rule) {
-    return int64_t{pixels.width} + rule.columns - 1;
-  }
-  static int64_t RowBytes(const PixelView& pixels, const ConvolutionRule& rule) {
-    return Columns(pixels, rule) * static_cast<int64_t>(sizeof(double));
-  }
 
-  const void* Pixels(int64_t row) const {
+  // Rows of results from y on.
+  void Sum(int32_t y, int32_t results, ConvolutionRealRow row) {
+    const PixelView& pixels = band_.views.source;
+    const int64_t above = (rule_.rows - 1) / 2;
     const int64_t left = (rule_.columns - 1) / 2;
-    return pixels_.Row<uint8_t>(row) - left * pixels_.pixelBytes;
-  }
-  double* Widened(int64_t row) const {
-    const int64_t place = (row - first_) % Count(rule_);
-    return reinterpret_cast<double*>(ring_ + place * RowBytes(pixels_, rule_));
+    for (int64_t j = 0; j < rule_.rows + results - 1; j++) {
+      rows_[j] = pixels.Row<uint8_t>(y - above + j) - left * pixels.pixelBytes;
+    }
+    void* to[CONVOLUTION_ROWS_AT_ONCE];
+    for (int32_t i = 0; i < results; i++) to[i] = band_.RowBegin(y + i);
+    row(rows_, to, pixels.width, rule_, numbers_);
+    for (int32_t i = 0; i < results; i++) band_.RowEnd(y + i);
   }
 
-  const PixelView& pixels_;
+  const WindowBand& band_;
   const ConvolutionRule& rule_;
   const ConvolutionRealRows& routines_;
-  bool isWidened_;
+  double* numbers_;
   const void** rows_;
-  uint8_t* ring_;
-  int64_t first_;
-  int64_t next_;  // the first row that is not in the ring yet
 };
 
-void BandOfFloats(const WindowBand& band, const ConvolutionRule& rule, const ConvolutionReal& real,
-                  RealSource* source) {
-  const int32_t width = band.views.source.width;
-  // Under a mask there is a place for one row of results.
-  const int32_t most = band.views.mask.SelectsAll() ? CONVOLUTION_ROWS_AT_ONCE : 1;
-  int32_t y = band.begin;
-  while (y < band.end) {
-    const int32_t results = band.end - y < CONVOLUTION_ROWS_AT_ONCE ? 1 : most;
-    void* to[CONVOLUTION_ROWS_AT_ONCE];
-    for (int32_t i = 0; i < results; i++) to[i] = band.RowBegin(y + i);
-    const auto row = results == 1 ? real.one : real.atOnce;
-    row(source->Rows(y, results), to, width, rule);
-    for (int32_t i = 0; i < results; i++) band.RowEnd(y++);
-  }
-}
-
 Status WalkOfFloats(const WindowViews& views, const ConvolutionRule& rule, RowEffort effort) {
-  constexpr int32_t fewestToWiden = 36;  // coefficients
   const ConvolutionRealRows& routines = convolutionRealRows().For(views.source.type);
-  const bool isWidened = rule.tapCount >= fewestToWiden || !routines.ofPixels.one;
-  const WindowPlan plan{.memoryBytes = RealSource::MemoryBytes(views.source, rule, isWidened),
-                        .effort = effort,
-                        .startRows = 1};
-  return WindowBandsRun(views, plan, [&](const WindowBand& band) {
-    RealSource source(band, rule, routines, isWidened);
-    BandOfFloats(band, rule, isWidened ? routines.ofWidened : routines.ofPixels, &source);
-  });
+  const WindowPlan plan{
+      .memoryBytes = RealBand::MemoryBytes(rule), .effort = effort, .startRows = 1};
+  return WindowBandsRun(views, plan,
+                        [&](const WindowBand& band) { RealBand(band, rule, routines).Run(); });
 }
 
 Status Walk(const WindowViews& views, const ConvolutionMatrix& matrix, ConvolutionPlan* plan) {

@@ -17,10 +17,12 @@ constexpr double HIGHEST = UINT8_MAX;
 template <>
 constexpr double HIGHEST<int16_t> = INT16_MAX;
 
-template <class Pixel>
-ZEL_INLINE int32_t LimitedQuotient(double quotient) {
-  const double upper = quotient < HIGHEST<Pixel> ? quotient : HIGHEST<Pixel>;
-  return static_cast<int32_t>(upper > LOWEST<Pixel> ? upper : LOWEST<Pixel>);
+template <class Pixel, class Number>
+ZEL_INLINE int32_t LimitedQuotient(Number quotient) {
+  constexpr auto lowest = static_cast<Number>(LOWEST<Pixel>);
+  constexpr auto highest = static_cast<Number>(HIGHEST<Pixel>);
+  const Number upper = quotient < highest ? quotient : highest;
+  return static_cast<int32_t>(upper > lowest ? upper : lowest);
 }
 
 template <class Pixel>

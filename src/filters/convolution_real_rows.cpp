@@ -9,30 +9,38 @@
 namespace zel::ZEL_LEVEL {
 namespace {
 
-constexpr int64_t BLOCK = 256;
+constexpr int64_t BLOCK = CONVOLUTION_BLOCK;
 
 template <class Pixel>
-void Widen(const void* pixels, double* __restrict to, int64_t count) {
-  const auto* from = static_cast<const Pixel*>(pixels);
+ZEL_INLINE void Widen(const Pixel* from, double* __restrict to, int64_t count) {
   for (int64_t x = 0; x < count; x++) to[x] = from[x];
 }
 
 // ---- sums
 
+// The rows of a block.
+struct Block {
+  const double* numbers;
+  int64_t pitch;
+  int64_t count;  // of columns of results
+
+  const double* Row(int64_t j) const { return numbers + j * pitch; }
+};
+
 // Products of two 32-bit floats are exact; sums are rounded, so their order is kept.
-template <class Number>
-ZEL_INLINE void PlainSums(const Number* const* rows, int64_t first, int64_t count,
-                          const ConvolutionRule& rule, float* __restrict rounded) {
+ZEL_INLINE void PlainSums(const Block& block, int32_t above, const ConvolutionRule& rule,
+                          float divider, float* __restrict rounded) {
   double sums[BLOCK];
+  const int64_t count = block.count;
   for (int64_t x = 0; x < count; x++) sums[x] = 0.0;
   const ConvolutionTap* tap = rule.taps;
   for (int32_t j = 0; j < rule.rows; j++) {
     for (int32_t i = 0; i < rule.columns; i++, tap++) {
-      const Number* pixels = rows[j] + first + i;
-      for (int64_t x = 0; x < count; x++) sums[x] += tap->real * double{pixels[x]};
+      const double* pixels = block.Row(above + j) + i;
+      for (int64_t x = 0; x < count; x++) sums[x] += tap->real * pixels[x];
     }
   }
-  for (int64_t x = 0; x < count; x++) rounded[x] = static_cast<float>(sums[x]);
+  for (int64_t x = 0; x < count; x++) rounded[x] = static_cast<float>(sums[x]) / divider;
 }
 
 #if defined(ZEL_VECTORS)
@@ -45,18 +53,20 @@ constexpr size_t VECTORS = results == 1         ? 8
 template <int32_t results>
 constexpr int64_t COLUMNS = static_cast<int64_t>(VECTORS<results>) * DOUBLE_LANES;
 
-ZEL_INLINE Doubles AsDoubles(const float* from) {
-  return WidenFloats(from);
-}
-ZEL_INLINE Doubles AsDoubles(const double* from) {
-  return Load<Doubles>(from);
+// The 64-bit quotient of two 32-bit floats, rounded to 32 bits, is their 32-bit quotient: as it is
+// no closer to the middle between two of these than 2^-49 of its size, or lies there, rounding to
+// 53 bits before doesn't carry it across.
+using HalfFloats = float __attribute__((vector_size(VECTOR_BYTES / 2)));
+ZEL_INLINE void StoreDivided(float* to, Doubles sums, float divider) {
+  if (divider == 1.0f) return StoreRounded(to, sums);
+  Store(to, __builtin_convertvector(sums, HalfFloats) / divider);
 }
 
 // Most pixels lie in the windows of all rows of results: each is loaded once for these, whose sums
 // go to results of their own.
-template <int32_t results, class Number>
-ZEL_INLINE void SumGroup(const Number* const* rows, int64_t x, const ConvolutionRule& rule,
-                         float* const* to, int64_t column) {
+template <int32_t results>
+ZEL_INLINE void SumGroup(const Block& block, int64_t x, const ConvolutionRule& rule, float divider,
+                         float* const* to) {
   constexpr size_t vectors = VECTORS<results>;
   Doubles sums[static_cast<size_t>(results)][vectors] = {};
   for (int32_t j = 0; j < rule.rows + results - 1; j++) {
@@ -68,11 +78,10 @@ ZEL_INLINE void SumGroup(const Number* const* rows, int64_t x, const Convolution
       const bool isInside = row >= 0 && row < rule.rows;
       taps[r] = isInside ? rule.taps + int64_t{row} * rule.columns : nullptr;
     }
+    const double* row = block.Row(j) + x;
     for (int32_t i = 0; i < rule.columns; i++) {
       Doubles pixels[vectors];
-      for (size_t v = 0; v < vectors; v++) {
-        pixels[v] = AsDoubles(rows[j] + x + i + v * DOUBLE_LANES);
-      }
+      for (size_t v = 0; v < vectors; v++) pixels[v] = Load<Doubles>(row + i + v * DOUBLE_LANES);
       for (int32_t r = 0; r < results; r++) {
         if (!taps[r]) continue;
         const Doubles coefficient = taps[r][i].real - Doubles{};
@@ -84,29 +93,32 @@ ZEL_INLINE void SumGroup(const Number* const* rows, int64_t x, const Convolution
   }
   for (int32_t r = 0; r < results; r++) {
     for (size_t v = 0; v < vectors; v++)
-      StoreRounded(to[r] + column + v * DOUBLE_LANES, sums[r][v]);
+      StoreDivided(to[r] + x + v * DOUBLE_LANES, sums[r][v], divider);
   }
 }
 
 // Groups of columns, the last of which may cover some of the one before once more. False for fewer
 // columns than a group has. Not inlined, so that the sums have all registers to themselves.
-template <int32_t results, class Number>
-[[gnu::noinline]] bool GroupSums(const Number* const* rows, int64_t first, int64_t count,
-                                 const ConvolutionRule& rule, float* const* sums) {
+template <int32_t results>
+[[gnu::noinline]] bool GroupSums(const Block& block, const ConvolutionRule& rule, float divider,
+                                 float* const* sums) {
   constexpr int64_t columns = COLUMNS<results>;
+  const int64_t count = block.count;
   if (count < columns) return false;
   for (int64_t next = 0; next < count; next += columns) {
     const int64_t x = next < count - columns ? next : count - columns;
-    SumGroup<results>(rows, first + x, rule, sums, x);
+    SumGroup<results>(block, x, rule, divider, sums);
   }
   return true;
 }
 
 #else
 
-template <int32_t results, class Number>
-ZEL_INLINE bool GroupSums(const Number* const*, int64_t, int64_t, const ConvolutionRule&,
-                          float* const*) {
+template <int32_t results>
+constexpr int64_t COLUMNS = 1;
+
+template <int32_t results>
+ZEL_INLINE bool GroupSums(const Block&, const ConvolutionRule&, float, float* const*) {
   return false;
 }
 
@@ -119,25 +131,22 @@ ZEL_INLINE bool GroupSums(const Number* const*, int64_t, int64_t, const Convolut
 template <class Pixel>
 ZEL_INLINE void Finish(const float* sums, Pixel* __restrict results, int64_t count,
                        const ConvolutionRule& rule) {
-  const double reciprocal = rule.reciprocal;
   int32_t whole[BLOCK];
-  for (int64_t x = 0; x < count; x++) {
-    const double quotient = static_cast<double>(sums[x]) * reciprocal;
-    whole[x] = LimitedQuotient<Pixel>(quotient == quotient ? quotient : 0.0);
+  if (rule.divider == 1.0f) {
+    for (int64_t x = 0; x < count; x++) {
+      whole[x] = LimitedQuotient<Pixel>(sums[x] == sums[x] ? sums[x] : 0.0f);
+    }
+  } else {
+    const double reciprocal = rule.reciprocal;
+    for (int64_t x = 0; x < count; x++) {
+      const double quotient = static_cast<double>(sums[x]) * reciprocal;
+      whole[x] = LimitedQuotient<Pixel>(quotient == quotient ? quotient : 0.0);
+    }
   }
   for (int64_t x = 0; x < count; x++) results[x] = static_cast<Pixel>(whole[x]);
 }
 
-// The sums lie in the results already. The 64-bit quotient of two 32-bit floats, rounded to 32
-// bits, is their 32-bit quotient: as it is no closer to the middle between two of these than 2^-49
-// of its size, or lies there, rounding to 53 bits before doesn't carry it across.
-ZEL_INLINE void Finish(const float*, float* results, int64_t count, const ConvolutionRule& rule) {
-  const float divider = rule.divider;
-  if (divider == 1.0f) return;
-  for (int64_t x = 0; x < count; x++) results[x] /= divider;
-}
-
-// Where the sums of a block go: those of floats are results already, but for the divider.
+// Where the sums of a block go: those of floats are results already.
 template <class Pixel, int32_t results>
 ZEL_INLINE void SumsPlace(float (*sums)[BLOCK], void* const* to, int64_t first, float** places) {
   for (int32_t r = 0; r < results; r++) {
@@ -149,37 +158,38 @@ ZEL_INLINE void SumsPlace(float (*sums)[BLOCK], void* const* to, int64_t first, 
   }
 }
 
-// Blocks of columns, the last of which may cover some of the one before once more.
-template <class Pixel, class Number, int32_t results>
+// Blocks of columns. One of fewer columns than a group has begins earlier.
+template <class Pixel, int32_t results>
 void RealRows(const void* const* places, void* const* to, int32_t width,
-              const ConvolutionRule& rule) {
-  const auto* rows = reinterpret_cast<const Number* const*>(places);
+              const ConvolutionRule& rule, double* numbers) {
+  constexpr bool ofFloats = sizeof(Pixel) == sizeof(float);
+  const float divider = ofFloats ? rule.divider : 1.0f;
+  const auto* rows = reinterpret_cast<const Pixel* const*>(places);
+  const int64_t least = width < COLUMNS<results> ? width : COLUMNS<results>;
+  const int64_t pitch = ConvolutionBlockPitch(rule);
   alignas(64) float held[static_cast<size_t>(results)][BLOCK];
-  const int64_t count = width < BLOCK ? width : BLOCK;
-  for (int64_t next = 0; next < width; next += count) {
-    const int64_t first = next < width - count ? next : width - count;
+  for (int64_t next = 0; next < width; next += BLOCK) {
+    const int64_t first = next < width - least ? next : width - least;
+    const int64_t count = width - first < BLOCK ? width - first : BLOCK;
+    for (int64_t j = 0; j < rule.rows + results - 1; j++) {
+      Widen(rows[j] + first, numbers + j * pitch, count + rule.columns - 1);
+    }
+    const Block block{numbers, pitch, count};
     float* sums[static_cast<size_t>(results)];
     SumsPlace<Pixel, results>(held, to, first, sums);
-    if (!GroupSums<results>(rows, first, count, rule, sums)) {
-      for (int32_t r = 0; r < results; r++) PlainSums(rows + r, first, count, rule, sums[r]);
+    if (!GroupSums<results>(block, rule, divider, sums)) {
+      for (int32_t r = 0; r < results; r++) PlainSums(block, r, rule, divider, sums[r]);
     }
-    for (int32_t r = 0; r < results; r++) {
+    for (int32_t r = 0; !ofFloats && r < results; r++) {
       Finish(sums[r], static_cast<Pixel*>(to[r]) + first, count, rule);
     }
   }
 }
 
-template <class Pixel, class Number>
-constexpr ConvolutionReal REAL_OF = {
-    .one = &RealRows<Pixel, Number, 1>,
-    .atOnce = &RealRows<Pixel, Number, CONVOLUTION_ROWS_AT_ONCE>,
-};
-
 template <class Pixel>
 constexpr ConvolutionRealRows ROWS_OF = {
-    .widen = &Widen<Pixel>,
-    .ofWidened = REAL_OF<Pixel, double>,
-    .ofPixels = {},
+    .one = &RealRows<Pixel, 1>,
+    .atOnce = &RealRows<Pixel, CONVOLUTION_ROWS_AT_ONCE>,
 };
 
 }  // namespace
@@ -187,8 +197,7 @@ constexpr ConvolutionRealRows ROWS_OF = {
 extern const ConvolutionRealTypes convolutionRealRows = {
     .u8 = ROWS_OF<uint8_t>,
     .i16 = ROWS_OF<int16_t>,
-    .sgl = {.widen = &Widen<float>,
-            .ofWidened = REAL_OF<float, double>,
-            .ofPixels = REAL_OF<float, float>}};
+    .sgl = ROWS_OF<float>,
+};
 
 }  // namespace zel::ZEL_LEVEL

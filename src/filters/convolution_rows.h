@@ -84,18 +84,24 @@ ZEL_ROW_TABLE(ConvolutionRows, convolutionRows)
 
 constexpr int32_t CONVOLUTION_ROWS_AT_ONCE = 4;
 
+// The columns of a block of results, and the 64-bit floats that the pixels of a row below it
+// become: those of all rows that it is made of lie in the nearest cache.
+constexpr int64_t CONVOLUTION_BLOCK = 256;
+constexpr int64_t ConvolutionBlockPitch(const ConvolutionRule& rule) {
+  constexpr int64_t lineNumbers = 8;
+  return (CONVOLUTION_BLOCK + rule.columns - 1 + lineNumbers - 1) / lineNumbers * lineNumbers;
+}
+constexpr int64_t ConvolutionBlockNumbers(const ConvolutionRule& rule) {
+  return (int64_t{rule.rows} + CONVOLUTION_ROWS_AT_ONCE - 1) * ConvolutionBlockPitch(rule);
+}
+
 // Rows of results. rows[j] begins with the first column of the first window, in the j-th row that
 // the window of the first row of results covers; the row below has that window's rows one later.
+// `numbers` has room for ConvolutionBlockNumbers.
 using ConvolutionRealRow = void (*)(const void* const* rows, void* const* to, int32_t width,
-                                    const ConvolutionRule& rule);
-struct ConvolutionReal {
-  ConvolutionRealRow one, atOnce;  // one row of results, and CONVOLUTION_ROWS_AT_ONCE
-};
-
+                                    const ConvolutionRule& rule, double* numbers);
 struct ConvolutionRealRows {
-  void (*widen)(const void* pixels, double* to, int64_t count);
-  ConvolutionReal ofWidened;  // of rows whose pixels were made 64-bit floats before
-  ConvolutionReal ofPixels;   // of rows as they are: SGL alone
+  ConvolutionRealRow one, atOnce;  // one row of results, and CONVOLUTION_ROWS_AT_ONCE
 };
 struct ConvolutionRealTypes {
   ConvolutionRealRows u8, i16, sgl;

@@ -245,6 +245,19 @@ TEST(Convolute, ByFractionsTakesTheFloatPass) {
   }
 }
 
+TEST(Convolute, ByFractionsOfAllWidthsAroundBlocksOfColumns) {
+  uint64_t seed = 1400;
+  Random random(5);
+  for (const int32_t type : SCALAR_TYPES) {
+    for (const int32_t width : {31, 32, 33, 63, 64, 65, 255, 256, 257, 287, 288, 289, 520}) {
+      Matrix matrix{5, 3, {}, width % 2 == 0 ? 1.0f : 3.5f};
+      for (int32_t i = 0; i < 15; i++) matrix.coefficients.push_back(random.Float(-1, 1));
+      ExpectConvolved(TestImage(type, width, 7, 2, ++seed), matrix, 1);
+      if (HasFatalFailure()) return;
+    }
+  }
+}
+
 TEST(Convolute, CutsFractionsAtWholeNumbers) {
   for (const int32_t type : {IMAGE_U8, IMAGE_I16}) {
     const TestImage source(type, 256, 1, 1, 1);

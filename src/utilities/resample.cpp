@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <numeric>
 
 #include "core/heap.h"
 #include "core/pixel_types.h"
@@ -148,9 +149,12 @@ class JoinedRows {
         samplesDown_(views.y.Changes() ? method + 1 : 1),
         along_(rows_.along.For(views.source.type).For(samplesAlong_)),
         down_(rows_.down.For(views.source.type).For(samplesDown_)),
+        isBilinear_(samplesAlong_ == 2 && samplesDown_ == 2),
+        pairs_(isBilinear_ && !RowsRepeat(views.y) ? rows_.pairs.For(views.source.type)
+                                                   : PairRoutines{}),
         canBeEstimated_((views.source.type == IMAGE_U8 || views.source.type == IMAGE_RGB) &&
-                        samplesAlong_ == 2 && samplesDown_ == 2),
-        rowsRepeat_(views.y.step < 1.5),
+                        isBilinear_ && !pairs_.join &&
+                        !(rows_.placeWindows && MeetsWholeNumbers(views))),
         isStreamed_(views.source.type == IMAGE_SGL && IsStreamed(views.result)),
         columns_(tile->columns),
         held_(tile->held),
@@ -166,9 +170,11 @@ class JoinedRows {
     } else {
       Place<4>(tile);
     }
-    columns_.estimated = 0;
+    columns_.apart = 0;
     columns_.windowed = 0;
-    if (canBeEstimated_) {
+    if (pairs_.join) {
+      pairs_.prepare(&columns_);
+    } else if (canBeEstimated_) {
       rows_.estimate.prepare(&columns_);
     } else if (rows_.placeWindows) {
       rows_.placeWindows(&columns_, samplesAlong_);
@@ -190,28 +196,54 @@ class JoinedRows {
  private:
   static constexpr int64_t NONE = -1;
 
+  // Shares are multiples of 1 / so many.
+  static int64_t Shares(const ResampleAxis& axis) {
+    return axis.results / std::gcd(axis.results, axis.size - 1);
+  }
+  // So many results are whole numbers, or nearly, that estimates save nothing.
+  static bool MeetsWholeNumbers(const ResampleViews& views) {
+    constexpr int64_t fewestShares = 500;
+    return Shares(views.x) * Shares(views.y) < fewestShares;
+  }
+
+  // Most of the rows that a row of results is joined from are needed for the next one again.
+  static bool RowsRepeat(const ResampleAxis& y) { return y.step < 1.5; }
+
   void Join(int32_t y, uint8_t* to) {
     const SourcePosition at = views_.y.At(y);
+    if (pairs_.join) {
+      const int32_t next = views_.y.At(std::min(y + 1, views_.result.height - 1)).pixel;
+      pairs_.join(
+          {{RowOf(at.pixel, 0), RowOf(at.pixel, 1)}, {RowOf(next, 0), RowOf(next, 1)}, at.share},
+          columns_, to);
+      if (columns_.apart == columns_.count) return;
+    }
     const HeldRow* held[TILE_SAMPLES] = {};
     for (int32_t sample = 0; sample < samplesDown_; sample++) {
-      held[sample] =
-          &Joined(Readable(int64_t{at.pixel} + sample, views_.source.height, views_.border));
+      held[sample] = &Joined(RowAt(at.pixel, sample));
     }
-    const int32_t estimated = columns_.estimated;
-    if (estimated != 0) {
-      const EstimatedRows rows{
-          {views_.source.Row<uint8_t>(held[0]->row), views_.source.Row<uint8_t>(held[1]->row)},
-          {held[0]->estimates, held[1]->estimates},
-          at.share};
-      (rowsRepeat_ ? rows_.estimate.down : rows_.estimate.both)(rows, columns_, to);
+    const int32_t apart = columns_.apart;
+    if (canBeEstimated_ && apart != 0) {
+      const EstimatedRows rows{{RowOf(at.pixel, 0), RowOf(at.pixel, 1)},
+                               {held[0]->estimates, held[1]->estimates},
+                               at.share};
+      rows_.estimate.down(rows, columns_, to);
     }
-    if (estimated == columns_.count) return;
+    if (apart == columns_.count) return;
     const double* rows[TILE_SAMPLES] = {};
     for (int32_t sample = 0; sample < samplesDown_; sample++) {
-      rows[sample] = held[sample]->numbers + estimated;
+      rows[sample] = held[sample]->numbers + apart;
     }
     const int64_t numberBytes = views_.result.pixelBytes / numbers_;
-    down_(rows, at.share, to + estimated * numberBytes, columns_.count - estimated);
+    down_(rows, at.share, to + apart * numberBytes, columns_.count - apart);
+  }
+
+  // The row of a sample, and its pixels.
+  int32_t RowAt(int32_t first, int32_t sample) const {
+    return Readable(int64_t{first} + sample, views_.source.height, views_.border);
+  }
+  const uint8_t* RowOf(int32_t first, int32_t sample) const {
+    return views_.source.Row<uint8_t>(RowAt(first, sample));
   }
 
   // Where the pixels of a tile stand, of so many numbers each.
@@ -241,11 +273,11 @@ class JoinedRows {
     HeldRow& held = held_[row % samplesDown_];
     if (held.row == row) return held;
     held.row = row;
-    const void* from = views_.source.Row<void>(row);
-    if (columns_.estimated != 0 && rowsRepeat_) {
-      rows_.estimate.along(static_cast<const uint8_t*>(from), columns_, held.estimates);
+    const auto* from = views_.source.Row<uint8_t>(row);
+    if (canBeEstimated_ && columns_.apart != 0) {
+      rows_.estimate.along(from, columns_, held.estimates);
     }
-    if (columns_.estimated != columns_.count) along_(from, columns_, held.numbers);
+    if (columns_.apart != columns_.count) along_(from, columns_, held.numbers);
     return held;
   }
 
@@ -254,8 +286,9 @@ class JoinedRows {
   int32_t numbers_, samplesAlong_, samplesDown_;
   AlongRow along_;
   DownRows down_;
+  bool isBilinear_;
+  PairRoutines pairs_;
   bool canBeEstimated_;
-  bool rowsRepeat_;  // in the next row of results, so that they are worth keeping
   bool isStreamed_;  // integers take longer to join than to store
   TileColumns& columns_;
   HeldRow* held_;

@@ -284,7 +284,7 @@ void Along(const void* source, const TileColumns& columns, double* destination) 
   const double* share = columns.share;
   double* __restrict to = destination;
   const int32_t count = columns.count;
-  int32_t begin = columns.estimated;
+  int32_t begin = columns.apart;
   if constexpr (samples > 1) begin += AlongWindows<T, samples>(from, columns, to);
   for (int32_t i = begin; i < count; i++) {
     const auto f0 = static_cast<double>(from[first[i]]);
@@ -332,6 +332,119 @@ constexpr BySamples<AlongRow> ALONG = {
 template <class T>
 constexpr BySamples<DownRows> DOWN = {.one = &Down<T, 1>, .two = &Down<T, 2>, .three = &Down<T, 3>};
 
+// ---- two rows at once
+
+#if defined(ZEL_WIDE_VECTORS)
+
+// Rows that lie far from each other: the processor does not see which ones are next.
+template <class T>
+ZEL_INLINE void FetchNext(const RowPair& rows, int32_t start) {
+  for (const void* next : rows.next) __builtin_prefetch(static_cast<const T*>(next) + start);
+}
+
+#endif
+
+#if defined(ZEL_LEVEL_v4)
+
+// Numbers near each other, of which a vector is taken as 64-bit floats.
+template <class T>
+class NumberWindow;
+
+template <>
+class NumberWindow<float> {
+ public:
+  static constexpr int32_t NUMBERS = 2 * DOUBLE_LANES;
+
+  explicit NumberWindow(const float* from)
+      : low_(WidenFloats(from)), high_(WidenFloats(from + DOUBLE_LANES)) {}
+  ZEL_INLINE Doubles At(__m512i places) const {
+    return (Doubles)_mm512_permutex2var_pd((__m512d)low_, places, (__m512d)high_);
+  }
+
+ private:
+  Doubles low_, high_;
+};
+
+// Words are set into the 64-bit float 2^52, raised by 2^15 so that they have no sign.
+template <>
+class NumberWindow<int16_t> {
+ public:
+  static constexpr int32_t NUMBERS = VECTOR_BYTES / 2;
+
+  explicit NumberWindow(const int16_t* from) : raised_(Of(Load<Words>(from) ^ INT16_MIN)) {}
+  ZEL_INLINE Doubles At(__m512i places) const {
+    constexpr __mmask32 lowWords = 0x11111111;
+    constexpr int64_t bits = 0x4330000000000000;
+    constexpr double offset = 4503599627370496.0 + 32768.0;
+    return (Doubles)_mm512_mask_permutexvar_epi16(_mm512_set1_epi64(bits), lowWords, places,
+                                                  raised_) -
+           offset;
+  }
+
+ private:
+  __m512i raised_;
+};
+
+// Vectors of results of which each second sample is the number behind the first.
+template <class T>
+bool PairPlace(TileColumns* columns, int32_t first) {
+  const int32_t last = columns->readable - NumberWindow<T>::NUMBERS;
+  const int32_t begin = columns->index[0][first];
+  const int32_t start = begin < last ? begin : last;
+  columns->start[first] = start;
+  bool fits = start >= 0;
+  for (int32_t i = first; i < first + DOUBLE_LANES; i++) {
+    const int32_t place = columns->index[0][i] - start;
+    columns->place[0][i] = place;
+    fits &= place + 1 < NumberWindow<T>::NUMBERS && columns->index[1][i] == start + place + 1;
+  }
+  return fits;
+}
+
+template <class T>
+void PairPrepare(TileColumns* columns) {
+  int32_t i = 0;
+  while (i + DOUBLE_LANES <= columns->count && PairPlace<T>(columns, i)) i += DOUBLE_LANES;
+  columns->apart = i;
+}
+
+ZEL_INLINE void StoreNumbers(float* to, Doubles numbers) {
+  StoreRounded(to, numbers);
+}
+ZEL_INLINE void StoreNumbers(int16_t* to, Doubles numbers) {
+  const __m256i whole = _mm512_maskz_cvttpd_epi32(0xFF, (__m512d)numbers);
+  Store(to, _mm_packs_epi32(_mm256_castsi256_si128(whole), _mm256_extracti128_si256(whole, 1)));
+}
+
+template <class T>
+void PairJoin(const RowPair& rows, const TileColumns& columns, void* destination) {
+  const T* upper = static_cast<const T*>(rows.from[0]);
+  const T* lower = static_cast<const T*>(rows.from[1]);
+  T* to = static_cast<T*>(destination);
+  const Doubles down = Doubles{} + rows.share;
+  const int32_t count = columns.apart;
+  for (int32_t i = 0; i < count; i += DOUBLE_LANES) {
+    const NumberWindow<T> top(upper + columns.start[i]);
+    const NumberWindow<T> bottom(lower + columns.start[i]);
+    FetchNext<T>(rows, columns.start[i]);
+    const __m512i first = _mm512_maskz_cvtepi32_epi64(0xFF, Load<__m256i>(columns.place[0] + i));
+    const __m512i second = _mm512_add_epi64(first, _mm512_set1_epi64(1));
+    const auto along = Load<Doubles>(columns.share + i);
+    StoreNumbers(to + i, Between(Between(top.At(first), top.At(second), along),
+                                 Between(bottom.At(first), bottom.At(second), along), down));
+  }
+}
+
+template <class T>
+constexpr PairRoutines PAIRS = {.prepare = &PairPrepare<T>, .join = &PairJoin<T>};
+
+#else
+
+template <class T>
+constexpr PairRoutines PAIRS = {.prepare = nullptr, .join = nullptr};
+
+#endif
+
 // ---- estimated bytes
 
 #if defined(ZEL_WIDE_VECTORS)
@@ -360,7 +473,7 @@ void EstimatePrepare(TileColumns* columns) {
   }
   for (int32_t k = 0; k < i; k++)
     columns->shareEstimate[k] = static_cast<float>(columns->share[k] * ONE);
-  columns->estimated = i;
+  columns->apart = i;
 }
 
 ZEL_INLINE Floats Between(Floats f0, Floats f1, Floats t) {
@@ -381,38 +494,43 @@ ZEL_INLINE Floats JoinedAlong(const uint8_t* from, const TileColumns& columns, i
 }
 
 void EstimateAlong(const uint8_t* from, const TileColumns& columns, float* to) {
-  const int32_t count = columns.estimated;
+  const int32_t count = columns.apart;
   for (int32_t i = 0; i < count; i += LANES) {
     Store(to + i, JoinedAlong(from + columns.start[i], columns, i));
   }
 }
 
-ZEL_INLINE double StatedAlong(const uint8_t* from, const TileColumns& columns, int32_t i) {
-  return Between(static_cast<double>(from[columns.index[0][i]]),
-                 static_cast<double>(from[columns.index[1][i]]), columns.share[i]);
+// The stated results of a vector, from its bytes at four corners.
+[[gnu::noinline]] void StateAll(const RowPair& rows, const TileColumns& columns, int32_t i,
+                                uint8_t* to) {
+  alignas(VECTOR_BYTES) int32_t corners[2][2][LANES];
+  for (int32_t row = 0; row < 2; row++) {
+    const ByteWindow window(static_cast<const uint8_t*>(rows.from[row]) + columns.start[i]);
+    for (int32_t sample = 0; sample < 2; sample++) {
+      Store(corners[row][sample], window.At(Load<Ints>(columns.place[sample] + i)) & UINT8_MAX);
+    }
+  }
+  const auto along = [&](int32_t row, int32_t k) {
+    return Between(static_cast<double>(corners[row][0][k]), static_cast<double>(corners[row][1][k]),
+                   columns.share[i + k]);
+  };
+  alignas(VECTOR_BYTES) int32_t whole[LANES];
+  for (int32_t k = 0; k < LANES; k++) {
+    whole[k] = static_cast<int32_t>(Between(along(0, k), along(1, k), rows.share));
+  }
+  StoreBytes<0>(to + i, Load<Ints>(whole));
 }
 
-// Results whose four pixels are equal are exact.
-ZEL_INLINE uint32_t EqualBits(const EstimatedRows& rows, const TileColumns& columns, int32_t i) {
-  const ByteWindow top(rows.from[0] + columns.start[i]);
-  const ByteWindow bottom(rows.from[1] + columns.start[i]);
+// A bit for each of a vector whose four pixels are equal: these are exact.
+ZEL_INLINE uint32_t EqualBits(const RowPair& rows, const TileColumns& columns, int32_t i) {
+  const ByteWindow top(static_cast<const uint8_t*>(rows.from[0]) + columns.start[i]);
+  const ByteWindow bottom(static_cast<const uint8_t*>(rows.from[1]) + columns.start[i]);
   const auto first = Load<Ints>(columns.place[0] + i);
   const auto second = Load<Ints>(columns.place[1] + i);
   const Ints corner = top.At(first);
   const Ints differs =
       (corner ^ top.At(second)) | (corner ^ bottom.At(first)) | (corner ^ bottom.At(second));
   return DisjointBits(differs, differs);
-}
-
-// The results in doubt of a vector, a bit for each.
-[[gnu::noinline]] void DoubtsSettle(const EstimatedRows& rows, const TileColumns& columns,
-                                    int32_t i, uint32_t bits, uint8_t* to) {
-  for (bits &= ~EqualBits(rows, columns, i); bits != 0; bits &= bits - 1) {
-    const int32_t at = i + __builtin_ctz(bits);
-    const double stated = Between(StatedAlong(rows.from[0], columns, at),
-                                  StatedAlong(rows.from[1], columns, at), rows.share);
-    to[at] = NumberOf<uint8_t>(stated);
-  }
 }
 
 // From estimates in 65536ths. Answers the bits of those in doubt.
@@ -424,24 +542,30 @@ ZEL_INLINE uint32_t StoreEstimates(Floats estimates, uint8_t* to) {
 
 void EstimateDown(const EstimatedRows& rows, const TileColumns& columns, uint8_t* to) {
   const Floats share = Floats{} + static_cast<float>(rows.share);
-  const int32_t count = columns.estimated;
+  const int32_t count = columns.apart;
   for (int32_t i = 0; i < count; i += LANES) {
     const auto top = Load<Floats>(rows.joined[0] + i);
     const auto bottom = Load<Floats>(rows.joined[1] + i);
     const uint32_t doubts = StoreEstimates(Between(top, bottom, share), to + i);
-    if (doubts != 0) DoubtsSettle(rows, columns, i, doubts, to);
+    if (doubts == 0) continue;
+    const RowPair pair{{rows.from[0], rows.from[1]}, {}, rows.share};
+    if ((doubts & ~EqualBits(pair, columns, i)) != 0) StateAll(pair, columns, i, to);
   }
 }
 
 // From the first pixel of four: what there is down from it and along from it, and how much more
 // along in the row below.
-void EstimateBoth(const EstimatedRows& rows, const TileColumns& columns, uint8_t* to) {
+void EstimatePair(const RowPair& rows, const TileColumns& columns, void* destination) {
+  const auto* upper = static_cast<const uint8_t*>(rows.from[0]);
+  const auto* lower = static_cast<const uint8_t*>(rows.from[1]);
+  auto* to = static_cast<uint8_t*>(destination);
   const Floats share = Floats{} + static_cast<float>(rows.share);
   const Floats shareParts = share * static_cast<float>(ONE);
-  const int32_t count = columns.estimated;
+  const int32_t count = columns.apart;
   for (int32_t i = 0; i < count; i += LANES) {
-    const ByteWindow top(rows.from[0] + columns.start[i]);
-    const ByteWindow bottom(rows.from[1] + columns.start[i]);
+    const ByteWindow top(upper + columns.start[i]);
+    const ByteWindow bottom(lower + columns.start[i]);
+    FetchNext<uint8_t>(rows, columns.start[i]);
     const auto first = Load<Ints>(columns.place[0] + i);
     const auto second = Load<Ints>(columns.place[1] + i);
     const Floats corner = (Floats)top.At(first);
@@ -452,23 +576,25 @@ void EstimateBoth(const EstimatedRows& rows, const TileColumns& columns, uint8_t
     const Floats left = MultiplyAdd(down, shareParts, InParts(corner));
     const auto across = Load<Floats>(columns.shareEstimate + i);
     const uint32_t doubts = StoreEstimates(MultiplyAdd(slope, across, left), to + i);
-    if (doubts != 0) DoubtsSettle(rows, columns, i, doubts, to);
+    if (doubts == 0) continue;
+    // Results whose four pixels are equal are exact.
+    const Ints differs = (Ints)along | (Ints)down | (Ints)more;
+    if ((doubts & ~DisjointBits(differs, differs)) != 0) StateAll(rows, columns, i, to);
   }
 }
 
-constexpr EstimateRows ESTIMATE = {.prepare = &EstimatePrepare,
-                                   .along = &EstimateAlong,
-                                   .down = &EstimateDown,
-                                   .both = &EstimateBoth};
+constexpr EstimateRows ESTIMATE = {
+    .prepare = &EstimatePrepare, .along = &EstimateAlong, .down = &EstimateDown};
+constexpr PairRoutines BYTE_PAIRS = {.prepare = &EstimatePrepare, .join = &EstimatePair};
 
 #else
 
 // The stated numbers are all there is.
 void EstimateNothing(TileColumns* columns) {
-  columns->estimated = 0;
+  columns->apart = 0;
 }
-constexpr EstimateRows ESTIMATE = {
-    .prepare = &EstimateNothing, .along = nullptr, .down = nullptr, .both = nullptr};
+constexpr EstimateRows ESTIMATE = {.prepare = &EstimateNothing, .along = nullptr, .down = nullptr};
+constexpr PairRoutines BYTE_PAIRS = {.prepare = nullptr, .join = nullptr};
 
 #endif
 
@@ -484,6 +610,7 @@ extern const ResampleRows resampleRows = {
     .along = {.u8 = ALONG<uint8_t>, .i16 = ALONG<int16_t>, .sgl = ALONG<float>},
     .down = {.u8 = DOWN<uint8_t>, .i16 = DOWN<int16_t>, .sgl = DOWN<float>},
     .estimate = ESTIMATE,
+    .pairs = {.u8 = BYTE_PAIRS, .i16 = PAIRS<int16_t>, .sgl = PAIRS<float>},
 };
 
 }  // namespace zel::ZEL_LEVEL

@@ -21,9 +21,12 @@ struct TileColumns {
   int32_t count;     // of results
   int32_t readable;  // numbers of a row, from its first one on
 
-  // The first results may be estimated, or joined from numbers near each other, vector by vector:
-  // where in a row a vector starts, and the numbers behind that.
-  int32_t estimated;
+  // The first results are not joined along rows and then down columns of 64-bit floats, but by
+  // routines of their own.
+  int32_t apart;
+  // The first of those that are joined along rows are taken vector by vector from numbers near each
+  // other, and so are some that are found apart: where in a row a vector starts, and the numbers
+  // behind that.
   int32_t windowed;
   int32_t start[TILE_NUMBERS];
   alignas(64) int32_t place[TILE_SAMPLES][TILE_NUMBERS];
@@ -46,7 +49,7 @@ struct PickRoutines {
 };
 // The first results whose samples of a row are near enough, for so many samples.
 using PlaceWindows = void (*)(TileColumns* columns, int32_t samples);
-// The numbers of a row joined along it, without rounding to their type. Those that are estimated
+// The numbers of a row joined along it, without rounding to their type. Those that are found apart
 // are left out.
 using AlongRow = void (*)(const void* from, const TileColumns& columns, double* to);
 // Rows of them joined, and then put into their type: cut toward zero to integers.
@@ -64,8 +67,17 @@ struct EstimateRows {
   void (*prepare)(TileColumns* columns);
   void (*along)(const uint8_t* from, const TileColumns& columns, float* to);
   void (*down)(const EstimatedRows& rows, const TileColumns& columns, uint8_t* to);
-  // Both at once, for rows that are not needed again.
-  void (*both)(const EstimatedRows& rows, const TileColumns& columns, uint8_t* to);
+};
+
+// Bilinear results of two rows in one pass, for rows that are not needed again.
+struct RowPair {
+  const void* from[2];
+  const void* next[2];  // that the next row of results is joined from: fetched in the meantime
+  double share;
+};
+struct PairRoutines {
+  void (*prepare)(TileColumns* columns);  // how many of the results, and their places
+  void (*join)(const RowPair& rows, const TileColumns& columns, void* to);
 };
 
 // How many numbers a method joins along an axis: 1 where the size does not change.
@@ -91,6 +103,7 @@ struct ResampleRows {
   ByNumber<BySamples<AlongRow>> along;
   ByNumber<BySamples<DownRows>> down;
   EstimateRows estimate;
+  ByNumber<PairRoutines> pairs;  // nullptr where the processor cannot
 };
 ZEL_ROW_TABLE(ResampleRows, resampleRows)
 

@@ -258,6 +258,46 @@ TEST(Resample, OfWideImagesGoesInTiles) {
   }
 }
 
+// Of random pixels, but constant ones on the left; those of colours all have the same fourth byte.
+TestImage PartlyConstant(int32_t type, const Size& size, int32_t border) {
+  TestImage image(type, size.width, size.height, border, 7);
+  for (int32_t y = 0; y < size.height; y++) {
+    for (int32_t x = 0; x < size.width / 3; x++) {
+      for (int32_t channel = 0; channel < Channels(type); channel++) {
+        SetNumber(image, x, y, channel, 77);
+      }
+    }
+    for (int32_t x = 0; type == IMAGE_RGB && x < size.width; x++) SetNumber(image, x, y, 3, 200);
+  }
+  return image;
+}
+
+TEST(Resample, BilinearOfRowsThatAreNeededOnce) {
+  for (const int32_t type : TYPES) {
+    for (const int32_t border : {0, 1}) {
+      const TestImage source = PartlyConstant(type, {151, 40}, border);
+      for (const int32_t width : {7, 8, 9, 15, 16, 17, 31, 50, 75, 76, 151, 200}) {
+        ExpectResampled(source, {0, 0, WHOLE, WHOLE, width, 19, RESAMPLE_BILINEAR});
+        ExpectResampled(source, {3, 5, 30, 110, width, 11, RESAMPLE_BILINEAR});
+        if (HasFatalFailure()) return;
+      }
+    }
+  }
+}
+
+TEST(Resample, BilinearByStepsThatMeetWholeNumbers) {
+  for (const int32_t type : TYPES) {
+    for (const auto& [from, to] : {std::pair{Size{61, 41}, Size{20, 16}},
+                                   {{121, 51}, {48, 20}},
+                                   {{64, 64}, {108, 108}},
+                                   {{33, 17}, {64, 40}}}) {
+      ExpectResampled(PartlyConstant(type, from, 1),
+                      {0, 0, WHOLE, WHOLE, to.width, to.height, RESAMPLE_BILINEAR});
+      if (HasFatalFailure()) return;
+    }
+  }
+}
+
 TEST(Resample, LimitsTheRectangleToTheImage) {
   for (const int32_t method : METHODS) {
     const TestImage source(IMAGE_U8, 20, 11, 2, 3);
