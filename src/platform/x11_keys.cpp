@@ -57,10 +57,13 @@ xcb_keysym_t KeyAt(const X11Connection& at, uint8_t code, uint16_t state) {
   const xcb_keysym_t pad = ColumnOf(at, code, 1);
   const bool isPad = pad >= PAD && pad < PAD_END;
   if (isPad) return ColumnOf(at, code, ((state & NUM_LOCK) != 0) != isShift ? 1 : 0);
+  // The third level of a group stands behind both groups' first two.
   const int32_t group = (state >> 13 & 3) == 0 ? 0 : 2;
   const int32_t level = (state & THIRD_LEVEL) != 0 ? 4 : 0;
-  xcb_keysym_t key = ColumnOf(at, code, (isShift ? 1 : 0) + (level != 0 ? level : group));
-  if (key == 0) key = ColumnOf(at, code, isShift ? 1 : 0);
+  xcb_keysym_t key = 0;
+  for (const int32_t column : {level + group, level, 0}) {
+    if (key == 0) key = ColumnOf(at, code, column + (isShift ? 1 : 0));
+  }
   if (key == 0) key = isShift ? Upper(ColumnOf(at, code, 0)) : ColumnOf(at, code, 0);
   return (state & XCB_MOD_MASK_LOCK) != 0 ? Upper(key) : key;
 }

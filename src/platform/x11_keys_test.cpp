@@ -82,8 +82,11 @@ TEST(X11Keys, AreOfTheSecondGroupWhereThereIsOne) {
 
 TEST(X11Keys, AreOfTheThirdLevelWhereThereIsOne) {
   const std::vector<xcb_keysym_t> columns = {'q', 'Q', 'q', 'Q', '@', 'x'};
+  const std::vector<xcb_keysym_t> twoGroups = {'q', 'Q', 'z', 'Z', '@', 'x', '}'};
   Hold({{"the third level", columns, THIRD, '@'},
         {"the fourth", columns, THIRD | SHIFT, 'x'},
+        {"the third of the second group", twoGroups, THIRD | SECOND_GROUP, '}'},
+        {"that of the first group, where the second has none", columns, THIRD | SECOND_GROUP, '@'},
         {"no third level", {'q', 'Q'}, THIRD, 'q'},
         {"no third level, with Shift", {'q', 'Q'}, THIRD | SHIFT, 'Q'}});
 }
