@@ -243,6 +243,16 @@ class StoredRows {
   size_t pitch_ = 0, rowBytes_ = 0;
 };
 
+// Of bytes that are pixels, and no numbers of colours.
+void LendRows(Bytes file, const Header& header, Raster* raster) {
+  const StoredRows rows(file, header);
+  RefuseSize(header.width, header.height, 1);
+  raster->width = static_cast<int32_t>(header.width);
+  raster->height = static_cast<int32_t>(header.height);
+  raster->lent = rows.Row(0);
+  raster->lentPitch = header.height > 1 ? rows.Row(1) - rows.Row(0) : 0;
+}
+
 void ReadIndexed(Bytes file, const Header& header, Raster* raster) {
   const StoredRows rows(file, header);
   *raster = MakeRaster(header.width, header.height, 1, Sample::U8);
@@ -335,6 +345,11 @@ Picture ReadBmp(Bytes file, int32_t page, Want want) {
   }
   if (header.bits > 8) {
     ReadDirect(file, header, &picture.raster);
+    return picture;
+  }
+  const bool lends = want == Want::PixelsOrLent && !header.HasRuns() && header.bits == 8;
+  if (lends && IsRamp(palette)) {
+    LendRows(file, header, &picture.raster);
     return picture;
   }
   if (header.HasRuns()) {

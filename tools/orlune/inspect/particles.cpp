@@ -280,13 +280,13 @@ bool NeedLabels(const MeasureSet& wanted) {
 
 std::optional<std::vector<Particle>> MeasureUnlabelled(const Image& mask, bool eightConnected,
                                                        const MeasureSet& wanted) {
+  MeasureSet counted = wanted;
+  counted.set(MEASURE_NUMBER_OF_RUNS);
   std::vector<Particle> particles;
-  try {
-    AppendReports(mask, eightConnected, AskedOfLibrary(wanted), &particles);
-  } catch (const LibraryFailure& failure) {
-    if (failure.number() != ZEL_ERR_MEMORY_FULL) throw;
-    return std::nullopt;
-  }
+  AppendReports(mask, eightConnected, AskedOfLibrary(counted), &particles);
+  double runs = 0;
+  for (const Particle& particle : particles) runs += particle.values[MEASURE_NUMBER_OF_RUNS];
+  if (runs > MOST_STARTS) return std::nullopt;
   return particles;
 }
 

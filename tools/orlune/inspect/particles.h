@@ -34,8 +34,8 @@ std::vector<Particle> MeasureParticles(const Image& mask, const Image& picture,
 // Whether the front makes one of the measures itself, of the particles' runs.
 bool NeedLabels(const MeasureSet& wanted);
 
-// The same in less time, of measures that need no labels. Nothing for a mask of more than
-// MOST_STARTS, which the library does not tell from one that there is no memory for.
+// The same in less time, of measures that need no labels. Nothing for a mask of so many runs that
+// it may have to be taken in parts.
 std::optional<std::vector<Particle>> MeasureUnlabelled(const Image& mask, bool eightConnected,
                                                        const MeasureSet& wanted);
 

@@ -302,7 +302,9 @@ class PictureRun {
       if (const auto part = LargestKept(*found)) parts_.emplace(step.name, *part);
     }
     Judgement judgement(result);
-    TakeCount(found->Kept(), inspect.count, Plural(found->Kept(), "particle"), result, &judgement);
+    const size_t kept = found->Kept();
+    result->values.reserve(1 + kept * (measures.size() + inspect.required.size()));
+    TakeCount(kept, inspect.count, Plural(kept, "particle"), result, &judgement);
     for (const Particle& particle : found->particles) {
       if (particle.kept) TakeParticle(particle, inspect, measures, found->unit, result, &judgement);
     }

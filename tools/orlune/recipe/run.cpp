@@ -66,7 +66,7 @@ class RecipeRunner {
     std::unique_ptr<FolderWatch> watch;
     if (!command_.watch.empty()) watch = std::make_unique<FolderWatch>(command_.watch);
     TakeFiles();
-    Plan();
+    for (const std::string& file : files_) PlanAnnotated(file);
     if (command_.onlyList) return ALL_WELL;
     if (!command_.verdicts.empty()) pipe_ = std::make_unique<VerdictPipe>(command_.verdicts);
     if (!command_.annotate.empty())
@@ -95,7 +95,7 @@ class RecipeRunner {
     files_ = WithAllPages(command_.files);
     RefuseWatched();
     // Before an empty file becomes a database.
-    PlanFor(files_);
+    plan_ = PlanFor(files_);
     if (!command_.database.empty()) {
       database_ = std::make_unique<RunDatabase>(command_.database);
       const bool resumed = command_.resume && database_->Resume(recipe_, files_);
@@ -105,6 +105,7 @@ class RecipeRunner {
       }
       files_ = database_->Files();
       done_ = database_->Done();
+      plan_ = PlanFor(files_);
     }
     RefuseNone();
     done_.resize(files_.size());
@@ -132,11 +133,6 @@ class RecipeRunner {
     writes(command_.html, "the HTML report");
     writes(command_.database, "the database");
     return plan;
-  }
-
-  void Plan() {
-    plan_ = PlanFor(files_);
-    for (const std::string& file : files_) PlanAnnotated(file);
   }
 
   // What is written into the watched folder would come as a picture.
