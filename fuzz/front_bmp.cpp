@@ -1,5 +1,6 @@
 // Any bytes as a BMP file of the front's reader. The signature is put in, so that every input
 // reaches it.
+#include <algorithm>
 #include <vector>
 
 #include "fuzz/target.h"
@@ -23,6 +24,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     test::Require(static_cast<int64_t>(raster.bytes.size()) == raster.RowBytes() * raster.height,
                   "another number of bytes than the size takes");
     test::Require(raster.palette.empty() || raster.palette.size() == 256, "an odd palette");
+    const pictures::Raster lent = pictures::ReadBmp(file, 1, pictures::Want::PixelsOrLent).raster;
+    for (int64_t y = 0; y < raster.height; ++y) {
+      test::Require(std::equal(raster.Row(y), raster.Row(y) + raster.RowBytes(), lent.Row(y)),
+                    "the file lends other rows than it has");
+    }
   } catch (const pictures::BadFile&) {
   }
   return 0;

@@ -84,6 +84,54 @@ run 0 convert --type rgb filtered/washers.bmp coloured.bmp
 same coloured.bmp steps/01-filter.bmp
 [ -s steps/00-original.bmp ] || fail "$what: no steps/00-original.bmp"
 
+# ---- pictures that are drawn on are kept, others go from step to step: both are looked at alike
+
+cat >kept.toml <<'END'
+[[step]]
+do = "inspect"
+name = "raw"
+range = "0:120"
+scale = 0.5
+unit = "mm"
+measures = "AreaPixels,AreaCalibrated,GrayMean"
+[[step]]
+do = "filter"
+name = "smooth"
+steps = "median 5"
+[[step]]
+do = "inspect"
+name = "parts"
+dark = true
+keep = "AreaPixels>=500"
+measures = "AreaPixels,Perimeter,NumberOfHoles"
+[[step]]
+do = "filter"
+name = "edges"
+on = "smooth"
+steps = "edges sobel 4"
+[[step]]
+do = "inspect"
+name = "outlines"
+measures = "AreaCalibrated,FeretMaximum"
+[[step]]
+do = "gauge"
+name = "widths"
+on = "original"
+follow-step = "parts"
+master = "scenes/trays/tray1.bmp"
+line = "1,60,200,60"
+[[step]]
+do = "filter"
+on = "original"
+steps = "median 3"
+[[step]]
+do = "inspect"
+measures = "AreaPixels"
+END
+run 1 run kept.toml --csv moved.csv scenes/trays/*.bmp
+run 1 run kept.toml --csv drawn.csv --annotate kept scenes/trays/*.bmp
+same moved.csv drawn.csv
+
 # ---- mistakes have their lines
 
 mistake 3 "did you mean dark?" <<'END'

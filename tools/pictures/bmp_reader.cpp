@@ -179,7 +179,7 @@ std::vector<uint32_t> ReadPalette(Bytes file, const Header& header) {
   return palette;
 }
 
-Account AccountOf(Bytes file, const Header& header) {
+Account AccountOf(const Header& header, std::span<const uint32_t> palette) {
   Account account;
   account.format = "BMP";
   account.width = header.width;
@@ -188,7 +188,7 @@ Account AccountOf(Bytes file, const Header& header) {
   account.layout = header.topDown ? "rows from the top" : "rows from the bottom";
   if (header.bits <= 8) {
     account.bits = static_cast<int32_t>(header.bits);
-    DescribePalette(ReadPalette(file, header), &account);
+    DescribePalette(palette, &account);
   } else {
     account.kind = "colour";
     account.samples = header.masks[3] != 0 ? 4 : 3;
@@ -242,6 +242,16 @@ class StoredRows {
   const uint8_t* first_ = nullptr;
   size_t pitch_ = 0, rowBytes_ = 0;
 };
+
+// Of bytes that are pixels, and no numbers of colours.
+void LendRows(Bytes file, const Header& header, Raster* raster) {
+  const StoredRows rows(file, header);
+  RefuseSize(header.width, header.height, 1);
+  raster->width = static_cast<int32_t>(header.width);
+  raster->height = static_cast<int32_t>(header.height);
+  raster->lent = rows.Row(0);
+  raster->lentPitch = header.height > 1 ? rows.Row(1) - rows.Row(0) : 0;
+}
 
 void ReadIndexed(Bytes file, const Header& header, Raster* raster) {
   const StoredRows rows(file, header);
@@ -326,7 +336,8 @@ Picture ReadBmp(Bytes file, int32_t page, Want want) {
   OnlyPage(page, "BMP");
   const Header header = ReadHeader(file);
   Picture picture;
-  picture.account = AccountOf(file, header);
+  std::vector<uint32_t> palette = ReadPalette(file, header);
+  picture.account = AccountOf(header, palette);
   if (want == Want::Account) return picture;
   if (header.width < 1 || header.height < 1) {
     throw BadFile("the BMP picture has no pixels: it is " + std::to_string(header.width) + " x " +
@@ -336,13 +347,18 @@ Picture ReadBmp(Bytes file, int32_t page, Want want) {
     ReadDirect(file, header, &picture.raster);
     return picture;
   }
+  const bool lends = want == Want::PixelsOrLent && !header.HasRuns() && header.bits == 8;
+  if (lends && IsRamp(palette)) {
+    LendRows(file, header, &picture.raster);
+    return picture;
+  }
   if (header.HasRuns()) {
     ReadRuns(file, header, &picture.raster, &picture.account);
   } else {
     ReadIndexed(file, header, &picture.raster);
   }
   TellStrayNumbers(header, picture.raster, &picture.account);
-  picture.raster.palette = ReadPalette(file, header);
+  picture.raster.palette = std::move(palette);
   SettlePalette(&picture.raster);
   return picture;
 }

@@ -218,7 +218,7 @@ Loaded ReadPicture(const std::string& name, const ReadSettings& settings) {
     if (settings.colours) loaded.colours = ColoursOfNative(bytes);
     return loaded;
   }
-  Picture picture = ReaderFor(bytes).read(bytes, source.page, Want::Pixels);
+  Picture picture = ReaderFor(bytes).read(bytes, source.page, Want::PixelsOrLent);
   Raster& raster = picture.raster;
   if (settings.swapBytes) SwapSamples(&raster);
   std::optional<Image> colours;

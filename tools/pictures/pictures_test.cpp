@@ -270,6 +270,44 @@ void ExpectSame(const Raster& read, const Raster& written) {
   EXPECT_EQ(read.palette, written.palette);
 }
 
+// What a file lends is what it gives.
+void ExpectSameRows(const Raster& lent, const Raster& given) {
+  ASSERT_EQ(lent.width, given.width);
+  ASSERT_EQ(lent.height, given.height);
+  ASSERT_EQ(lent.RowBytes(), given.RowBytes());
+  EXPECT_EQ(lent.palette, given.palette);
+  for (int64_t y = 0; y < given.height; ++y) {
+    EXPECT_TRUE(std::equal(given.Row(y), given.Row(y) + given.RowBytes(), lent.Row(y))) << y;
+  }
+}
+
+TEST(BmpReader, BytesOfGraysAloneMayStayInTheFile) {
+  Pixels levels(256);
+  std::iota(levels.begin(), levels.end(), uint8_t{0});
+  Bmp bmp{.width = 3, .height = 2, .palette = Grays(levels), .pixels = {9, 8, 7, 0, 1, 2, 3}};
+  const auto rasters = [&](const Pixels& file) {
+    return std::pair(ReadBmp(file, 1, Want::PixelsOrLent).raster,
+                     ReadBmp(file, 1, Want::Pixels).raster);
+  };
+  for (const int32_t height : {2, -2, 1}) {
+    bmp.height = height;
+    const Pixels file = bmp.Bytes();
+    const auto [lent, given] = rasters(file);
+    EXPECT_NE(lent.lent, nullptr);
+    EXPECT_TRUE(lent.bytes.empty());
+    ExpectSameRows(lent, given);
+  }
+  // Numbers of colours, and of other grays, have to become what they mean.
+  bmp.palette[4 * 7] = 8;
+  const Pixels coloured = bmp.Bytes();
+  EXPECT_EQ(rasters(coloured).first.lent, nullptr);
+  ExpectSameRows(rasters(coloured).first, rasters(coloured).second);
+  bmp.palette[4 * 7 + 1] = bmp.palette[4 * 7 + 2] = 8;
+  const Pixels gray = bmp.Bytes();
+  EXPECT_EQ(rasters(gray).first.lent, nullptr);
+  ExpectSameRows(rasters(gray).first, rasters(gray).second);
+}
+
 TEST(Writers, WhatIsWrittenReadsBack) {
   Raster palette = Ramp(1, Sample::U8);
   palette.palette.assign(256, 0x102030);
@@ -439,6 +477,7 @@ TEST_F(Files, DamagedFilesGiveAPictureOrAComplaint) {
         if (account.width * account.height > 1000000) continue;
         const Raster raster = readers[i](damaged, 1, Want::Pixels).raster;
         EXPECT_EQ(static_cast<int64_t>(raster.bytes.size()), raster.RowBytes() * raster.height);
+        ExpectSameRows(readers[i](damaged, 1, Want::PixelsOrLent).raster, raster);
         ++read;
       } catch (const BadFile&) {
         ++refused;

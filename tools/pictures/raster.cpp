@@ -10,15 +10,14 @@ bool IsGray(uint32_t colour) {
   return colour == (colour & 255) * 0x010101;
 }
 
-// Of grays: each number means itself.
+}  // namespace
+
 bool IsRamp(std::span<const uint32_t> colours) {
   for (size_t i = 0; i < colours.size(); ++i) {
-    if ((colours[i] & 255) != i) return false;
+    if (colours[i] != i * 0x010101) return false;
   }
   return colours.size() == 256;
 }
-
-}  // namespace
 
 int32_t BytesOf(Sample sample) {
   switch (sample) {
@@ -38,14 +37,18 @@ int32_t BytesOf(Sample sample) {
   return 1;
 }
 
-Raster MakeRaster(int64_t width, int64_t height, int32_t channels, Sample sample) {
+void RefuseSize(int64_t width, int64_t height, int64_t pixelBytes) {
   constexpr int64_t LONGEST_SIDE = 0x7FFFFFFF;
   const std::string size = std::to_string(width) + " x " + std::to_string(height);
   if (width < 1 || height < 1) throw BadFile("the picture has no pixels: it is " + size);
-  const int64_t pixelBytes = int64_t{channels} * BytesOf(sample);
   if (width > LONGEST_SIDE || height > LONGEST_SIDE || width > MOST_BYTES / pixelBytes / height) {
     throw BadFile("the picture of " + size + " pixels takes more than 2 GiB of memory");
   }
+}
+
+Raster MakeRaster(int64_t width, int64_t height, int32_t channels, Sample sample) {
+  const int64_t pixelBytes = int64_t{channels} * BytesOf(sample);
+  RefuseSize(width, height, pixelBytes);
   Raster raster;
   raster.width = static_cast<int32_t>(width);
   raster.height = static_cast<int32_t>(height);

@@ -31,14 +31,23 @@ struct Raster {
   Sample sample = Sample::U8;
   std::vector<uint8_t> bytes;     // rows without gaps, in the machine's byte order
   std::vector<uint32_t> palette;  // 256 colours 0x00RRGGBB, or none: U8 samples are their numbers
+  // Instead of the bytes, where the rows lie in the file as they are wanted: the first one, and how
+  // far on the next one is.
+  const uint8_t* lent = nullptr;
+  int64_t lentPitch = 0;
 
   int64_t PixelBytes() const { return int64_t{channels} * BytesOf(sample); }
   int64_t RowBytes() const { return width * PixelBytes(); }
-  uint8_t* Row(int64_t y) { return bytes.data() + y * RowBytes(); }
-  const uint8_t* Row(int64_t y) const { return bytes.data() + y * RowBytes(); }
+  uint8_t* Row(int64_t y) { return bytes.data() + y * RowBytes(); }  // of one with bytes
+  const uint8_t* Row(int64_t y) const {
+    return lent != nullptr ? lent + y * lentPitch : bytes.data() + y * RowBytes();
+  }
 };
 
-// Black pixels. Throws BadFile for a size that no image can have.
+// Throws BadFile for a size that no image can have.
+void RefuseSize(int64_t width, int64_t height, int64_t pixelBytes);
+
+// Black pixels. Throws as RefuseSize.
 Raster MakeRaster(int64_t width, int64_t height, int32_t channels, Sample sample);
 
 // What a file says of one of its pictures.
@@ -66,6 +75,9 @@ struct Picture {
   Account account;
   Raster raster;  // empty when only the account was asked for
 };
+
+// Whether each number of 256 means itself, as a gray.
+bool IsRamp(std::span<const uint32_t> colours);
 
 // A palette of grays alone gives way to the grays themselves.
 void SettlePalette(Raster* raster);

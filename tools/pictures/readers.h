@@ -6,7 +6,11 @@
 
 namespace pictures {
 
-enum class Want { Account, Pixels };
+enum class Want {
+  Account,
+  Pixels,
+  PixelsOrLent  // pixels that need not be changed may stay in the file
+};
 
 bool IsBmp(Bytes file);
 Picture ReadBmp(Bytes file, int32_t page, Want want);

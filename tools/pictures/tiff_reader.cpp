@@ -215,7 +215,7 @@ Picture ReadTiff(Bytes bytes, int32_t page, Want want) {
   picture.account = AccountOf(file, layout);
   picture.account.page = page;
   picture.account.pages = pages;
-  if (want == Want::Pixels) picture.raster = ReadPage(&file, layout, picture.account);
+  if (want != Want::Account) picture.raster = ReadPage(&file, layout, picture.account);
   return picture;
 }
 

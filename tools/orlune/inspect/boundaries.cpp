@@ -2,29 +2,22 @@
 #include "orlune/inspect/boundaries.h"
 
 #include <algorithm>
+#include <bitset>
 
 #include "orlune/shared/pictures.h"
 
 namespace front {
 namespace {
 
-struct Ends {
-  int32_t lowest, highest;
-  int32_t levels;  // that occur: 1, 2, or 3 for more
-};
-
-Ends EndsOf(const Image& pixels) {
-  const Range range = ByteRange(pixels);
-  const auto lowest = static_cast<uint8_t>(range.low);
-  const auto highest = static_cast<uint8_t>(range.high);
-  if (lowest == highest) return {lowest, highest, 1};
+bool HasThreeLevels(const Image& pixels) {
   const ImageInfo info = pixels.Info();
+  std::bitset<256> levels;
   for (int32_t y = 0; y < info.height; ++y) {
     const uint8_t* row = Row<uint8_t>(info, y);
-    const auto isBetween = [&](uint8_t level) { return level != lowest && level != highest; };
-    if (std::any_of(row, row + info.width, isBetween)) return {lowest, highest, 3};
+    const auto isThird = [&](uint8_t level) { return levels.set(level).count() > 2; };
+    if (std::any_of(row, row + info.width, isThird)) return true;
   }
-  return {lowest, highest, 2};
+  return false;
 }
 
 int32_t LevelOf(const Image& pixels, Method method) {
@@ -39,13 +32,13 @@ int32_t LevelOf(const Image& pixels, Method method) {
 }
 
 // A boundary between the last levels says more of the method than of the picture.
-std::string RemarkOn(const Ends& ends, int32_t level, std::string_view method) {
-  const std::string name(method);
-  if (level <= ends.lowest) return "the boundary of " + name + " lies below all levels";
-  if (level > ends.highest) return "the boundary of " + name + " lies above all levels";
-  if (level == ends.lowest + 1) return "the boundary of " + name + " lies at the darkest level";
-  if (level == ends.highest) return "the boundary of " + name + " lies at the lightest level";
-  return "";
+std::string RemarkOn(const Image& pixels, int32_t level, Method method) {
+  if (HasLevelsBeyond(pixels, {level - 1.0, 1.0 * level})) return "";
+  const Range levels = ByteRange(pixels);
+  const std::string boundary = "the boundary of " + std::string(MethodName(method)) + " lies ";
+  if (level <= levels.low) return boundary + "below all levels";
+  if (level > levels.high) return boundary + "above all levels";
+  return boundary + (level == levels.low + 1 ? "at the darkest level" : "at the lightest level");
 }
 
 }  // namespace
@@ -91,11 +84,13 @@ int32_t OtsuBoundary(const Histogram& histogram) {
 }
 
 std::optional<Boundary> FindBoundary(const Image& pixels, Method method) {
-  const Ends ends = EndsOf(pixels);
-  if (ends.levels < 2) return std::nullopt;
-  if (ends.levels == 2) return Boundary{ends.highest, ""};
+  if (!HasThreeLevels(pixels)) {
+    const Range levels = ByteRange(pixels);
+    if (levels.low == levels.high) return std::nullopt;
+    return Boundary{static_cast<int32_t>(levels.high), ""};
+  }
   const int32_t level = LevelOf(pixels, method);
-  return Boundary{level, RemarkOn(ends, level, MethodName(method))};
+  return Boundary{level, RemarkOn(pixels, level, method)};
 }
 
 }  // namespace front

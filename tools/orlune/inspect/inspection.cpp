@@ -152,13 +152,13 @@ size_t Inspection::Kept() const {
 
 namespace {
 
-// The objects of a picture, labelled, and the mask that shows them.
+// A picture, and the mask that shows its objects.
 struct Located {
   Inspection inspection;
   Image mask;
 };
 
-Located FindAndLabel(Loaded picture, const std::string& path, const InspectSettings& settings) {
+Located FindIn(Loaded picture, const std::string& path, const InspectSettings& settings) {
   Clock clock;
   const ImageInfo info = picture.image.Info();
   Inspection result{.path = path,
@@ -178,56 +178,71 @@ Located FindAndLabel(Loaded picture, const std::string& path, const InspectSetti
   Check(ZEL_SetImageCalibration(result.picture, info.unit, result.scale.x, result.scale.y));
   Image mask = FindObjects(settings, picture.colours, &result);
   result.timing.thresholding = clock.Lap();
-
-  result.labels = LabelRuns(mask, settings.eightConnected);
-  result.timing.labelling = clock.Lap();
   return {std::move(result), std::move(mask)};
 }
 
-Located FindAndLabel(const std::string& path, const InspectSettings& settings) {
+Located FindIn(const std::string& path, const InspectSettings& settings) {
   Clock clock;
   Loaded picture = ReadPicture(
       path,
       {.form = Form::Gray, .swapBytes = settings.swapBytes, .colours = settings.colours.Any()});
   const Seconds reading = clock.Lap();
-  Located located = FindAndLabel(std::move(picture), path, settings);
+  Located located = FindIn(std::move(picture), path, settings);
   located.inspection.timing.reading = reading;
   return located;
 }
 
+Inspection Labelled(Located located, const InspectSettings& settings) {
+  Clock clock;
+  Inspection result = std::move(located.inspection);
+  result.labels = LabelRuns(located.mask, settings.eightConnected);
+  result.timing.labelling = clock.Lap();
+  return result;
+}
+
+std::vector<Particle> ParticlesOf(const Image& mask, const MeasureSet& wanted,
+                                  const InspectSettings& settings, Inspection* result) {
+  const bool eight = settings.eightConnected;
+  if (!settings.labelled && !NeedLabels(wanted)) {
+    if (auto particles = MeasureUnlabelled(mask, eight, wanted)) return *std::move(particles);
+  }
+  Clock clock;
+  result->labels = LabelRuns(mask, eight);
+  result->timing.labelling = clock.Lap();
+  return MeasureParticles(mask, result->picture, result->labels, eight, wanted);
+}
+
 Inspection Measured(Located located, const InspectSettings& settings) {
   Inspection result = std::move(located.inspection);
-  const Image& mask = located.mask;
-  Clock clock;
   MeasureSet wanted = settings.measured;
   for (const Condition& condition : settings.keep) wanted.set(condition.measure->number);
-  result.particles =
-      MeasureParticles(mask, result.picture, result.labels, settings.eightConnected, wanted);
+  Clock clock;
+  result.particles = ParticlesOf(located.mask, wanted, settings, &result);
   for (Particle& particle : result.particles) {
     particle.kept = std::all_of(
         settings.keep.begin(), settings.keep.end(),
         [&](const Condition& c) { return c.Holds(particle.values[c.measure->number]); });
   }
-  result.timing.measuring = clock.Lap();
+  result.timing.measuring = clock.Lap() - result.timing.labelling;
   return result;
 }
 
 }  // namespace
 
 Inspection Locate(const std::string& path, const InspectSettings& settings) {
-  return FindAndLabel(path, settings).inspection;
+  return Labelled(FindIn(path, settings), settings);
 }
 
 Inspection Inspect(const std::string& path, const InspectSettings& settings) {
-  return Measured(FindAndLabel(path, settings), settings);
+  return Measured(FindIn(path, settings), settings);
 }
 
 Inspection Locate(Loaded picture, const std::string& path, const InspectSettings& settings) {
-  return FindAndLabel(std::move(picture), path, settings).inspection;
+  return Labelled(FindIn(std::move(picture), path, settings), settings);
 }
 
 Inspection Inspect(Loaded picture, const std::string& path, const InspectSettings& settings) {
-  return Measured(FindAndLabel(std::move(picture), path, settings), settings);
+  return Measured(FindIn(std::move(picture), path, settings), settings);
 }
 
 }  // namespace front

@@ -29,6 +29,7 @@ struct InspectSettings {
   std::vector<Condition> keep;               // all must hold
   MeasureSet measured = MeasureSet().set();  // beside those of the conditions
   bool swapBytes = false;
+  bool labelled = true;  // else labels are left out where no measure needs them
 };
 
 struct Timing {
@@ -50,7 +51,7 @@ struct Inspection {
 
   Image picture;                   // in the file's own values
   std::optional<Image> stretched;  // its 8-bit form, where it has another depth
-  Labels labels;
+  Labels labels;                   // empty where they were left out
 
   const Image& Gray() const { return stretched ? *stretched : picture; }
   size_t Kept() const;

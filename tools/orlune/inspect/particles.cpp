@@ -47,8 +47,9 @@ std::vector<uint32_t> AskedOfLibrary(const MeasureSet& wanted) {
   return numbers;
 }
 
-void TakeReports(const Image& mask, bool eight, const std::vector<uint32_t>& asked, uint32_t first,
-                 std::vector<Particle>* particles) {
+// Of the particles of a mask, numbered on from those that are there.
+void AppendReports(const Image& mask, bool eight, const std::vector<uint32_t>& asked,
+                   std::vector<Particle>* particles) {
   ParticleReport* found = nullptr;
   int32_t count = 0;
   const int32_t status =
@@ -61,10 +62,13 @@ void TakeReports(const Image& mask, bool eight, const std::vector<uint32_t>& ask
                            count, values.data()));
 
   const std::vector<Measure>& all = AllMeasures();
+  particles->reserve(particles->size() + static_cast<size_t>(count));
   for (size_t i = 0; i < static_cast<size_t>(count); ++i) {
-    Particle& particle = (*particles)[first + i];
-    const float* own = values.data() + i * asked.size();
+    Particle& particle = particles->emplace_back();
+    particle.number = static_cast<uint32_t>(particles->size());
     particle.rect = reports[i].rect;
+    particle.values.resize(all.size());
+    const float* own = values.data() + i * asked.size();
     for (size_t m = 0; m < asked.size(); ++m) {
       particle.values[asked[m]] = static_cast<double>(own[m]);
     }
@@ -96,7 +100,7 @@ void MeasureByLibrary(const Image& mask, const Labels& labels, bool eight,
                       std::vector<Particle>* particles) {
   // A run has one start at most.
   if (static_cast<int64_t>(labels.runs.size()) <= most) {
-    TakeReports(mask, eight, asked, 0, particles);
+    AppendReports(mask, eight, asked, particles);
     return;
   }
   const std::vector<int64_t> starts = StartsOf(labels, eight);
@@ -113,9 +117,9 @@ void MeasureByLibrary(const Image& mask, const Labels& labels, bool eight,
     }
     const bool all = first == 0 && last == labels.count;
     if (all) {
-      TakeReports(mask, eight, asked, first, particles);
+      AppendReports(mask, eight, asked, particles);
     } else {
-      TakeReports(MaskOfSome(mask, labels, first, last), eight, asked, first, particles);
+      AppendReports(MaskOfSome(mask, labels, first, last), eight, asked, particles);
     }
     first = last;
   }
@@ -270,17 +274,32 @@ void PutOwn(const Image& picture, const Labels& labels, const std::vector<int64_
 
 }  // namespace
 
+bool NeedLabels(const MeasureSet& wanted) {
+  return (wanted & (MOMENTS | HULL | GRAYS | CROFTON)).any();
+}
+
+std::optional<std::vector<Particle>> MeasureUnlabelled(const Image& mask, bool eightConnected,
+                                                       const MeasureSet& wanted) {
+  MeasureSet counted = wanted;
+  counted.set(MEASURE_NUMBER_OF_RUNS);
+  std::vector<Particle> particles;
+  AppendReports(mask, eightConnected, AskedOfLibrary(counted), &particles);
+  double runs = 0;
+  for (const Particle& particle : particles) runs += particle.values[MEASURE_NUMBER_OF_RUNS];
+  if (runs > MOST_STARTS) return std::nullopt;
+  return particles;
+}
+
 std::vector<Particle> MeasureParticles(const Image& mask, const Image& picture,
                                        const Labels& labels, bool eightConnected,
                                        const MeasureSet& wanted, int64_t mostStarts) {
-  std::vector<Particle> particles(labels.count);
-  for (uint32_t i = 0; i < labels.count; ++i) {
-    particles[i].number = i + 1;
-    particles[i].values.resize(AllMeasures().size());
-  }
+  std::vector<Particle> particles;
   MeasureByLibrary(mask, labels, eightConnected, AskedOfLibrary(wanted), mostStarts, &particles);
 
   const std::vector<int64_t> pixels = PixelsOf(labels);
+  if (particles.size() != pixels.size()) {
+    throw std::logic_error("there are two numbers of particles");
+  }
   for (size_t i = 0; i < particles.size(); ++i) {
     CheckArea(i + 1, pixels[i], particles[i].values[MEASURE_AREA_PIXELS]);
   }

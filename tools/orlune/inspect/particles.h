@@ -1,6 +1,7 @@
 // Particles with all their measures.
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "orlune/inspect/labels.h"
@@ -29,5 +30,13 @@ std::vector<Particle> MeasureParticles(const Image& mask, const Image& picture,
                                        const Labels& labels, bool eightConnected,
                                        const MeasureSet& wanted = MeasureSet().set(),
                                        int64_t mostStarts = MOST_STARTS);
+
+// Whether the front makes one of the measures itself, of the particles' runs.
+bool NeedLabels(const MeasureSet& wanted);
+
+// The same in less time, of measures that need no labels. Nothing for a mask of so many runs that
+// it may have to be taken in parts.
+std::optional<std::vector<Particle>> MeasureUnlabelled(const Image& mask, bool eightConnected,
+                                                       const MeasureSet& wanted);
 
 }  // namespace front

@@ -10,6 +10,7 @@
 
 #include "orlune/inspect/boundaries.h"
 #include "orlune/inspect/particles.h"
+#include "orlune/inspect/selection.h"
 
 namespace {
 
@@ -281,6 +282,45 @@ TEST(Crofton, HolesAndScalesCount) {
   Check(ZEL_SetImageCalibration(scaled, 0, 0.1f, 0.1f));
   EXPECT_NEAR(Measured(scaled).at(0).values[CROFTON_PERIMETER], 2 * pi * 5, 0.5);
   EXPECT_GT(outer, 2 * pi * 50);
+}
+
+// Where no measure needs them.
+TEST(Measures, AreTheSameWithoutLabels) {
+  const MeasureSet wanted = SetOf(ParseMeasures("AreaPixels,Perimeter,NumberOfRuns,Left"));
+  ASSERT_FALSE(NeedLabels(wanted));
+  for (const bool eight : {false, true}) {
+    const Image mask = RandomMask(61, 47, 7, 40);
+    const auto labelled = MeasureParticles(mask, mask, LabelRuns(mask, eight), eight, wanted);
+    const auto unlabelled = MeasureUnlabelled(mask, eight, wanted);
+    ASSERT_TRUE(unlabelled.has_value());
+    ASSERT_EQ(unlabelled->size(), labelled.size());
+    for (size_t i = 0; i < labelled.size(); ++i) {
+      const Particle &one = labelled[i], &other = (*unlabelled)[i];
+      EXPECT_EQ(other.number, one.number);
+      EXPECT_EQ(other.rect.left, one.rect.left);
+      EXPECT_EQ(other.rect.top, one.rect.top);
+      EXPECT_EQ(other.values, one.values);
+    }
+  }
+}
+
+TEST(Measures, OfRunsNeedLabels) {
+  const auto needLabels = [](const char* names) { return NeedLabels(SetOf(ParseMeasures(names))); };
+  EXPECT_FALSE(needLabels("AreaCalibrated"));
+  for (const char* name : {"CentreOfMassX", "MomentEllipseAngle", "GrayMean", "FeretMaximum",
+                           "CroftonPerimeter", "AreaPixels,Solidity"}) {
+    EXPECT_TRUE(needLabels(name)) << name;
+  }
+}
+
+TEST(Measures, OfVeryManyRunsNeedLabels) {
+  const Image dots = MaskOf(600, 600, [](double x, double y) {
+    return static_cast<int>(x) % 2 == 0 && static_cast<int>(y) % 2 == 0;
+  });
+  MeasureSet area;
+  area.set(MEASURE_AREA_PIXELS);
+  EXPECT_FALSE(MeasureUnlabelled(dots, true, area).has_value());
+  EXPECT_EQ(MeasureParticles(dots, dots, LabelRuns(dots, true), true, area).size(), 90000u);
 }
 
 TEST(Grays, AreThoseOfTheParticlesPixels) {

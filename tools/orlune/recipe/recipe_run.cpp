@@ -21,6 +21,7 @@ namespace front {
 
 // What a step needs of files, read once.
 struct RecipeRun::Prepared {
+  bool takesOver = false;  // its picture, at which no later step looks
   std::optional<Image> mask;
   GaugeSetup gauging;
   std::string master;
@@ -58,9 +59,29 @@ Picture CopyOf(const Picture& picture) {
   return copy;
 }
 
-Loaded LoadedOf(const Picture& picture) {
-  Picture copy = CopyOf(picture);
-  return {std::move(copy.account), std::move(copy.gray), {}, std::move(copy.colours)};
+Loaded LoadedOf(Picture picture) {
+  return {std::move(picture.account), std::move(picture.gray), {}, std::move(picture.colours)};
+}
+
+// The picture that each step looks at, by the name of the step that left it.
+std::vector<std::string> LookedAt(const Recipe& recipe) {
+  std::vector<std::string> names;
+  std::string last = ORIGINAL;
+  for (const RecipeStep& step : recipe.steps) {
+    names.push_back(step.on.empty() ? last : step.on);
+    if (std::holds_alternative<FilterStep>(step.work)) last = step.name;
+  }
+  return names;
+}
+
+// That of the filter step that takes the original over, so that it need not be copied for it.
+int32_t BorderOfOriginal(const Recipe& recipe) {
+  const std::vector<std::string> names = LookedAt(recipe);
+  const auto last = std::find(names.rbegin(), names.rend(), ORIGINAL);
+  if (last == names.rend()) return 0;
+  const auto step = static_cast<size_t>(names.rend() - last) - 1;
+  const auto* filter = std::get_if<FilterStep>(&recipe.steps[step].work);
+  return filter != nullptr ? BorderOf(filter->steps) : 0;
 }
 
 // A page to draw on.
@@ -173,10 +194,13 @@ class PictureRun {
  public:
   using Prepared = RecipeRun::Prepared;
 
-  PictureRun(const Recipe& recipe, std::string file) : recipe_(recipe), file_(std::move(file)) {
-    Loaded loaded = ReadPicture(
-        file_,
-        {.form = Form::Gray, .swapBytes = recipe.swapBytes, .colours = NeedsColours(recipe)});
+  // What is shown keeps its pictures and the marks of what was found.
+  PictureRun(const Recipe& recipe, std::string file, bool shown)
+      : recipe_(recipe), file_(std::move(file)), shown_(shown) {
+    Loaded loaded = ReadPicture(file_, {.form = Form::Gray,
+                                        .swapBytes = recipe.swapBytes,
+                                        .border = BorderOfOriginal(recipe),
+                                        .colours = NeedsColours(recipe)});
     pictures_.emplace(ORIGINAL, Picture{std::move(loaded.account), std::move(loaded.image),
                                         std::move(loaded.colours)});
   }
@@ -205,13 +229,27 @@ class PictureRun {
   // Where the part is that a gauge step follows, as it is taught by a master.
   Pose PartFor(const RecipeStep& step, const GaugeSetup& setup) const {
     const auto& gauge = std::get<GaugeStep>(step.work);
-    if (gauge.part.empty()) return FindPart(file_, LoadedOf(PictureOf(step)), setup.reference);
+    if (gauge.part.empty())
+      return FindPart(file_, LoadedOf(CopyOf(PictureOf(step))), setup.reference);
     return PartOf(gauge.part).pose;
   }
 
  private:
-  const Picture& PictureOf(const RecipeStep& step) const {
-    return pictures_.at(step.on.empty() ? last_ : step.on);
+  const std::string& LookedAtBy(const RecipeStep& step) const {
+    return step.on.empty() ? last_ : step.on;
+  }
+  const Picture& PictureOf(const RecipeStep& step) const { return pictures_.at(LookedAtBy(step)); }
+
+  bool TakesOver(const Prepared& prepared) const { return prepared.takesOver && !shown_; }
+
+  // The step's own picture, to do with as it likes.
+  Loaded PictureFor(const RecipeStep& step, const Prepared& prepared) {
+    if (!TakesOver(prepared)) return LoadedOf(CopyOf(PictureOf(step)));
+    return LoadedOf(std::move(pictures_.extract(LookedAtBy(step)).mapped()));
+  }
+
+  void AddMark(Mark mark) {
+    if (shown_) marks_.push_back(std::move(mark));
   }
 
   // Whether lines follow the part that the step finds.
@@ -232,12 +270,16 @@ class PictureRun {
 
   void Work(const RecipeStep& step, const FilterStep& filter, const Prepared& prepared,
             StepResult* /*result*/) {
-    const Picture& from = PictureOf(step);
+    Picture& from = pictures_.at(LookedAtBy(step));
     const bool coloured = TakesColours(filter.steps) && from.colours.has_value();
     const Image* mask = prepared.mask ? &*prepared.mask : nullptr;
-    Image image = CopyOf(coloured ? *from.colours : from.gray, BorderOf(filter.steps));
+    Image& before = coloured ? *from.colours : from.gray;
+    const int32_t border = BorderOf(filter.steps);
+    const bool fits = TakesOver(prepared) && before.Info().border == border;
+    Image image = fits ? std::move(before) : CopyOf(before, border);
     ApplyChain(filter, mask, image);
     Picture picture{from.account, std::move(image), {}};
+    if (TakesOver(prepared)) pictures_.erase(LookedAtBy(step));
     if (picture.gray.Info().type == IMAGE_RGB) {
       picture.colours = CopyOf(picture.gray, 0);
       Check(ZEL_Cast(picture.gray, IMAGE_U8));
@@ -252,14 +294,17 @@ class PictureRun {
     settings.mask = prepared.mask ? &*prepared.mask : nullptr;
     const MeasureList measures = MeasuresOf(inspect);
     settings.measured = MeasuredFor(inspect, measures);
+    settings.labelled = shown_ || IsFollowed(step.name);
     const auto found =
-        std::make_shared<Inspection>(Inspect(LoadedOf(PictureOf(step)), file_, settings));
-    marks_.push_back([found](const Canvas& canvas) { DrawParticles(*found, canvas); });
+        std::make_shared<Inspection>(Inspect(PictureFor(step, prepared), file_, settings));
+    AddMark([found](const Canvas& canvas) { DrawParticles(*found, canvas); });
     if (IsFollowed(step.name)) {
       if (const auto part = LargestKept(*found)) parts_.emplace(step.name, *part);
     }
     Judgement judgement(result);
-    TakeCount(found->Kept(), inspect.count, Plural(found->Kept(), "particle"), result, &judgement);
+    const size_t kept = found->Kept();
+    result->values.reserve(1 + kept * (measures.size() + inspect.required.size()));
+    TakeCount(kept, inspect.count, Plural(kept, "particle"), result, &judgement);
     for (const Particle& particle : found->particles) {
       if (particle.kept) TakeParticle(particle, inspect, measures, found->unit, result, &judgement);
     }
@@ -306,9 +351,9 @@ class PictureRun {
       part = Resolved(PartOf(gauge.part), prepared.gauging.reference.taught.value_or(Pose{}));
     }
     const auto found = std::make_shared<Gauging>(
-        GaugePicture(file_, LoadedOf(PictureOf(step)), prepared.gauging, part));
+        GaugePicture(file_, PictureFor(step, prepared), prepared.gauging, part));
     const GaugeSetup& setup = prepared.gauging;
-    marks_.push_back([found, &setup](const Canvas& canvas) { DrawGauged(*found, setup, canvas); });
+    AddMark([found, &setup](const Canvas& canvas) { DrawGauged(*found, setup, canvas); });
     Judgement judgement(result);
     for (size_t i = 0; i < setup.gauges.size(); i++) {
       const LineGauge& line = setup.gauges[i];
@@ -331,9 +376,9 @@ class PictureRun {
   void Work(const RecipeStep& step, const MatchStep& match, const Prepared& prepared,
             StepResult* result) {
     const auto found = std::make_shared<Matching>(
-        FindMatches(Locate(LoadedOf(PictureOf(step)), file_, match.settings.finding),
+        FindMatches(Locate(PictureFor(step, prepared), file_, match.settings.finding),
                     *prepared.shape, match.settings));
-    marks_.push_back([found](const Canvas& canvas) { DrawMatches(*found, canvas); });
+    AddMark([found](const Canvas& canvas) { DrawMatches(*found, canvas); });
     if (const auto part = BestOf(found->matches)) parts_.emplace(step.name, *part);
     Judgement judgement(result);
     const Range usual{1, EVERYTHING.high};
@@ -365,7 +410,7 @@ class PictureRun {
     Judgement judgement(result);
     if (reading && reading->angle == 0) {
       const Region place = reading->place;
-      marks_.push_back([place](const Canvas& canvas) {
+      AddMark([place](const Canvas& canvas) {
         canvas.Frame(place.left, place.top, place.left + place.width - 1,
                      place.top + place.height - 1, READ_COLOUR);
       });
@@ -392,7 +437,7 @@ class PictureRun {
       judgement.Take(false, std::string("it was not read: ") + failure.what());
       return;
     }
-    marks_.push_back([strokes = reading.strokes](const Canvas& canvas) {
+    AddMark([strokes = reading.strokes](const Canvas& canvas) {
       for (const Stroke& s : strokes) {
         canvas.Stroke({static_cast<double>(s.x1), static_cast<double>(s.y1)},
                       {static_cast<double>(s.x2), static_cast<double>(s.y2)}, 1, READ_COLOUR);
@@ -416,6 +461,7 @@ class PictureRun {
 
   const Recipe& recipe_;
   std::string file_;
+  bool shown_;
   std::map<std::string, Picture> pictures_;  // by the steps that left them
   std::string last_ = ORIGINAL;
   std::map<std::string, FoundPart> parts_;  // by the steps that found them
@@ -538,9 +584,12 @@ std::vector<std::string> RecipeRun::ReadToo() const {
 
 std::vector<Mistake> RecipeRun::Prepare() {
   std::vector<Mistake> mistakes;
+  const std::vector<std::string> names = LookedAt(recipe_);
   for (const RecipeStep& step : recipe_.steps) {
+    const auto own = names.begin() + static_cast<std::ptrdiff_t>(steps_.size());
     steps_.push_back(std::make_unique<Prepared>());
     Prepared& prepared = *steps_.back();
+    prepared.takesOver = std::find(own + 1, names.end(), *own) == names.end();
     const auto attempt = [&](const std::string& key, const std::string& file, auto function) {
       try {
         function();
@@ -581,7 +630,7 @@ std::vector<Mistake> RecipeRun::Prepare() {
     }
     if (!mistakes.empty()) continue;  // the steps before this one may not be fit to run
     attempt("master", prepared.master, [&] {
-      PictureRun master(recipe_, prepared.master);
+      PictureRun master(recipe_, prepared.master, false);
       for (size_t i = 0; i + 1 < steps_.size(); i++) {
         const StepResult result = master.Do(recipe_.steps[i], *steps_[i]);
         if (result.verdict == Verdict::Error) throw std::runtime_error(result.reason);
@@ -610,26 +659,30 @@ PictureResult RecipeRun::Run(const std::string& file, const PictureOutputs& outp
   Clock clock;
   PictureResult result;
   result.file = file;
+  const bool drawn = !outputs.annotated.empty() || outputs.thumbnail;
+  const bool stepwise = !outputs.stepsFolder.empty();
   std::optional<PictureRun> run;
   try {
-    run.emplace(recipe_, file);
+    run.emplace(recipe_, file, drawn || stepwise);
   } catch (const std::bad_alloc&) {
     return ErrorOf(file, "not enough memory");
   } catch (const std::exception& failure) {
     return ErrorOf(file, failure.what());
   }
-  const bool drawn = !outputs.annotated.empty() || outputs.thumbnail;
   std::optional<Image> page;
   if (drawn) page = PageOf(run->Last());
-  const std::vector<std::string> stepFiles = StepFiles(outputs.stepsFolder);
-  if (!outputs.stepsFolder.empty()) WritePage(run->Last(), {}, stepFiles[0]);
+  std::vector<std::string> stepFiles;
+  if (stepwise) {
+    stepFiles = StepFiles(outputs.stepsFolder);
+    WritePage(run->Last(), {}, stepFiles[0]);
+  }
   for (size_t i = 0; i < recipe_.steps.size(); i++) {
     const RecipeStep& step = recipe_.steps[i];
     const size_t marked = run->marks().size();
     StepResult found = run->Do(step, *steps_[i]);
     const bool broken = found.verdict == Verdict::Error;
     TakeStep(step, std::move(found), &result);
-    if (!outputs.stepsFolder.empty()) {
+    if (stepwise) {
       const std::vector<Mark> own(run->marks().begin() + static_cast<std::ptrdiff_t>(marked),
                                   run->marks().end());
       WritePage(run->Last(), own, stepFiles[i + 1]);

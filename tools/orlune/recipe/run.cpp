@@ -17,6 +17,7 @@
 #include "orlune/shared/interrupts.h"
 #include "orlune/shared/numbers.h"
 #include "orlune/shared/output.h"
+#include "orlune/shared/parcel.h"
 #include "orlune/shared/progress.h"
 #include "orlune/shared/readable.h"
 #include "orlune/shared/tasks.h"
@@ -32,9 +33,9 @@ class Report {
   void Open(const std::string& path) {
     if (!path.empty()) file_ = Named(path, [&] { return std::make_unique<WholeFile>(path); });
   }
-  template <class Make>
-  void Add(const Make& make) {
-    if (file_) file_->stream() << make();
+  bool IsOpen() const { return file_ != nullptr; }
+  void Add(const std::string& text) {
+    if (file_) file_->stream() << text;
   }
   // For whoever reads along.
   void Flush() {
@@ -46,6 +47,11 @@ class Report {
 
  private:
   std::unique_ptr<WholeFile> file_;
+};
+
+// What the reports that are open get of a picture.
+struct ReportTexts {
+  std::string csv, json, html;
 };
 
 class RecipeRunner {
@@ -66,7 +72,7 @@ class RecipeRunner {
     std::unique_ptr<FolderWatch> watch;
     if (!command_.watch.empty()) watch = std::make_unique<FolderWatch>(command_.watch);
     TakeFiles();
-    Plan();
+    for (const std::string& file : files_) PlanAnnotated(file);
     if (command_.onlyList) return ALL_WELL;
     if (!command_.verdicts.empty()) pipe_ = std::make_unique<VerdictPipe>(command_.verdicts);
     if (!command_.annotate.empty())
@@ -74,12 +80,12 @@ class RecipeRunner {
     csv_.Open(command_.csv);
     json_.Open(command_.json);
     html_.Open(command_.html);
-    csv_.Add(RunCsvHead);
-    html_.Add([&] { return HtmlHead(recipe_); });
+    csv_.Add(RunCsvHead());
+    html_.Add(HtmlHead(recipe_));
     WorkOnPending();
     const std::string ended = watch ? WorkAsTheyCome(watch.get()) : "";
     const bool whole = told_ == files_.size();
-    html_.Add([&] { return HtmlEnd(counts_, whole); });
+    html_.Add(HtmlEnd(counts_, whole));
     for (Report* report : {&csv_, &json_, &html_}) report->Finish();
     if (database_ && whole) database_->Finish();
     if (!command_.quiet) TellSummary(whole);
@@ -95,7 +101,7 @@ class RecipeRunner {
     files_ = WithAllPages(command_.files);
     RefuseWatched();
     // Before an empty file becomes a database.
-    PlanFor(files_);
+    plan_ = PlanFor(files_);
     if (!command_.database.empty()) {
       database_ = std::make_unique<RunDatabase>(command_.database);
       const bool resumed = command_.resume && database_->Resume(recipe_, files_);
@@ -105,6 +111,7 @@ class RecipeRunner {
       }
       files_ = database_->Files();
       done_ = database_->Done();
+      plan_ = PlanFor(files_);
     }
     RefuseNone();
     done_.resize(files_.size());
@@ -132,11 +139,6 @@ class RecipeRunner {
     writes(command_.html, "the HTML report");
     writes(command_.database, "the database");
     return plan;
-  }
-
-  void Plan() {
-    plan_ = PlanFor(files_);
-    for (const std::string& file : files_) PlanAnnotated(file);
   }
 
   // What is written into the watched folder would come as a picture.
@@ -200,13 +202,13 @@ class RecipeRunner {
     tasks.workers = command_.workers;
     tasks.apart = true;
     if (command_.limit > 0) tasks.limit = Seconds(command_.limit);
-    tasks.work = [&](size_t task) { return Packed(WorkOn(pending_[task])); };
+    tasks.work = [&](size_t task) { return WithTexts(WorkOn(pending_[task])); };
     tasks.late = [&](size_t task) {
-      return Packed(ErrorOf(files_[pending_[task]],
-                            "it took longer than " + Short(command_.limit) + " seconds"));
+      return WithTexts(ErrorOf(files_[pending_[task]],
+                               "it took longer than " + Short(command_.limit) + " seconds"));
     };
     tasks.take = [&](size_t task, std::optional<std::string> result) {
-      TakeNew(pending_[task], result ? UnpackedResult(*result) : Lost(pending_[task]));
+      TakeNew(pending_[task], result ? *result : WithTexts(Lost(pending_[task])));
       progress.Done(++taken);
     };
     if (!pending_.empty()) RunTasks(tasks);
@@ -228,11 +230,29 @@ class RecipeRunner {
     return ErrorOf(files_[picture], "the process that worked on it was ended");
   }
 
+  ReportTexts TextsOf(const PictureResult& result) const {
+    return {.csv = csv_.IsOpen() ? CsvRows(result) : "",
+            .json = json_.IsOpen() ? JsonLine(result) : "",
+            .html = html_.IsOpen() ? HtmlOf(result) : ""};
+  }
+
+  // The result and its texts as bytes: workers write the texts, since one process alone would be
+  // late with those of many.
+  std::string WithTexts(const PictureResult& result) const {
+    const ReportTexts texts = TextsOf(result);
+    ParcelWriter parcel;
+    parcel.Put(Packed(result)).Put(texts.csv).Put(texts.json).Put(texts.html);
+    return parcel.Take();
+  }
+
   // Those between pictures that were still to be done are told where they belong.
-  void TakeNew(size_t picture, const PictureResult& result) {
+  void TakeNew(size_t picture, const std::string& resultWithTexts) {
+    ParcelReader parcel(resultWithTexts);
+    const PictureResult result = UnpackedResult(parcel.Text());
+    const ReportTexts texts{.csv = parcel.Text(), .json = parcel.Text(), .html = parcel.Text()};
     TellDoneBefore(picture);
     if (database_) database_->Store(picture, result);
-    Tell(result);
+    Tell(result, texts);
     PassOn(result);
   }
 
@@ -251,15 +271,18 @@ class RecipeRunner {
   }
 
   void TellDoneBefore(size_t picture) {
-    while (told_ < picture) Tell(database_->Stored(told_));
+    while (told_ < picture) {
+      const PictureResult stored = database_->Stored(told_);
+      Tell(stored, TextsOf(stored));
+    }
   }
 
-  void Tell(const PictureResult& result) {
+  void Tell(const PictureResult& result, const ReportTexts& texts) {
     told_++;
     counts_.Add(result.verdict);
-    csv_.Add([&] { return CsvRows(result); });
-    json_.Add([&] { return JsonLine(result); });
-    html_.Add([&] { return HtmlOf(result); });
+    csv_.Add(texts.csv);
+    json_.Add(texts.json);
+    html_.Add(texts.html);
     if (!command_.watch.empty()) csv_.Flush();
     if (!command_.watch.empty()) json_.Flush();
     if (command_.quiet || &out_ == &std::cerr) return;

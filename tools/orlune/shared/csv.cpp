@@ -1,15 +1,29 @@
 // Particles as comma-separated values.
+#include <algorithm>
+
 #include "orlune/shared/numbers.h"
 #include "orlune/shared/readable.h"
 #include "orlune/shared/reports.h"
 
 namespace front {
+namespace {
+
+// A spreadsheet would take the text for a formula.
+constexpr std::string_view BEGIN_FORMULAS = "=+-@\t\r";
+
+// Whether a text is a field as it stands, as most are.
+bool IsPlainField(std::string_view text) {
+  const auto isPlain = [](char c) { return c >= ' ' && c < 0x7F && c != ',' && c != '"'; };
+  return std::all_of(text.begin(), text.end(), isPlain) &&
+         (text.empty() || BEGIN_FORMULAS.find(text[0]) == std::string_view::npos);
+}
+
+}  // namespace
 
 std::string CsvText(const std::string& text) {
+  if (IsPlainField(text)) return text;
   std::string safe = ReadableText(text);
-  // A spreadsheet would take the text for a formula. Names of files are the same with this before
-  // them.
-  constexpr std::string_view BEGIN_FORMULAS = "=+-@\t\r";
+  // Names of files are the same with this before them.
   if (!safe.empty() && BEGIN_FORMULAS.find(safe[0]) != std::string_view::npos) {
     safe = std::string("./").append(safe);
   }

@@ -126,12 +126,16 @@ void WritePicture(const Image& image, const std::vector<RGBValue>& palette, Dept
   }
 }
 
-void FilePlan::Reads(const std::string& path, const std::string& what) {
-  const Source source = SourceOf(path);
-  if (!source.IsStandardInput()) uses_[IdentityOf(source.path)] = what;
+void FilePlan::TakeRead() {
+  for (auto& [path, what] : read_) {
+    const Source source = SourceOf(path);
+    if (!source.IsStandardInput()) uses_[IdentityOf(source.path)] = std::move(what);
+  }
+  read_.clear();
 }
 
 void FilePlan::Writes(const std::string& path, const std::string& what) {
+  TakeRead();
   if (path == STANDARD_STREAM) {
     const auto [use, free] = uses_.try_emplace(path, what);
     if (free) return;

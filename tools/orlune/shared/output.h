@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "orlune/shared/pictures.h"
@@ -44,12 +45,18 @@ void WritePicture(const Image& image, const std::vector<RGBValue>& palette, Dept
 // Which files a run reads and writes. No file may be both, and no file may be written twice.
 class FilePlan {
  public:
-  void Reads(const std::string& path, const std::string& what);
+  void Reads(std::string path, std::string what) {
+    read_.emplace_back(std::move(path), std::move(what));
+  }
   // Throws std::invalid_argument that tells what the file is needed for.
   void Writes(const std::string& path, const std::string& what);
 
  private:
-  std::map<std::string, std::string> uses_;  // by identity
+  void TakeRead();
+
+  // Where nothing is written, nobody asks what files these are.
+  std::vector<std::pair<std::string, std::string>> read_;  // path and use
+  std::map<std::string, std::string> uses_;                // by identity
 };
 
 // A name in the folder, made of the picture's: "part-annotated.bmp", and "part-annotated-2.bmp" if

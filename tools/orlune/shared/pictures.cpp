@@ -141,6 +141,16 @@ Range ByteRange(const Image& image) {
   return {static_cast<double>(ends.low), static_cast<double>(ends.high)};
 }
 
+bool HasLevelsBeyond(const Image& image, const Range& range) {
+  const ImageInfo info = image.Info();
+  Ends<uint8_t> ends;
+  for (int32_t y = 0; y < info.height; ++y) {
+    ends.Take(Row<uint8_t>(info, y), info.width);
+    if (ends.low < range.low && ends.high > range.high) return true;
+  }
+  return false;
+}
+
 Image Stretch(const Image& gray, const Extremes& extremes) {
   const ImageInfo from = gray.Info();
   Image stretched(IMAGE_U8, from.border, from.width, from.height);

@@ -32,6 +32,9 @@ Extremes ExtremesOf(const Image& image);
 // The darkest and the brightest pixel of an image of type U8, for less than the mean takes; 0 and 0
 // where there is none.
 Range ByteRange(const Image& image);
+// Whether some of its pixels are darker than the low end of a range, and some brighter than the
+// high one: most often the first rows tell.
+bool HasLevelsBeyond(const Image& image, const Range& range);
 
 // An 8-bit copy of a gray image: its darkest finite pixel becomes 0, its brightest 255.
 Image Stretch(const Image& gray, const Extremes& extremes);

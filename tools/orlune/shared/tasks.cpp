@@ -156,11 +156,8 @@ class Worker {
       } catch (...) {
         ::_exit(EXIT_FAILURE);
       }
-      const std::string results = parcel.Take();
-      const size_t size = results.size();
-      if (!WriteAll(toParent, &size, sizeof size) || !WriteAll(toParent, results.data(), size)) {
-        break;
-      }
+      const std::string results = ParcelWriter().Put(parcel.Take()).Take();
+      if (!WriteAll(toParent, results.data(), results.size())) break;
     }
     ::_exit(EXIT_SUCCESS);
   }
