@@ -34,7 +34,8 @@ class BitPlane {
   int32_t marginWords() const { return marginWords_; }  // on each side
   int64_t pitch() const { return pitch_; }
   int64_t size() const { return (int64_t{height_} + 2 * int64_t{frameRows_}) * pitch_; }
-  int32_t usedWords() const { return (width_ + 63) / 64; }  // of a row, that have pixels
+  // Of a row, that have pixels.
+  int32_t usedWords() const { return static_cast<int32_t>((int64_t{width_} + 63) / 64); }
 
   // The word that starts with column 0; also of the rows in the frame.
   uint64_t* Row(int64_t y) { return bits_.data() + (y + frameRows_) * pitch_ + marginWords_; }

@@ -77,7 +77,7 @@ void Lengths(uint8_t* to, const uint16_t* steps, int32_t start, int32_t end) {
 // count.
 template <class Rule>
 ZEL_INLINE void ForWords(uint8_t* to, const uint64_t* bits, int32_t width, Rule rule) {
-  for (int32_t first = 0; first < width; first += 64) {
+  for (int64_t first = 0; first < width; first += 64) {
     uint64_t word = bits[first / 64];
     if (width - first < 64) word &= (uint64_t{1} << (width - first)) - 1;
     if (word != 0) rule(to + first, word);
