@@ -2,7 +2,6 @@
 // truncated once, where they are stored.
 #include "frequency/complex_planes_rows.h"
 
-#include <bit>
 #include <cmath>
 #include <cstring>
 #include <type_traits>

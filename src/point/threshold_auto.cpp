@@ -43,10 +43,6 @@ struct Weight {
     count += pixels;
     sum += static_cast<uint64_t>(level) * pixels;
   }
-  void Remove(int32_t level, uint32_t pixels) {
-    count -= pixels;
-    sum -= static_cast<uint64_t>(level) * pixels;
-  }
   double Mean() const { return static_cast<double>(sum) / static_cast<double>(count); }
 };
 
