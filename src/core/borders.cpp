@@ -116,7 +116,7 @@ void ColumnsZeroOf(const BorderFrame& frame) {
 
 // Particle work clears one or two columns on each call: single stores, not calls for each row.
 void ColumnsZero(const BorderFrame& frame) {
-  const size_t sideBytes = static_cast<size_t>(frame.border * frame.pixelBytes);
+  const int64_t sideBytes = frame.border * frame.pixelBytes;
   switch (sideBytes) {
     case 1:
       return ColumnsZeroOf<1>(frame);
@@ -127,11 +127,10 @@ void ColumnsZero(const BorderFrame& frame) {
     default:
       break;
   }
-  const auto bytes = static_cast<int64_t>(sideBytes);
   for (int64_t y = 0; y < frame.height; y++) {
     uint8_t* row = frame.Line(y) + frame.leftPad * frame.pixelBytes;
-    SideFill<uint8_t>(row - bytes, bytes, 0);
-    SideFill<uint8_t>(row + frame.width * frame.pixelBytes, bytes, 0);
+    SideFill<uint8_t>(row - sideBytes, sideBytes, 0);
+    SideFill<uint8_t>(row + frame.width * frame.pixelBytes, sideBytes, 0);
   }
 }
 

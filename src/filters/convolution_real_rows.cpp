@@ -180,8 +180,10 @@ void RealRows(const void* const* places, void* const* to, int32_t width,
     if (!GroupSums<results>(block, rule, divider, sums)) {
       for (int32_t r = 0; r < results; r++) PlainSums(block, r, rule, divider, sums[r]);
     }
-    for (int32_t r = 0; !ofFloats && r < results; r++) {
-      Finish(sums[r], static_cast<Pixel*>(to[r]) + first, count, rule);
+    if constexpr (!ofFloats) {
+      for (int32_t r = 0; r < results; r++) {
+        Finish(sums[r], static_cast<Pixel*>(to[r]) + first, count, rule);
+      }
     }
   }
 }
