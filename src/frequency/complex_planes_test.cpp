@@ -123,6 +123,42 @@ TEST(ComplexPlanes, PhasesAreTheStatedOnesToTheLastBit) {
   }
 }
 
+// Of all sizes: any numbers, roots next to the middle between two floats and next to powers of two,
+// and squares that are no floats.
+TEST(ComplexPlanes, MagnitudesAreTheStatedOnesToTheLastBit) {
+  constexpr int32_t width = 512;
+  constexpr int32_t height = 240;
+  const float infinite = std::numeric_limits<float>::infinity();
+  const float odd[] = {0.0f,          -0.0f,  1.0f,   -4.0f,  infinite, -infinite,
+                       std::nanf(""), 1e-45f, 1e-38f, 1e-20f, 2e19f,    -3e38f};
+  test::Random random(4);
+  const TestImage source(IMAGE_COMPLEX, width, height);
+  const auto pixelOf = [&](int32_t kind, int32_t exponent) -> ComplexValue {
+    double real = static_cast<double>(random.Float(-1, 1));
+    double imaginary = static_cast<double>(random.Float(-1, 1));
+    if (kind == 1) {
+      real = static_cast<double>(random.Float(0.5f, 1));
+      const double middle = real + 0x1p-25;
+      imaginary = std::sqrt(middle * middle - real * real) *
+                  (1 + std::ldexp(imaginary, -random.Between(6, 30)));
+    } else if (kind == 2) {
+      const double angle = imaginary * 4;
+      real = std::cos(angle);
+      imaginary = std::sin(angle);
+    } else if (kind == 3) {
+      return {odd[random.Between(0, 11)], odd[random.Between(0, 11)]};
+    }
+    return {static_cast<float>(std::ldexp(real, exponent)),
+            static_cast<float>(std::ldexp(imaginary, exponent))};
+  };
+  for (int32_t y = 0; y < height; y++) {
+    for (int32_t x = 0; x < width; x++) source.Set(x, y, pixelOf(y % 4, y / 2 - 60));
+  }
+  const TestImage result(IMAGE_SGL, 1, 1);
+  ASSERT_EQ(ZEL_ExtractComplexPlane(source, result, COMPLEX_PLANE_MAGNITUDE), 0);
+  ExpectPlane(result, source, COMPLEX_PLANE_MAGNITUDE);
+}
+
 TEST(ComplexPlanes, AreExtractedInPlace) {
   for (const int32_t plane : {0, 1, 2, 3}) {
     const TestImage source = SpectrumImage(IMAGE_COMPLEX, 33, 4, 2, 4);

@@ -19,6 +19,7 @@ using test::shape::FullElement;
 using test::shape::Labelling;
 using test::shape::LineOf;
 using test::shape::Point;
+using test::shape::RandomElement;
 using test::shape::SceneImage;
 using test::shape::UNKNOWN_IMAGE;
 
@@ -142,6 +143,26 @@ TEST(Distance, EndsWithEveryElementOfThreeByThree) {
       const TestImage destination(IMAGE_U8, 0, 0);
       ASSERT_EQ(ZEL_Distance(source, destination, element), 0);
       SCOPED_TRACE(pattern);
+      ExpectPixels(destination, ErosionsCounted(Bytes(source), element.record));
+      if (HasFatalFailure()) return;
+    }
+  }
+}
+
+// More rows than are eroded at once, and members farther away than a word has columns.
+TEST(Distance, CountsErosionsOfTallImagesAndByWideElements) {
+  const Element elements[] = {FullElement(3, 3),          FullElement(7, 5),
+                              RandomElement(9, 7, 40, 3), RandomElement(5, 7, 60, 4, 1),
+                              FullElement(131, 3),        RandomElement(141, 5, 4, 5)};
+  for (const Element& element : elements) {
+    const int32_t border = std::max(element.record.width, element.record.height) / 2 + 1;
+    for (const auto& [width, height] : {std::pair{5, 300}, {70, 190}, {200, 90}}) {
+      const TestImage source = SceneImage(5, width, height, border, 6);
+      for (int32_t y = 3; y < height; y += 7) source.Set<uint8_t>(13 * y % width, y, 0);
+      const TestImage destination(IMAGE_U8, 0, 0);
+      ASSERT_EQ(ZEL_Distance(source, destination, element), 0);
+      SCOPED_TRACE(std::to_string(element.record.width) + " columns of an element, image of " +
+                   std::to_string(height) + " rows");
       ExpectPixels(destination, ErosionsCounted(Bytes(source), element.record));
       if (HasFatalFailure()) return;
     }
