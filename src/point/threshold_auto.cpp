@@ -190,7 +190,7 @@ struct LevelsBelow {
 };
 
 LevelsBelow LevelsBelowOf(const LevelCounts& counts) {
-  LevelsBelow below;
+  LevelsBelow below{};
   Weight weight{};
   for (int32_t level = 0; level <= LEVELS_U8; level++) {
     below.counts[level] = static_cast<double>(static_cast<int64_t>(weight.count));
@@ -205,7 +205,7 @@ LevelsBelow LevelsBelowOf(const LevelCounts& counts) {
 int32_t ThresholdByMetric(const LevelCounts& counts, LevelSpan span) {
   const LevelsBelow below = LevelsBelowOf(counts);
   const int32_t end = span.high + 1;
-  double estimates[LEVELS_U8];
+  double estimates[LEVELS_U8] = {};
   double least = 1e30;
   for (int32_t split = span.low; split < end; split++) {
     estimates[split] =
