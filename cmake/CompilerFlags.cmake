@@ -45,6 +45,9 @@ endif()
 
 if(PTK_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link)
+  if(NOT PTK_FUZZ_COMPARISONS)
+    add_compile_options(-fno-sanitize-coverage=trace-cmp)
+  endif()
 endif()
 
 if(PTK_SANITIZE STREQUAL "address")

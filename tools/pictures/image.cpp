@@ -60,7 +60,7 @@ auto ForSample(Sample sample, Function function) {
 // Fills an image of To from a raster, a pixel from its first sample on.
 template <class To, class From, class Rule>
 Image Filled(const Raster& raster, int32_t type, int32_t border, Rule rule) {
-  Image image(type, border, raster.width, raster.height);
+  Image image = Image::ForNewPixels(type, border, raster.width, raster.height);
   const ImageInfo info = image.Info();
   for (int32_t y = 0; y < raster.height; ++y) {
     const From* from = SamplesOf<From>(raster, y);
@@ -96,7 +96,7 @@ bool HasBeyondI16(const Raster& raster) {
 
 // Bytes as they are.
 Image ByteImage(const Raster& raster, int32_t border) {
-  Image image(IMAGE_U8, border, raster.width, raster.height);
+  Image image = Image::ForNewPixels(IMAGE_U8, border, raster.width, raster.height);
   const ImageInfo info = image.Info();
   for (int32_t y = 0; y < raster.height; ++y) {
     std::copy_n(SamplesOf<uint8_t>(raster, y), raster.width, Row<uint8_t>(info, y));

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <iterator>
 
 namespace pictures {
@@ -47,6 +48,25 @@ std::string Describe(int32_t number, const std::string& function) {
   return LibraryMessage(number) + " (" + function + " returned " + std::to_string(number) + ")";
 }
 
+SpareImages* spareImages = nullptr;
+
+// The right border of a row and the left border of the next one are cleared in one go, with what
+// lies between them.
+void ClearBorder(const ImageInfo& info) {
+  if (info.border == 0) return;
+  const int64_t side = int64_t{info.border} * info.pixelBytes;
+  const int64_t line = int64_t{info.width} * info.pixelBytes;
+  const int64_t above = int64_t{info.border} * info.lineBytes + side;
+  const auto clear = [](char* from, int64_t bytes) {
+    std::memset(from, 0, static_cast<size_t>(bytes));
+  };
+  clear(Row<char>(info, 0) - above, above);
+  for (int32_t y = 0; y + 1 < info.height; ++y) {
+    clear(Row<char>(info, y) + line, info.lineBytes - line);
+  }
+  clear(Row<char>(info, info.height - 1) + line, above);
+}
+
 }  // namespace
 
 std::string LibraryMessage(int32_t number) {
@@ -63,6 +83,56 @@ void Check(int32_t status) {
   char function[ERROR_PROCEDURE_BYTES];
   ZEL_GetLastError(function);
   throw LibraryFailure(status, function);
+}
+
+Image Image::ForNewPixels(int32_t type, int32_t border, int32_t width, int32_t height) {
+  Image image;
+  if (spareImages) image.reference_ = spareImages->Take(type, border, width, height);
+  if (image.reference_ == 0) image = Image(type, border, width, height);
+  image.reusable_ = true;
+  return image;
+}
+
+Image::~Image() {
+  if (reference_ == 0) return;
+  if (!reusable_ || !spareImages || !spareImages->Keep(reference_)) ZEL_Dispose(reference_);
+}
+
+SpareImages::SpareImages() {
+  if (!spareImages) spareImages = this;
+}
+
+SpareImages::~SpareImages() {
+  if (spareImages == this) spareImages = nullptr;
+  for (const ImageRef image : images_) {
+    if (image != 0) ZEL_Dispose(image);
+  }
+}
+
+ImageRef SpareImages::Take(int32_t type, int32_t border, int32_t width, int32_t height) {
+  for (ImageRef& image : images_) {
+    ImageInfo info;
+    if (image == 0 || ZEL_GetImageInfo(image, &info) != 0) continue;
+    const bool alike =
+        info.type == type && info.border == border && info.width == width && info.height == height;
+    if (!alike) continue;
+    ClearBorder(info);
+    ZEL_SetImageCalibration(image, 0, 1, 1);
+    ZEL_SetImageOffset(image, 0, 0);
+    return std::exchange(image, 0);
+  }
+  return 0;
+}
+
+bool SpareImages::Keep(ImageRef image) {
+  ImageInfo info;
+  if (ZEL_GetImageInfo(image, &info) != 0 || info.width == 0 || info.height == 0) return false;
+  if (info.totalBytes > MOST_BYTES) return false;
+  // The one that has waited longest makes room.
+  ImageRef& place = images_[next_++ % MOST];
+  if (place != 0) ZEL_Dispose(place);
+  place = image;
+  return true;
 }
 
 }  // namespace pictures

@@ -1,6 +1,8 @@
 // The library as C++ sees it: failures as exceptions, images that dispose of themselves.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <stdexcept>
@@ -38,14 +40,18 @@ class Image {
   Image(int32_t type, int32_t border, int32_t width, int32_t height) : Image(type, border) {
     Check(ZEL_SetImageSize(reference_, width, height));
   }
-  Image(Image&& other) noexcept : reference_(std::exchange(other.reference_, 0)) {}
+  // One whose pixels are all going to be written: a new image in all but these, which may be those
+  // of a spare image.
+  static Image ForNewPixels(int32_t type, int32_t border, int32_t width, int32_t height);
+
+  Image(Image&& other) noexcept
+      : reference_(std::exchange(other.reference_, 0)), reusable_(other.reusable_) {}
   Image& operator=(Image&& other) noexcept {
     std::swap(reference_, other.reference_);
+    std::swap(reusable_, other.reusable_);
     return *this;
   }
-  ~Image() {
-    if (reference_ != 0) ZEL_Dispose(reference_);
-  }
+  ~Image();
 
   operator ImageRef() const { return reference_; }  // NOLINT: an image is its reference in calls
 
@@ -56,7 +62,33 @@ class Image {
   }
 
  private:
+  Image() = default;
+
   ImageRef reference_ = 0;
+  bool reusable_ = false;
+};
+
+// While one of these lives, some images for new pixels are kept for such images of the same kind
+// when they are disposed of. The library clears the pixels of an image that it makes, which takes
+// as long as a quick step on them.
+class SpareImages {
+ public:
+  SpareImages();
+  ~SpareImages();
+  SpareImages(const SpareImages&) = delete;
+  SpareImages& operator=(const SpareImages&) = delete;
+
+  // 0 if there is none of this kind.
+  ImageRef Take(int32_t type, int32_t border, int32_t width, int32_t height);
+  // False for an image that is too large to be kept.
+  bool Keep(ImageRef image);
+
+ private:
+  static constexpr size_t MOST = 4;
+  static constexpr int32_t MOST_BYTES = 1 << 23;  // of one of them
+
+  std::array<ImageRef, MOST> images_{};  // 0 for none
+  size_t next_ = 0;
 };
 
 // Row y of an image that the record tells of.

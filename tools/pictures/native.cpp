@@ -128,7 +128,7 @@ Loaded ReadNative(Bytes file, const ReadSettings& settings) {
   // Reading makes every width even; the column that it adds to an odd one is no part of the
   // picture.
   const ImageInfo from = read.Info();
-  Image image(from.type, settings.border, info.width, info.height);
+  Image image = Image::ForNewPixels(from.type, settings.border, info.width, info.height);
   Check(ZEL_SetImageCalibration(image, from.unit, from.xStep, from.yStep));
   const ImageInfo to = image.Info();
   for (int32_t y = 0; y < info.height; ++y) {

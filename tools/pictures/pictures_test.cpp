@@ -3,9 +3,12 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <numeric>
+#include <span>
+#include <tuple>
 
 #include "pictures/image.h"
 #include "pictures/orientation.h"
@@ -78,6 +81,84 @@ Pixels Grays(const Pixels& levels) {
   Pixels palette;
   for (const uint8_t level : levels) palette.insert(palette.end(), {level, level, level, 0});
   return palette;
+}
+
+// Row y with the border on both of its sides.
+std::span<uint8_t> WholeRow(const ImageInfo& info, int32_t y) {
+  const int32_t side = info.border * info.pixelBytes;
+  return {Row<uint8_t>(info, y) - side,
+          static_cast<size_t>(info.width * info.pixelBytes + 2 * side)};
+}
+
+TEST(SpareImages, AreNewButForTheirPixels) {
+  const SpareImages spares;
+  for (const int32_t type : {IMAGE_U8, IMAGE_I16, IMAGE_SGL}) {
+    for (const int32_t border : {0, 1, 3}) {
+      for (const int32_t width : {1, 7, 33}) {
+        ImageRef before = 0;
+        {
+          const Image image = Image::ForNewPixels(type, border, width, 5);
+          before = image;
+          const ImageInfo info = image.Info();
+          for (int32_t y = -border; y < 5 + border; ++y) {
+            std::ranges::fill(WholeRow(info, y), uint8_t{0xA5});
+          }
+          Check(ZEL_SetImageCalibration(image, 3, 2, 4));
+          Check(ZEL_SetImageOffset(image, 5, 6));
+        }
+        const Image again = Image::ForNewPixels(type, border, width, 5);
+        EXPECT_EQ(ImageRef(again), before);
+        const ImageInfo info = again.Info();
+        EXPECT_EQ(std::tuple(info.unit, info.xStep, info.yStep), std::tuple(0, 1.0f, 1.0f));
+        EXPECT_EQ(std::tuple(info.offsetX, info.offsetY), std::tuple(0, 0));
+        for (int32_t y = 0; y < 5; ++y) {
+          std::fill_n(Row<uint8_t>(info, y), width * info.pixelBytes, uint8_t{0});
+        }
+        for (int32_t y = -border; y < 5 + border; ++y) {
+          EXPECT_TRUE(
+              std::ranges::all_of(WholeRow(info, y), [](uint8_t byte) { return byte == 0; }))
+              << "row " << y << ", border " << border << ", width " << width;
+        }
+      }
+    }
+  }
+}
+
+TEST(SpareImages, AreNotInUseAndOfTheSameKind) {
+  const SpareImages spares;
+  const Image used = Image::ForNewPixels(IMAGE_U8, 2, 20, 10);
+  const Image second = Image::ForNewPixels(IMAGE_U8, 2, 20, 10);
+  EXPECT_NE(ImageRef(used), ImageRef(second));
+  { const Image given = Image::ForNewPixels(IMAGE_U8, 2, 20, 10); }
+  const auto kind = [](const Image& image) {
+    const ImageInfo info = image.Info();
+    return std::tuple(info.type, info.border, info.width, info.height);
+  };
+  EXPECT_EQ(kind(Image::ForNewPixels(IMAGE_U8, 2, 10, 20)), std::tuple(IMAGE_U8, 2, 10, 20));
+  EXPECT_EQ(kind(Image::ForNewPixels(IMAGE_U8, 1, 20, 10)), std::tuple(IMAGE_U8, 1, 20, 10));
+  EXPECT_EQ(kind(Image::ForNewPixels(IMAGE_I16, 2, 20, 10)), std::tuple(IMAGE_I16, 2, 20, 10));
+}
+
+TEST(SpareImages, AreFewAndSmall) {
+  const auto images = [] {
+    int32_t count = 0;
+    ZEL_GetImageReference(0, nullptr, &count);
+    return count;
+  };
+  const int32_t before = images();
+  {
+    const SpareImages spares;
+    for (int32_t width = 1; width <= 50; ++width) Image::ForNewPixels(IMAGE_U8, 0, width, 1);
+    EXPECT_EQ(images(), before + 4);
+    Image::ForNewPixels(IMAGE_U8, 0, 4000, 4000);
+    EXPECT_EQ(images(), before + 4);
+    const SpareImages others;  // the first ones go on
+    Image::ForNewPixels(IMAGE_U8, 0, 51, 1);
+    EXPECT_EQ(images(), before + 4);
+  }
+  EXPECT_EQ(images(), before);
+  Image::ForNewPixels(IMAGE_U8, 0, 10, 10);
+  EXPECT_EQ(images(), before);
 }
 
 TEST(BmpReader, RowsComeFromTheBottomOrFromTheTop) {

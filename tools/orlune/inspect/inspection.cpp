@@ -38,7 +38,7 @@ Image MaskOf(const Image& image, const Range& range) {
     Check(ZEL_ClearPixels(none));
     return none;
   }
-  Image mask(info.type, PARTICLE_BORDER);
+  Image mask = Image::ForNewPixels(info.type, PARTICLE_BORDER, info.width, info.height);
   Check(ZEL_Threshold(image, mask, static_cast<float>(inside.low), static_cast<float>(inside.high),
                       1, 1));
   Check(ZEL_Cast(mask, IMAGE_U8));

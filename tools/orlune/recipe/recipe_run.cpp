@@ -43,7 +43,7 @@ struct Picture {
 // The library's own copy would take the border over.
 Image CopyOf(const Image& image, int32_t border) {
   const ImageInfo from = image.Info();
-  Image copy(from.type, border, from.width, from.height);
+  Image copy = Image::ForNewPixels(from.type, border, from.width, from.height);
   Check(ZEL_SetImageCalibration(copy, from.unit, from.xStep, from.yStep));
   const ImageInfo to = copy.Info();
   const auto bytes = static_cast<size_t>(from.width) * static_cast<size_t>(from.pixelBytes);
@@ -189,6 +189,15 @@ MeasureSet MeasuredFor(const InspectStep& inspect, const MeasureList& measures) 
   return wanted;
 }
 
+// With no more figures than it has, as the command tells it: a float's are those that tell it from
+// its neighbours. Whole numbers have no others.
+std::optional<double> NumberTold(const Measure& measure, double value) {
+  if (!std::isfinite(value)) return std::nullopt;
+  constexpr double WHOLE_FLOATS_END = 1 << 24;
+  const bool isWhole = std::trunc(value) == value && std::abs(value) < WHOLE_FLOATS_END;
+  return isWhole ? value : ParseNumber(ExactValue(measure, value));
+}
+
 // One picture on its way through the steps.
 class PictureRun {
  public:
@@ -278,7 +287,8 @@ class PictureRun {
     const bool fits = TakesOver(prepared) && before.Info().border == border;
     Image image = fits ? std::move(before) : CopyOf(before, border);
     ApplyChain(filter, mask, image);
-    Picture picture{from.account, std::move(image), {}};
+    Account account = TakesOver(prepared) ? std::move(from.account) : from.account;
+    Picture picture{std::move(account), std::move(image), {}};
     if (TakesOver(prepared)) pictures_.erase(LookedAtBy(step));
     if (picture.gray.Info().type == IMAGE_RGB) {
       picture.colours = CopyOf(picture.gray, 0);
@@ -316,14 +326,11 @@ class PictureRun {
     const std::string number = std::to_string(particle.number);
     const size_t first = result->values.size();
     const auto add = [&](const Measure& measure) {
-      // With no more figures than it has, as the command tells it.
-      const std::string value = ExactValue(measure, particle.values[measure.number]);
-      result->values.push_back(
-          {.object = number,
-           .name = std::string(measure.name),
-           .number = value.empty() ? std::nullopt : std::optional(ParseNumber(value)),
-           .text = "",
-           .unit = UnitText(measure.unit, unit)});
+      result->values.push_back({.object = number,
+                                .name = std::string(measure.name),
+                                .number = NumberTold(measure, particle.values[measure.number]),
+                                .text = "",
+                                .unit = UnitText(measure.unit, unit)});
     };
     for (const Measure* measure : measures) add(*measure);
     for (const Requirement& required : inspect.required) {
@@ -524,7 +531,7 @@ std::string Packed(const PictureResult& result) {
   return parcel.Take();
 }
 
-PictureResult UnpackedResult(const std::string& bytes) {
+PictureResult UnpackedResult(const std::string& bytes, bool withSteps) {
   ParcelReader parcel(bytes);
   PictureResult result;
   result.file = parcel.Text();
@@ -532,6 +539,7 @@ PictureResult UnpackedResult(const std::string& bytes) {
   result.reason = parcel.Text();
   result.seconds = parcel.Get<double>();
   result.thumbnail = parcel.Text();
+  if (!withSteps) return result;
   result.steps.resize(parcel.Get<size_t>());
   for (StepResult& step : result.steps) {
     step.step = parcel.Text();

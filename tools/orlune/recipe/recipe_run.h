@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "orlune/recipe/recipe.h"
+#include "pictures/library.h"
 
 namespace front {
 
@@ -44,7 +45,7 @@ struct PictureResult {
   std::string thumbnail;  // PNG; empty for none
 };
 std::string Packed(const PictureResult& result);
-PictureResult UnpackedResult(const std::string& bytes);
+PictureResult UnpackedResult(const std::string& bytes, bool withSteps);
 
 // What a picture without a verdict is told by.
 PictureResult ErrorOf(const std::string& file, const std::string& reason);
@@ -79,6 +80,7 @@ class RecipeRun {
  private:
   const Recipe& recipe_;
   std::vector<std::unique_ptr<Prepared>> steps_;
+  pictures::SpareImages spares_;  // from one picture to the next
 };
 
 }  // namespace front

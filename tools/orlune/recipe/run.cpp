@@ -248,7 +248,7 @@ class RecipeRunner {
   // Those between pictures that were still to be done are told where they belong.
   void TakeNew(size_t picture, const std::string& resultWithTexts) {
     ParcelReader parcel(resultWithTexts);
-    const PictureResult result = UnpackedResult(parcel.Text());
+    const PictureResult result = UnpackedResult(parcel.Text(), database_ || PrintsVerdicts());
     const ReportTexts texts{.csv = parcel.Text(), .json = parcel.Text(), .html = parcel.Text()};
     TellDoneBefore(picture);
     if (database_) database_->Store(picture, result);
@@ -277,6 +277,8 @@ class RecipeRunner {
     }
   }
 
+  bool PrintsVerdicts() const { return !command_.quiet && &out_ != &std::cerr; }
+
   void Tell(const PictureResult& result, const ReportTexts& texts) {
     told_++;
     counts_.Add(result.verdict);
@@ -285,7 +287,7 @@ class RecipeRunner {
     html_.Add(texts.html);
     if (!command_.watch.empty()) csv_.Flush();
     if (!command_.watch.empty()) json_.Flush();
-    if (command_.quiet || &out_ == &std::cerr) return;
+    if (!PrintsVerdicts()) return;
     progress_->Hide();
     if (command_.watch.empty()) {
       PrintResult(out_, result);

@@ -153,7 +153,7 @@ bool HasLevelsBeyond(const Image& image, const Range& range) {
 
 Image Stretch(const Image& gray, const Extremes& extremes) {
   const ImageInfo from = gray.Info();
-  Image stretched(IMAGE_U8, from.border, from.width, from.height);
+  Image stretched = Image::ForNewPixels(IMAGE_U8, from.border, from.width, from.height);
   Check(ZEL_SetImageCalibration(stretched, from.unit, from.xStep, from.yStep));
   const ImageInfo to = stretched.Info();
   const double low = extremes.low, high = extremes.high;
