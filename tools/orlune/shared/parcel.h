@@ -11,6 +11,8 @@ namespace front {
 
 class ParcelWriter {
  public:
+  ParcelWriter() { bytes_.reserve(USUAL_BYTES); }
+
   template <class T>
   ParcelWriter& Put(const T& value) {
     static_assert(std::is_trivially_copyable_v<T>);
@@ -25,6 +27,7 @@ class ParcelWriter {
   std::string Take() { return std::move(bytes_); }
 
  private:
+  static constexpr size_t USUAL_BYTES = 4096;
   std::string bytes_;
 };
 

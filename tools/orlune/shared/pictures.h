@@ -33,7 +33,7 @@ Extremes ExtremesOf(const Image& image);
 // where there is none.
 Range ByteRange(const Image& image);
 // Whether some of its pixels are darker than the low end of a range, and some brighter than the
-// high one: most often the first rows tell.
+// high one: most often a few rows tell.
 bool HasLevelsBeyond(const Image& image, const Range& range);
 
 // An 8-bit copy of a gray image: its darkest finite pixel becomes 0, its brightest 255.
