@@ -6,7 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "orlune/recipe/recipe_run.h"
+#include "orlune/recipe/picture_result.h"
+#include "orlune/recipe/recipe.h"
 
 struct sqlite3;
 struct sqlite3_stmt;

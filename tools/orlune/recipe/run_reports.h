@@ -5,7 +5,8 @@
 #include <ostream>
 #include <string>
 
-#include "orlune/recipe/recipe_run.h"
+#include "orlune/recipe/picture_result.h"
+#include "orlune/recipe/recipe.h"
 
 namespace front {
 

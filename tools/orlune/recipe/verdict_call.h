@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "orlune/recipe/recipe_run.h"
+#include "orlune/recipe/picture_result.h"
 #include "orlune/shared/clock.h"
 
 namespace front {
