@@ -108,7 +108,7 @@ void TransposePixels(const TransposeBlock& of) {
 }
 
 // Columns of the source at once whose pixels are held until they fill a cache line of their result.
-constexpr int64_t HELD_COLUMNS = 112;
+constexpr int64_t HELD_COLUMNS = 96;
 struct alignas(CACHE_LINE) HeldColumn {
   uint8_t before[CACHE_LINE];  // the line that was transposed before
   uint8_t last[CACHE_LINE];
