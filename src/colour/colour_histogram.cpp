@@ -16,14 +16,18 @@
 namespace zel {
 namespace {
 
-// Counters of one thread, the tables of a plane one after the other. Pixels that a mask leaves out
-// are counted as one more level.
-struct ComponentCounts {
-  uint32_t tables[COLOUR_PLANES][COUNT_TABLES * (LEVELS_U8 + 1)];
+// The tables of a plane. Pixels that a mask leaves out are counted as one more level.
+struct TableShape {
+  int32_t number, length;
+  constexpr int32_t Counters() const { return number * length; }
 };
-constexpr int32_t TableLength(bool hasMask) {
-  return hasMask ? LEVELS_U8 + 1 : LEVELS_U8;
-}
+constexpr TableShape ALL_PIXELS{LEVEL_TABLES, LEVELS_U8};
+constexpr TableShape UNDER_MASK{COUNT_TABLES, LEVELS_U8 + 1};
+
+// Counters of one thread, the tables of a plane one after the other.
+struct ComponentCounts {
+  uint32_t tables[COLOUR_PLANES][std::max(ALL_PIXELS.Counters(), UNDER_MASK.Counters())];
+};
 
 // How often each level occurs in each component, and the number of counted pixels.
 struct ColourCounts {
@@ -42,7 +46,7 @@ void CountRow(const RGBValue* pixels, const uint8_t* mask, int64_t width,
       if (mask) {
         uint16_t levels[COLOUR_BLOCK];
         rows.levelsUnderMask(component, mask + x, size, levels);
-        rows.countNumbers(levels, size, TableLength(true), counts->tables[p]);
+        rows.countNumbers(levels, size, UNDER_MASK.length, counts->tables[p]);
       } else {
         rows.countLevels(component, size, counts->tables[p]);
       }
@@ -64,11 +68,11 @@ Status CountPixels(const Region& region, int32_t mode, ColourCounts* counts) {
       CountRow(view.Row<const RGBValue>(y), region.mask.Row(y), view.width, components, own);
     }
   });
-  const int32_t length = TableLength(!region.mask.SelectsAll());
+  const TableShape& shape = region.mask.SelectsAll() ? ALL_PIXELS : UNDER_MASK;
   for (uint64_t worker = 0; worker < workers; worker++) {
     for (int32_t p = 0; p < COLOUR_PLANES; p++) {
       const uint32_t* table = ofWorkers[worker].tables[p];
-      for (int32_t t = 0; t < COUNT_TABLES; t++, table += length) {
+      for (int32_t t = 0; t < shape.number; t++, table += shape.length) {
         for (int32_t level = 0; level < LEVELS_U8; level++) {
           counts->levels[p][level] += table[level];
         }

@@ -52,11 +52,17 @@ HistogramReport ReportOf(const ClassMap& map, const PixelSums& sums) {
   return report;
 }
 
-// Adds up COUNT_TABLES tables of `length` counters, of which the first `count` are asked for.
-void FoldTables(const uint32_t* tables, int32_t length, int32_t count, uint32_t* folded) {
-  std::memcpy(folded, tables, static_cast<size_t>(count) * sizeof(uint32_t));
-  for (int32_t table = 1; table < COUNT_TABLES; table++) {
-    const uint32_t* more = tables + table * length;
+// So many tables of `length` counters, one after the other.
+struct CountTables {
+  const uint32_t* counters;
+  int32_t number, length;
+};
+
+// Adds up the first `count` counters of each table.
+void FoldTables(const CountTables& tables, int32_t count, uint32_t* folded) {
+  std::memcpy(folded, tables.counters, static_cast<size_t>(count) * sizeof(uint32_t));
+  for (int32_t table = 1; table < tables.number; table++) {
+    const uint32_t* more = tables.counters + table * tables.length;
     for (int32_t i = 0; i < count; i++) folded[i] += more[i];
   }
 }
@@ -135,7 +141,7 @@ Status CountPixels(const Region& region, const ClassMap& map, uint32_t* counters
       sum(pixels, classes, run, map, tables.data(), sums);
     }
   }
-  FoldTables(tables.data(), length, map.classes, counters);
+  FoldTables({tables.data(), COUNT_TABLES, length}, map.classes, counters);
   for (int32_t i = 0; i < map.classes; i++) sums->count += counters[i];
   if (!sums->SquaresAreExact() && words) SumWordsInOrder(region, map, sums);
   return STATUS_OK;
@@ -187,29 +193,41 @@ bool CountsEveryLevel(const PixelView& view, const CountedRange& range, int32_t 
          range.high == limits.high;
 }
 
-}  // namespace
+void CountAllLevels(const PixelView& view, uint32_t (&counts)[LEVELS_U8]) {
+  const HistogramRows& rows = histogramRows();
+  uint32_t tables[LEVEL_TABLES * LEVELS_U8] = {};
+  for (int32_t y = 0; y < view.height; y++) {
+    rows.countLevels(view.Row<const uint8_t>(y), view.width, tables);
+  }
+  FoldTables({tables, LEVEL_TABLES, LEVELS_U8}, LEVELS_U8, counts);
+}
 
-void CountLevels(const Region& region, uint32_t (&counts)[LEVELS_U8]) {
+void CountLevelsUnderMask(const Region& region, uint32_t (&counts)[LEVELS_U8]) {
   const HistogramRows& rows = histogramRows();
   const PixelView& view = region.view;
-  // Under a mask a counter more takes the pixels that are left out.
-  const int32_t length = LEVELS_U8 + (region.mask.SelectsAll() ? 0 : 1);
-  uint32_t tables[COUNT_TABLES * (LEVELS_U8 + 1)] = {};
+  constexpr int32_t length = LEVELS_U8 + 1;  // one more takes the pixels that are left out
+  uint32_t tables[COUNT_TABLES * length] = {};
   uint16_t levels[CLASS_RUN];
   for (int32_t y = 0; y < view.height; y++) {
-    const auto* row = view.Row<uint8_t>(y);
+    const auto* row = view.Row<const uint8_t>(y);
     const uint8_t* mask = region.mask.Row(y);
-    if (!mask) {
-      rows.countLevels(row, view.width, tables);
-      continue;
-    }
     for (int32_t x = 0; x < view.width; x += CLASS_RUN) {
       const int32_t run = std::min(CLASS_RUN, view.width - x);
       rows.levelsUnderMask(row + x, mask + x, run, levels);
       rows.countNumbers(levels, run, length, tables);
     }
   }
-  FoldTables(tables, length, LEVELS_U8, counts);
+  FoldTables({tables, COUNT_TABLES, length}, LEVELS_U8, counts);
+}
+
+}  // namespace
+
+void CountLevels(const Region& region, uint32_t (&counts)[LEVELS_U8]) {
+  if (region.mask.SelectsAll()) {
+    CountAllLevels(region.view, counts);
+  } else {
+    CountLevelsUnderMask(region, counts);
+  }
 }
 
 Status Histogram(ImageRef image, ImageRef mask, int32_t nbClasses, float min, float max,

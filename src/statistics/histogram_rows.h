@@ -17,7 +17,9 @@ struct ClassMap {
 constexpr int32_t CLASS_RUN = 1024;
 
 // Neighbours tend to be equal, and counting one waits for the count of the one before. So each
-// column counts into the table of its own out of this many, which lie one after the other.
+// column counts into the table of its own out of this many, which lie one after the other. Classes
+// can be thousands, and more tables of theirs would fall out of the nearest cache.
+constexpr int32_t LEVEL_TABLES = 8;
 constexpr int32_t COUNT_TABLES = 4;
 
 // Class numbers of `width` pixels, at most CLASS_RUN; a null mask selects all.
@@ -30,7 +32,7 @@ using SumRow = void (*)(const void* row, const uint16_t* classes, int32_t width,
                         const ClassMap& map, uint32_t* tables, PixelSums* sums);
 
 struct HistogramRows {
-  // Counts the levels of a row in COUNT_TABLES tables of 256 counters.
+  // Counts the levels of a row in LEVEL_TABLES tables of 256 counters.
   void (*countLevels)(const uint8_t* row, int32_t width, uint32_t* tables);
   // Level numbers of a row under a mask: 256 where it is 0.
   void (*levelsUnderMask)(const uint8_t* row, const uint8_t* mask, int32_t width, uint16_t* levels);
