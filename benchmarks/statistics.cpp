@@ -17,8 +17,8 @@ constexpr char NOTES[] = R"(
 The peer of a histogram is `calcHist` with `meanStdDev`, as ours gives the statistics too; that of
 `quantify` is `meanStdDev` with `minMaxLoc`, and that of `centroid` is `moments`, which computes more.
 `histogram_full_range` looks for the extremes first, and its peer does so by `minMaxLoc`.
-`histogram_counts` asks for no statistics, and its peer is the loop that counts levels; ours finds them
-all the same. OpenCV takes no histogram of signed words and no labels. Masks are a scene of blobs or
+`histogram_counts` asks for no statistics, and its peer is the loop that counts levels.
+OpenCV takes no histogram of signed words and no labels. Masks are a scene of blobs or
 noise, and pixels "u8-blobs" are that scene.
 )";
 

@@ -94,7 +94,7 @@ void CountBytes(const Region& region, const ClassMap& map, uint32_t* counters, P
   CountLevels(region, counts);
   const auto low = static_cast<int32_t>(map.min);
   const auto high = static_cast<int32_t>(map.max);
-  SumLevels(counts, low, high, sums);
+  if (sums) SumLevels(counts, low, high, sums);
   int16_t levels[LEVELS_U8];
   uint16_t classes[LEVELS_U8];
   for (int32_t level = low; level <= high; level++) levels[level] = static_cast<int16_t>(level);
@@ -118,7 +118,7 @@ void SumWordsInOrder(const Region& region, const ClassMap& map, PixelSums* sums)
   }
 }
 
-// The tables are too large for a thread with a small stack.
+// The tables are too large for a thread with a small stack. Without a report there are no sums.
 Status CountPixels(const Region& region, const ClassMap& map, uint32_t* counters, PixelSums* sums) {
   const int32_t length = map.classes + 1;
   WorkArray<uint32_t> tables;
@@ -138,10 +138,15 @@ Status CountPixels(const Region& region, const ClassMap& map, uint32_t* counters
       const int32_t run = std::min(CLASS_RUN, view.width - x);
       const uint8_t* pixels = row + int64_t{x} * view.pixelBytes;
       classesOf(pixels, mask ? mask + x : nullptr, run, map, classes);
-      sum(pixels, classes, run, map, tables.data(), sums);
+      if (sums) {
+        sum(pixels, classes, run, map, tables.data(), sums);
+      } else {
+        rows.countNumbers(classes, run, length, tables.data());
+      }
     }
   }
   FoldTables({tables.data(), COUNT_TABLES, length}, map.classes, counters);
+  if (!sums) return STATUS_OK;
   for (int32_t i = 0; i < map.classes; i++) sums->count += counters[i];
   if (!sums->SquaresAreExact() && words) SumWordsInOrder(region, map, sums);
   return STATUS_OK;
@@ -248,21 +253,22 @@ Status Histogram(ImageRef image, ImageRef mask, int32_t nbClasses, float min, fl
   auto* counters = VectorData<uint32_t>(histogram);
   const ClassMap map = ClassMapOf(range.low, range.high, classes);
   const bool everyLevel = CountsEveryLevel(region.view, range, classes);
-  PixelSums sums;
+  PixelSums ofReport;
+  PixelSums* const sums = report ? &ofReport : nullptr;
   if (everyLevel) {
     uint32_t counts[LEVELS_U8];
     CountLevels(region, counts);
-    SumLevels(counts, 0, LEVELS_U8 - 1, &sums);
+    if (sums) SumLevels(counts, 0, LEVELS_U8 - 1, sums);
     std::memcpy(counters, counts, sizeof(counts));
   } else if (range.high - range.low < 0) {
     std::memset(counters, 0, static_cast<size_t>(classes) * sizeof(uint32_t));
   } else if (type == IMAGE_U8) {
-    CountBytes(region, map, counters, &sums);
+    CountBytes(region, map, counters, sums);
   } else {
-    status = CountPixels(region, map, counters, &sums);
+    status = CountPixels(region, map, counters, sums);
   }
   if (status != STATUS_OK || !report) return status;
-  *report = ReportOf(map, sums);
+  *report = ReportOf(map, ofReport);
   if (everyLevel) report->interval = 1.0f;  // also when nothing is counted
   return STATUS_OK;
 }

@@ -98,8 +98,7 @@ ZEL_INLINE void RoundPositions(const double* positions, int32_t* numbers) {
 #endif
 }
 
-template <class T>
-ZEL_INLINE void ClassesOfBlock(const T* pixels, const ClassMap& map, uint16_t* classes) {
+ZEL_INLINE void NumbersOfBlock(const float* pixels, const ClassMap& map, int32_t* numbers) {
   alignas(VECTOR_BYTES) double positions[CLASS_BLOCK];
   for (int32_t x = 0; x < CLASS_BLOCK; x++) positions[x] = static_cast<double>(pixels[x]);
   const Doubles last = Doubles{} + (map.classes - 1);
@@ -112,8 +111,28 @@ ZEL_INLINE void ClassesOfBlock(const T* pixels, const ClassMap& map, uint16_t* c
     position = position < last ? position : last;
     Store(positions + x, position);
   }
-  alignas(VECTOR_BYTES) int32_t numbers[CLASS_BLOCK];
   RoundPositions(positions, numbers);
+}
+
+// The scale of words is 0, or 24 bits from 2^-15 (two classes of 65536 words) on. So positions and
+// the offset, which is half of it less 0.5, are multiples of 2^-39, and doubles hold them exactly,
+// with a bit more that takes an exact half to the lower class. The positions of counted words lie
+// between -0.5 and half a class above the last, so that nothing needs to be limited.
+constexpr double BELOW_HALF = 0.5 - 0x1p-40;
+
+ZEL_INLINE void NumbersOfBlock(const int16_t* pixels, const ClassMap& map, int32_t* numbers) {
+  const auto min = static_cast<int32_t>(map.min);
+  const auto scale = static_cast<double>(map.scale);
+  const double start = static_cast<double>(map.offset) + BELOW_HALF;
+  for (int32_t x = 0; x < CLASS_BLOCK; x++) {
+    numbers[x] = static_cast<int32_t>((pixels[x] - min) * scale + start);
+  }
+}
+
+template <class T>
+ZEL_INLINE void ClassesOfBlock(const T* pixels, const ClassMap& map, uint16_t* classes) {
+  alignas(VECTOR_BYTES) int32_t numbers[CLASS_BLOCK];
+  NumbersOfBlock(pixels, map, numbers);
   // The ends of the range are values of the pixels' type.
   const T min = static_cast<T>(map.min);
   const T max = static_cast<T>(map.max);

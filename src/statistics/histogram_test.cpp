@@ -51,6 +51,9 @@ void Check(const TestImage& image, const TestImage* mask, int32_t nbClasses, flo
   HistogramReport again{};
   ASSERT_EQ(ZEL_Histogram(image, maskRef, nbClasses, min, max, nullptr, &again), 0);
   ExpectSameReport(again, expected.report);
+  std::vector<uint32_t> unreported(counters.size(), UNTOUCHED);
+  ASSERT_EQ(ZEL_Histogram(image, maskRef, nbClasses, min, max, unreported.data(), nullptr), 0);
+  EXPECT_EQ(unreported, counters);
 }
 
 TEST(HistogramPixels, FollowsTheRuleForAllTypesSizesAndMasks) {
@@ -85,6 +88,25 @@ TEST(HistogramPixels, CountsLevelsOfLongRowsOfOneValue) {
     const TestImage image(IMAGE_U8, 3001, 5);
     for (int32_t y = 0; y < 5; y++) std::memset(image.At<uint8_t>(0, y), value, 3001);
     Check(image, nullptr, 256, 0, 0);
+  }
+}
+
+TEST(HistogramPixels, EveryWordFollowsTheRuleInAnyRange) {
+  const TestImage image(IMAGE_I16, 512, 128);
+  for (int32_t i = 0; i < 65536; i++) {
+    image.Set<int16_t>(i % 512, i / 512, static_cast<int16_t>(i - 32768));
+  }
+  struct Case {
+    int32_t classes;
+    float min, max;
+  };
+  // Where there are twice as many classes as words, all words lie at exact halves.
+  const Case cases[] = {{2, -32768, 32767},     {3, -32768, 32767},   {256, -32768, 32767},
+                        {4095, -32768, 32767},  {1024, -100, 411},    {4096, 32000, 32767},
+                        {1000, -32768, -32700}, {777, -12345, 23456}, {4096, 5, 5}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.classes << " classes " << c.min << ".." << c.max);
+    Check(image, nullptr, c.classes, c.min, c.max);
   }
 }
 
