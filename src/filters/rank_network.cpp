@@ -96,8 +96,8 @@ bool AppendCarries(RankProgram* program) {
 
 // ---- strips
 
-constexpr int32_t NARROWEST_STRIP = 256;  // bytes
-constexpr int32_t WIDEST_STRIP = 4096;
+constexpr int32_t NARROWEST_STRIP = 256;       // bytes
+constexpr int32_t WIDEST_STRIP = 8192;         // long pieces of rows are fetched ahead
 constexpr int32_t SCRATCH_BUDGET = 28 * 1024;  // that stays in the first cache beside the pixels
 
 // `rowsInUse` are those that are read and written again and again.
