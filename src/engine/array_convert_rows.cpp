@@ -16,11 +16,14 @@ constexpr bool IS_INTEGER = static_cast<T>(0.5) == T{0};
 void CopyRows(const PointViews& views, const NoRule&) {
   constexpr int64_t blockBytes = 64;
   constexpr int64_t longRow = 1024;
-  const int64_t bytes = views.result.RowBytes();
+  // Copies, as the compiler takes bytes that are written for any others.
+  const PixelView source = views.first;
+  const PixelView result = views.result;
+  const int64_t bytes = result.RowBytes();
   const int64_t inBlocks = bytes < longRow ? bytes / blockBytes * blockBytes : 0;
-  for (int64_t y = 0; y < views.result.height; y++) {
-    const auto* from = views.first.Row<uint8_t>(y);
-    auto* to = views.result.Row<uint8_t>(y);
+  for (int64_t y = 0; y < result.height; y++) {
+    const auto* from = source.Row<uint8_t>(y);
+    auto* to = result.Row<uint8_t>(y);
     for (int64_t i = 0; i < inBlocks; i += blockBytes) std::memcpy(to + i, from + i, blockBytes);
     if (inBlocks < bytes) {
       std::memcpy(to + inBlocks, from + inBlocks, static_cast<size_t>(bytes - inBlocks));
