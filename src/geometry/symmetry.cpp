@@ -1,8 +1,7 @@
 // Images mirrored in their axes and diagonals, and transposed.
-#include <cstring>
-
 #include "engine/bands.h"
 #include "engine/operands.h"
+#include "engine/rows_copy.h"
 #include "geometry/geometry.h"
 #include "geometry/symmetry_rows.h"
 
@@ -23,11 +22,11 @@ PixelView UpsideDown(const PixelView& view) {
   return turned;
 }
 
-void RowsCopy(const PixelView& from, const PixelView& to) {
+void RowsMove(const PixelView& from, const PixelView& to) {
   BandsRun({.units = to.height, .bytes = 2 * to.Bytes()}, [&](const Band& band) {
-    for (int64_t y = band.begin; y < band.end; y++) {
-      std::memcpy(to.Row<void>(y), from.Row<void>(y), static_cast<size_t>(to.RowBytes()));
-    }
+    const auto begin = static_cast<int32_t>(band.begin);
+    const auto end = static_cast<int32_t>(band.end);
+    RowsCopy(from.Rows(begin, end), to.Rows(begin, end));
   });
 }
 
@@ -60,7 +59,7 @@ void Mirror(const PixelView& from, const PixelView& to, uint8_t symmetry) {
   if (to.IsEmpty()) return;
   switch (symmetry) {
     case SYMMETRY_TOP_BOTTOM:
-      return RowsCopy(UpsideDown(from), to);
+      return RowsMove(UpsideDown(from), to);
     case SYMMETRY_LEFT_RIGHT:
       return RowsReverse(from, to);
     case SYMMETRY_BOTH:
