@@ -1,10 +1,10 @@
 // The three ways to fill an image's border from its pixels.
 #include <algorithm>
 #include <cstring>
-#include <iterator>
 #include <type_traits>
 
 #include "core/images.h"
+#include "core/side_fill.h"
 
 namespace zel {
 namespace {
@@ -80,21 +80,6 @@ void ColumnsMirror(const BorderFrame& frame) {
       last[1 + k] = last[-k];
     }
   });
-}
-
-// In stores of 8 bytes where there are as many; the last one may cover some again.
-template <class T, class Count>
-void SideFill(T* to, Count columns, T value) {
-  using Group = T[8 / sizeof(T)];
-  constexpr auto lanes = static_cast<int64_t>(std::extent_v<Group>);
-  if (columns < lanes) {
-    for (int64_t k = 0; k < columns; k++) to[k] = value;
-    return;
-  }
-  Group group;
-  std::fill(std::begin(group), std::end(group), value);
-  for (int64_t k = 0; k + lanes < columns; k += lanes) std::memcpy(to + k, group, sizeof group);
-  std::memcpy(to + columns - lanes, group, sizeof group);
 }
 
 template <class T>
