@@ -37,11 +37,10 @@ void Replicate(uint8_t* row, int32_t width, int32_t left, int32_t right) {
 }  // namespace
 
 void RowRing::Take(Arena* arena, int64_t rows, int64_t first, int64_t columns, int32_t pixelBytes) {
-  constexpr int64_t line = 64;
-  const int64_t before = (std::max<int64_t>(-first, 0) * pixelBytes + line - 1) / line * line;
+  const int64_t before = OnCacheLines(std::max<int64_t>(-first, 0) * pixelBytes);
   const auto taken = static_cast<int64_t>(std::bit_ceil(static_cast<uint64_t>(rows)));
   last_ = taken - 1;
-  pitch_ = before + ((first + columns) * pixelBytes + line - 1) / line * line;
+  pitch_ = before + OnCacheLines((first + columns) * pixelBytes);
   uint8_t* memory = arena->Take<uint8_t>(taken * pitch_);
   columnZero_ = memory ? memory + before : nullptr;
 }
@@ -173,10 +172,9 @@ void SpanRows::PlacesFind(int64_t row, const PassInput& input) {
 // ---- tall rectangles
 
 void ColumnBlocks::Take(const MorphologyPass& pass, int32_t width, Arena* arena) {
-  constexpr int64_t line = 64;
   pass_ = &pass;
   width_ = width;
-  pitch_ = (int64_t{width} * pass.pixelBytes + line - 1) / line * line;
+  pitch_ = OnCacheLines(int64_t{width} * pass.pixelBytes);
   places_ = arena->Take<uint8_t>(pass.reach.Rows() * pitch_);
   beginning_ = arena->Take<uint8_t>(pitch_);
 }

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <numeric>
 
+#include "core/cache_lines.h"
 #include "core/heap.h"
 #include "core/pixel_types.h"
 #include "engine/bands.h"
@@ -16,8 +17,6 @@
 
 namespace zel {
 namespace {
-
-constexpr int64_t CACHE_LINE = 64;
 
 // Results of more bytes have left the caches of one core before anyone reads them.
 constexpr int64_t STREAMED_BYTES = int64_t{4} << 20;
@@ -129,7 +128,7 @@ class JoiningMemory {
   }
   JoiningTile* OfWorker(int32_t worker) {
     uint8_t* first = block_.data();
-    first += (CACHE_LINE - reinterpret_cast<uintptr_t>(first) % CACHE_LINE) % CACHE_LINE;
+    first += BytesToCacheLine(first);
     return reinterpret_cast<JoiningTile*>(first) + worker;
   }
 
