@@ -69,20 +69,20 @@
  * block from ZEL_malloc on entry. The function resizes the block, stores its address back (NULL for
  * no records) and the caller releases it with ZEL_free.
  *
- * Threads. The library keeps process-wide state without locks: one thread at a time may be inside. A
- * stack of 64 KB suffices. Large images are computed on several threads of the library's own.
+ * Threads. The library keeps process-wide state without locks: one thread at a time may be inside.
+ * A stack of 64 KB suffices. Large images are computed on several threads of the library's own.
  *
- * Floats. Results are the same bits on every processor, at every level and for any number of threads
- * where the caller's floats are rounded to nearest and keep their smallest numbers, as they are when
- * a program starts. In another environment (fesetround, flush to zero) what is computed through
- * floats is rounded that way: float images and reports, laws, equalisation, factors and divisors
- * that are no whole numbers. What counts, compares, sorts and calculates in integers is the same
- * even then, the classes of a histogram of integers among it. The sign and payload of a NaN are not
- * promised; where one appears is.
+ * Floats. Results are the same bits on every processor, at every level and for any number of
+ * threads where the caller's floats are rounded to nearest and keep their smallest numbers, as they
+ * are when a program starts. In another environment (fesetround, flush to zero) what is computed
+ * through floats is rounded that way: float images and reports, laws, equalisation, factors and
+ * divisors that are no whole numbers. What counts, compares, sorts and calculates in integers is
+ * the same even then, the classes of a histogram of integers among it. The sign and payload of a
+ * NaN are not promised; where one appears is.
  *
  * The process. The message of a failure on standard error never ends the program, also when nobody
- * reads it any more (SIGPIPE). Unloading the library (dlclose) ends its threads and gives nothing else
- * back: ZEL_CloseSys comes before, and ZEL_free for all blocks that the caller still holds.
+ * reads it any more (SIGPIPE). Unloading the library (dlclose) ends its threads and gives nothing
+ * else back: ZEL_CloseSys comes before, and ZEL_free for all blocks that the caller still holds.
  */
 #ifndef ORLUNE_PTK_H
 #define ORLUNE_PTK_H

@@ -69,11 +69,11 @@ build_release() {
   build "build/deep-release" "$1" -DCMAKE_BUILD_TYPE=Release
 }
 
+sequences=(chain api)
+mapfile -t readers < <(tools/fuzz.sh --list | grep -vxF "$(printf '%s\n' "${sequences[@]}")")
 # The front's reader throws and keeps strings, which the memory sanitizer does not see the making of in
 # the standard library: valgrind watches it instead.
-library_readers=(read_native read_tiff read_bmp read_raw barcode dials)
-readers=("${library_readers[@]}" front_bmp)
-sequences=(chain api)
+mapfile -t library_readers < <(printf '%s\n' "${readers[@]}" | grep -vx front_bmp)
 
 # fuzz SANITIZER RUNS TARGET...: a hundredth of them learns from what is compared, and the others begin
 # with what it has found.

@@ -2,9 +2,11 @@
 # Builds the fuzz targets with clang and runs each: first the stored inputs and the seeds, then new
 # ones. A finding ends it with the input's place.
 # usage: tools/fuzz.sh [--seconds N | --runs N] [--sanitizer address|memory] [--seed N] [--plain] [--fast] [TARGET...]
+#        tools/fuzz.sh --list
 #   --plain  builds the processor level of plain loops alone, which is soon done
 #   --fast   learns from what is reached and not from what is compared, which makes several times as many runs;
 #            begins with what runs without it have found as well
+#   --list   only names the targets
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -15,6 +17,7 @@ skipped="baseline;v3"
 comparisons=ON
 folder=
 targets=()
+mapfile -t all < <(sed -n 's/^ptk_fuzz_target(\([a-z_]*\) .*/\1/p' fuzz/CMakeLists.txt)
 while [ $# -gt 0 ]; do
   case $1 in
     --seconds) limit=-max_total_time=$2; shift 2 ;;
@@ -22,11 +25,12 @@ while [ $# -gt 0 ]; do
     --sanitizer) sanitizer=$2; shift 2 ;;
     --seed) seed=$2; shift 2 ;;
     --plain) skipped="baseline;v3;v4"; shift ;;
+    --list) printf '%s\n' "${all[@]}"; exit ;;
     --fast) comparisons=OFF folder=-fast; shift ;;
     *) targets+=("$1"); shift ;;
   esac
 done
-[ ${#targets[@]} -gt 0 ] || targets=(read_native read_tiff read_bmp read_raw front_bmp barcode dials chain api)
+[ ${#targets[@]} -gt 0 ] || targets=("${all[@]}")
 
 clang=clang++-19
 if ! command -v $clang >/dev/null; then

@@ -2,22 +2,22 @@
  * functions are told in orlune_ptk.h.
  *
  * Where. The bars stand upright and the code is read from left to right, along ten rows spread over
- * the region, of which the means are taken: a high region costs no more than a low one, and the time
- * of a call is bounded by the region's columns. The region's first contour is a ROI_RECT; here both
- * of its corners belong to it. Light in front of the first bar may be missing; a bar at which the
- * region ends is not seen. A rectangle whose first corner lies to the right is read from right to
- * left. To find a code, to turn it upright and to try it both ways is the caller's part.
+ * the region, of which the means are taken: a high region costs no more than a low one, and the
+ * time of a call is bounded by the region's columns. The region's first contour is a ROI_RECT; here
+ * both of its corners belong to it. Light in front of the first bar may be missing; a bar at which
+ * the region ends is not seen. A rectangle whose first corner lies to the right is read from right
+ * to left. To find a code, to turn it upright and to try it both ways is the caller's part.
  *
- * Dark and light are told apart by the straight line that fits the profile of the whole region best,
- * light around the code included: wide margins at both sides move it, and the modules of a code
- * should be two pixels wide. Ends of bars count in fractions of pixels. Each symbol is taken for the
- * one of its code that it has most elements in common with: only a check tells a code from none, and
- * without one a text always comes out, of no characters where there are too few bars.
+ * Dark and light are told apart by the straight line that fits the profile of the whole region
+ * best, light around the code included: wide margins at both sides move it, and the modules of a
+ * code should be two pixels wide. Ends of bars count in fractions of pixels. Each symbol is taken
+ * for the one of its code that it has most elements in common with: only a check tells a code from
+ * none, and without one a text always comes out, of no characters where there are too few bars.
  *
- * Results. A text is textLength bytes in a block that the caller releases with ZEL_free; a zero byte
- * behind them is not counted. Some texts have zero bytes in them. On entry *text holds NULL or a
- * block from ZEL_malloc, which is resized; a text of no bytes gives NULL. A failing call leaves both
- * results as they were. */
+ * Results. A text is textLength bytes in a block that the caller releases with ZEL_free; a zero
+ * byte behind them is not counted. Some texts have zero bytes in them. On entry *text holds NULL or
+ * a block from ZEL_malloc, which is resized; a text of no bytes gives NULL. A failing call leaves
+ * both results as they were. */
 #ifndef ORLUNE_PTK_BARCODES_H
 #define ORLUNE_PTK_BARCODES_H
 
@@ -38,8 +38,8 @@ extern "C" {
  * textLength: receives its bytes.
  * Failures: -201 for an image of 0; -1200 for a roi of NULL; -5 for text or textLength; -101; -200;
  * -301 for another image type; -1200 for a region without a contour of two points; -3000 for one
- * that does not begin with a ROI_RECT; -752 where fewer than two columns lie in the image; -3003 the
- * check, or fewer than two characters to check. */
+ * that does not begin with a ROI_RECT; -752 where fewer than two columns lie in the image; -3003
+ * the check, or fewer than two characters to check. */
 int32_t ZEL_ReadCodabar(ImageRef image, const RoiDescriptor* roi, int32_t validate, char** text,
                         int32_t* textLength);
 
@@ -53,8 +53,8 @@ int32_t ZEL_ReadCodabar(ImageRef image, const RoiDescriptor* roi, int32_t valida
  * textLength: receives its bytes.
  * Failures: -201 for an image of 0; -1200 for a roi of NULL; -5 for text or textLength; -101; -200;
  * -301 for another image type; -1200 for a region without a contour of two points; -3000 for one
- * that does not begin with a ROI_RECT; -752 where fewer than two columns lie in the image; -3003 the
- * check, or no digits to check. */
+ * that does not begin with a ROI_RECT; -752 where fewer than two columns lie in the image; -3003
+ * the check, or no digits to check. */
 int32_t ZEL_ReadCod25(ImageRef image, const RoiDescriptor* roi, int32_t validate, char** text,
                       int32_t* textLength);
 
@@ -62,15 +62,15 @@ int32_t ZEL_ReadCod25(ImageRef image, const RoiDescriptor* roi, int32_t validate
  * image:      IMAGE_U8, IMAGE_I16 or IMAGE_SGL.
  * roi:        where the code is.
  * validate:   not 0: the last digit has to be the check of the others, which counts every second
- *             digit from the first one on once and those between them doubled, digit by digit; it is
- *             no part of the text then. That is the usual check for an odd number of digits, check
- *             included.
+ *             digit from the first one on once and those between them doubled, digit by digit; it
+ *             is no part of the text then. That is the usual check for an odd number of digits,
+ *             check included.
  * text:       address of the text's block.
  * textLength: receives its bytes.
  * Failures: -201 for an image of 0; -1200 for a roi of NULL; -5 for text or textLength; -101; -200;
  * -301 for another image type; -1200 for a region without a contour of two points; -3000 for one
- * that does not begin with a ROI_RECT; -752 where fewer than two columns lie in the image; -3003 the
- * check, no digits to check, or one above 9. */
+ * that does not begin with a ROI_RECT; -752 where fewer than two columns lie in the image; -3003
+ * the check, no digits to check, or one above 9. */
 int32_t ZEL_ReadMSI(ImageRef image, const RoiDescriptor* roi, int32_t validate, char** text,
                     int32_t* textLength);
 
@@ -87,9 +87,9 @@ int32_t ZEL_ReadMSI(ImageRef image, const RoiDescriptor* roi, int32_t validate, 
 int32_t ZEL_ReadCodEAN8(ImageRef image, const RoiDescriptor* roi, int32_t validate, char** text,
                         int32_t* textLength);
 
-/* Reads an EAN-13: thirteen digits, of which the first one is given and the last one is the check of
- * the others. The first digit of an EAN-13 lies in the widths of the next six: given another one,
- * these are misread, and the check fails or, now and then, not.
+/* Reads an EAN-13: thirteen digits, of which the first one is given and the last one is the check
+ * of the others. The first digit of an EAN-13 lies in the widths of the next six: given another
+ * one, these are misread, and the check fails or, now and then, not.
  * image:      IMAGE_U8, IMAGE_I16 or IMAGE_SGL.
  * roi:        where the code is.
  * validate:   not looked at.
@@ -97,9 +97,9 @@ int32_t ZEL_ReadCodEAN8(ImageRef image, const RoiDescriptor* roi, int32_t valida
  * text:       address of the text's block.
  * textLength: receives 13.
  * Failures: -201 for an image of 0; -1200 for a roi of NULL; -5 for firstDigit, text or textLength;
- * -101; -200; -301 for another image type; -1200 for a region without a contour of two points; -3000
- * for one that does not begin with a ROI_RECT; -752 where fewer than two columns lie in the image;
- * -3030 fewer than 30 bars; -3003 the check. */
+ * -101; -200; -301 for another image type; -1200 for a region without a contour of two points;
+ * -3000 for one that does not begin with a ROI_RECT; -752 where fewer than two columns lie in the
+ * image; -3030 fewer than 30 bars; -3003 the check. */
 int32_t ZEL_ReadEAN13(ImageRef image, const RoiDescriptor* roi, int32_t validate,
                       const uint8_t* firstDigit, char** text, int32_t* textLength);
 
@@ -126,8 +126,8 @@ int32_t ZEL_ReadUPCA(ImageRef image, const RoiDescriptor* roi, int32_t validate,
  * textLength: receives its bytes.
  * Failures: -201 for an image of 0; -1200 for a roi of NULL; -5 for text or textLength; -101; -200;
  * -301 for another image type; -1200 for a region without a contour of two points; -3000 for one
- * that does not begin with a ROI_RECT; -752 where fewer than two columns lie in the image; -3003 the
- * check, or fewer than three characters to check. */
+ * that does not begin with a ROI_RECT; -752 where fewer than two columns lie in the image; -3003
+ * the check, or fewer than three characters to check. */
 int32_t ZEL_ReadCod39(ImageRef image, const RoiDescriptor* roi, int32_t validate, char** text,
                       int32_t* textLength);
 
@@ -137,10 +137,10 @@ int32_t ZEL_ReadCod39(ImageRef image, const RoiDescriptor* roi, int32_t validate
  * image:      IMAGE_U8, IMAGE_I16 or IMAGE_SGL.
  * roi:        where the code is.
  * validate:   not looked at: both checks have to be right.
- * text:       address of the text's block. A control character stands there with the first letter of
- *             its name ("N" for NL, ..., "D" for DEL).
- * textLength: receives the bytes, in which a control character counts 2, DEL 3: as many zero bytes as
- *             were counted too much end the text.
+ * text:       address of the text's block. A control character stands there with the first letter
+ *             of its name ("N" for NL, ..., "D" for DEL).
+ * textLength: receives the bytes, in which a control character counts 2, DEL 3: as many zero bytes
+ *             as were counted too much end the text.
  * Failures: -201 for an image of 0; -1200 for a roi of NULL; -5 for text or textLength; -101; -200;
  * -301 for another image type; -1200 for a region without a contour of two points; -3000 for one
  * that does not begin with a ROI_RECT; -752 where fewer than two columns lie in the image; -3004 a
@@ -158,8 +158,8 @@ int32_t ZEL_ReadCod93(ImageRef image, const RoiDescriptor* roi, int32_t validate
  * textLength: receives its bytes.
  * Failures: -201 for an image of 0; -1200 for a roi of NULL; -5 for text or textLength; -101; -200;
  * -301 for another image type; -1200 for a region without a contour of two points; -3000 for one
- * that does not begin with a ROI_RECT; -752 where fewer than two columns lie in the image; -3003 the
- * check, or no room for it. */
+ * that does not begin with a ROI_RECT; -752 where fewer than two columns lie in the image; -3003
+ * the check, or no room for it. */
 int32_t ZEL_ReadCod128(ImageRef image, const RoiDescriptor* roi, int32_t validate, char** text,
                        int32_t* textLength);
 

@@ -1,6 +1,6 @@
-/* Colour images: planes in RGB, HSL and HSV, single pixels, lines and arrays, conversion of colours,
- * histogram, threshold, lookup and equalisation. The rules that hold for all functions are told in
- * orlune_ptk.h.
+/* Colour images: planes in RGB, HSL and HSV, single pixels, lines and arrays, conversion of
+ * colours, histogram, threshold, lookup and equalisation. The rules that hold for all functions are
+ * told in orlune_ptk.h.
  *
  * What holds for all of them:
  *
@@ -224,8 +224,8 @@ int32_t ZEL_ColorThreshold(ImageRef source, ImageRef destination, int32_t mode,
  * destination: IMAGE_RGB. 0 or the source: in place.
  * mode:        a ColorMode. With any other number no pixel is mapped.
  * elementType: the ArrayType of the tables; tables of an unknown type map nothing.
- * table1:      256 entries for red or hue, of which the low 8 bits count, truncated. NULL: red stays,
- *              or the hue goes through its byte.
+ * table1:      256 entries for red or hue, of which the low 8 bits count, truncated. NULL: red
+ *              stays, or the hue goes through its byte.
  * table2:      256 entries for green or saturation, or NULL.
  * table3:      256 entries for blue, lightness or value, or NULL.
  * Failures: -200 and -301 for the source; -200 and -301 for the destination; -200 and -301 for the

@@ -72,12 +72,12 @@ int32_t ZEL_ReadMeter(ImageRef image, float baseX, float baseY, const PointFloat
 
 /* Finds the digits of a display: rectangles from left to right, of one height, which
  * ZEL_ReadLCDDisplay reads. Two lines over the region, at a third and two thirds of its height, are
- * smoothed over 5 pixels and fitted by a straight line each, and strokes lie where the profile is on
- * the segments' side of it. Strokes that a horizontal segment joins are one digit. What is lower
+ * smoothed over 5 pixels and fitted by a straight line each, and strokes lie where the profile is
+ * on the segments' side of it. Strokes that a horizontal segment joins are one digit. What is lower
  * than half the tallest is no digit, and one that is narrower than 0.6 of the widest, such as 1, is
- * widened to the left. The picture shows at least one digit with segments on both sides, and between
- * two digits, or a digit and a point, more than 2 pixels and more than a twentieth of the region's
- * height.
+ * widened to the left. The picture shows at least one digit with segments on both sides, and
+ * between two digits, or a digit and a point, more than 2 pixels and more than a twentieth of the
+ * region's height.
  * image:         IMAGE_U8, IMAGE_I16 or IMAGE_SGL.
  * roi:           its first contour is a ROI_RECT with two corners or a ROI_POLYGON with four, which
  *                acts by the rectangle around it: that holds the digits, with some ground around
@@ -116,9 +116,9 @@ typedef struct DigitSegments {
  * lightSegments: 0 for dark segments on a light ground; any other number for light ones on a dark
  *                ground.
  * threshold:     gray levels.
- * decimalPoint:  0, or looks for a point behind the digit: contrast on one of five short lines across
- *                the height of its foot, from 2 pixels beyond its right edge on, a twentieth of its
- *                width apart.
+ * decimalPoint:  0, or looks for a point behind the digit: contrast on one of five short lines
+ *                across the height of its foot, from 2 pixels beyond its right edge on, a twentieth
+ *                of its width apart.
  * text:          address of a pointer to NULL or a block from ZEL_malloc, which is replaced by one
  *                with the digit, the point if there is one, and a zero byte; the caller releases it
  *                with ZEL_free.
@@ -134,19 +134,20 @@ int32_t ZEL_ReadSingleDigit(ImageRef image, const RoiDescriptor* roi, int32_t li
 
 /* Reads the digits of a display, each as ZEL_ReadSingleDigit does.
  * image:         IMAGE_U8, IMAGE_I16 or IMAGE_SGL.
- * roi:           a contour a digit, from left to right, external or internal. NULL shows the message
- *                "ROI not provided", also when failures are not shown.
+ * roi:           a contour a digit, from left to right, external or internal. NULL shows the
+ *                message "ROI not provided", also when failures are not shown.
  * lightSegments: 0 for dark segments on a light ground; any other number for light ones on a dark
  *                ground.
  * threshold:     gray levels.
  * sign:          0, or looks for a minus left of the first digit: contrast on one of twenty lines
- *                over the middle third of its height, from its left edge on a twentieth of its width
- *                apart (where that is less than a pixel, the first lie on the edge, which then has to
- *                be clear of the segments).
+ *                over the middle third of its height, from its left edge on a twentieth of its
+ *                width apart (where that is less than a pixel, the first lie on the edge, which
+ *                then has to be clear of the segments).
  * decimalPoint:  0, or looks for a point behind each digit.
  * text:          address of a pointer to NULL or a block from ZEL_malloc, which is replaced by one
- *                with the sign, where that is looked for ("-" or a blank), each digit with the point
- *                behind it if there is one, and a zero byte; the caller releases it with ZEL_free.
+ *                with the sign, where that is looked for ("-" or a blank), each digit with the
+ *                point behind it if there is one, and a zero byte; the caller releases it with
+ *                ZEL_free.
  * value:         receives the number that the digits form, whatever the sign and the points.
  * segments:      address of a pointer likewise; of bytes, seven a digit as in DigitSegments.
  * count:         receives the number of digits.

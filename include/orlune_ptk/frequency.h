@@ -1,13 +1,13 @@
-/* Spectra: the Fourier transform of images and back, arithmetic and filters on complex images, their
- * planes, and their exchange with arrays. The rules that hold for all functions are told in
+/* Spectra: the Fourier transform of images and back, arithmetic and filters on complex images,
+ * their planes, and their exchange with arrays. The rules that hold for all functions are told in
  * orlune_ptk.h.
  *
  * What holds for all of them:
  *
  * - A pixel of IMAGE_COMPLEX is a ComplexValue. Results are computed in 64-bit floats in the order
  *   in which they are written here, and rounded to 32 bits once, at the store.
- * - A spectrum lies as the transform gives it: the zero frequency at pixel (0, 0), low frequencies in
- *   the four corners, the highest ones in the middle. ZEL_ComplexFlipFrequency moves the zero
+ * - A spectrum lies as the transform gives it: the zero frequency at pixel (0, 0), low frequencies
+ *   in the four corners, the highest ones in the middle. ZEL_ComplexFlipFrequency moves the zero
  *   frequency to the middle.
  * - To an integer a float is truncated. Where a text says that it is limited, it is so before that,
  *   and NaN counts as 0; else the low bits of the truncated value are kept.
@@ -33,9 +33,9 @@ typedef enum ComplexPlane {
   COMPLEX_PLANE_IMAGINARY = 1,
   COMPLEX_PLANE_MAGNITUDE = 2, /* sqrt(real * real + imaginary * imaginary) */
   COMPLEX_PLANE_PHASE = 3 /* in degrees, from -180 to 180: atan(imaginary / real) * 57.29577867;
-                                  of a negative real part 180 more, or less where the imaginary part is
-                                  negative too; of a real part below 1e-10 in size 90, or -90 where the
-                                  imaginary part is negative */
+                                  of a negative real part 180 more, or less where the imaginary part
+                                  is negative too; of a real part below 1e-10 in size 90, or -90
+                                  where the imaginary part is negative */
 } ComplexPlane;
 
 /* Which frequencies a filter keeps. */
@@ -47,8 +47,8 @@ typedef enum FrequencyFilter {
 /* Transforms an image to its spectrum, without any scaling: pixel (0, 0) is the sum of all pixels.
  * Rows are transformed first, then columns, by a transform of radix 2 whose numbers are rounded to
  * 32-bit floats after each stage.
- * source:      IMAGE_U8, IMAGE_I16, IMAGE_SGL or IMAGE_COMPLEX. Width and height are each one of 16,
- *              32, 64, 128, 256, 512, 1024, 2048, 4096, 8192, 16384.
+ * source:      IMAGE_U8, IMAGE_I16, IMAGE_SGL or IMAGE_COMPLEX. Width and height are each one of
+ *              16, 32, 64, 128, 256, 512, 1024, 2048, 4096, 8192, 16384.
  * destination: IMAGE_COMPLEX, another image than the source.
  * Failures: -200; -301 for another source type; -306 for another size; -202 for a destination of 0;
  * -200; -313 for the source as destination; -2003 for another destination type; -101: the
@@ -58,39 +58,39 @@ int32_t ZEL_FFT(ImageRef source, ImageRef destination);
 /* Transforms a spectrum back to an image. Values are divided by width * height. A real destination
  * receives magnitudes, so that negative values come back positive.
  * source:      IMAGE_COMPLEX. Width and height are each one of those that ZEL_FFT takes.
- * destination: another image than the source. IMAGE_U8: magnitudes limited to 255. IMAGE_I16: limited
- *              to 32767. IMAGE_SGL: magnitudes. IMAGE_COMPLEX: the values.
- * Failures: -200; -2003 for another source type; -306 for another size; -202 for a destination of 0;
- * -200; -313 for the source as destination; -301 for another destination type; -101: the destination
- * may have the source's calibration and size by then. */
+ * destination: another image than the source. IMAGE_U8: magnitudes limited to 255. IMAGE_I16:
+ *              limited to 32767. IMAGE_SGL: magnitudes. IMAGE_COMPLEX: the values.
+ * Failures: -200; -2003 for another source type; -306 for another size; -202 for a destination of
+ * 0; -200; -313 for the source as destination; -301 for another destination type; -101: the
+ * destination may have the source's calibration and size by then. */
 int32_t ZEL_InverseFFT(ImageRef source, ImageRef destination);
 
 /* Adds an image or a constant.
  * source:            IMAGE_COMPLEX.
- * operand:           an image of the source's size. IMAGE_U8, IMAGE_I16 or IMAGE_SGL: numbers, added
- *                    to the real part; the imaginary part is copied. IMAGE_COMPLEX: part by part. 0:
- *                    the constant is added.
+ * operand:           an image of the source's size. IMAGE_U8, IMAGE_I16 or IMAGE_SGL: numbers,
+ *                    added to the real part; the imaginary part is copied. IMAGE_COMPLEX: part by
+ *                    part. 0: the constant is added.
  * destination:       IMAGE_COMPLEX. 0: the source. May be the operand.
  * constantReal:      its real part, used when operand is 0.
- * constantImaginary: its imaginary part. When both are 0, the destination takes size and calibration,
- *                    but NO pixel is written, even if it is another image.
- * Failures: -200 and -2003 for the source; -200, -305 for an operand of another type, -306 for one of
- * another size; -200 and -2003 for the destination; -101: the destination may have the source's
+ * constantImaginary: its imaginary part. When both are 0, the destination takes size and
+ *                    calibration, but NO pixel is written, even if it is another image.
+ * Failures: -200 and -2003 for the source; -200, -305 for an operand of another type, -306 for one
+ * of another size; -200 and -2003 for the destination; -101: the destination may have the source's
  * calibration. */
 int32_t ZEL_ComplexAdd(ImageRef source, ImageRef operand, ImageRef destination, float constantReal,
                        float constantImaginary);
 
 /* Subtracts an image or a constant.
  * source:            IMAGE_COMPLEX.
- * operand:           an image of the source's size. IMAGE_U8, IMAGE_I16 or IMAGE_SGL: numbers, taken
- *                    from the real part; the imaginary part is copied. IMAGE_COMPLEX: part by part. 0:
- *                    the constant is subtracted.
+ * operand:           an image of the source's size. IMAGE_U8, IMAGE_I16 or IMAGE_SGL: numbers,
+ *                    taken from the real part; the imaginary part is copied. IMAGE_COMPLEX: part by
+ *                    part. 0: the constant is subtracted.
  * destination:       IMAGE_COMPLEX. 0: the source. May be the operand.
  * constantReal:      its real part, used when operand is 0.
- * constantImaginary: its imaginary part. When both are 0, the destination takes size and calibration,
- *                    but NO pixel is written, even if it is another image.
- * Failures: -200 and -2003 for the source; -200, -305 for an operand of another type, -306 for one of
- * another size; -200 and -2003 for the destination; -101: the destination may have the source's
+ * constantImaginary: its imaginary part. When both are 0, the destination takes size and
+ *                    calibration, but NO pixel is written, even if it is another image.
+ * Failures: -200 and -2003 for the source; -200, -305 for an operand of another type, -306 for one
+ * of another size; -200 and -2003 for the destination; -101: the destination may have the source's
  * calibration. */
 int32_t ZEL_ComplexSubtract(ImageRef source, ImageRef operand, ImageRef destination,
                             float constantReal, float constantImaginary);
@@ -103,8 +103,8 @@ int32_t ZEL_ComplexSubtract(ImageRef source, ImageRef operand, ImageRef destinat
  * destination:       IMAGE_COMPLEX. 0: the source. May be the operand.
  * constantReal:      its real part, used when operand is 0.
  * constantImaginary: its imaginary part.
- * Failures: -200 and -2003 for the source; -200, -305 for an operand of another type, -306 for one of
- * another size; -200 and -2003 for the destination; -101: the destination may have the source's
+ * Failures: -200 and -2003 for the source; -200, -305 for an operand of another type, -306 for one
+ * of another size; -200 and -2003 for the destination; -101: the destination may have the source's
  * calibration. */
 int32_t ZEL_ComplexMultiply(ImageRef source, ImageRef operand, ImageRef destination,
                             float constantReal, float constantImaginary);
@@ -116,9 +116,10 @@ int32_t ZEL_ComplexMultiply(ImageRef source, ImageRef operand, ImageRef destinat
  *                    divided by the square of the magnitude. 0: by the constant.
  * destination:       IMAGE_COMPLEX. 0: the source. May be the operand.
  * constantReal:      its real part, used when operand is 0.
- * constantImaginary: its imaginary part. The square of a constant's magnitude is rounded to 32 bits.
- * Failures: -200 and -2003 for the source; -200, -305 for an operand of another type, -306 for one of
- * another size; -200 and -2003 for the destination; -101: the destination may have the source's
+ * constantImaginary: its imaginary part. The square of a constant's magnitude is rounded to 32
+ *                    bits.
+ * Failures: -200 and -2003 for the source; -200, -305 for an operand of another type, -306 for one
+ * of another size; -200 and -2003 for the destination; -101: the destination may have the source's
  * calibration. */
 int32_t ZEL_ComplexDivide(ImageRef source, ImageRef operand, ImageRef destination,
                           float constantReal, float constantImaginary);
@@ -177,9 +178,10 @@ int32_t ZEL_ComplexTruncate(ImageRef source, ImageRef destination, int16_t mode,
  * calibration; -304 for another type of the destination, which is calibrated and 0 x 0 then. */
 int32_t ZEL_ExtractComplexPlane(ImageRef source, ImageRef destination, int32_t plane);
 
-/* Replaces the real or the imaginary parts of a complex image. The other part stays, where the image
- * already has the size of the plane; else it is 0.
- * source:      the plane: IMAGE_U8, IMAGE_I16 or IMAGE_SGL, or IMAGE_COMPLEX, whose real parts count.
+/* Replaces the real or the imaginary parts of a complex image. The other part stays, where the
+ * image already has the size of the plane; else it is 0.
+ * source:      the plane: IMAGE_U8, IMAGE_I16 or IMAGE_SGL, or IMAGE_COMPLEX, whose real parts
+ *              count.
  * destination: IMAGE_COMPLEX. 0: the source.
  * plane:       0: COMPLEX_PLANE_REAL. Any other number: COMPLEX_PLANE_IMAGINARY.
  * Failures: -200; -200 and -2003 for the destination; -304 for another source type; -101: the
@@ -209,8 +211,8 @@ int32_t ZEL_ArrayToComplexPlane(ImageRef image, int32_t plane, const float* arra
 
 /* Copies a rectangle of a complex image into an array, row after row without gaps. A side of the
  * rectangle that does not lie within the image, both edges included, is that of the image: a
- * rectangle wholly outside gives all columns, or all rows. So the array must have room for the whole
- * image unless the rectangle is known to lie in it.
+ * rectangle wholly outside gives all columns, or all rows. So the array must have room for the
+ * whole image unless the rectangle is known to lie in it.
  * image:   IMAGE_COMPLEX.
  * top:     first row of the rectangle.
  * left:    first column.

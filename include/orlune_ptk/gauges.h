@@ -3,8 +3,8 @@
  *
  * A path is an array of points, one a pixel; where it leaves the image, the nearest pixel is read.
  * The signal of a path are the gray levels of its pixels as floats. Only IMAGE_U8, IMAGE_I16 and
- * IMAGE_SGL have one: with an image of another type ZEL_SimpleEdge fails, and for the other functions
- * the signal is 0 everywhere.
+ * IMAGE_SGL have one: with an image of another type ZEL_SimpleEdge fails, and for the other
+ * functions the signal is 0 everywhere.
  *
  * Oversampling. With an oversampling of m, m values are interpolated between each two samples: a
  * signal of n samples has (n - 1) x (m + 1) + 1 values. Its memory and time grow with them.
@@ -13,9 +13,9 @@
  * an edge is where the sum of the second one less that of the first one reaches threshold x
  * edgeWidth, up or down, and not where it is steepest. A step thus has its edge somewhat before its
  * middle, the more the further it goes beyond the threshold: by how much does not depend on where
- * the step lies, so that distances between edges of one kind are exact. One run of values beyond the
- * threshold is one edge. A signal of 2 edgeWidth + gap samples or fewer has none, and in a longer one
- * places within the last 2 edgeWidth - gap samples are not looked at.
+ * the step lies, so that distances between edges of one kind are exact. One run of values beyond
+ * the threshold is one edge. A signal of 2 edgeWidth + gap samples or fewer has none, and in a
+ * longer one places within the last 2 edgeWidth - gap samples are not looked at.
  */
 #ifndef ORLUNE_PTK_GAUGES_H
 #define ORLUNE_PTK_GAUGES_H
@@ -61,8 +61,8 @@ typedef enum SimpleEdgeProcess {
  *                     the points where a parabola through three samples meets the threshold.
  * edges:              address of a result table: the points.
  * edgeCount:          NULL, or receives how many there are.
- * Failures: -3009 for points or edges; -200; -301 for another image type; -1001 for an image without
- * pixels; -101. */
+ * Failures: -3009 for points or edges; -200; -301 for another image type; -1001 for an image
+ * without pixels; -101. */
 int32_t ZEL_SimpleEdge(ImageRef image, const PointInt* points, int32_t pointCount,
                        int32_t processType, int32_t thresholdInPercent, int32_t threshold,
                        int32_t hysteresis, int32_t subPixel, PointFloat** edges,
@@ -90,14 +90,14 @@ typedef struct EdgeRecord {
  * edgeCount:    NULL, or receives how many edges there are.
  * edges:        address of a result table.
  * coordinates:  address of a result table: where each edge lies in the image.
- * Failures: -3009 for points, edges or coordinates; -200; -1001 for an image without pixels; -752 for
- * fewer than 5 points; -751 for another method, with oversampling; -101. */
+ * Failures: -3009 for points, edges or coordinates; -200; -1001 for an image without pixels; -752
+ * for fewer than 5 points; -751 for another method, with oversampling; -101. */
 int32_t ZEL_FindEdges(ImageRef image, const PointInt* points, int32_t pointCount, int32_t method,
                       int32_t oversampling, int32_t threshold, int32_t edgeWidth, int32_t gap,
                       int32_t* edgeCount, EdgeRecord** edges, PointFloat** coordinates);
 
-/* Which edges ZEL_Caliper takes for a pair; the first one comes first along the path. With any other
- * number there are no pairs. */
+/* Which edges ZEL_Caliper takes for a pair; the first one comes first along the path. With any
+ * other number there are no pairs. */
 typedef enum PairPolarity {
   PAIR_ANY = 0,       /* one of the kind of the path's first edge, and one of the other kind */
   PAIR_RISE_FALL = 1, /* light on dark */
@@ -129,15 +129,16 @@ typedef struct CaliperReport {
  * polarityMode:    a PairPolarity.
  * separation:      the wanted distance in pixels.
  * deviation:       half of how far a pair may be from it: the distance lies between separation -
- *                  2 deviation and separation + 2 deviation. With PAIR_RISE_FALL it may also be one of
- *                  the two. With PAIR_ANY a separation and deviation of 0 take every pair. Below 1 it
- *                  counts for nothing in the score, which is 1000.
+ *                  2 deviation and separation + 2 deviation. With PAIR_RISE_FALL it may also be one
+ *                  of the two. With PAIR_ANY a separation and deviation of 0 take every pair. Below
+ *                  1 it counts for nothing in the score, which is 1000.
  * pairCount:       NULL, or receives how many pairs there are.
  * reports:         address of a result table.
  * coordinateCount: NULL, or receives twice the number of pairs.
  * coordinates:     address of a result table: where the two edges of each pair lie in the image.
- * Failures: -3009 for points, reports or coordinates; -200; -1001 for an image without pixels; -752 for
- * fewer than 5 points; -751 for another method, with oversampling; -101, also for too many pairs. */
+ * Failures: -3009 for points, reports or coordinates; -200; -1001 for an image without pixels; -752
+ * for fewer than 5 points; -751 for another method, with oversampling; -101, also for too many
+ * pairs. */
 int32_t ZEL_Caliper(ImageRef image, const PointInt* points, int32_t pointCount, int32_t method,
                     int32_t oversampling, int32_t threshold, int32_t edgeWidth, int32_t gap,
                     int32_t polarityMode, float separation, float deviation, int32_t* pairCount,
@@ -193,8 +194,8 @@ int32_t ZEL_LineGauge(ImageRef image, int32_t x1, int32_t y1, int32_t x2, int32_
  *               INTERP_QUADRATIC give the samples themselves.
  * values:       address of a result table.
  * valueCount:   NULL, or receives how many there are.
- * Failures: -3009 for points or values; -200; -1001 for an image without pixels; -752 for fewer than
- * 5 points; -751 for another method; -101. */
+ * Failures: -3009 for points or values; -200; -1001 for an image without pixels; -752 for fewer
+ * than 5 points; -751 for another method; -101. */
 int32_t ZEL_Interpolate1D(ImageRef image, const PointInt* points, int32_t pointCount,
                           int32_t method, int32_t oversampling, float** values,
                           int32_t* valueCount);
@@ -205,9 +206,9 @@ typedef enum PeakValleyType {
   DETECT_VALLEYS = 1 /* as any other number */
 } PeakValleyType;
 
-/* Finds peaks or valleys of a curve, by parabolas fitted to a window that slides along it: where the
- * slope in the middle changes its sign, the vertex of the parabola counts if it lies in the window
- * and beyond the threshold. A flat curve has none.
+/* Finds peaks or valleys of a curve, by parabolas fitted to a window that slides along it: where
+ * the slope in the middle changes its sign, the vertex of the parabola counts if it lies in the
+ * window and beyond the threshold. A flat curve has none.
  * data:              count values; NULL is allowed if there are none.
  * count:             fewer than width have no result.
  * threshold:         peaks are above it, valleys below.

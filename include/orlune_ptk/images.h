@@ -55,9 +55,9 @@ int32_t ZEL_CloseSys(void);
  * Failures: -3009 for image. -308 for a border below 0. Both change nothing. -101 and -102 no
  * memory, -1001 all 2^32 references are used up: image then holds what it held, 0xFFFFFFFF in place
  * of 0, or the reference of an image that has no use but has to be disposed of: another call with
- * that reference makes a new image, and the useless one keeps its place until ZEL_CloseSys. An image
- * that was to be made over is as it was. -300 for a number outside ImageType: the image then exists, with
- * that type and without pixels, and has to be disposed of or made over. */
+ * that reference makes a new image, and the useless one keeps its place until ZEL_CloseSys. An
+ * image that was to be made over is as it was. -300 for a number outside ImageType: the image then
+ * exists, with that type and without pixels, and has to be disposed of or made over. */
 int32_t ZEL_Create(ImageRef* image, int16_t type, int32_t border);
 
 /* Disposes of an image and frees its pixels. Its reference is never used again.

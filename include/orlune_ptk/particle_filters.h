@@ -30,15 +30,16 @@ int32_t ZEL_FillHole(ImageRef source, ImageRef dest, uint16_t connectivity8);
  * source:        IMAGE_U8. Its border is 0 afterwards.
  * dest:          IMAGE_U8; 0 or the source: the source receives the result.
  * connectivity8: a Connectivity.
- * Failures: -200 for source; -301 for another source type. Then the border is cleared. -200 for dest;
- * -304 for another dest type; -101 no memory: pixels are unchanged, but for -101 when dest cannot
- * have the source's size or attachments: by then it can have size, calibration and offset. */
+ * Failures: -200 for source; -301 for another source type. Then the border is cleared. -200 for
+ * dest; -304 for another dest type; -101 no memory: pixels are unchanged, but for -101 when dest
+ * cannot have the source's size or attachments: by then it can have size, calibration and
+ * offset. */
 int32_t ZEL_RejectBorder(ImageRef source, ImageRef dest, uint16_t connectivity8);
 
 /* Keeps large particles, or small ones: those of which erosions leave something, or nothing. What
  * is kept has the source's shape and values.
- * source:        IMAGE_U8, with a border of at least half the element's longer side less one, and of
- *                at least 1. The border is 0 afterwards, unless the source is only copied.
+ * source:        IMAGE_U8, with a border of at least half the element's longer side less one, and
+ *                of at least 1. The border is 0 afterwards, unless the source is only copied.
  * dest:          IMAGE_U8; 0 or the source: the source receives the result.
  * connectivity8: a Connectivity.
  * removeLarge:   0 keeps the particles that survive the erosions, any other number those that do
@@ -58,19 +59,19 @@ int32_t ZEL_LowHighPass(ImageRef source, ImageRef dest, uint16_t connectivity8,
 /* Selects the region around a pixel: all pixels that are connected with it and differ from it by no
  * more than a tolerance. They receive a value, all others 0.
  * source:        IMAGE_U8, IMAGE_I16 or IMAGE_SGL.
- * dest:          IMAGE_U8; 0 or the source: the source, which must be IMAGE_U8 then, is replaced, and
- *                addresses of its pixels are no longer valid.
+ * dest:          IMAGE_U8; 0 or the source: the source, which must be IMAGE_U8 then, is replaced,
+ *                and addresses of its pixels are no longer valid.
  * x:             column of the pixel, limited to the image.
  * y:             row of the pixel, limited to the image.
- * tolerance:     the range is the pixel's value less and plus the tolerance, both included, in 32-bit
- *                floats; for integers its ends are limited to those of the type and cut toward 0.
- *                Below 0, or NaN, nothing is selected; nor where the pixel is NaN.
+ * tolerance:     the range is the pixel's value less and plus the tolerance, both included, in
+ *                32-bit floats; for integers its ends are limited to those of the type and cut
+ *                toward 0. Below 0, or NaN, nothing is selected; nor where the pixel is NaN.
  * connectivity8: a Connectivity.
  * replaceValue:  the value, cut toward zero with its low 8 bits kept. With 0 nothing is selected.
- * Failures: -200 for source; -301 for another source type; -200 for dest; -301 for another dest type:
- * all these change nothing. -101 no memory: dest can have the source's size, calibration and offset,
- * and a part of the region; a source that is to be replaced stays as it was, also with -102 no
- * memory and -1001 no reference is left. */
+ * Failures: -200 for source; -301 for another source type; -200 for dest; -301 for another dest
+ * type: all these change nothing. -101 no memory: dest can have the source's size, calibration and
+ * offset, and a part of the region; a source that is to be replaced stays as it was, also with -102
+ * no memory and -1001 no reference is left. */
 int32_t ZEL_MagicWand(ImageRef source, ImageRef dest, int32_t x, int32_t y, float tolerance,
                       uint16_t connectivity8, float replaceValue);
 

@@ -121,8 +121,9 @@ int32_t ZEL_ImageToArray(ImageRef image, int32_t top, int32_t left, int32_t heig
 /* Gives an image the size of an array and copies the array into it.
  * image:     IMAGE_U8, IMAGE_I16 or IMAGE_SGL.
  * arrayType: ArrayType of the elements.
- * array:     height rows of width elements, without gaps; may be NULL when either is below 1. It may not lie
- *            in the image's own pixels unless the size stays: these are given back before it is read.
+ * array:     height rows of width elements, without gaps; may be NULL when either is below 1. It
+ *            may not lie in the image's own pixels unless the size stays: these are given back
+ *            before it is read.
  * width:     columns. Below 1 gives an image of 0 x 0.
  * height:    rows. Below 1 gives an image of 0 x 0.
  * Failures: -3009 for array; -200; -301 for another image type; -304 when both sizes are below 1;

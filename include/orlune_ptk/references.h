@@ -15,8 +15,8 @@ extern "C" {
 /* Derives an origin and an angle from two or three points of a part. With two points the origin is
  * the first. With three or more it is the foot of the perpendicular from the third to the line
  * through the first two, in whole pixels, cut toward zero; coordinates and their products of two
- * factors wrap at 32 bits there. The angle is that of the line through the first two points, between
- * -90 and 90 degrees; a line straight up or down has 90.
+ * factors wrap at 32 bits there. The angle is that of the line through the first two points,
+ * between -90 and 90 degrees; a line straight up or down has 90.
  * points:       in pixels; the first three count. NULL only with a count below 1.
  * count:        of points, at least 2.
  * origin:       receives the origin in pixels.
@@ -59,8 +59,8 @@ int32_t ZEL_DetectRotation(ImageRef reference, ImageRef test, PointFloat testCen
  * square, a ROI_OVAL in the rectangle around these. Both are taken point by point where they have
  * other than two points. The rectangle of the turned region goes from the least to the largest
  * coordinates, which are limited to 32767 for x and 322767 for y on one side and 0 on the other; it
- * ends at the last pixel, behind an oval one later. In the record that is made a negative x begins a
- * contour, so that a region should stay at coordinates from 0 on.
+ * ends at the last pixel, behind an oval one later. In the record that is made a negative x begins
+ * a contour, so that a region should stay at coordinates from 0 on.
  * roi:      the region, with one contour at least.
  * oldX:     column of the origin that the region belongs to.
  * oldY:     row of that origin.
@@ -71,9 +71,9 @@ int32_t ZEL_DetectRotation(ImageRef reference, ImageRef test, PointFloat testCen
  * result:   address of a pointer to a record or NULL, as told with RoiDescriptor; the record is
  *           replaced. Unchanged after a failure.
  * Failures: -3009 for result; -101 no memory for the call's own; -1200 for a roi of NULL or without
- * contour, and with a turn for a contour of a type below 0 or above 11, a first contour of a kind that
- * is no RoiContourKind, or a coordinate that is taken for a marker with nothing behind it; -101 no memory,
- * or an outline of more than 2^24 pixels. */
+ * contour, and with a turn for a contour of a type below 0 or above 11, a first contour of a kind
+ * that is no RoiContourKind, or a coordinate that is taken for a marker with nothing behind it;
+ * -101 no memory, or an outline of more than 2^24 pixels. */
 int32_t ZEL_TransformROI(const RoiDescriptor* roi, int32_t oldX, int32_t oldY, float oldAngle,
                          int32_t newX, int32_t newY, float newAngle, RoiDescriptor** result);
 
@@ -91,17 +91,18 @@ typedef struct ProfileReport {
 
 /* Samples the pixels along the outline of a region's first contour, which is to be external.
  *
- * A line is clipped and walked as by ZEL_GetLine. A rectangle is walked clockwise from its upper left
- * corner, each side clipped by itself; one without width or height has no outline. An oval is followed
- * along the pixels that ZEL_DrawOval frames, clockwise from the leftmost one of the top row; it has no
- * samples where it is not wholly in the image, and one, its first corner, where it is less than 2
- * pixels wide or high. Polygons and chains are walked from point to point, clipped, each line without
- * its last pixel, and without a line back to the first point; the report has the ends of the last
- * line as it was clipped, or as given where it lies outside.
+ * A line is clipped and walked as by ZEL_GetLine. A rectangle is walked clockwise from its upper
+ * left corner, each side clipped by itself; one without width or height has no outline. An oval is
+ * followed along the pixels that ZEL_DrawOval frames, clockwise from the leftmost one of the top
+ * row; it has no samples where it is not wholly in the image, and one, its first corner, where it
+ * is less than 2 pixels wide or high. Polygons and chains are walked from point to point, clipped,
+ * each line without its last pixel, and without a line back to the first point; the report has the
+ * ends of the last line as it was clipped, or as given where it lies outside.
  *
- * There are no samples for other types, for another number of points than a type has, for a hole, or
- * for what lies outside the image.
- * image:   IMAGE_U8, IMAGE_I16 or IMAGE_SGL. There are no samples of an unknown image or another type.
+ * There are no samples for other types, for another number of points than a type has, for a hole,
+ * or for what lies outside the image.
+ * image:   IMAGE_U8, IMAGE_I16 or IMAGE_SGL. There are no samples of an unknown image or another
+ *          type.
  * roi:     the region; there are no samples for NULL or one without contour.
  * samples: a result table: the pixels.
  * count:   NULL, or receives their number.

@@ -67,8 +67,8 @@ __extension__ typedef struct RoiDescriptor {
  * count:  of integers. Below 4 the region has a rectangle of zeros, and below 6 no contour.
  * roi:    address of a pointer to a record or NULL, as told with RoiDescriptor.
  * Failures: -1 for a roi of NULL; -1 no memory for a larger record in place of the one that is
- * there, which stays as it was; -101 no memory for a new record, or for a contour: the contours made
- * by then are in the record, and counted. */
+ * there, which stays as it was; -101 no memory for a new record, or for a contour: the contours
+ * made by then are in the record, and counted. */
 int32_t ZEL_ArrayToROI(const int32_t* values, int32_t count, RoiDescriptor** roi);
 
 /* Releases a region: its contours, then the record.
@@ -87,24 +87,25 @@ void ZEL_FreeROI(RoiDescriptor* roi);
  * 32767. Integers in the region that are -32767 or -32768 begin a contour, also where they were
  * meant as coordinates.
  * mask:      IMAGE_U8. Receives the region. With a model it takes the model's size, and its offset
- *            stays; without one it takes the size of globalRect and lies at its left and top, so that
- *            coordinates keep their meaning. An odd width is raised by one, unless the model ends
- *            before the right or the bottom of globalRect. A mask of another type takes the size only.
- * model:     an image of the size that the mask is to have; 0, an unknown one or one without pixels:
- *            none.
+ *            stays; without one it takes the size of globalRect and lies at its left and top, so
+ *            that coordinates keep their meaning. An odd width is raised by one, unless the model
+ *            ends before the right or the bottom of globalRect. A mask of another type takes the
+ *            size only.
+ * model:     an image of the size that the mask is to have; 0, an unknown one or one without
+ *            pixels: none.
  * roi:       the region. NULL, or no contour: all pixels are selected, of a mask of the model's
  *            size, or of its own size; its border and offset stay.
  * fillValue: the value of what is selected; its low 8 bits count.
- * Failures: -101 no memory for the call's own; -200 for mask; -101 no memory for polygons or for the
- * mask, or a globalRect that is too large for one. */
+ * Failures: -101 no memory for the call's own; -200 for mask; -101 no memory for polygons or for
+ * the mask, or a globalRect that is too large for one. */
 int32_t ZEL_ROIToMask(ImageRef mask, ImageRef model, const RoiDescriptor* roi, uint32_t fillValue);
 
-/* Finds the outlines of what a mask selects: of each set of pixels that touch by sides or corners an
- * external contour, and of each hole (pixels of 0 that reach the edge of the image by no chain of
- * sides) an internal one. A contour is a ROI_POLYGON along the set's outermost pixels, with a vertex
- * where the direction changes, or a ROI_POINT for a single pixel; thin parts can make several. An
- * object inside a hole belongs to what surrounds it. Coordinates are those of the mask plus its
- * offset; a negative x is taken for a marker, so that the offset should not be negative.
+/* Finds the outlines of what a mask selects: of each set of pixels that touch by sides or corners
+ * an external contour, and of each hole (pixels of 0 that reach the edge of the image by no chain
+ * of sides) an internal one. A contour is a ROI_POLYGON along the set's outermost pixels, with a
+ * vertex where the direction changes, or a ROI_POINT for a single pixel; thin parts can make
+ * several. An object inside a hole belongs to what surrounds it. Coordinates are those of the mask
+ * plus its offset; a negative x is taken for a marker, so that the offset should not be negative.
  *
  * globalRect holds the vertices whose x is not negative, and begins no further right or below than
  * 32000. Without a contour it is top 1, left 1, height 31999, width 31999.

@@ -53,8 +53,8 @@ int32_t ZEL_Threshold(ImageRef source, ImageRef destination, float rangeMin, flo
  *              the FIRST class decides that makes the pixel other than 0. NULL only with a count of
  *              0 or less.
  * Failures: -3009 for classes; -200; -301 for another source type; -304 for another destination
- * type; -101, with the source's calibration and offset in the destination if its size was what could
- * not be had. */
+ * type; -101, with the source's calibration and offset in the destination if its size was what
+ * could not be had. */
 int32_t ZEL_MultiThreshold(ImageRef source, ImageRef destination, int32_t count,
                            const ThresholdClass* classes);
 

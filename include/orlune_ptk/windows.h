@@ -4,13 +4,13 @@
  * A window opens, hidden, at the first call that names it, a query or ZEL_WindClose among them;
  * where a function leaves closed windows closed it says so.
  *
- * They are shown by the X server that DISPLAY names, on a Wayland desktop the one that stands for it.
- * It is looked for at the first use. On a machine without a desktop windows are kept in memory, and
- * every call gives what it would give with a desktop; the screen has 1920 x 1080 pixels then. When the
- * server goes the windows are closed, with their events, and none is had (-601) until ZEL_CloseSys was
- * called; the same holds in a forked child, which has no windows of its parent. ORLUNE_PTK_SCALE, 1 to
- * 8, shows all windows so many times larger; without it that is what GDK_SCALE says, or the desktop's
- * resolution tells. Positions and sizes are told as without it.
+ * They are shown by the X server that DISPLAY names, on a Wayland desktop the one that stands for
+ * it. It is looked for at the first use. On a machine without a desktop windows are kept in memory,
+ * and every call gives what it would give with a desktop; the screen has 1920 x 1080 pixels then.
+ * When the server goes the windows are closed, with their events, and none is had (-601) until
+ * ZEL_CloseSys was called; the same holds in a forked child, which has no windows of its parent.
+ * ORLUNE_PTK_SCALE, 1 to 8, shows all windows so many times larger; without it that is what
+ * GDK_SCALE says, or the desktop's resolution tells. Positions and sizes are told as without it.
  *
  * A window shows the caller's image itself, not a copy: the image stays the caller's, and must live
  * as long as it is shown. One that is disposed of, without pixels, or IMAGE_OPAQUE is shown as a

@@ -1,10 +1,10 @@
 // The three ways to fill an image's border from its pixels.
 #include <algorithm>
 #include <cstring>
-#include <iterator>
 #include <type_traits>
 
 #include "core/images.h"
+#include "core/side_fill.h"
 
 namespace zel {
 namespace {
@@ -15,7 +15,7 @@ struct BorderFrame {
   int64_t lineBytes;
   int64_t border;  // pixels filled on each side
   int64_t width, height;
-  int64_t leftPad;  // pixels before the first column
+  int64_t leftBytes;  // before the first column
   int32_t pixelBytes;
 
   uint8_t* Line(int64_t y) const { return block + (y + border) * lineBytes; }
@@ -44,9 +44,8 @@ bool FrameOf(ImageRef reference, BorderFrame* frame, Status* status) {
   return true;
 }
 
-void FrameSetLeftPad(BorderFrame* frame) {
-  const int64_t step = 8 / frame->pixelBytes;
-  frame->leftPad = (frame->border + step - 1) / step * step;
+void FrameSetLeft(BorderFrame* frame) {
+  frame->leftBytes = PaddedBytes(frame->border, frame->pixelBytes);
 }
 
 // Calls fill(first, last, columns) with the first and the last pixel of each row, and the width of
@@ -54,7 +53,7 @@ void FrameSetLeftPad(BorderFrame* frame) {
 template <class T, class Fill>
 void ColumnsFill(const BorderFrame& frame, const Fill& fill) {
   const auto rows = [frame, &fill](auto columns) {
-    uint8_t* line = frame.Line(0) + frame.leftPad * frame.pixelBytes;
+    uint8_t* line = frame.Line(0) + frame.leftBytes;
     for (int64_t y = 0; y < frame.height; y++, line += frame.lineBytes) {
       T* first = reinterpret_cast<T*>(line);
       fill(first, first + frame.width - 1, columns);
@@ -82,21 +81,6 @@ void ColumnsMirror(const BorderFrame& frame) {
   });
 }
 
-// In stores of 8 bytes where there are as many; the last one may cover some again.
-template <class T, class Count>
-void SideFill(T* to, Count columns, T value) {
-  using Group = T[8 / sizeof(T)];
-  constexpr auto lanes = static_cast<int64_t>(std::extent_v<Group>);
-  if (columns < lanes) {
-    for (int64_t k = 0; k < columns; k++) to[k] = value;
-    return;
-  }
-  Group group;
-  std::fill(std::begin(group), std::end(group), value);
-  for (int64_t k = 0; k + lanes < columns; k += lanes) std::memcpy(to + k, group, sizeof group);
-  std::memcpy(to + columns - lanes, group, sizeof group);
-}
-
 template <class T>
 void ColumnsReplicate(const BorderFrame& frame) {
   ColumnsFill<T>(frame, [](T* first, T* last, auto columns) {
@@ -108,7 +92,7 @@ void ColumnsReplicate(const BorderFrame& frame) {
 template <size_t SideBytes>
 void ColumnsZeroOf(const BorderFrame& frame) {
   for (int64_t y = 0; y < frame.height; y++) {
-    uint8_t* row = frame.Line(y) + frame.leftPad * frame.pixelBytes;
+    uint8_t* row = frame.Line(y) + frame.leftBytes;
     std::memset(row - SideBytes, 0, SideBytes);
     std::memset(row + frame.width * frame.pixelBytes, 0, SideBytes);
   }
@@ -128,7 +112,7 @@ void ColumnsZero(const BorderFrame& frame) {
       break;
   }
   for (int64_t y = 0; y < frame.height; y++) {
-    uint8_t* row = frame.Line(y) + frame.leftPad * frame.pixelBytes;
+    uint8_t* row = frame.Line(y) + frame.leftBytes;
     SideFill<uint8_t>(row - sideBytes, sideBytes, 0);
     SideFill<uint8_t>(row + frame.width * frame.pixelBytes, sideBytes, 0);
   }
@@ -149,7 +133,7 @@ Status BorderMirror(ImageRef reference) {
     // were its border: the pixels so filled are not those next to the image.
     frame.border = std::min(frame.width, frame.height);
   }
-  FrameSetLeftPad(&frame);
+  FrameSetLeft(&frame);
   if (frame.pixelBytes == 1) {
     ColumnsMirror<uint8_t>(frame);
   } else if (frame.pixelBytes == 2) {
@@ -168,7 +152,7 @@ Status BorderReplicate(ImageRef reference) {
   Status status = STATUS_OK;
   BorderFrame frame{};
   if (!FrameOf(reference, &frame, &status)) return status;
-  FrameSetLeftPad(&frame);
+  FrameSetLeft(&frame);
   if (frame.pixelBytes == 1) {
     ColumnsReplicate<uint8_t>(frame);
   } else if (frame.pixelBytes == 2) {
@@ -187,7 +171,7 @@ Status BorderZero(ImageRef reference) {
   Status status = STATUS_OK;
   BorderFrame frame{};
   if (!FrameOf(reference, &frame, &status)) return status;
-  FrameSetLeftPad(&frame);
+  FrameSetLeft(&frame);
   ColumnsZero(frame);
   const size_t bandBytes = static_cast<size_t>(frame.border * frame.lineBytes);
   std::memset(frame.Line(-frame.border), 0, bandBytes);

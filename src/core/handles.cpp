@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "core/cache_lines.h"
 #include "core/heap.h"
 #include "core/images.h"
 #include "core/poison.h"
@@ -82,7 +83,7 @@ Status TableGrow(Row** table, uint32_t* capacity) {
 // Of the heap's blocks, and of pixels, so that the vectors of row routines don't straddle two cache
 // lines where the rows are whole lines.
 constexpr uintptr_t HEAP_ALIGNMENT = 16;
-constexpr uintptr_t PIXEL_ALIGNMENT = 64;
+constexpr uintptr_t PIXEL_ALIGNMENT = CACHE_LINE;
 constexpr size_t PIXEL_SPARE = PIXEL_ALIGNMENT - 8;  // bytes, as pixels lie on 8 anyway
 
 // Gives a row a new block of `size` bytes, with what fits of the old contents and zeros behind

@@ -33,7 +33,7 @@ struct HandleEntry {
   void* block = nullptr;     // the heap block that `data` lies in
 };
 
-// Makes room for one more image and one more handle, and tests the processor on first use.
+// Makes room for one more image and one more handle.
 // STATUS_MEMORY_FULL leaves both tables as they were.
 Status TablesEnsure();
 

@@ -36,12 +36,6 @@ Image* RecordOf(const ImageEntry& entry) {
                                  : nullptr;
 }
 
-// The bytes of some pixels with what is needed to begin the next ones on a multiple of 8, where
-// rows and their first pixels lie.
-int64_t PaddedBytes(int64_t pixels, int32_t pixelBytes) {
-  return (pixels * pixelBytes + 7) & -8;
-}
-
 int32_t LayoutType(const Image& image) {
   return image.type == IMAGE_OPAQUE ? image.opaqueType : image.type;
 }

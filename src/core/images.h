@@ -64,6 +64,11 @@ Status ImageLayoutSize(Image* image, int32_t width, int32_t height, bool keep);
 bool ImageShrinksTo(const Image& image, int32_t width, int32_t height);
 
 Status PixelSize(int32_t type, int32_t* bytes);
+// The bytes of some pixels with what is needed to begin the next ones on a multiple of 8, where
+// rows and their first pixels lie.
+constexpr int64_t PaddedBytes(int64_t pixels, int32_t pixelBytes) {
+  return (pixels * pixelBytes + 7) & -8;
+}
 Status ImagePixelAddress(ImageRef reference, int32_t x, int32_t y, void** address);
 
 // Exchanges what two references name; rows and flags stay.

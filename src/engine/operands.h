@@ -23,7 +23,6 @@ class ReplacementImage {
 
   // Makes the temporary image after a record.
   Status Create(ImageRef replaced, const Image& like);
-  bool IsMade() const { return image_ != nullptr; }
   Image* image() const { return image_; }
   void Written() { written_ = true; }
 

@@ -146,9 +146,9 @@ TEST(ReplacementImage, TakesThePlaceOnlyOnceWritten) {
   const auto before = image.Block();
   {
     ReplacementImage unwritten;
-    EXPECT_FALSE(unwritten.IsMade());
+    EXPECT_EQ(unwritten.image(), nullptr);
     ASSERT_EQ(unwritten.Create(image, *Record(image)), 0);
-    EXPECT_TRUE(unwritten.IsMade());
+    EXPECT_NE(unwritten.image(), nullptr);
     *ViewOf(*unwritten.image()).Row<uint8_t>(0) = static_cast<uint8_t>(before[0] + 1);
   }
   EXPECT_EQ(image.Block(), before);

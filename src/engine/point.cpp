@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/cache_lines.h"
 #include "engine/bands.h"
 #include "engine/stream_rows.h"
 #include "platform/processor.h"
@@ -14,15 +15,12 @@ int64_t pointStreamBytes = POINT_STREAM_UNKNOWN;
 
 namespace {
 
-constexpr int64_t CACHE_LINE = 64;
-
 // The pixels of a long row before the first result on the boundary of a cache line: blocks come
 // from the heap at the same offset to a boundary mostly, so that all operands are then on theirs.
 int32_t ColumnsToCacheLine(const PixelView& result) {
   constexpr int64_t longRow = 16384;
   if (result.RowBytes() < longRow) return 0;
-  const auto over = static_cast<int64_t>(reinterpret_cast<uintptr_t>(result.origin)) % CACHE_LINE;
-  return over == 0 ? 0 : static_cast<int32_t>((CACHE_LINE - over) / result.pixelBytes);
+  return static_cast<int32_t>(BytesToCacheLine(result.origin) / result.pixelBytes);
 }
 
 bool HasNoGaps(const PixelView& view) {

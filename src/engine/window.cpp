@@ -4,17 +4,12 @@
 #include <algorithm>
 #include <cstring>
 
+#include "core/cache_lines.h"
 #include "engine/window_rows.h"
 #include "platform/processor.h"
 
 namespace zel {
 namespace {
-
-constexpr int64_t CACHE_LINE = 64;
-
-int64_t OnCacheLines(int64_t bytes) {
-  return (bytes + CACHE_LINE - 1) / CACHE_LINE * CACHE_LINE;
-}
 
 // Windows of so many rows need no memory for their row pointers.
 constexpr int32_t FEW_ROWS = 32;
@@ -83,10 +78,7 @@ Status WindowMemory::Allocate(const WindowViews& views, const WindowPlan& plan,
 
 WindowBand WindowMemory::BandOf(const WindowViews& views, const Band& band) {
   uint8_t* first = block_.data();
-  if (first) {
-    const auto over = static_cast<int64_t>(reinterpret_cast<uintptr_t>(first)) % CACHE_LINE;
-    first += (CACHE_LINE - over) % CACHE_LINE + band.worker * workerBytes_;
-  }
+  if (first) first += BytesToCacheLine(first) + band.worker * workerBytes_;
   return WindowBand(views, band, first + spareBytes_, first);
 }
 

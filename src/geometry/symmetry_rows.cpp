@@ -4,6 +4,7 @@
 #include <cstring>
 #include <utility>
 
+#include "core/cache_lines.h"
 #include "core/numbers.h"
 #include "engine/vectors.h"
 
@@ -34,7 +35,6 @@ void TransposeEach(const TransposeBlock& block) {
 // lie a tile apart, so that what it stores is one run.
 constexpr int64_t PIECE_BYTES = 16;
 constexpr int64_t PIECES = VECTOR_BYTES / PIECE_BYTES;
-constexpr int64_t CACHE_LINE = 64;
 
 template <class T>
 struct Tile {

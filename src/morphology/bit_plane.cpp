@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "morphology/distance_rows.h"
+#include "engine/bit_rows.h"
 #include "particles/runs_rows.h"
 
 namespace zel {
@@ -45,7 +45,7 @@ void BitPlane::Write(const PixelView& view, uint8_t value) const {
   for (int32_t y = 0; y < height_; y++) {
     auto* row = view.Row<uint8_t>(y);
     std::memset(row, 0, static_cast<size_t>(width_));
-    distanceRows().store(row, Row(y), width_, value);
+    bitRows().store(row, Row(y), width_, value);
   }
 }
 

@@ -1,8 +1,8 @@
 // Distances counted in erosions.
 #include <algorithm>
 
+#include "engine/bit_rows.h"
 #include "engine/operands.h"
-#include "morphology/distance_rows.h"
 #include "morphology/erosion.h"
 #include "morphology/structuring_element.h"
 
@@ -36,13 +36,13 @@ bool Search(const BitPlane& plane, Place* place) {
 
 void StoreAll(const BitPlane& plane, const PixelView& to) {
   for (int32_t y = 0; y < to.height; y++) {
-    distanceRows().store(to.Row<uint8_t>(y), plane.Row(y), to.width, MOST_COUNTED);
+    bitRows().store(to.Row<uint8_t>(y), plane.Row(y), to.width, MOST_COUNTED);
   }
 }
 
 void CountAll(const BitPlane& plane, const PixelView& to) {
   for (int32_t y = 0; y < to.height; y++) {
-    distanceRows().count(to.Row<uint8_t>(y), plane.Row(y), to.width);
+    bitRows().count(to.Row<uint8_t>(y), plane.Row(y), to.width);
   }
 }
 
@@ -55,7 +55,7 @@ void StoreLost(const Erosion& erosion, int32_t steps, uint64_t* lost, const Pixe
     uint64_t any = 0;
     for (int32_t i = 0; i < words; i++) any |= lost[i] = before[i] & ~after[i];
     if (any == 0) continue;
-    distanceRows().store(to.Row<uint8_t>(y), lost, to.width, static_cast<uint8_t>(steps));
+    bitRows().store(to.Row<uint8_t>(y), lost, to.width, static_cast<uint8_t>(steps));
   }
 }
 

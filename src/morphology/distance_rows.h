@@ -16,10 +16,6 @@ struct DistanceRows {
   // Their lengths, cut toward zero; the low 8 bits.
   void (*lengths)(uint8_t* to, const uint16_t* steps, int32_t start, int32_t end);
 
-  // Where a bit is set: the value, or one more up to 255.
-  void (*store)(uint8_t* to, const uint64_t* bits, int32_t width, uint8_t value);
-  void (*count)(uint8_t* to, const uint64_t* bits, int32_t width);
-
   // 255 for the pixels of the middle one of five rows that nothing around them, up to two columns
   // away, is greater than; else 0. For the columns from 2 to width - 2, with `width` bytes of
   // memory.

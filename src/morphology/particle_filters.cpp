@@ -1,7 +1,7 @@
 // Whole particles kept, removed and filled.
+#include "engine/bit_rows.h"
 #include "engine/operands.h"
 #include "engine/point.h"
-#include "morphology/distance_rows.h"
 #include "morphology/erosion.h"
 #include "morphology/flood.h"
 #include "morphology/particle_filters_rows.h"
@@ -14,7 +14,7 @@ namespace {
 // Writes a value where bits are set.
 void ValueWrite(const BitPlane& bits, uint8_t value, const PixelView& to) {
   for (int32_t y = 0; y < to.height; y++) {
-    distanceRows().store(to.Row<uint8_t>(y), bits.Row(y), to.width, value);
+    bitRows().store(to.Row<uint8_t>(y), bits.Row(y), to.width, value);
   }
 }
 

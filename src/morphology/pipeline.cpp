@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
-#include <iterator>
-#include <type_traits>
+
+#include "core/side_fill.h"
 
 namespace zel {
 namespace {
@@ -20,31 +20,27 @@ int64_t RowsKeptFor(const MorphologyPass& reader) {
   return above + std::max(reach.bottom, 0) + 1;
 }
 
-// Margins are filled in stores of so many bytes, which rings have room for on both sides: usual
-// ones take a single store.
-constexpr int32_t STORE_BYTES = 8;
+// Margins are filled in whole stores, which rings have room for: usual ones take a single store.
+int32_t WholeStores(int32_t columns, int32_t pixelBytes) {
+  const int32_t pixels = SIDE_STORE_BYTES / pixelBytes;
+  return (columns + pixels - 1) / pixels * pixels;
+}
 
 template <class T>
 void Replicate(uint8_t* row, int32_t width, int32_t left, int32_t right) {
-  using Group = T[STORE_BYTES / sizeof(T)];
-  constexpr auto lanes = static_cast<int32_t>(std::extent_v<Group>);
-  T* const pixels = reinterpret_cast<T*>(row);
-  Group group;
-  std::fill(std::begin(group), std::end(group), pixels[0]);
-  for (int32_t i = 0; i < left; i += lanes) std::memcpy(pixels - i - lanes, group, sizeof group);
-  T* const behind = pixels + width;
-  std::fill(std::begin(group), std::end(group), behind[-1]);
-  for (int32_t i = 0; i < right; i += lanes) std::memcpy(behind + i, group, sizeof group);
+  T* const first = reinterpret_cast<T*>(row);
+  T* const behind = first + width;
+  SideFill(first - left, left, *first);
+  SideFill(behind, right, behind[-1]);
 }
 
 }  // namespace
 
 void RowRing::Take(Arena* arena, int64_t rows, int64_t first, int64_t columns, int32_t pixelBytes) {
-  constexpr int64_t line = 64;
-  const int64_t before = (std::max<int64_t>(-first, 0) * pixelBytes + line - 1) / line * line;
+  const int64_t before = OnCacheLines(std::max<int64_t>(-first, 0) * pixelBytes);
   const auto taken = static_cast<int64_t>(std::bit_ceil(static_cast<uint64_t>(rows)));
   last_ = taken - 1;
-  pitch_ = before + ((first + columns) * pixelBytes + line - 1) / line * line;
+  pitch_ = before + OnCacheLines((first + columns) * pixelBytes);
   uint8_t* memory = arena->Take<uint8_t>(taken * pitch_);
   columnZero_ = memory ? memory + before : nullptr;
 }
@@ -53,10 +49,10 @@ void RowRing::Take(Arena* arena, int64_t rows, int64_t first, int64_t columns, i
 
 void PassInput::TakeRing(const MorphologyPass& reader, Arena* arena) {
   isRing_ = true;
-  left_ = std::max(-reader.reach.left, 0);
-  right_ = std::max(reader.reach.right, 0);
-  ring_.Take(arena, RowsKeptFor(reader), -left_,
-             int64_t{left_} + image_.width + right_ + STORE_BYTES, reader.pixelBytes);
+  left_ = WholeStores(std::max(-reader.reach.left, 0), reader.pixelBytes);
+  right_ = WholeStores(std::max(reader.reach.right, 0), reader.pixelBytes);
+  ring_.Take(arena, RowsKeptFor(reader), -left_, int64_t{left_} + image_.width + right_,
+             reader.pixelBytes);
 }
 
 void PassInput::TakeCopies(const PixelView& image, const MorphologyPass& reader, Arena* arena) {
@@ -176,10 +172,9 @@ void SpanRows::PlacesFind(int64_t row, const PassInput& input) {
 // ---- tall rectangles
 
 void ColumnBlocks::Take(const MorphologyPass& pass, int32_t width, Arena* arena) {
-  constexpr int64_t line = 64;
   pass_ = &pass;
   width_ = width;
-  pitch_ = (int64_t{width} * pass.pixelBytes + line - 1) / line * line;
+  pitch_ = OnCacheLines(int64_t{width} * pass.pixelBytes);
   places_ = arena->Take<uint8_t>(pass.reach.Rows() * pitch_);
   beginning_ = arena->Take<uint8_t>(pitch_);
 }

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "core/cache_lines.h"
 #include "morphology/pass.h"
 
 namespace zel {
@@ -17,13 +18,12 @@ class Arena {
   T* Take(int64_t count) {
     const int64_t bytes = count * static_cast<int64_t>(sizeof(T));
     const int64_t at = taken_;
-    taken_ += (bytes + LINE - 1) / LINE * LINE;
+    taken_ += OnCacheLines(bytes);
     return memory_ ? reinterpret_cast<T*>(memory_ + at) : nullptr;
   }
   int64_t taken() const { return taken_; }
 
  private:
-  static constexpr int64_t LINE = 64;
   uint8_t* memory_;
   int64_t taken_ = 0;
 };

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "morphology/distance_rows.h"
+#include "engine/bit_rows.h"
 
 namespace zel {
 namespace {
@@ -214,7 +214,7 @@ void PolygonFill::PaintByColumns(int32_t y, uint8_t value) {
     any[i] |= upTo << 1 ^ before;
     if (upTo >> 63 != 0) before = ~before;
   }
-  distanceRows().store(view_.Row<uint8_t>(y), any, view_.width, value);
+  bitRows().store(view_.Row<uint8_t>(y), any, view_.width, value);
 }
 
 void PolygonFill::Paint(uint8_t value) {

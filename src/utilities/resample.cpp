@@ -5,6 +5,7 @@
 #include <cstring>
 #include <numeric>
 
+#include "core/cache_lines.h"
 #include "core/heap.h"
 #include "core/pixel_types.h"
 #include "engine/bands.h"
@@ -16,8 +17,6 @@
 
 namespace zel {
 namespace {
-
-constexpr int64_t CACHE_LINE = 64;
 
 // Results of more bytes have left the caches of one core before anyone reads them.
 constexpr int64_t STREAMED_BYTES = int64_t{4} << 20;
@@ -129,7 +128,7 @@ class JoiningMemory {
   }
   JoiningTile* OfWorker(int32_t worker) {
     uint8_t* first = block_.data();
-    first += (CACHE_LINE - reinterpret_cast<uintptr_t>(first) % CACHE_LINE) % CACHE_LINE;
+    first += BytesToCacheLine(first);
     return reinterpret_cast<JoiningTile*>(first) + worker;
   }
 
@@ -170,7 +169,7 @@ class JoinedRows {
     } else {
       Place<4>(tile);
     }
-    columns_.apart = 0;
+    columns_.shortcuts = 0;
     columns_.windowed = 0;
     if (pairs_.join) {
       pairs_.prepare(&columns_);
@@ -216,26 +215,26 @@ class JoinedRows {
       pairs_.join(
           {{RowOf(at.pixel, 0), RowOf(at.pixel, 1)}, {RowOf(next, 0), RowOf(next, 1)}, at.share},
           columns_, to);
-      if (columns_.apart == columns_.count) return;
+      if (columns_.shortcuts == columns_.count) return;
     }
     const HeldRow* held[TILE_SAMPLES] = {};
     for (int32_t sample = 0; sample < samplesDown_; sample++) {
       held[sample] = &Joined(RowAt(at.pixel, sample));
     }
-    const int32_t apart = columns_.apart;
-    if (canBeEstimated_ && apart != 0) {
+    const int32_t shortcuts = columns_.shortcuts;
+    if (canBeEstimated_ && shortcuts != 0) {
       const EstimatedRows rows{{RowOf(at.pixel, 0), RowOf(at.pixel, 1)},
                                {held[0]->estimates, held[1]->estimates},
                                at.share};
       rows_.estimate.down(rows, columns_, to);
     }
-    if (apart == columns_.count) return;
+    if (shortcuts == columns_.count) return;
     const double* rows[TILE_SAMPLES] = {};
     for (int32_t sample = 0; sample < samplesDown_; sample++) {
-      rows[sample] = held[sample]->numbers + apart;
+      rows[sample] = held[sample]->numbers + shortcuts;
     }
     const int64_t numberBytes = views_.result.pixelBytes / numbers_;
-    down_(rows, at.share, to + apart * numberBytes, columns_.count - apart);
+    down_(rows, at.share, to + shortcuts * numberBytes, columns_.count - shortcuts);
   }
 
   // The row of a sample, and its pixels.
@@ -274,10 +273,10 @@ class JoinedRows {
     if (held.row == row) return held;
     held.row = row;
     const auto* from = views_.source.Row<uint8_t>(row);
-    if (canBeEstimated_ && columns_.apart != 0) {
+    if (canBeEstimated_ && columns_.shortcuts != 0) {
       rows_.estimate.along(from, columns_, held.estimates);
     }
-    if (columns_.apart != columns_.count) along_(from, columns_, held.numbers);
+    if (columns_.shortcuts != columns_.count) along_(from, columns_, held.numbers);
     return held;
   }
 

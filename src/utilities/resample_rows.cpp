@@ -284,7 +284,7 @@ void Along(const void* source, const TileColumns& columns, double* destination) 
   const double* share = columns.share;
   double* __restrict to = destination;
   const int32_t count = columns.count;
-  int32_t begin = columns.apart;
+  int32_t begin = columns.shortcuts;
   if constexpr (samples > 1) begin += AlongWindows<T, samples>(from, columns, to);
   for (int32_t i = begin; i < count; i++) {
     const auto f0 = static_cast<double>(from[first[i]]);
@@ -405,7 +405,7 @@ template <class T>
 void PairPrepare(TileColumns* columns) {
   int32_t i = 0;
   while (i + DOUBLE_LANES <= columns->count && PairPlace<T>(columns, i)) i += DOUBLE_LANES;
-  columns->apart = i;
+  columns->shortcuts = i;
 }
 
 ZEL_INLINE void StoreNumbers(float* to, Doubles numbers) {
@@ -422,7 +422,7 @@ void PairJoin(const RowPair& rows, const TileColumns& columns, void* destination
   const T* lower = static_cast<const T*>(rows.from[1]);
   T* to = static_cast<T*>(destination);
   const Doubles down = Doubles{} + rows.share;
-  const int32_t count = columns.apart;
+  const int32_t count = columns.shortcuts;
   for (int32_t i = 0; i < count; i += DOUBLE_LANES) {
     const NumberWindow<T> top(upper + columns.start[i]);
     const NumberWindow<T> bottom(lower + columns.start[i]);
@@ -473,7 +473,7 @@ void EstimatePrepare(TileColumns* columns) {
   }
   for (int32_t k = 0; k < i; k++)
     columns->shareEstimate[k] = static_cast<float>(columns->share[k] * ONE);
-  columns->apart = i;
+  columns->shortcuts = i;
 }
 
 ZEL_INLINE Floats Between(Floats f0, Floats f1, Floats t) {
@@ -494,7 +494,7 @@ ZEL_INLINE Floats JoinedAlong(const uint8_t* from, const TileColumns& columns, i
 }
 
 void EstimateAlong(const uint8_t* from, const TileColumns& columns, float* to) {
-  const int32_t count = columns.apart;
+  const int32_t count = columns.shortcuts;
   for (int32_t i = 0; i < count; i += LANES) {
     Store(to + i, JoinedAlong(from + columns.start[i], columns, i));
   }
@@ -542,7 +542,7 @@ ZEL_INLINE uint32_t StoreEstimates(Floats estimates, uint8_t* to) {
 
 void EstimateDown(const EstimatedRows& rows, const TileColumns& columns, uint8_t* to) {
   const Floats share = Floats{} + static_cast<float>(rows.share);
-  const int32_t count = columns.apart;
+  const int32_t count = columns.shortcuts;
   for (int32_t i = 0; i < count; i += LANES) {
     const auto top = Load<Floats>(rows.joined[0] + i);
     const auto bottom = Load<Floats>(rows.joined[1] + i);
@@ -561,7 +561,7 @@ void EstimatePair(const RowPair& rows, const TileColumns& columns, void* destina
   auto* to = static_cast<uint8_t*>(destination);
   const Floats share = Floats{} + static_cast<float>(rows.share);
   const Floats shareParts = share * static_cast<float>(ONE);
-  const int32_t count = columns.apart;
+  const int32_t count = columns.shortcuts;
   for (int32_t i = 0; i < count; i += LANES) {
     const ByteWindow top(upper + columns.start[i]);
     const ByteWindow bottom(lower + columns.start[i]);
@@ -591,7 +591,7 @@ constexpr PairRoutines BYTE_PAIRS = {.prepare = &EstimatePrepare, .join = &Estim
 
 // The stated numbers are all there is.
 void EstimateNothing(TileColumns* columns) {
-  columns->apart = 0;
+  columns->shortcuts = 0;
 }
 constexpr EstimateRows ESTIMATE = {.prepare = &EstimateNothing, .along = nullptr, .down = nullptr};
 constexpr PairRoutines BYTE_PAIRS = {.prepare = nullptr, .join = nullptr};

@@ -21,12 +21,11 @@ struct TileColumns {
   int32_t count;     // of results
   int32_t readable;  // numbers of a row, from its first one on
 
-  // The first results are not joined along rows and then down columns of 64-bit floats, but by
-  // routines of their own.
-  int32_t apart;
+  // So many of the first results take a shortcut: estimates or pairs of rows in one pass, in place
+  // of being joined along rows and then down columns in 64-bit floats.
+  int32_t shortcuts;
   // The first of those that are joined along rows are taken vector by vector from numbers near each
-  // other, and so are some that are found apart: where in a row a vector starts, and the numbers
-  // behind that.
+  // other, and so are shortcuts: where in a row a vector starts, and the numbers behind that.
   int32_t windowed;
   int32_t start[TILE_NUMBERS];
   alignas(64) int32_t place[TILE_SAMPLES][TILE_NUMBERS];
@@ -49,8 +48,8 @@ struct PickRoutines {
 };
 // The first results whose samples of a row are near enough, for so many samples.
 using PlaceWindows = void (*)(TileColumns* columns, int32_t samples);
-// The numbers of a row joined along it, without rounding to their type. Those that are found apart
-// are left out.
+// The numbers of a row joined along it, without rounding to their type. Those of shortcuts are left
+// out.
 using AlongRow = void (*)(const void* from, const TileColumns& columns, double* to);
 // Rows of them joined, and then put into their type: cut toward zero to integers.
 using DownRows = void (*)(const double* const* rows, double share, void* to, int32_t count);

@@ -221,7 +221,10 @@ TEST_F(ManagedWindows, StayMinimisedWhenTheyAreDrawn) {
 TEST_F(ManagedWindows, StayPaintedWhileTheProgramIsBusy) {
   const TestImage image(IMAGE_U8, 200, 150);
   const xcb_window_t window = Show(image, 0, "busy");
-  const xcb_window_t cover = Show(TestImage(IMAGE_U8, 300, 300), 1, "cover");
+  const TestImage gray(IMAGE_U8, 300, 300);
+  ASSERT_EQ(ZEL_FillImage(gray, 0, 0x4D, 0, 0, 0), 0);
+  const xcb_window_t cover = Show(gray, 1, "cover");
+  const std::vector<uint32_t> covered(200 * 150, 0x4D4D4D);
   // From here on no call of the library helps for as long as something is computed.
   const auto eventually = [](const std::function<bool()>& holds) {
     return Eventually(holds, test::Meanwhile::NOTHING);
@@ -229,6 +232,7 @@ TEST_F(ManagedWindows, StayPaintedWhileTheProgramIsBusy) {
   for (int i = 0; i < 3; i++) {
     Restore(cover);
     EXPECT_TRUE(eventually([&] { return ActiveWindow() == cover; }));
+    EXPECT_TRUE(eventually([&] { return client_.ScreenAt(window) == covered; }));
     Minimise(window);
     EXPECT_TRUE(eventually([&] { return client_.Window("busy") == 0; }));
     Restore(window);

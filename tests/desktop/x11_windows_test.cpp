@@ -107,10 +107,11 @@ TEST_F(Windows, StayPaintedWhileTheProgramIsBusy) {
                     XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
   xcb_map_window(client_.link(), cover);
   client_.Sync();
+  EXPECT_TRUE(client_.ScreenAt(window) == std::vector<uint32_t>(before.size(), values[0]));
   xcb_destroy_window(client_.link(), cover);
   client_.Sync();
   // No call of the library comes in between.
-  EXPECT_TRUE(client_.Pixels(window) == before);
+  EXPECT_TRUE(client_.ScreenAt(window) == before);
 }
 
 TEST_F(Windows, HaveTitlesOfAnyText) {

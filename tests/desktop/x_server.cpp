@@ -116,13 +116,25 @@ std::vector<int32_t> XClient::Place(xcb_window_t window) const {
 }
 
 std::vector<uint32_t> XClient::Pixels(xcb_window_t window) const {
-  const std::vector<int32_t> place = Place(window);
+  std::vector<int32_t> place = Place(window);
+  if (!place.empty()) place[0] = place[1] = 0;
+  return PixelsAt(window, place);
+}
+
+std::vector<uint32_t> XClient::ScreenAt(xcb_window_t window) const {
+  return PixelsAt(root_, Place(window));
+}
+
+std::vector<uint32_t> XClient::PixelsAt(xcb_window_t window,
+                                        const std::vector<int32_t>& place) const {
   if (place.empty()) return {};
+  const auto left = static_cast<int16_t>(place[0]);
+  const auto top = static_cast<int16_t>(place[1]);
   const auto width = static_cast<uint16_t>(place[2]);
   const auto height = static_cast<uint16_t>(place[3]);
   const Answer<xcb_get_image_reply_t> reply(xcb_get_image_reply(
       link_,
-      xcb_get_image(link_, XCB_IMAGE_FORMAT_Z_PIXMAP, window, 0, 0, width, height, UINT32_MAX),
+      xcb_get_image(link_, XCB_IMAGE_FORMAT_Z_PIXMAP, window, left, top, width, height, UINT32_MAX),
       nullptr));
   if (!reply) return {};
   std::vector<uint32_t> pixels(size_t{width} * height);

@@ -66,6 +66,8 @@ class XClient {
   std::vector<int32_t> Place(xcb_window_t window) const;
   // 0x00RRGGBB, row after row; empty where the window cannot be looked at.
   std::vector<uint32_t> Pixels(xcb_window_t window) const;
+  // What the screen shows at a window's place, whichever windows lie there.
+  std::vector<uint32_t> ScreenAt(xcb_window_t window) const;
 
   // What a window manager says, and does on a person's behalf.
   void AskToClose(xcb_window_t window) const;
@@ -82,6 +84,8 @@ class XClient {
   }
 
  private:
+  // At left, top, width and height in a window.
+  std::vector<uint32_t> PixelsAt(xcb_window_t window, const std::vector<int32_t>& place) const;
   bool IsShown(xcb_window_t window) const;
 
   xcb_connection_t* link_;
