@@ -50,6 +50,18 @@ std::string Describe(int32_t number, const std::string& function) {
 
 SpareImages* spareImages = nullptr;
 
+// Most often a few bytes, for which three stores that overlap are quicker than a call.
+void ClearBytes(char* from, int64_t bytes) {
+  constexpr int64_t store = 8;
+  if (bytes < store || bytes > 3 * store) {
+    std::memset(from, 0, static_cast<size_t>(bytes));
+    return;
+  }
+  std::memset(from, 0, store);
+  std::memset(from + std::min(store, bytes - store), 0, store);
+  std::memset(from + bytes - store, 0, store);
+}
+
 // The right border of a row and the left border of the next one are cleared in one go, with what
 // lies between them.
 void ClearBorder(const ImageInfo& info) {
@@ -57,14 +69,11 @@ void ClearBorder(const ImageInfo& info) {
   const int64_t side = int64_t{info.border} * info.pixelBytes;
   const int64_t line = int64_t{info.width} * info.pixelBytes;
   const int64_t above = int64_t{info.border} * info.lineBytes + side;
-  const auto clear = [](char* from, int64_t bytes) {
-    std::memset(from, 0, static_cast<size_t>(bytes));
-  };
-  clear(Row<char>(info, 0) - above, above);
+  ClearBytes(Row<char>(info, 0) - above, above);
   for (int32_t y = 0; y + 1 < info.height; ++y) {
-    clear(Row<char>(info, y) + line, info.lineBytes - line);
+    ClearBytes(Row<char>(info, y) + line, info.lineBytes - line);
   }
-  clear(Row<char>(info, info.height - 1) + line, above);
+  ClearBytes(Row<char>(info, info.height - 1) + line, above);
 }
 
 }  // namespace
