@@ -136,8 +136,7 @@ class Bench:
         alone = ["env", "ORLUNE_PTK_THREADS=1", *loop]
         commands = (self.run(1, MANY), alone, loop)
         rounds = [[cost_of(command).processor for command in commands] for _ in range(OVERHEAD_ROUNDS * self.rounds)]
-        median = lambda values: statistics.median(values) / MANY * 1e6  # noqa: E731
-        recipe, on_one, on_all = (median(values) for values in zip(*rounds, strict=True))
+        recipe, on_one, on_all = (statistics.median(costs) / MANY * 1e6 for costs in zip(*rounds, strict=True))
         return Overhead(
             recipe,
             on_one,
