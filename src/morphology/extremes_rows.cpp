@@ -49,9 +49,12 @@ ZEL_INLINE V Finished(V extreme, V centre) {
     if constexpr (finish == FINISH_ADD_MARK) {
       return Smallest::Of(static_cast<V>(extreme | centre), All<V>(1));
     }
-    if constexpr (finish == FINISH_OUTER) return centre != none ? none : mark;
+    // By comparisons alone: g++ 12 fails at -O1 and -O2 on a minimum of which some become 0.
+    if constexpr (finish == FINISH_OUTER) {
+      return (centre != none) | (extreme == none) ? none : All<V>(1);
+    }
     if constexpr (finish == FINISH_INNER) {
-      return extreme != none ? none : Smallest::Of(centre, All<V>(1));
+      return (extreme != none) | (centre == none) ? none : All<V>(1);
     }
   }
 }
