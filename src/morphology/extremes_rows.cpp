@@ -51,10 +51,10 @@ ZEL_INLINE V Finished(V extreme, V centre) {
     }
     // By comparisons alone: g++ 12 fails at -O1 and -O2 on a minimum of which some become 0.
     if constexpr (finish == FINISH_OUTER) {
-      return (centre != none) | (extreme == none) ? none : All<V>(1);
+      return ((centre != none) | (extreme == none)) ? none : All<V>(1);
     }
     if constexpr (finish == FINISH_INNER) {
-      return (extreme != none) | (centre == none) ? none : All<V>(1);
+      return ((extreme != none) | (centre == none)) ? none : All<V>(1);
     }
   }
 }
