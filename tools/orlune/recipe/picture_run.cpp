@@ -172,7 +172,6 @@ void TakeText(const Pattern& expected, StepValue* value, Judgement* judgement) {
 
 }  // namespace
 
-// The picture that each step looks at, by the name of the step that left it.
 std::vector<std::string> LookedAt(const Recipe& recipe) {
   std::vector<std::string> names;
   std::string last = ORIGINAL;
