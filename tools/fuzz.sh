@@ -72,12 +72,17 @@ run() {
 
 # Two at a time: there are two cores to count on.
 status=0
-for ((i = 0; i < ${#targets[@]}; i += 2)); do
-  pids=()
-  for target in "${targets[@]:i:2}"; do
-    run "$target" &
-    pids+=($!)
-  done
-  for pid in "${pids[@]}"; do wait "$pid" || status=1; done
+going=0
+for target in "${targets[@]}"; do
+  if [ $going -eq 2 ]; then
+    wait -n || status=1
+    going=1
+  fi
+  run "$target" &
+  going=$((going + 1))
+done
+while [ $going -gt 0 ]; do
+  wait -n || status=1
+  going=$((going - 1))
 done
 exit $status

@@ -476,8 +476,9 @@ while [ $i -lt 500 ]; do
   echo nothing >"many/a-picture-of-a-long-name-$i-so-that-its-verdicts-fill-the-pipe-that-nobody-reads-after-some-hundreds.bmp"
   i=$((i + 1))
 done
-sleep 60 <verdicts &
+{ : >holds; exec sleep 60; } 0<>verdicts &
 reader=$!
+until_true test -e holds
 run 3 run one.toml --verdicts verdicts many/*.bmp
 grep -q '[0-9]* verdicts found no reader' out || fail "$what: a full pipe took all"
 kill $reader
@@ -495,13 +496,13 @@ cat # nothing to be read
 END
 chmod +x told.sh
 cp scenes/washers.bmp 'pictures/a b; $(c).bmp'
-run 3 run one.toml --call ./told.sh --call-limit 1 pictures/p1.bmp pictures/p2.bmp pictures/p3.bmp \
+run 3 run one.toml --call ./told.sh --call-limit 3 pictures/p1.bmp pictures/p2.bmp pictures/p3.bmp \
   pictures/p4.bmp pictures/p5.bmp 'pictures/a b; $(c).bmp'
 in_file told '2|passed|pictures/p1.bmp|passed|pictures/p1.bmp|one'
 in_file told '2|error|pictures/p3.bmp|error|pictures/p3.bmp|one'
 in_file told '2|passed|pictures/a b; $(c).bmp|passed|'
 in_err "orlune: ./told.sh for pictures/p2.bmp: ended with status 4"
-in_err "pictures/p4.bmp: took longer than 1 seconds, and was ended"
+in_err "pictures/p4.bmp: took longer than 3 seconds, and was ended"
 in_err "pictures/p5.bmp: was ended by signal 9"
 in_out "3 calls of ./told.sh failed"
 [ "$(wc -l <naps)" = 2 ] || fail "$what: not two naps"
@@ -549,10 +550,11 @@ told "camera/hard.bmp: passed"
 until_true test -s growing.bmp
 ln growing.bmp camera/growing.bmp && : >linked
 told "camera/growing.bmp: passed"
-# A reader of verdicts may come, go, and come again.
-cat verdicts >first_reader &
+# A reader of verdicts may come, go, and come again. It opens the pipe for writing too, which does not wait
+# for the other end, so that it can tell when it is there.
+{ : >first_reader; exec cat >first_reader; } 0<>verdicts &
 reader=$!
-sleep 0.2
+until_true test -e first_reader
 cp scenes/washers.bmp camera/read.bmp
 told "camera/read.bmp: passed"
 until_true grep -q "^passed.camera/read.bmp" first_reader || fail "orlune run --watch: no verdict in the pipe"
@@ -560,8 +562,9 @@ kill $reader
 wait $reader 2>/dev/null
 cp scenes/washers.bmp camera/unread.bmp
 told "camera/unread.bmp: passed"
-cat verdicts >second_reader &
-sleep 0.2
+{ : >second_reader; exec cat >second_reader; } 0<>verdicts &
+reader=$!
+until_true test -e second_reader
 cp scenes/washers.bmp camera/again.bmp
 told "camera/again.bmp: passed"
 until_true grep -q "^passed.camera/again.bmp" second_reader || fail "orlune run --watch: no second reader"
@@ -571,6 +574,8 @@ told "camera/none.bmp: error"
 kill -TERM $program
 wait $program
 [ $? -eq 143 ] || fail "orlune run --watch: another exit status after a signal than 143"
+kill $reader
+wait $reader 2>/dev/null
 lines watched 12
 [ "$(grep -c ',,,picture,' camera.csv)" -eq 10 ] || fail "orlune run --watch: not ten pictures in the report"
 # What came while nobody looked is looked at, and nothing again.
