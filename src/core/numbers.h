@@ -1,5 +1,6 @@
-// Conversions of floats to integers, by the name of the rule that holds. Row routines compiled for
-// several processor levels include this, so everything is inlined where it is used.
+// Numbers that all rooms share: how floats become integers, by the name of the rule that holds, and
+// what is counted alike everywhere. Row routines compiled for several processor levels include
+// this, so everything is inlined where it is used.
 #pragma once
 
 #include <cstdint>
@@ -7,6 +8,8 @@
 #define ZEL_INLINE [[gnu::always_inline]] inline
 
 namespace zel {
+
+constexpr double PI = 3.14159274;  // to the digits that results are defined with
 
 // Truncated, low bits kept: 300.7 as uint8_t is 44. NaN, infinities and values beyond
 // 64 bits have low bits of 0.
@@ -45,6 +48,11 @@ ZEL_INLINE int32_t DifferenceWrapped(int32_t a, int32_t b) {
 // The sum limited to 32 bits.
 ZEL_INLINE int32_t SumSaturated(int32_t a, int32_t b) {
   return Clamped(int64_t{a} + b, INT32_MIN, INT32_MAX);
+}
+
+// That hold a bit for each pixel of a row.
+ZEL_INLINE int64_t WordsOfBits(int32_t width) {
+  return (int64_t{width} + 63) / 64;
 }
 
 }  // namespace zel

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "core/heap.h"
+#include "core/numbers.h"
 #include "engine/bands.h"
 #include "frequency/fourier_rows.h"
 #include "frequency/spectra.h"
@@ -26,7 +27,7 @@ bool IsSide(int32_t length) {
 // time: spectra hold what that gives, not the nearest sines.
 void TwiddlesMake(int32_t length, Direction direction, Twiddle* twiddles) {
   const int32_t count = length / 2;
-  const auto step = static_cast<float>(3.14159274 / count);
+  const auto step = static_cast<float>(PI / count);
   float angle = 0;
   for (int32_t k = 0; k < count; k++) {
     const auto wide = static_cast<double>(angle);

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "core/heap.h"
+#include "core/numbers.h"
 #include "core/views.h"
 
 namespace zel {
@@ -35,7 +36,7 @@ class BitPlane {
   int64_t pitch() const { return pitch_; }
   int64_t size() const { return (int64_t{height_} + 2 * int64_t{frameRows_}) * pitch_; }
   // Of a row, that have pixels.
-  int32_t usedWords() const { return static_cast<int32_t>((int64_t{width_} + 63) / 64); }
+  int32_t usedWords() const { return static_cast<int32_t>(WordsOfBits(width_)); }
 
   // The word that starts with column 0; also of the rows in the frame.
   uint64_t* Row(int64_t y) { return bits_.data() + (y + frameRows_) * pitch_ + marginWords_; }

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/numbers.h"
 #include "particles/particle_contour.h"
 #include "particles/particle_holes.h"
 #include "particles/particle_scan.h"
@@ -9,8 +10,6 @@
 
 namespace zel {
 namespace {
-
-constexpr double PI = 3.14159274;  // to the digits that reports are defined with
 
 // 1 + 2 + .. + (n - 1), exact.
 uint64_t SumBelow(uint64_t n) {

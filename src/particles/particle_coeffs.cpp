@@ -10,7 +10,6 @@ namespace zel {
 namespace {
 
 // Pi and numbers made of it, to the digits that the measures are defined with.
-constexpr double PI = 3.14159274;
 constexpr double FOUR_PI = 12.56637096;
 constexpr double ONE_BY_PI = 0.31830987742860645;
 constexpr double HALF_BY_PI_SQUARED = 0.050660589034307243;

@@ -3,14 +3,11 @@
 
 #include <algorithm>
 
+#include "core/numbers.h"
 #include "orlune_ptk.h"
 
 namespace zel {
 namespace {
-
-int64_t WordsOfRow(int32_t width) {
-  return (int64_t{width} + 63) / 64;
-}
 
 using BitsOfRow = void (*)(const void* row, int32_t width, uint64_t* words);
 
@@ -24,7 +21,7 @@ bool PixelBits::Create(const PixelView& view) {
   width_ = view.width;
   height_ = view.height;
   // A clear word before each row is also the frame behind the row above.
-  pitch_ = WordsOfRow(width_) + 1;
+  pitch_ = WordsOfBits(width_) + 1;
   const int64_t words = (int64_t{height_} + 2) * pitch_ + 1;
   if (!words_.AllocateZeroed(static_cast<uint64_t>(words))) return false;
   const BitsOfRow bitsOfRow = BitsOfType(view.type);
@@ -66,7 +63,7 @@ bool RunTable::AppendRow(const uint64_t* words) {
 bool RunTable::Extract(const PixelView& view) {
   WorkArray<uint64_t> words;
   if (!Start(view.width, view.height) ||
-      !words.Allocate(static_cast<uint64_t>(WordsOfRow(view.width)))) {
+      !words.Allocate(static_cast<uint64_t>(WordsOfBits(view.width)))) {
     return false;
   }
   const BitsOfRow bitsOfRow = BitsOfType(view.type);

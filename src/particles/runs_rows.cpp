@@ -109,7 +109,7 @@ void BitsI16(const void* row, int32_t width, uint64_t* words) {
 // Starts and ends alternate along a row, so they are written as one sequence of columns.
 uint32_t Runs(const uint64_t* words, int32_t width, Run* runs) {
   auto* columns = reinterpret_cast<int32_t*>(runs);
-  const int32_t count = (width + 63) / 64;
+  const auto count = static_cast<int32_t>(WordsOfBits(width));
   uint64_t carry = 0;
 #if defined(ZEL_LEVEL_v4)
   alignas(64) static constexpr uint8_t places[64] = {

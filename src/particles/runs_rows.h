@@ -21,7 +21,7 @@ constexpr Run RUN_SENTINEL = {INT32_MAX - 4, INT32_MAX - 4};
 constexpr uint32_t RUN_SLACK = 32;
 
 struct RunRows {
-  // One bit a pixel, set where the pixel is not 0, into (width + 63) / 64 words; bits from `width`
+  // One bit a pixel, set where the pixel is not 0, into WordsOfBits(width) words; bits from `width`
   // on are 0. The row is read to its 8-byte end.
   void (*bitsU8)(const void* row, int32_t width, uint64_t* words);
   void (*bitsI16)(const void* row, int32_t width, uint64_t* words);

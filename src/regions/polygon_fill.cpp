@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "core/numbers.h"
 #include "engine/bit_rows.h"
 
 namespace zel {
@@ -26,7 +27,7 @@ struct FloorQuotient {
 
 // Of a row of so many columns.
 size_t WordsOf(int32_t columns) {
-  return (static_cast<size_t>(columns) + 63) / 64;
+  return static_cast<size_t>(WordsOfBits(columns));
 }
 
 // Each bit becomes whether an odd number of bits up to it is set.

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/numbers.h"
 #include "core/status.h"
 #include "vision/point_distance.h"
 #include "vision/result_table.h"
@@ -9,7 +10,6 @@
 namespace zel {
 namespace {
 
-constexpr double PI = 3.14159274;  // to the digits that results are defined with
 constexpr double DEGREES = 57.29577867;
 
 constexpr int32_t LEAST_CIRCLE_POINTS = 3;
