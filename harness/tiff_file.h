@@ -137,10 +137,12 @@ inline TiffFile TiffOf(uint32_t width, uint32_t height, std::vector<uint32_t> bi
   for (const Bytes& strip : strips) counts.push_back(static_cast<uint32_t>(strip.size()));
   file.strips = std::move(strips);
   file.Set(256, TIFF_SHORT, {width}).Set(257, TIFF_SHORT, {height});
-  file.Set(258, TIFF_SHORT, std::move(bits)).Set(259, TIFF_SHORT, {1});
+  file.Set(258, TIFF_SHORT, std::move(bits));
+  file.Set(259, TIFF_SHORT, {1});
   file.Set(262, TIFF_SHORT, {samples == 3 ? 2u : 1u}).Set(273, TIFF_LONG, {});
   file.Set(277, TIFF_SHORT, {samples}).Set(278, TIFF_SHORT, {rowsPerStrip});
-  file.Set(279, TIFF_LONG, std::move(counts)).Set(284, TIFF_SHORT, {1});
+  file.Set(279, TIFF_LONG, std::move(counts));
+  file.Set(284, TIFF_SHORT, {1});
   return file;
 }
 

@@ -32,8 +32,9 @@ std::vector<double> EdgesOf(const std::string& digits) {
     }
   }
   widths += "wnn";
-  std::vector<double> edges = {0};
-  for (const char width : widths) edges.push_back(edges.back() + (width == 'w' ? WIDE : NARROW));
+  double edge = 0;
+  std::vector<double> edges = {edge};
+  for (const char width : widths) edges.push_back(edge += width == 'w' ? WIDE : NARROW);
   return edges;
 }
 

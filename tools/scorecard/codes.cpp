@@ -44,9 +44,10 @@ uint8_t Level(double light) {
 
 // Where bars begin and end, in pixels from the middle of the code.
 std::vector<double> EdgesOf(const std::string& widths, const Look& look) {
-  std::vector<double> edges = {0};
-  for (const char width : widths) edges.push_back(edges.back() + (width - '0') * look.module);
-  const double half = edges.back() / 2;
+  double length = 0;
+  std::vector<double> edges = {length};
+  for (const char width : widths) edges.push_back(length += (width - '0') * look.module);
+  const double half = length / 2;
   const double bend = look.bend * std::numbers::pi / 180;
   for (double& edge : edges) {
     edge -= half;

@@ -52,7 +52,7 @@ Span SpanAt(const std::vector<Point>& points, const Point& direction) {
 }
 
 void MeasureLargest(const std::vector<Point>& points, HullMeasures* measures) {
-  double largest = -1;
+  double largest = 0;
   for (size_t i = 0; i < points.size(); ++i) {
     for (size_t j = i + 1; j < points.size(); ++j) {
       const double x = points[j].x - points[i].x, y = points[j].y - points[i].y;

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <set>
 #include <system_error>
 
@@ -194,8 +195,7 @@ class RecipeRunner {
   }
 
   void WorkOnPending() {
-    Progress progress(pending_.size());
-    progress_ = &progress;
+    progress_.emplace(pending_.size());
     size_t taken = 0;
     TaskRun tasks;
     tasks.tasks = pending_.size();
@@ -209,11 +209,11 @@ class RecipeRunner {
     };
     tasks.take = [&](size_t task, std::optional<std::string> result) {
       TakeNew(pending_[task], result ? *result : WithTexts(Lost(pending_[task])));
-      progress.Done(++taken);
+      progress_->Done(++taken);
     };
     if (!pending_.empty()) RunTasks(tasks);
     if (taken == pending_.size()) TellDoneBefore(files_.size());
-    progress.Hide();
+    progress_.reset();
   }
 
   PictureResult WorkOn(size_t picture) const {
@@ -330,7 +330,7 @@ class RecipeRunner {
   Report csv_, json_, html_;
   std::unique_ptr<VerdictPipe> pipe_;
   size_t failedCalls_ = 0;
-  Progress* progress_ = nullptr;
+  std::optional<Progress> progress_;  // while pictures are worked on
   size_t told_ = 0;
   RunCounts counts_;
 };

@@ -67,7 +67,7 @@ Extent ScreenExtent() {
 }
 
 int32_t Zoomed(int32_t pixels, int32_t zoom) {
-  return zoom > 0 ? pixels * std::min(zoom, INT32_MAX / std::max(pixels, 1)) : pixels / -zoom;
+  return zoom < 0 ? pixels / -zoom : pixels * std::min(zoom, INT32_MAX / std::max(pixels, 1));
 }
 
 bool Fits(const ImageInfo& info, int32_t zoom, const Extent& room) {
