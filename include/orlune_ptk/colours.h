@@ -164,14 +164,14 @@ int32_t ZEL_ColorToInteger(const void* plane1, const void* plane2, const void* p
                            int32_t count, int32_t mode, int32_t elementType, RGBValue* values);
 
 /* Takes the components of pixels apart into arrays.
- * values:      count pixels.
+ * values:      count pixels. Planes of 32-bit elements may lie in their place.
  * count:       elements; below 1 nothing is done.
  * mode:        a ColorMode. Any other number is MODE_HSV.
  * elementType: the ArrayType of the planes. For an unknown one nothing is done.
  * plane1:      NULL, or receives count elements of 0..255: red or hue.
  * plane2:      NULL, or receives green or saturation.
  * plane3:      NULL, or receives blue, lightness or value.
- * Failures: -102 for values NULL. */
+ * Failures: -102 for values NULL, if count is not 0. */
 int32_t ZEL_IntegerToColor(const RGBValue* values, int32_t count, int32_t mode, int32_t elementType,
                            void* plane1, void* plane2, void* plane3);
 

@@ -97,18 +97,21 @@ Status ColorToInteger(const void* const (&arrays)[COLOUR_PLANES], int32_t count,
 
 Status IntegerToColor(const RGBValue* values, int32_t count, int32_t mode, int32_t elementType,
                       void* const (&arrays)[COLOUR_PLANES]) {
-  if (count < 1) return STATUS_OK;
+  if (count == 0) return STATUS_OK;
   if (!values) return STATUS_MEMORY_ERROR;
   const int32_t bytes = ArrayTypeBits(elementType, nullptr);
-  if (bytes == 0) return STATUS_OK;
+  if (count < 0 || bytes == 0) return STATUS_OK;
   const ComponentSet components = ComponentsOf(mode);
   BlocksRun(count, [&](int64_t first, int64_t size) {
+    // All are there before one is stored: an array of planes may be that of the values.
+    uint8_t planes[COLOUR_PLANES][COLOUR_BLOCK];
+    for (int32_t p = 0; p < COLOUR_PLANES; p++) {
+      if (arrays[p]) components.planes[p](values + first, planes[p], size);
+    }
     for (int32_t p = 0; p < COLOUR_PLANES; p++) {
       if (!arrays[p]) continue;
-      uint8_t plane[COLOUR_BLOCK];
-      components.planes[p](values + first, plane, size);
-      ArrayConvert(plane, ARRAY_U8, static_cast<uint8_t*>(arrays[p]) + first * bytes, elementType,
-                   size);
+      ArrayConvert(planes[p], ARRAY_U8, static_cast<uint8_t*>(arrays[p]) + first * bytes,
+                   elementType, size);
     }
   });
   return STATUS_OK;

@@ -190,10 +190,19 @@ TEST(ColorArrays, DoNothingWithoutElementsModesOrTypes) {
 
   uint8_t plane[4] = {5, 5, 5, 5};
   EXPECT_EQ(ZEL_IntegerToColor(nullptr, 0, 0, ARRAY_U8, plane, plane, plane), 0);
-  EXPECT_EQ(ZEL_IntegerToColor(nullptr, -1, 0, ARRAY_U8, plane, plane, plane), 0);
+  EXPECT_EQ(ZEL_IntegerToColor(values, -1, 0, ARRAY_U8, plane, plane, plane), 0);
   EXPECT_EQ(ZEL_IntegerToColor(values, 4, 0, 5, plane, plane, plane), 0);
   EXPECT_EQ(ZEL_IntegerToColor(values, 4, 0, -8, plane, plane, plane), 0);
   for (const uint8_t byte : plane) EXPECT_EQ(byte, 5);
+}
+
+TEST(ColorArrays, APlaneMayTakeThePlaceOfTheValues) {
+  RGBValue first[2] = {0x010203, 0x040506};
+  int32_t second[2], third[2];
+  ASSERT_EQ(ZEL_IntegerToColor(first, 2, MODE_RGB, ARRAY_I32, first, second, third), 0);
+  EXPECT_EQ(std::vector<RGBValue>(first, first + 2), (std::vector<RGBValue>{1, 4}));
+  EXPECT_EQ(std::vector<int32_t>(second, second + 2), (std::vector<int32_t>{2, 5}));
+  EXPECT_EQ(std::vector<int32_t>(third, third + 2), (std::vector<int32_t>{3, 6}));
 }
 
 TEST(ColorArrays, MissingOnesGive102) {
@@ -207,7 +216,9 @@ TEST(ColorArrays, MissingOnesGive102) {
               ZEL_ERR_MEMORY_ERROR);
   }
   EXPECT_EQ(values[0], 9u);
-  EXPECT_EQ(ZEL_IntegerToColor(nullptr, 1, 0, 5, plane, plane, plane), ZEL_ERR_MEMORY_ERROR);
+  for (const int32_t count : {1, -1}) {
+    EXPECT_EQ(ZEL_IntegerToColor(nullptr, count, 0, 5, plane, plane, plane), ZEL_ERR_MEMORY_ERROR);
+  }
   char name[ERROR_PROCEDURE_BYTES] = "";
   ZEL_GetLastError(name);
   EXPECT_STREQ(name, "ZEL_IntegerToColor");

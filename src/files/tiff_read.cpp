@@ -108,7 +108,9 @@ Status ReadStrips(const OpenFile& file, const TiffEssentials& essentials,
   const int64_t planeStrips =
       (int64_t{essentials.height} + essentials.rowsPerStrip - 1) / essentials.rowsPerStrip;
   const int64_t strips = planes ? 3 * planeStrips : planeStrips;
-  if (offsets->count < strips || (counts && counts->count < strips)) return STATUS_BAD_FILE_FORMAT;
+  // Without counts all pixels are read from the first offset.
+  if (offsets->count < (counts ? strips : 1)) return STATUS_BAD_FILE_FORMAT;
+  if (counts && counts->count < strips) return STATUS_BAD_FILE_FORMAT;
 
   TiffArrayReader offsetOf(file, context, *offsets);
   // 16-bit samples are taken as big-endian whatever the file's mark says, as the writer stores

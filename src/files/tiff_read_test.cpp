@@ -247,6 +247,15 @@ TEST_F(TiffRead, WithoutCountsOneReadTakesTheWholeImage) {
   TiffFile file = TiffOf(8, 6, {8}, InStrips(data, 16), 2).Drop(279);
   ASSERT_EQ(ReadGray(file), 0);
   EXPECT_EQ(gray_.Pixels(), data);
+  const Bytes other = test::RandomBytes(48, 10);
+  TiffFile oneOffset = TiffOf(8, 6, {8}, {other}, 2).Drop(279);  // for three strips
+  ASSERT_EQ(ReadGray(oneOffset), 0);
+  EXPECT_EQ(gray_.Pixels(), other);
+}
+
+TEST_F(TiffRead, WithoutCountsAndOffsetsIs514) {
+  TiffFile file = TiffOf(8, 6, {8}, {Bytes(48, 7)}, 6).Drop(279).Count(273, 0);
+  EXPECT_EQ(ReadGray(file), -514);
 }
 
 TEST_F(TiffRead, PlanesJoin) {
