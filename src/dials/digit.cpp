@@ -91,10 +91,14 @@ KernelLine DownDigit(const DigitShape& shape) {
                   Along(shape.bottomLeft, shape.bottomRight, 1, 2));
 }
 
+int64_t StepsOf(Offset edge) {
+  return std::max(std::abs(edge.x), std::abs(edge.y));
+}
+
 // Two pixels in the direction of an edge.
 Offset TwoPixels(Offset edge) {
-  const int64_t length = std::max(std::abs(edge.x), std::abs(edge.y));
-  return length == 0 ? Offset{2, 0} : Part(edge, 2, length);
+  const int64_t steps = StepsOf(edge);
+  return steps == 0 ? Offset{2, 0} : Part(edge, 2, steps);
 }
 
 // Short lines across the foot of the digit's right edge, `index` twentieths of the width from it.
@@ -205,8 +209,10 @@ Status DigitReader::FindPoint(const DigitShape& shape, bool* isThere) {
 Status DigitReader::FindSign(const DigitShape& shape, bool* isThere) {
   *isThere = false;
   Status status = STATUS_OK;
+  // A twentieth of a narrow digit's width is no whole pixel: its own edge is no place beside it.
+  const int64_t width = StepsOf(Between(shape.topLeft, shape.topRight));
   for (int64_t i = 1; i <= 20 && status == STATUS_OK && !*isThere; i++) {
-    status = HasContrastAlong(SignScan(shape, i), isThere);
+    if (i * width >= 20) status = HasContrastAlong(SignScan(shape, i), isThere);
   }
   return status;
 }

@@ -451,6 +451,28 @@ TEST(ReadLCDDisplay, LooksForASignOneWidthToTheLeft) {
   }
 }
 
+// The left edge of a 2 has contrast of its own.
+TEST(ReadLCDDisplay, TakesNoEdgeOfANarrowDigitForASign) {
+  for (const int32_t width : {12, 18, 19, 20}) {
+    const TestImage image(IMAGE_U8, 60, 60);
+    ZEL_ClearPixels(image);
+    const auto paint = [&](int32_t left, int32_t top, int32_t right, int32_t bottom) {
+      for (int32_t y = top; y < bottom; y++) {
+        for (int32_t x = left; x < right; x++) image.Set<uint8_t>(x, y, 200);
+      }
+    };
+    const int32_t right = 20 + width;
+    for (const int32_t top : {10, 25, 40}) paint(20, top, right, top + 3);
+    paint(right - 3, 10, right, 28);
+    paint(20, 25, 23, 43);
+    const RegionRecord digit({{ROI_RECT, {20, 10, right, 43}}});
+    const Options options{.isLight = true, .sign = true};
+    EXPECT_EQ(ReadDisplay(image, digit, options).text, " 2") << width;
+    paint(10, 25, 18, 28);
+    EXPECT_EQ(ReadDisplay(image, digit, options).text, "-2") << width;
+  }
+}
+
 // Of a foot without width a point is looked for two pixels to the right.
 TEST(ReadSingleDigit, LooksForAPointBesideAFootOfNoWidth) {
   for (const int32_t x : {33, 34}) {

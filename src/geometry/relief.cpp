@@ -160,8 +160,8 @@ class ComplexBars {
         longest_(65280 / step) {}
 
   int32_t LengthAt(const Grid::Point& pixel) const {
-    const float* number = source_.Row<float>(Exchanged(pixel.y, source_.height)) +
-                          2 * Exchanged(pixel.x, source_.width);
+    const Grid::Point from = Exchanged(pixel);
+    const float* number = source_.Row<float>(from.y) + 2 * int64_t{from.x};
     const auto real = static_cast<double>(number[0]);
     const auto imaginary = static_cast<double>(number[1]);
     return CutLimited(ValueOf(real, imaginary) / scale_ * 256.0, -longest_, longest_);
@@ -175,11 +175,15 @@ class ComplexBars {
     return std::ldexp(1.0, 2 * static_cast<int32_t>(std::bit_width(sides / 32)) + 1);
   }
 
-  // An odd last row or column stays.
-  static int64_t Exchanged(int32_t place, int32_t size) {
-    const int32_t half = size / 2;
-    if (place >= 2 * half) return place;
+  static int32_t Opposite(int32_t place, int32_t half) {
     return place < half ? place + half : place - half;
+  }
+
+  // Of an odd height the last row stays whole, and of an odd width the last column.
+  Grid::Point Exchanged(const Grid::Point& pixel) const {
+    const int32_t halfWidth = source_.width / 2, halfHeight = source_.height / 2;
+    if (pixel.x >= 2 * halfWidth || pixel.y >= 2 * halfHeight) return pixel;
+    return {Opposite(pixel.x, halfWidth), Opposite(pixel.y, halfHeight)};
   }
 
   double ValueOf(double real, double imaginary) const {

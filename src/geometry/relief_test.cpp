@@ -36,17 +36,22 @@ int64_t EvenUp(int64_t number) {
   return (number + 1) / 2 * 2;
 }
 
-// The place that a row or column of a spectrum is shown from.
-int32_t Exchanged(int32_t place, int32_t size) {
-  const int32_t half = size / 2;
-  return place < half ? place + half : place < 2 * half ? place - half : place;
+// The number of a spectrum that is shown at a place: top left and bottom right change places, and
+// so do top right and bottom left; what an odd size has beyond four equal quadrants stays.
+const float* ExchangedAt(const TestImage& source, int32_t x, int32_t y) {
+  const ImageInfo info = source.Info();
+  const int32_t w2 = info.width >> 1, h2 = info.height >> 1;
+  if (x < w2 && y < h2) return source.At<float>(0, y + h2) + 2 * int64_t{x + w2};
+  if (x < 2 * w2 && y < h2) return source.At<float>(0, y + h2) + 2 * int64_t{x - w2};
+  if (x < w2 && y < 2 * h2) return source.At<float>(0, y - h2) + 2 * int64_t{x + w2};
+  if (x < 2 * w2 && y < 2 * h2) return source.At<float>(0, y - h2) + 2 * int64_t{x - w2};
+  return source.At<float>(0, y) + 2 * int64_t{x};
 }
 
 int32_t Length(const TestImage& source, int32_t x, int32_t y, int32_t plane, int32_t s) {
   const ImageInfo info = source.Info();
   if (info.type == IMAGE_U8) return source.Get<uint8_t>(x, y) * 256 / s;
-  const float* number =
-      source.At<float>(0, Exchanged(y, info.height)) + 2 * int64_t{Exchanged(x, info.width)};
+  const float* number = ExchangedAt(source, x, y);
   const double re = static_cast<double>(number[0]);
   const double im = static_cast<double>(number[1]);
   int32_t e = 0;

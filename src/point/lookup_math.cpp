@@ -210,10 +210,10 @@ float LawStored(const MathLaw& law, double pixel, double origin, float added) {
 MathLaw LawOf(int32_t operation, float x, const LookupLimits& limits) {
   MathLaw law{};
   law.operation = Clamped(operation, MATH_LINEAR, MATH_POWER1X);
-  const auto range = static_cast<double>(limits.rangeMax) - static_cast<double>(limits.rangeMin);
-  const auto span = static_cast<double>(limits.high) - static_cast<double>(limits.low);
-  law.range = static_cast<long double>(range);
-  law.span = static_cast<long double>(span);
+  law.range = Difference(static_cast<long double>(limits.rangeMax),
+                         static_cast<long double>(limits.rangeMin));
+  law.span =
+      Difference(static_cast<long double>(limits.high), static_cast<long double>(limits.low));
   const auto exponent = static_cast<long double>(x);
   law.exponent = law.operation == MATH_POWER1X ? Quotient(1.0L, exponent) : exponent;
   law.first = Rounded(std::exp(EXP_RATE));
@@ -226,7 +226,7 @@ MathLaw LawOf(int32_t operation, float x, const LookupLimits& limits) {
       held ? static_cast<double>(factor) : std::numeric_limits<double>::quiet_NaN();
   law.estimateFirst = static_cast<double>(law.first);
   law.estimateExponent = static_cast<double>(law.exponent);
-  law.inverseRange = 1.0 / range;
+  law.inverseRange = 1.0 / static_cast<double>(law.range);
   if (law.operation != MATH_POWERX && law.operation != MATH_POWER1X) return law;
   // No logarithm of a distance is longer than 104, and a power this near 1 is rounded to it.
   const long double flatExponent = std::ldexp(1.0L, -DIGITS - 6) / 104.0L;
@@ -268,7 +268,9 @@ LevelLaw LevelLawOf(const MathLaw& law, const LookupLimits& limits) {
   levels.law = law;
   levels.first = CutSaturated(static_cast<double>(limits.rangeMin));
   levels.last = levels.first - 1;
-  if (law.range >= 0.0L) levels.last = levels.first + CutSaturated(static_cast<double>(law.range));
+  if (law.range >= 0.0L) {
+    levels.last = levels.first + CutSaturated(static_cast<double>(std::trunc(law.range)));
+  }
   levels.above = CutLow<uint16_t>(static_cast<double>(limits.high));
   levels.noValueAtZero = LawHasNoValueAtZero(law);
   return levels;

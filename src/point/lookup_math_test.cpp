@@ -54,8 +54,8 @@ TestImage Expected(const TestImage& source, const TestImage* mask, const Argumen
   const ImageInfo info = source.Info();
   const auto [lo, hi, rangeMin, rangeMax] =
       test::StretchOf(source, mask, given.rangeMin, given.rangeMax);
-  const double r = static_cast<double>(rangeMax) - static_cast<double>(rangeMin);
-  const double o = static_cast<double>(hi) - static_cast<double>(lo);
+  const Wide r = static_cast<Wide>(rangeMax) - static_cast<Wide>(rangeMin);
+  const Wide o = static_cast<Wide>(hi) - static_cast<Wide>(lo);
   const int32_t law = std::clamp(given.operation, 0, 6);
   const bool startsAtOne = law == 1 || law == 2 || law == 5 || law == 6;
 
@@ -73,8 +73,7 @@ TestImage Expected(const TestImage& source, const TestImage* mask, const Argumen
             result = hi;
           } else {
             const Wide d = static_cast<Wide>(pixel) - static_cast<Wide>(rangeMin);
-            result = static_cast<float>(Law(law, d, static_cast<Wide>(r), static_cast<Wide>(o),
-                                            static_cast<Wide>(given.x)) +
+            result = static_cast<float>(Law(law, d, r, o, static_cast<Wide>(given.x)) +
                                         static_cast<Wide>(lo));
             if (!(result >= lo)) {
               result = lo;
@@ -98,9 +97,8 @@ TestImage Expected(const TestImage& source, const TestImage* mask, const Argumen
         } else if (d == 0 && startsAtOne) {
           result = 0;
         } else {
-          result =
-              Truncated(static_cast<float>(Law(law, static_cast<Wide>(d), static_cast<Wide>(r),
-                                               static_cast<Wide>(o), static_cast<Wide>(given.x))));
+          result = Truncated(
+              static_cast<float>(Law(law, static_cast<Wide>(d), r, o, static_cast<Wide>(given.x))));
         }
       }
       if (info.type == IMAGE_U8) {
@@ -230,6 +228,20 @@ TEST(MathLookup, NearTheStartOfALawDifferencesCancelAndStayExact) {
       Check(image, nullptr, {operation, x, 0.0f, 1.0000001f});
     }
   }
+}
+
+TEST(MathLookup, PixelsFarBelowTheOthersLeaveTheseTheirDigits) {
+  const TestImage image(IMAGE_SGL, 3, 1);
+  image.Set(0, 0, -1e12f);
+  image.Set(1, 0, 0.5f);
+  image.Set(2, 0, 1.1f);
+  for (int32_t operation = 0; operation < 7; operation++) {
+    Check(image, nullptr, {operation, 2.0f, 0.0f, 0.0f});
+  }
+  const TestImage result(IMAGE_SGL, 3, 1);
+  ASSERT_EQ(ZEL_MathLookup(image, 0, result, MATH_SQRT, 0.0f, 0.0f, 0.0f), 0);
+  EXPECT_NEAR(result.Get<float>(1, 0), 0.8, 1e-6);
+  EXPECT_EQ(result.Get<float>(2, 0), 1.1f);
 }
 
 // Powers that 80 bits round to 1, or nearly, and those beyond all that 80 bits hold.
