@@ -91,7 +91,8 @@ constexpr Leftovers OF_FORWARD[] = {{-101, CALIBRATION | SIZE | PIXELS}};
 constexpr Leftovers OF_INVERSE[] = {{-101, CALIBRATION | SIZE}};
 constexpr Leftovers OF_MEMORY[] = {{-101, CALIBRATION}};
 // A destination of another type has been settled and then emptied.
-constexpr Leftovers OF_ONE_SOURCE[] = {{-101, CALIBRATION}, {-304, CALIBRATION | SIZE}};
+constexpr Leftovers OF_ONE_SOURCE[] = {
+    {-101, CALIBRATION}, {-300, CALIBRATION}, {-304, CALIBRATION | SIZE}};
 
 constexpr ApiCall ROWS[] = {
     {200, "ZEL_FFT", Transform<ZEL_FFT>, STATUS, OF_FORWARD},

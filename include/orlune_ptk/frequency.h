@@ -128,7 +128,8 @@ int32_t ZEL_ComplexDivide(ImageRef source, ImageRef operand, ImageRef destinatio
  * source:      IMAGE_COMPLEX.
  * destination: IMAGE_COMPLEX. 0 or the source: in place.
  * Failures: -200; -2003 for another source type; -200; -101: the destination may have the source's
- * calibration; -304 for another type of the destination, which is calibrated and 0 x 0 then. */
+ * calibration; -304 for another type of the destination, which is calibrated and 0 x 0 then; -300
+ * for one made with a number outside ImageType, which is calibrated then. */
 int32_t ZEL_ComplexConjugate(ImageRef source, ImageRef destination);
 
 /* Exchanges the quadrants: top left with bottom right, top right with bottom left. The last column
@@ -136,7 +137,8 @@ int32_t ZEL_ComplexConjugate(ImageRef source, ImageRef destination);
  * source:      IMAGE_SGL or IMAGE_COMPLEX.
  * destination: of the source's type. 0 or the source: in place.
  * Failures: -200; -301 for another source type; -200; -101: the destination may have the source's
- * calibration; -304 for another type of the destination, which is calibrated and 0 x 0 then. */
+ * calibration; -304 for another type of the destination, which is calibrated and 0 x 0 then; -300
+ * for one made with a number outside ImageType, which is calibrated then. */
 int32_t ZEL_ComplexFlipFrequency(ImageRef source, ImageRef destination);
 
 /* Weights frequencies. With w2 = width / 2 and h2 = height / 2 (truncated):
@@ -149,7 +151,8 @@ int32_t ZEL_ComplexFlipFrequency(ImageRef source, ImageRef destination);
  * destination: of the source's type. 0 or the source: in place.
  * mode:        a FrequencyFilter.
  * Failures: -200; -301 for another source type; -200; -101: the destination may have the source's
- * calibration; -304 for another type of the destination, which is calibrated and 0 x 0 then. */
+ * calibration; -304 for another type of the destination, which is calibrated and 0 x 0 then; -300
+ * for one made with a number outside ImageType, which is calibrated then. */
 int32_t ZEL_ComplexAttenuate(ImageRef source, ImageRef destination, int16_t mode);
 
 /* Clears frequencies outside, or inside, a quarter of an ellipse in each corner. Its half axes are
@@ -164,7 +167,8 @@ int32_t ZEL_ComplexAttenuate(ImageRef source, ImageRef destination, int16_t mode
  * mode:        a FrequencyFilter.
  * percent:     of the spectrum, limited to 0..100; NaN is 0.
  * Failures: -200; -301 for another source type; -200; -101: the destination may have the source's
- * calibration; -304 for another type of the destination, which is calibrated and 0 x 0 then. */
+ * calibration; -304 for another type of the destination, which is calibrated and 0 x 0 then; -300
+ * for one made with a number outside ImageType, which is calibrated then. */
 int32_t ZEL_ComplexTruncate(ImageRef source, ImageRef destination, int16_t mode, float percent);
 
 /* Takes a plane out of a complex image.
@@ -175,7 +179,8 @@ int32_t ZEL_ComplexTruncate(ImageRef source, ImageRef destination, int16_t mode,
  *              source: in place.
  * plane:       a ComplexPlane; limited to its numbers.
  * Failures: -200; -2003 for another source type; -200; -101: the destination may have the source's
- * calibration; -304 for another type of the destination, which is calibrated and 0 x 0 then. */
+ * calibration; -304 for another type of the destination, which is calibrated and 0 x 0 then; -300
+ * for one made with a number outside ImageType, which is calibrated then. */
 int32_t ZEL_ExtractComplexPlane(ImageRef source, ImageRef destination, int32_t plane);
 
 /* Replaces the real or the imaginary parts of a complex image. The other part stays, where the
