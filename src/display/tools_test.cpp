@@ -643,6 +643,26 @@ TEST_F(Tools, PressButtons) {
   EXPECT_EQ(WithImage(-100, 0x7FFFFFF0, {}), 200);
 }
 
+TEST_F(Tools, PressAButtonWithinItsEdgesAlone) {
+  const TestImage up(IMAGE_RGB, 60, 30);
+  const TestImage down(IMAGE_RGB, 60, 30);
+  ASSERT_EQ(WithImage(-100, up, {}), 0);
+  ASSERT_EQ(WithImage(-101, down, {0, 10, 8, 30, 20, 1}), 0);
+  Do(17, 12);
+  for (const auto& [x, y] : {std::pair{9, 12}, {30, 12}, {12, 7}, {12, 20}}) {
+    Post(17, DesktopEventKind::LEFT_PRESS, x, y);
+    EXPECT_NE(EventOf(17).type, WEVENT_BUTTON) << x << ' ' << y;
+    EXPECT_EQ(Ask(17, -102), (Numbers{0}));
+  }
+  int32_t state = 0;
+  for (const auto& [x, y] : {std::pair{10, 8}, {29, 8}, {10, 19}, {29, 19}}) {
+    Post(17, DesktopEventKind::LEFT_PRESS, x, y);
+    EXPECT_EQ(EventOf(17).type, WEVENT_BUTTON) << x << ' ' << y;
+    state = 1 - state;
+    EXPECT_EQ(Ask(17, -102), (Numbers{state}));
+  }
+}
+
 // ---- events
 
 TEST_F(Tools, GiveTheNewestEventAndForgetTheOthers) {
